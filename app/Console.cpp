@@ -1,0 +1,292 @@
+#include "Console.h"
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdarg>
+#include <cstdio>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int iNoChar = -2;
+constexpr int iEndOfInput = -1;
+// A pipe that polls writable takes this much without blocking.
+constexpr size_t uPipeChunk = 4096;
+
+std::atomic<int> giEndSignal{0};
+std::atomic<bool> gbLeaving{false};
+std::atomic<bool> gbInputEnded{false};
+std::atomic<int> giPushedBack{iNoChar};
+std::atomic<uint32_t> gu32KeyWaiters{0};
+std::atomic_flag gOutputTaken;
+std::atomic_flag gInputTaken;
+bool gbOutputNeverBlocks = false;
+
+// Readable from the moment the client is ending; never emptied.
+int giEndEvent = -1;
+// Tells the menus that a decoder has got its character.
+int giTurnEvent = -1;
+// Tells a waiting decoder that a character was pushed back.
+int giPushBackEvent = -1;
+
+void Raise(int iEvent) {
+    const uint64_t u64One = 1;
+    if (iEvent >= 0) {
+        (void)!write(iEvent, &u64One, sizeof u64One);
+    }
+}
+
+void Clear(int iEvent) {
+    uint64_t u64Count = 0;
+    (void)!read(iEvent, &u64Count, sizeof u64Count);
+}
+
+void EndBySignal(int iSignal) {
+    int iNone = 0;
+    giEndSignal.compare_exchange_strong(iNone, iSignal);
+    Raise(giEndEvent);
+}
+
+void OnSignal(int iSignal) {
+    const int iSavedErrno = errno;
+    EndBySignal(iSignal);
+    errno = iSavedErrno;
+}
+
+void Catch(int iSignal) {
+    struct sigaction stAction {};
+    stAction.sa_handler = OnSignal;
+    sigemptyset(&stAction.sa_mask);
+    sigaction(iSignal, &stAction, nullptr); // no SA_RESTART: every wait looks up
+}
+
+// A taker of the flag holds it for one system call on a ready descriptor, so
+// that waiting for it never lasts.
+struct Hold {
+    explicit Hold(std::atomic_flag &flag) : Flag(flag) {
+        while (Flag.test_and_set(std::memory_order_acquire)) {
+            poll(nullptr, 0, 1);
+        }
+    }
+    ~Hold() { Flag.clear(std::memory_order_release); }
+    Hold(const Hold &) = delete;
+    Hold &operator=(const Hold &) = delete;
+    std::atomic_flag &Flag;
+};
+
+bool InputIsReady() {
+    pollfd stPoll{STDIN_FILENO, POLLIN, 0};
+    return poll(&stPoll, 1, 0) > 0;
+}
+
+// The next character if there is one. Call it holding gInputTaken: it is the
+// only place that reads the descriptor, one byte at a time, so that nothing is
+// kept from the other reader or from a look at the descriptor.
+int TakeChar() {
+    const int iPushedBack = giPushedBack.exchange(iNoChar);
+    if (iPushedBack != iNoChar) {
+        return iPushedBack;
+    }
+    if (gbInputEnded) {
+        return iEndOfInput;
+    }
+    if (!InputIsReady()) {
+        return iNoChar;
+    }
+    unsigned char ucChar = 0;
+    const ssize_t iCount = read(STDIN_FILENO, &ucChar, 1);
+    if (iCount == 1) {
+        return ucChar;
+    }
+    if (iCount < 0 && (errno == EINTR || errno == EAGAIN)) {
+        return iNoChar;
+    }
+    gbInputEnded = true;
+    return iEndOfInput;
+}
+
+bool CharIsAtHand() { return giPushedBack != iNoChar || gbInputEnded; }
+
+void WaitForInputOrEnd() {
+    pollfd astPoll[] = {
+        {STDIN_FILENO, POLLIN, 0}, {giEndEvent, POLLIN, 0}, {STDOUT_FILENO, 0, 0}};
+    poll(astPoll, 3, -1);
+    if ((astPoll[2].revents & (POLLERR | POLLHUP)) != 0) {
+        EndBySignal(SIGPIPE);
+    }
+}
+
+void WaitForTurn() {
+    pollfd astPoll[] = {{giTurnEvent, POLLIN, 0}, {giEndEvent, POLLIN, 0}};
+    if (gu32KeyWaiters != 0) {
+        poll(astPoll, 2, -1);
+    }
+    Clear(giTurnEvent);
+}
+
+// Writes all of it, or gives up when nobody can read it any more.
+void WriteWhole(std::string_view strText) {
+    while (!strText.empty()) {
+        size_t uChunk = strText.size();
+        if (!gbOutputNeverBlocks) {
+            pollfd stPoll{STDOUT_FILENO, POLLOUT, 0};
+            const int iReady = poll(&stPoll, 1, 100);
+            if (iReady <= 0) {
+                if (giEndSignal != 0) {
+                    return;
+                }
+                continue;
+            }
+            uChunk = std::min(uChunk, uPipeChunk);
+        }
+        const ssize_t iWritten = write(STDOUT_FILENO, strText.data(), uChunk);
+        if (iWritten >= 0) {
+            strText.remove_prefix(static_cast<size_t>(iWritten));
+        } else if (errno != EINTR && errno != EAGAIN) {
+            EndBySignal(SIGPIPE);
+            return;
+        }
+    }
+}
+
+} // namespace
+
+std::string &PendingOutput() {
+    thread_local std::string strPending;
+    return strPending;
+}
+
+void PutText(std::string_view strText) { PendingOutput() += strText; }
+
+void PutLine(std::string_view strText) {
+    std::string &strPending = PendingOutput();
+    strPending += strText;
+    strPending += '\n';
+}
+
+void PutFormat(const char *pcFormat, ...) {
+    char acText[512];
+    va_list stArguments;
+    va_start(stArguments, pcFormat);
+    const int iLength = vsnprintf(acText, sizeof acText, pcFormat, stArguments);
+    va_end(stArguments);
+    if (iLength > 0) {
+        PutText({acText, std::min<size_t>(static_cast<size_t>(iLength), sizeof acText - 1)});
+    }
+}
+
+void FlushOutput() {
+    std::string &strPending = PendingOutput();
+    if (strPending.empty()) {
+        return;
+    }
+    while (gOutputTaken.test_and_set(std::memory_order_acquire)) {
+        if (giEndSignal != 0) {
+            strPending.clear();
+            return;
+        }
+        poll(nullptr, 0, 1);
+    }
+    WriteWhole(strPending);
+    gOutputTaken.clear(std::memory_order_release);
+    strPending.clear();
+}
+
+void OpenConsole() {
+    for (int iDescriptor = STDIN_FILENO; iDescriptor <= STDERR_FILENO; ++iDescriptor) {
+        if (fcntl(iDescriptor, F_GETFD) < 0) {
+            (void)!open("/dev/null", O_RDWR); // the lowest free number is this one
+        }
+    }
+    giEndEvent = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+    giTurnEvent = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+    giPushBackEvent = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+    struct stat stStatus {};
+    gbOutputNeverBlocks = fstat(STDOUT_FILENO, &stStatus) == 0 && S_ISREG(stStatus.st_mode);
+    Catch(SIGINT);
+    Catch(SIGTERM);
+    Catch(SIGHUP);
+    signal(SIGPIPE, SIG_IGN);
+}
+
+int NextInputChar() {
+    for (;;) {
+        EndIfSignalled();
+        if (gu32KeyWaiters != 0) {
+            WaitForTurn();
+            continue;
+        }
+        if (!CharIsAtHand()) {
+            WaitForInputOrEnd();
+            EndIfSignalled();
+        }
+        const Hold stHold(gInputTaken);
+        if (gu32KeyWaiters != 0) {
+            continue;
+        }
+        const int iChar = TakeChar();
+        if (iChar != iNoChar) {
+            return iChar;
+        }
+    }
+}
+
+void PushBackInputChar(int iChar) {
+    if (iChar == iEndOfInput) {
+        return; // the end of the input stays where it is
+    }
+    giPushedBack = iChar;
+    Raise(giPushBackEvent);
+}
+
+int WaitForKey() {
+    FlushOutput();
+    ++gu32KeyWaiters;
+    int iChar = iNoChar;
+    while (iChar == iNoChar) {
+        if (IsEnding()) {
+            iChar = iEndOfInput;
+            break;
+        }
+        if (!CharIsAtHand()) {
+            pollfd astPoll[] = {{STDIN_FILENO, POLLIN, 0},
+                                {giEndEvent, POLLIN, 0},
+                                {giPushBackEvent, POLLIN, 0}};
+            poll(astPoll, 3, -1);
+            Clear(giPushBackEvent);
+        }
+        const Hold stHold(gInputTaken);
+        iChar = TakeChar();
+    }
+    --gu32KeyWaiters;
+    Raise(giTurnEvent);
+    return iChar;
+}
+
+void PauseMicroseconds(uint32_t u32Microseconds) {
+    pollfd stPoll{giEndEvent, POLLIN, 0};
+    const timespec stTime{static_cast<time_t>(u32Microseconds / 1000000),
+                          static_cast<long>(u32Microseconds % 1000000) * 1000};
+    ppoll(&stPoll, 1, &stTime, nullptr);
+}
+
+void BeginLeaving() {
+    gbLeaving = true;
+    Raise(giEndEvent);
+}
+
+int EndingSignal() { return giEndSignal; }
+
+bool IsEnding() { return gbLeaving || giEndSignal != 0; }
+
+void EndIfSignalled() {
+    if (giEndSignal != 0) {
+        throw ClientEnd{128 + giEndSignal};
+    }
+}

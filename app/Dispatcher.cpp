@@ -1,0 +1,83 @@
+#include "Dispatcher.h"
+
+#include "Console.h"
+#include "IdleMode.h"
+#include "LinkStatus.h"
+#include "Message.h"
+#include "Report.h"
+#include "WiMAXOptions.h"
+
+namespace {
+
+using Decoder = uint32_t (*)(const WiMAXMessage *pstMessage, uint32_t u32Length);
+
+uint32_t Ignore(const WiMAXMessage * /*pstMessage*/, uint32_t /*u32Length*/) { return 0; }
+
+struct DecoderRow {
+    uint32_t u32Type;
+    Decoder pfnDecode;
+};
+
+constexpr DecoderRow astDecoders[] = {
+    {TYPE_NETWORK_SEARCH, NetEntrySearchResponse},
+    {TYPE_NETWORK_ENTRY, NetEntryExitResponse},
+    {TYPE_AUTHENTICATION, nullptr},
+    {TYPE_SERVICE_FLOW, nullptr},
+    {TYPE_SS_INFO, nullptr},
+    {TYPE_START_LOGGER, nullptr},
+    {TYPE_VENDOR_SPECIFIC, nullptr},
+    {TYPE_MAC_ADDRESS, nullptr},
+    {TYPE_DEVICE_UNLOAD, nullptr},
+    {TYPE_DEVICE_CONFIG, nullptr},
+    {TYPE_CHIPSET, nullptr},
+    {TYPE_STATISTICS, nullptr},
+    {TYPE_IDLE_MODE, IdleModeResponse},
+    {TYPE_MAC_MGMT, nullptr},
+    {TYPE_GPIO, nullptr},
+    {TYPE_HANDOVER, nullptr},
+    {TYPE_MIB, nullptr},
+    {TYPE_IGNORED_25, Ignore},
+    {TYPE_SLEEP_MODE, nullptr},
+    {TYPE_MAC_LOGGING, Ignore},
+    {TYPE_ANTENNA, nullptr},
+    {TYPE_WIMAX_OPTIONS, ProcessWiMAXOptionsResp},
+    {TYPE_SHUTDOWN, ShutDownResponse},
+    {TYPE_PHY_LOGGING, nullptr},
+    {TYPE_SECURITY, nullptr},
+    {TYPE_HALF_MINI_CARD, ProcessHalfMiniCardResponse},
+};
+
+Decoder DecoderOf(uint32_t u32Type) {
+    for (const DecoderRow &stRow : astDecoders) {
+        if (stRow.u32Type == u32Type) {
+            return stRow.pfnDecode;
+        }
+    }
+    return nullptr;
+}
+
+uint32_t Decode(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+    if (pstMessage == nullptr) {
+        PutText("\nAppcallback called with null buffer !!!");
+        return 0;
+    }
+    if (gbInsideSubMenu != 0) {
+        return 0;
+    }
+    const uint32_t u32Type = View(pstMessage, u32Length).u32Type;
+    const Decoder pfnDecode = DecoderOf(u32Type);
+    if (pfnDecode == nullptr) {
+        PutNumber("\nUNKNOWN type of message received in Callback func (%d)!!!", u32Type);
+        return 0;
+    }
+    return pfnDecode(pstMessage, u32Length);
+}
+
+} // namespace
+
+uint32_t TVLCallback(uint32_t /*u32Context*/, const WiMAXMessage *pstMessage,
+                     uint32_t u32Length) {
+    const uint32_t u32Result = Decode(pstMessage, u32Length);
+    FlushOutput();
+    return u32Result;
+}

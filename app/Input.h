@@ -1,0 +1,36 @@
+// What the menus read from the input, with the C library's formats. Every
+// reader first shows what has been printed, and throws ClientEnd when the
+// input ends before there is anything to read.
+#ifndef INPUT_H
+#define INPUT_H
+
+#include <cstdint>
+
+// One word ("%s") as a decimal number: 0 when it does not begin with one.
+int32_t ReadOption();
+// One word as a hexadecimal number. Returns 1 when it was one, else 0 with
+// *pu32Value as it was.
+uint32_t ReadHexNum(uint32_t *pu32Value);
+// One word, of which the first u32Size - 1 characters are kept.
+void ReadWord(char *pcWord, uint32_t u32Size);
+
+// "%d", "%x" and "%f": what they cannot convert stays in the input for the next
+// reader, as does all that follows a number. Return false, with the value as it
+// was, when nothing was converted.
+bool ReadInteger(int32_t *piValue);
+bool ReadHexInteger(uint32_t *pu32Value);
+bool ReadFloat(float *pfValue);
+
+// For questions that are asked again until the answer fits: "%d", but a word
+// that cannot be converted is dropped.
+bool ReadIntegerOrDropWord(int32_t *piValue);
+
+// The prompt and its answer.
+int32_t AskOption(const char *pcPrompt);
+// A field of a request that "%d" fills: 0 when the answer is no number.
+uint32_t AskInteger(const char *pcPrompt);
+// A frequency typed in MHz, in kHz: multiplied in single precision and
+// truncated; 0 when it is no number or no 32-bit number of kHz holds it.
+uint32_t AskFrequency(const char *pcPrompt);
+
+#endif

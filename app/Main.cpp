@@ -1,0 +1,3 @@
+#include "Client.h"
+
+int main() { return RunClient(RunMainMenu); }

@@ -1,0 +1,110 @@
+#include "Client.h"
+#include "ConnectionManagement.h"
+#include "Console.h"
+#include "Dispatcher.h"
+#include "IdleMode.h"
+#include "Input.h"
+#include "Message.h"
+#include "VendorSpecificMessageApp.h"
+
+namespace {
+
+constexpr int32_t iLeave = -1;
+// The extended entries are listed behind the last entry, but looked up from
+// another base: 21 and 22 are shown and refused.
+constexpr int32_t iLastListed = 20;
+constexpr int32_t iExtendedBase = 13;
+
+void CloseOnly() { CloseWiMAXDevice(); }
+
+void OpenAgain() {
+    g_hDevice = OpenWiMAXDevice();
+    if (g_hDevice == WIMAX_NO_DEVICE) {
+        PutText("\n Error : Device not ready!!!");
+        return;
+    }
+    PutFormat("\n Success , handle : %p", reinterpret_cast<void *>(uintptr_t{g_hDevice}));
+    RegisterCallback(g_hDevice, TVLCallback, 0);
+}
+
+// What becomes of gbInsideSubMenu once the choice has been handled.
+enum class Afterwards : uint8_t { Cleared, Kept };
+
+// A choice; one without a text is not listed.
+struct MainMenuEntry {
+    int32_t iChoice;
+    const char *pcText;
+    void (*pfnHandle)();
+    Afterwards eFlag = Afterwards::Cleared;
+};
+
+constexpr MainMenuEntry astEntries[] = {
+    {1, "\n 1. CONNECTION MANAGEMENT REQUESTS", [] { ConnectionManagement(); }},
+    {2, "\n 2. SS INFO REQUESTS", nullptr},
+    {3, "\n 3. CHIPSET CONTROL REQUESTS", nullptr, Afterwards::Kept},
+    {4, "\n 4. STATISTICS REQUEST", nullptr},
+    {5, "\n 5. MAC MANAGEMENT MESSAGE REQUESTS", nullptr},
+    {6, "\n 6. SERVICE FLOW MSG REQUESTS", nullptr},
+    {7, "\n 7. RDM-WRM TEST REQUESTS", nullptr},
+    {8, "\n 8. GPIO MSG REQUESTS", nullptr},
+    {9, "\n 9. LOGGER MSG REQUESTS", nullptr},
+    {10, "\n10. VENDOR SPECIFIC PARAM REQUEST", nullptr},
+    {11, "\n11. MIB REQUEST", nullptr},
+    {12, "\n12. SET MAC ADDRESS", nullptr},
+    {13, "\n13. DEVICE CONFIG", nullptr},
+    {14, "\n14. EAP REQUESTS", nullptr},
+    {15, "\n15. Sleep Mode PSC Definition", nullptr},
+    {16, "\n16. IDLE MODE REQUESTS", [] { SendIdleModeMsg(); }},
+    {17, "\n17. Antenna Switching & Selection", nullptr},
+    {18, "\n18. CONTROL MAC LOGGING", nullptr},
+    {19, "\n19. CONTROL PHY LOGGING", nullptr},
+    {iLastListed, "\n20. OMA DM/Security Parameters Check", nullptr},
+    {24, nullptr, [] { SendHalfMiniCardStatusRequest(); }},
+    {100, nullptr, CloseOnly},
+    {200, nullptr, OpenAgain},
+};
+
+int32_t AskMainMenu() {
+    PutLine("\n******** MAIN MENU ********");
+    for (const MainMenuEntry &stEntry : astEntries) {
+        if (stEntry.pcText != nullptr) {
+            PutText(stEntry.pcText);
+        }
+    }
+    DisplayExMenu(iLastListed);
+    PutText("\n-1. EXIT FROM APPLICATION");
+    PutLine("\n\n****************************");
+    return AskOption("\nENTER OPTION : ");
+}
+
+void HandleChoice(int32_t iChoice) {
+    for (const MainMenuEntry &stEntry : astEntries) {
+        if (stEntry.iChoice == iChoice) {
+            if (stEntry.pfnHandle != nullptr) {
+                stEntry.pfnHandle();
+            }
+            if (stEntry.eFlag == Afterwards::Cleared) {
+                gbInsideSubMenu = 0;
+            }
+            return;
+        }
+    }
+    if (ProcessExChoice(iExtendedBase, iChoice) == 0) {
+        PutText("\nSORRY!! INVALID OPTION!!");
+    }
+}
+
+} // namespace
+
+void RunMainMenu() {
+    for (;;) {
+        const int32_t iChoice = AskMainMenu();
+        if (iChoice != 0) {
+            gbInsideSubMenu = 1;
+        }
+        if (iChoice == iLeave) {
+            return;
+        }
+        HandleChoice(iChoice);
+    }
+}

@@ -1,0 +1,28 @@
+// Requests: the envelope, the state shared with the callback, and sending.
+#ifndef MESSAGE_H
+#define MESSAGE_H
+
+#include <atomic>
+#include <cstdint>
+
+#include "Wire.h"
+
+// The device handle; WIMAX_NO_DEVICE when none is open.
+extern std::atomic<uint32_t> g_hDevice;
+// 1 while a menu choice is being handled and no request has been built yet: the
+// callback drops every message.
+extern std::atomic<uint8_t> gbInsideSubMenu;
+
+// Zeroes the whole message, writes type and subtype and lets answers through
+// again. Returns the length to send: the low 16 bits of the payload length plus
+// the header, or all ones for a null buffer.
+uint32_t FillWiMAXMsg(WiMAXMessage *pstMessage, uint32_t u32Type, uint32_t u32SubType,
+                      uint32_t u32PayloadLength);
+
+// Shows what was printed so far, then sends. Returns the library's result.
+int32_t SendMessage(WiMAXMessage *pstMessage, uint32_t u32Length);
+
+// Builds and sends a request whose payload is stPayload (nothing by default).
+int32_t SendRequest(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload = {});
+
+#endif

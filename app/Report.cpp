@@ -1,0 +1,117 @@
+#include "Report.h"
+
+#include <cstring>
+#include <string>
+
+#include "Console.h"
+
+namespace {
+
+// A conversion of a row's text: %[0][width](d|u|x|X).
+struct Conversion {
+    bool bZeroFilled = false;
+    uint32_t u32Width = 0;
+    char cKind = 'd';
+};
+
+// Reads the conversion behind a percent sign; returns where the text goes on.
+const char *ParseConversion(const char *pcText, Conversion *pstConversion) {
+    pstConversion->bZeroFilled = *pcText == '0';
+    for (; *pcText >= '0' && *pcText <= '9'; ++pcText) {
+        pstConversion->u32Width =
+            pstConversion->u32Width * 10 + static_cast<uint32_t>(*pcText - '0');
+    }
+    pstConversion->cKind = *pcText;
+    return pcText + 1;
+}
+
+void AppendConverted(std::string &strOutput, const Conversion &stConversion, uint32_t u32Value) {
+    const char *pcDigits =
+        stConversion.cKind == 'X' ? "0123456789ABCDEF" : "0123456789abcdef";
+    const uint32_t u32Base = stConversion.cKind == 'x' || stConversion.cKind == 'X' ? 16 : 10;
+    const bool bNegative = stConversion.cKind == 'd' && static_cast<int32_t>(u32Value) < 0;
+    uint32_t u32Rest = bNegative ? 0 - u32Value : u32Value;
+    char acDigits[10];
+    uint32_t u32Count = 0;
+    do {
+        acDigits[u32Count++] = pcDigits[u32Rest % u32Base];
+        u32Rest /= u32Base;
+    } while (u32Rest != 0);
+    const uint32_t u32Used = u32Count + (bNegative ? 1 : 0);
+    const uint32_t u32Fill =
+        stConversion.u32Width > u32Used ? stConversion.u32Width - u32Used : 0;
+    if (!stConversion.bZeroFilled) {
+        strOutput.append(u32Fill, ' ');
+    }
+    if (bNegative) {
+        strOutput += '-';
+    }
+    if (stConversion.bZeroFilled) {
+        strOutput.append(u32Fill, '0');
+    }
+    while (u32Count > 0) {
+        strOutput += acDigits[--u32Count];
+    }
+}
+
+// Appends the text, taking the number of each conversion from NextNumber().
+template <typename NumberSource> void PutConverted(const char *pcText, NumberSource NextNumber) {
+    std::string &strOutput = PendingOutput();
+    for (;;) {
+        const char *pcPercent = std::strchr(pcText, '%');
+        if (pcPercent == nullptr) {
+            strOutput += pcText;
+            return;
+        }
+        strOutput.append(pcText, pcPercent);
+        Conversion stConversion;
+        pcText = ParseConversion(pcPercent + 1, &stConversion);
+        AppendConverted(strOutput, stConversion, NextNumber());
+    }
+}
+
+} // namespace
+
+void PutRow(ByteView stView, const ReportRow &stRow, uint32_t u32Base) {
+    if (stRow.stField.eType == FieldType::None) {
+        PutText(stRow.pcText);
+        return;
+    }
+    PutConverted(stRow.pcText, [&] {
+        const uint32_t u32Value = Get(stView, stRow.stField, u32Base);
+        u32Base += WidthOf(stRow.stField.eType);
+        return u32Value;
+    });
+}
+
+void PutRows(ByteView stView, std::span<const ReportRow> astRows, uint32_t u32Base) {
+    for (const ReportRow &stRow : astRows) {
+        PutRow(stView, stRow, u32Base);
+    }
+}
+
+void PutNumber(const char *pcText, uint32_t u32Value) {
+    PutConverted(pcText, [u32Value] { return u32Value; });
+}
+
+void PutEachByte(const char *pcText, ByteView stBytes) {
+    for (uint32_t i = 0; i < stBytes.u32Length; ++i) {
+        PutNumber(pcText, stBytes.At(i));
+    }
+}
+
+void PutClosingLine(const char *pcBanner) {
+    const char *pcFirst = pcBanner + std::strspn(pcBanner, "\n");
+    PutText("\n\n");
+    PendingOutput().append(std::strlen(pcFirst), *pcFirst);
+    PutText("\n");
+}
+
+const char *NameOf(std::span<const CodeName> astNames, uint32_t u32Code, const char *pcOther) {
+    for (const CodeName &stName : astNames) {
+        if (stName.u32Code == u32Code) {
+            return stName.pcName;
+        }
+    }
+    return pcOther;
+}

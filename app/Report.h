@@ -1,0 +1,38 @@
+// Reports as data: rows of text whose numbers are fields of a record.
+#ifndef REPORT_H
+#define REPORT_H
+
+#include <cstdint>
+#include <span>
+
+#include "Wire.h"
+
+// One row. Each conversion in the text (%d, %u, %x, %X, with or without a zero
+// and a width) prints one number: the first the field, each further one the
+// field of the same type right behind the one before, so that a BS ID is one
+// byte field and six conversions. A row without a field is plain text.
+struct ReportRow {
+    const char *pcText;
+    Field stField = {};
+};
+
+// Prints one row, or all of them; u32Base is where the record begins in the view.
+void PutRow(ByteView stView, const ReportRow &stRow, uint32_t u32Base = 0);
+void PutRows(ByteView stView, std::span<const ReportRow> astRows, uint32_t u32Base = 0);
+// A row with one number that is no field.
+void PutNumber(const char *pcText, uint32_t u32Value);
+// Every byte by the same text, such as " 0x%02x".
+void PutEachByte(const char *pcText, ByteView stBytes);
+
+// The line that closes a report or a menu whose banner is pcBanner: two line
+// ends, the banner's own character as often as the banner is long, a line end.
+void PutClosingLine(const char *pcBanner);
+
+// The name of a code, or pcOther when the table has none.
+struct CodeName {
+    uint32_t u32Code;
+    const char *pcName;
+};
+const char *NameOf(std::span<const CodeName> astNames, uint32_t u32Code, const char *pcOther);
+
+#endif
