@@ -114,8 +114,7 @@ int TakeChar() {
 bool CharIsAtHand() { return giPushedBack != iNoChar || gbInputEnded; }
 
 void WaitForInputOrEnd() {
-    pollfd astPoll[] = {
-        {STDIN_FILENO, POLLIN, 0}, {giEndEvent, POLLIN, 0}, {STDOUT_FILENO, 0, 0}};
+    pollfd astPoll[] = {{STDIN_FILENO, POLLIN, 0}, {giEndEvent, POLLIN, 0}, {STDOUT_FILENO, 0, 0}};
     poll(astPoll, 3, -1);
     if ((astPoll[2].revents & (POLLERR | POLLHUP)) != 0) {
         EndBySignal(SIGPIPE);
@@ -255,9 +254,8 @@ int WaitForKey() {
             break;
         }
         if (!CharIsAtHand()) {
-            pollfd astPoll[] = {{STDIN_FILENO, POLLIN, 0},
-                                {giEndEvent, POLLIN, 0},
-                                {giPushBackEvent, POLLIN, 0}};
+            pollfd astPoll[] = {
+                {STDIN_FILENO, POLLIN, 0}, {giEndEvent, POLLIN, 0}, {giPushBackEvent, POLLIN, 0}};
             poll(astPoll, 3, -1);
             Clear(giPushBackEvent);
         }

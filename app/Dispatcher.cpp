@@ -13,6 +13,23 @@ using Decoder = uint32_t (*)(const WiMAXMessage *pstMessage, uint32_t u32Length)
 
 uint32_t Ignore(const WiMAXMessage * /*pstMessage*/, uint32_t /*u32Length*/) { return 0; }
 
+uint32_t DecodeIdleMode(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+    const uint32_t u32SubType = View(pstMessage, u32Length).u32SubType;
+    switch (u32SubType) {
+    case SUBTYPE_IDLE_MODE:
+        return IdleModeIndication(pstMessage, u32Length);
+    case SUBTYPE_IDLE_MODE_STATUS:
+        return IdleModeStatusResponse(pstMessage, u32Length);
+    case SUBTYPE_IDLE_MODE_INACTIVITY_TIMER:
+        return IdleModeInactivityTImerResponse(pstMessage, u32Length);
+    case SUBTYPE_IDLE_MODE_WAKE_UP:
+        return IdleModeWakeupResponse(pstMessage, u32Length);
+    default:
+        PutNumber("\nUNKNOWN sub-type in IDLE Mode in Callback func (%d)!!!", u32SubType);
+        return 0;
+    }
+}
+
 struct DecoderRow {
     uint32_t u32Type;
     Decoder pfnDecode;
@@ -31,7 +48,7 @@ constexpr DecoderRow astDecoders[] = {
     {TYPE_DEVICE_CONFIG, nullptr},
     {TYPE_CHIPSET, nullptr},
     {TYPE_STATISTICS, nullptr},
-    {TYPE_IDLE_MODE, IdleModeResponse},
+    {TYPE_IDLE_MODE, DecodeIdleMode},
     {TYPE_MAC_MGMT, nullptr},
     {TYPE_GPIO, nullptr},
     {TYPE_HANDOVER, nullptr},
@@ -75,8 +92,7 @@ uint32_t Decode(const WiMAXMessage *pstMessage, uint32_t u32Length) {
 
 } // namespace
 
-uint32_t TVLCallback(uint32_t /*u32Context*/, const WiMAXMessage *pstMessage,
-                     uint32_t u32Length) {
+uint32_t TVLCallback(uint32_t /*u32Context*/, const WiMAXMessage *pstMessage, uint32_t u32Length) {
     const uint32_t u32Result = Decode(pstMessage, u32Length);
     FlushOutput();
     return u32Result;

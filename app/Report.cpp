@@ -26,8 +26,7 @@ const char *ParseConversion(const char *pcText, Conversion *pstConversion) {
 }
 
 void AppendConverted(std::string &strOutput, const Conversion &stConversion, uint32_t u32Value) {
-    const char *pcDigits =
-        stConversion.cKind == 'X' ? "0123456789ABCDEF" : "0123456789abcdef";
+    const char *pcDigits = stConversion.cKind == 'X' ? "0123456789ABCDEF" : "0123456789abcdef";
     const uint32_t u32Base = stConversion.cKind == 'x' || stConversion.cKind == 'X' ? 16 : 10;
     const bool bNegative = stConversion.cKind == 'd' && static_cast<int32_t>(u32Value) < 0;
     uint32_t u32Rest = bNegative ? 0 - u32Value : u32Value;
@@ -38,8 +37,7 @@ void AppendConverted(std::string &strOutput, const Conversion &stConversion, uin
         u32Rest /= u32Base;
     } while (u32Rest != 0);
     const uint32_t u32Used = u32Count + (bNegative ? 1 : 0);
-    const uint32_t u32Fill =
-        stConversion.u32Width > u32Used ? stConversion.u32Width - u32Used : 0;
+    const uint32_t u32Fill = stConversion.u32Width > u32Used ? stConversion.u32Width - u32Used : 0;
     if (!stConversion.bZeroFilled) {
         strOutput.append(u32Fill, ' ');
     }
@@ -91,13 +89,30 @@ void PutRows(ByteView stView, std::span<const ReportRow> astRows, uint32_t u32Ba
 }
 
 void PutNumber(const char *pcText, uint32_t u32Value) {
-    PutConverted(pcText, [u32Value] { return u32Value; });
+    const uint32_t au32Values[] = {u32Value};
+    PutNumbers(pcText, au32Values);
+}
+
+void PutNumbers(const char *pcText, std::span<const uint32_t> au32Values) {
+    size_t uNext = 0;
+    PutConverted(pcText, [&] { return uNext < au32Values.size() ? au32Values[uNext++] : 0; });
 }
 
 void PutEachByte(const char *pcText, ByteView stBytes) {
     for (uint32_t i = 0; i < stBytes.u32Length; ++i) {
         PutNumber(pcText, stBytes.At(i));
     }
+}
+
+bool PutVendorData(const char *pcHeading, ByteView stView, Field stLength, uint32_t u32Offset) {
+    const uint32_t u32Length = Get(stView, stLength);
+    if (u32Length < 1 || u32Length > 255) {
+        return false;
+    }
+    PutLine(pcHeading);
+    PutEachByte("0x%02x ", stView.From(u32Offset, u32Length));
+    PutText("\n");
+    return true;
 }
 
 void PutClosingLine(const char *pcBanner) {

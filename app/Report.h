@@ -19,10 +19,16 @@ struct ReportRow {
 // Prints one row, or all of them; u32Base is where the record begins in the view.
 void PutRow(ByteView stView, const ReportRow &stRow, uint32_t u32Base = 0);
 void PutRows(ByteView stView, std::span<const ReportRow> astRows, uint32_t u32Base = 0);
-// A row with one number that is no field.
+// A row with numbers that are no fields. Further conversions print 0.
 void PutNumber(const char *pcText, uint32_t u32Value);
+void PutNumbers(const char *pcText, std::span<const uint32_t> au32Values);
 // Every byte by the same text, such as " 0x%02x".
 void PutEachByte(const char *pcText, ByteView stBytes);
+
+// Vendor-specific data: nothing unless the length field says 1 to 255; then the
+// heading with its line end, the bytes from u32Offset as far as they were
+// received, a line end. Returns false when it printed nothing.
+bool PutVendorData(const char *pcHeading, ByteView stView, Field stLength, uint32_t u32Offset);
 
 // The line that closes a report or a menu whose banner is pcBanner: two line
 // ends, the banner's own character as often as the banner is long, a line end.

@@ -47,8 +47,7 @@ ScanResult ScanDigits(const CharSource &stSource, uint32_t u32Base, Digits *pstD
         }
     }
     while (DigitOf(iChar) < u32Base) {
-        const uint64_t u64Room =
-            (std::numeric_limits<uint64_t>::max() - DigitOf(iChar)) / u32Base;
+        const uint64_t u64Room = (std::numeric_limits<uint64_t>::max() - DigitOf(iChar)) / u32Base;
         pstDigits->bOverflow = pstDigits->bOverflow || pstDigits->u64Magnitude > u64Room;
         pstDigits->u64Magnitude = pstDigits->u64Magnitude * u32Base + DigitOf(iChar);
         bAnyDigit = true;
@@ -135,12 +134,10 @@ ScanResult ScanDecimal(const CharSource &stSource, int32_t *piValue) {
     if (eResult == ScanResult::Converted) {
         const uint64_t u64Most =
             static_cast<uint64_t>(std::numeric_limits<int64_t>::max()) + stDigits.bNegative;
-        const uint64_t u64Magnitude = stDigits.bOverflow || stDigits.u64Magnitude > u64Most
-                                          ? u64Most
-                                          : stDigits.u64Magnitude;
-        *piValue =
-            static_cast<int32_t>(static_cast<uint32_t>(stDigits.bNegative ? 0 - u64Magnitude
-                                                                          : u64Magnitude));
+        const uint64_t u64Magnitude =
+            stDigits.bOverflow || stDigits.u64Magnitude > u64Most ? u64Most : stDigits.u64Magnitude;
+        *piValue = static_cast<int32_t>(
+            static_cast<uint32_t>(stDigits.bNegative ? 0 - u64Magnitude : u64Magnitude));
     }
     return eResult;
 }

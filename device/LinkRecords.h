@@ -234,8 +234,8 @@ inline constexpr uint32_t Size = 8;
 
 // Type 19, subtype 1, indication.
 namespace IdleIndication {
-inline constexpr Field State{0, FieldType::U32}; // the planned timeout, 0 = out of idle mode
-inline constexpr Field BSID{4, FieldType::U8};   // six bytes
+inline constexpr Field State{0, FieldType::U32};     // the planned timeout, 0 = out of idle mode
+inline constexpr Field BSID{4, FieldType::U8};       // six bytes
 inline constexpr Field RSSIMean{10, FieldType::I32}; // quarter dB
 inline constexpr Field CINRMean{14, FieldType::U32}; // dB
 inline constexpr Field PreambleID{18, FieldType::U32};

@@ -136,9 +136,7 @@ inline ByteSpan BytesOf(WiMAXMessage &stMessage) {
     return {reinterpret_cast<uint8_t *>(&stMessage), WIMAX_MESSAGE_SIZE};
 }
 
-inline ByteSpan PayloadOf(WiMAXMessage &stMessage) {
-    return {stMessage.aucData, WIMAX_DATA_SIZE};
-}
+inline ByteSpan PayloadOf(WiMAXMessage &stMessage) { return {stMessage.aucData, WIMAX_DATA_SIZE}; }
 
 // A received message: its codes, and its payload as far as it was received.
 struct Received {

@@ -1,0 +1,145 @@
+#include "IdleMode.h"
+
+#include "Console.h"
+#include "Input.h"
+#include "LinkRecords.h"
+#include "Menu.h"
+#include "Message.h"
+#include "Report.h"
+
+namespace {
+
+constexpr int32_t iNoMIBSupport = -27;
+
+constexpr const char *apcMenuLines[] = {
+    "\n 1. IDLE MODE REQUEST",
+    "\n 2. IDLE MODE STATUS REQUEST",
+    "\n 3. IDLE MODE INACTIVITY TIMER CHANGE REQUEST",
+    "\n 4. IDLE MODE WAKE UP REQUEST",
+};
+
+constexpr Menu stMenu = {"\n\n*********** Idle Mode SubMenu ***********", apcMenuLines,
+                         "\n\n************************************"};
+
+constexpr const char *pcIndicationClosing = "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~";
+constexpr const char *pcWakeUpClosing = "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~";
+
+constexpr const char *pcIdleModeFailure =
+    "\nFailed to send the IDLE MODE REQUEST Message to device!!";
+
+int32_t Send(uint32_t u32SubType, const char *pcFailure, ByteView stPayload = {}) {
+    if (SendRequest(TYPE_IDLE_MODE, u32SubType, stPayload) != 0) {
+        PutText(pcFailure);
+    }
+    return 0;
+}
+
+constexpr ReportRow astIndicationRows[] = {
+    {"\n PREAMBLE ID  : %d", IdleIndication::PreambleID},
+    {"\n CINR MEAN : %d dB", IdleIndication::CINRMean},
+};
+
+// A report of one word.
+uint32_t PutWordReport(const WiMAXMessage *pstMessage, uint32_t u32Length, const char *pcBanner,
+                       const char *pcText) {
+    if (pstMessage != nullptr) {
+        PutLine(pcBanner);
+        PutRow(View(pstMessage, u32Length).stPayload, {pcText, StatusWord::Value});
+        PutLine(pcIndicationClosing);
+    }
+    return 0;
+}
+
+} // namespace
+
+int32_t SendIdleModeRequest() { return Send(SUBTYPE_IDLE_MODE, pcIdleModeFailure); }
+
+int32_t SendIdleModeStatusRequest() { return Send(SUBTYPE_IDLE_MODE_STATUS, pcIdleModeFailure); }
+
+int32_t SendIdleModeInactivityTimerRequest() {
+    Record<StatusWord::Size> stTimer;
+    Put(stTimer.Span(), StatusWord::Value,
+        static_cast<uint32_t>(
+            AskOption("\nEnter the Idle Mode Inactivity Timer value (in secs) : ")));
+    return Send(SUBTYPE_IDLE_MODE_INACTIVITY_TIMER,
+                "\nFailed to send the IDLE MODE INACITIVITY TIMER REQUEST Message to device!!",
+                stTimer.View());
+}
+
+int32_t SendIdleModeWakeupRequest() {
+    return Send(SUBTYPE_IDLE_MODE_WAKE_UP,
+                "\nFailed to send the IDLE MODE WAKEUP REQUEST Message to device!!");
+}
+
+int32_t SendIdleModeMsg() {
+    int32_t iResult = 0;
+    switch (AskMenu(stMenu)) {
+    case 1:
+        iResult = SendIdleModeRequest();
+        break;
+    case 2:
+        iResult = SendIdleModeStatusRequest();
+        break;
+    case 3:
+        iResult = SendIdleModeInactivityTimerRequest();
+        break;
+    case 4:
+        iResult = SendIdleModeWakeupRequest();
+        break;
+    default:
+        PutLine("\nSORRY! INVALID OPTION SELECTED!");
+        break;
+    }
+    // Every request returns 0 today: a failed send has its own line.
+    if (iResult != 0) {
+        PutFormat("\n Error : %d", iResult);
+        if (iResult == iNoMIBSupport) {
+            PutLine("\n BINARY DOES NOT SUPPORT MIBS");
+        }
+    }
+    return 0;
+}
+
+uint32_t IdleModeIndication(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+    using namespace IdleIndication;
+    if (pstMessage == nullptr) {
+        return 0;
+    }
+    const ByteView stPayload = View(pstMessage, u32Length).stPayload;
+    PutLine("\n~~~~~~~~~~ IDLE MODE INDICATION ~~~~~~~~~~");
+    if (Get(stPayload, State) != 0) {
+        PutLine("\n MODEM IS GOING INTO IDLE MODE.");
+        PutRow(stPayload, {"\n PLANNED IDLE MODE TIMEOUT : %d", State});
+    } else {
+        PutLine("\n MODEM HAS COME OUT FROM IDLE MODE.");
+    }
+    PutRows(stPayload, astIndicationRows);
+    PutNumber("\n RSSI MEAN: %d dB", static_cast<uint32_t>(GetSigned(stPayload, RSSIMean) / 4));
+    PutRow(stPayload, {"\n BS ID  :  %02X %02X %02X %02X %02X %02X", BSID});
+    PutVendorData("\n Vendor specific data ", stPayload, VendorDataLength, VendorData);
+    PutLine(pcIndicationClosing);
+    return 0;
+}
+
+uint32_t IdleModeStatusResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+    return PutWordReport(pstMessage, u32Length,
+                         "\n~~~~~~~~~~ IDLE MODE STATUS RESPONSE ~~~~~~~~~~\n",
+                         "IDLE MODE STATUS : %d \n");
+}
+
+uint32_t IdleModeInactivityTImerResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+    return PutWordReport(pstMessage, u32Length,
+                         "\n~~~~~~~~~~ IDLE MODE INACTIVITY TIMER RESPONSE ~~~~~~~~~~\n",
+                         "IDLE MODE INACTIVITY TIMER RETURN STATUS : %d \n");
+}
+
+uint32_t IdleModeWakeupResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+    if (pstMessage == nullptr) {
+        return 0;
+    }
+    const bool bSuccess = Get(View(pstMessage, u32Length).stPayload, StatusWord::Value) != 0;
+    PutLine("\n~~~~~~~~~~ IDLE MODE WAKEUP RESPONSE ~~~~~~~~~~\n");
+    PutFormat("IDLE MODE WAKEUP RESPONSE RECEIVED AS %s\n", bSuccess ? "SUCCESS" : "FAILURE");
+    PutLine(pcWakeUpClosing);
+    return 0;
+}

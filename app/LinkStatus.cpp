@@ -1,0 +1,382 @@
+#include "LinkStatus.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+#include "Console.h"
+#include "Message.h"
+#include "Report.h"
+
+SharedBytes<u32MaxBaseStations * BaseStation::Size> g_BSINFO;
+std::atomic<uint32_t> g_u32NumberOfBaseStations{0};
+std::atomic<uint32_t> g_u32NAPID{0};
+SharedBytes<NSPDiscovery::Size> g_BSNSPLIST;
+
+namespace {
+
+constexpr uint32_t u32HalfMiniCardPause = 1000000; // microseconds
+
+constexpr ReportRow stStationBSID = {"\nBS ID  :%02X %02X %02X %02X %02X %02X", BaseStation::BSID};
+constexpr const char *pcStationHeading = "\nBASE STATION : %d\n-------------------\n";
+constexpr const char *pcStationsFound = "\n%d BASE STATIONS FOUND.\n";
+
+constexpr ReportRow astStationRows[] = {
+    {"\nPreamble Index ID  :%d", BaseStation::PreambleIndex},
+    {"\nCenter Frequency : %d kHz", BaseStation::CenterFrequency},
+    {"\nBandwidth : %d kHz", BaseStation::Bandwidth},
+    {"\nRelative Signal Strength : %d dBm", BaseStation::SignalStrength},
+    {"\nCINR : %d dB", BaseStation::CINR},
+    {"\nDCD change count : %d ", BaseStation::DCDChangeCount},
+    {"\nNSP change count : %d ", BaseStation::NSPChangeCount},
+};
+
+constexpr ReportRow stWakeUpBSID = {"\nBS ID  :%02X %02X %02X %02X %02X %02X %02X",
+                                    BaseStation::WakeUpBSID};
+
+constexpr ReportRow astWakeUpRows[] = {
+    {"\nPreamble Index ID  :%d", BaseStation::PreambleIndex},
+    {"\nCenter Frequency : %d kHz", BaseStation::CenterFrequency},
+    {"\nBandwidth : %d kHz", BaseStation::Bandwidth},
+    {"\nRelative Signal Strength : %d dBm", BaseStation::SignalStrength},
+    {"\nCINR : %d dB", BaseStation::CINR},
+    {"\nDcdChangeCount : %d", BaseStation::DCDChangeCount},
+    {"\nNspChangeCount : %d\n\n", BaseStation::NSPChangeCount},
+};
+
+constexpr CodeName astSearchStatus[] = {
+    {StationList::SearchComplete, "SEARCH IS COMPLETE!!"},
+    {StationList::SearchInProgress, "SEARCH IS IN PROGRESS!!"},
+};
+
+constexpr CodeName astDiscoveryStatus[] = {
+    {NSPDiscovery::Success, "NSP_DISCOVERY_SUCCESS"},
+    {NSPDiscovery::NotNeeded, "NSP_DISCOVERY_NOT_NEEDED"},
+    {NSPDiscovery::NotSupported, "NSP_16G_NOT_SUPPORTED"},
+    {NSPDiscovery::SearchFailure, "NSP_SEARCH_FAILURE"},
+    {NSPDiscovery::Aborted, "NSP_DISCOVERY_ABORT"},
+    {NSPDiscovery::ScanDurationTimeout, "NSP_DISCOVERY_SCAN_DURATION_TIMEOUT"},
+};
+
+constexpr ReportRow astDiscoveryRows[] = {
+    {"\nBS ID  :%02X %02X %02X %02X %02X %02X", NSPDiscovery::BSID},
+    {"\nDCD change count : %d", NSPDiscovery::DCDChangeCount},
+    {"\nNSP change count : %d", NSPDiscovery::NSPChangeCount},
+    {"\nNumber of NSP entries: %d", NSPDiscovery::NumNSPs},
+    {"\nPID : %d", NSPDiscovery::PreambleIndex},
+    {"\nCF  : %d", NSPDiscovery::CenterFrequency},
+    {"\nBandwidth  : %d", NSPDiscovery::Bandwidth},
+    {"\nRSSI  : %d", NSPDiscovery::RSSI},
+    {"\nCINR  : %d", NSPDiscovery::CINR},
+};
+
+constexpr ReportRow astLowPowerScanRows[] = {
+    {"\n Low power scan mode set for mode %d", LowPowerScanAnswer::Mode},
+    {"\n u32Rsvd1 %u", LowPowerScanAnswer::Reserved1},
+    {"\n u32Rsvd2 %u", LowPowerScanAnswer::Reserved2},
+    {"\n u32Rsvd3 %u", LowPowerScanAnswer::Reserved3},
+};
+
+constexpr ReportRow astSyncStatusRows[] = {
+    {"\n BS ID  :%02X %02X %02X %02X %02X %02X", SyncStatus::BSID},
+    {"\n PREAMBLE ID  : %d", SyncStatus::PreambleID},
+    {"\n CINR MEAN : %d dB", SyncStatus::CINRMean},
+    {"\n CINR DEVIATION: %d dB", SyncStatus::CINRDeviation},
+    {"\n RSSI MEAN: %d dBm", SyncStatus::RSSIMean},
+    {"\n RSSI DEVIATION: %d dBm", SyncStatus::RSSIDeviation},
+    {"\n CENTER FREQUENCY: %d kHz", SyncStatus::CenterFrequency},
+    {"\n BANDWIDTH : %d kHz", SyncStatus::Bandwidth},
+    {"\n DCD change count : %d ", SyncStatus::DCDChangeCount},
+    {"\n NSP Change count : %d ", SyncStatus::NSPChangeCount},
+};
+
+constexpr ReportRow astBaseInformationRows[] = {
+    {"\n BASE ID :%02X %02X %02X %02X %02X %02X", BaseInformation::BSID},
+    {"\n PREAMBLE INDEX : %d", BaseInformation::PreambleIndex},
+    {"\n UL CELL ID : %d", BaseInformation::ULCellID},
+    {"\n CINR DEVIATION : %d dB", BaseInformation::CINRDeviation},
+    {"\n CINR MEAN : %d dB", BaseInformation::CINRMean},
+    {"\n DURATION : %d", BaseInformation::Duration},
+    {"\n MEAN RSSI REPORT : %d", BaseInformation::MeanRSSI},
+    {"\n STANDARD DEVIATION RSSI REPORT : 0x%X", BaseInformation::RSSIDeviation},
+    {"\n UL CENTER FREQUENCY : %d MHz", BaseInformation::ULCenterFrequency},
+    {"\n DL CENTER FREQUENCY : %d MHz", BaseInformation::DLCenterFrequency},
+};
+
+// Code 18 has no name.
+constexpr CodeName astLinkReasons[] = {
+    {LinkReason::LinkUpAchieved, "LINKUP_ACHIEVED"},
+    {LinkReason::PhySyncError, "PHY_SYNC_ERROR"},
+    {LinkReason::MacSyncError, "MAC_SYNC_ERROR"},
+    {LinkReason::HostInitiatedSyncDown, "HOST_INITIATED_SYNC_DOWN"},
+    {LinkReason::RangingFailure, "RANGING_FAILURE"},
+    {LinkReason::SBCFailure, "SBC_FAILURE"},
+    {LinkReason::PKMFailure, "PKM_FAILURE"},
+    {LinkReason::RegistrationFailure, "REGISTRATION_FAILURE"},
+    {LinkReason::DREGReceived, "DREG_RECEIVED"},
+    {LinkReason::ResetReceived, "RESET_RECEIVED"},
+    {LinkReason::InIdleMode, "IN_IDLE_MODE"},
+    {LinkReason::InSleepMode, "IN_SLEEP_MODE"},
+    {LinkReason::NetworkEntryInProgress, "NETWORK_ENTRY_IN_PROGRESS"},
+    {LinkReason::WaitForNetworkEntryCommand, "WAIT_FOR_NETWORK_ENTRY_CMD"},
+    {LinkReason::WaitForPhySyncCommand, "WAIT_FOR_PHY_SYNC_CMD"},
+    {LinkReason::ShutdownReceivedCommand, "SHUTDOWN_RECEIVED_CMD"},
+    {LinkReason::SATEKFailure, "SATEK_FAILURE"},
+    {LinkReason::LinkStatusNormal, "LINK_STATUS_NORMAL"},
+    {LinkReason::LinkDownHostInitiated, "LINK_DOWN_HOST_INITIATED"},
+    {LinkReason::MacVersionSwitch, "MAC_VERSION_SWITCH"},
+    {LinkReason::ShutdownResyncReceived, "SHUTDOWN_RESYNC_RECEIVED"},
+    {LinkReason::IdleModeFailureCodeReceived, "IDLE_MODE_FAILURE_CODE_RECEIVED"},
+    {LinkReason::LocationUpdateWithPowerDownSuccess,
+     "LOCATION_UPDATE_WITH_POWER_DOWN_SUCCESS_RECEIVED"},
+    {LinkReason::BSOutOfReach, "BS_OUT_OF_REACH"},
+    {LinkReason::IPRetentionTimerExpired, "IP_RETENTION_TIMER_EXPIRED"},
+    {LinkReason::InvalidReasonCode, "INVALID_REASON_CODE_RECEIVED"},
+};
+
+void PutMapKind(ByteView stView, Field stCompressedMap) {
+    PutText(Get(stView, stCompressedMap) != 0 ? " - COMPRESSED MAP" : " - NORMAL MAP");
+}
+
+// The upper 24 bits of the BS ID, which is sent first byte first.
+uint32_t NAPIDOf(ByteView stStation) {
+    const uint32_t u32First = BaseStation::BSID.u16Offset;
+    return static_cast<uint32_t>(stStation.At(u32First)) << 16 |
+           static_cast<uint32_t>(stStation.At(u32First + 1)) << 8 | stStation.At(u32First + 2);
+}
+
+// One record of the list of stations that a search or a wake-up reports.
+ByteView StationAt(ByteView stPayload, uint32_t u32Index) {
+    return stPayload.From(StationList::Stations + u32Index * BaseStation::Size, BaseStation::Size);
+}
+
+uint32_t StationsPresent(ByteView stPayload) {
+    return RecordsPresent(stPayload, StationList::Stations, BaseStation::Size,
+                          Get(stPayload, StationList::NumStations));
+}
+
+void PutSearchResponse(ByteView stPayload) {
+    constexpr const char *pcBanner = "\n~~~~~~~~~~ NETWORK SEARCH RESPONSE RECEIVED ~~~~~~~~~~";
+    PutLine(pcBanner);
+    PutRow(stPayload, {pcStationsFound, StationList::NumStations});
+    PutText(
+        NameOf(astSearchStatus, Get(stPayload, StationList::SearchStatus), "SEARCH TIMED OUT!!"));
+    // Twenty stations have room in the table, and those are shown.
+    const uint32_t u32Stations = std::min(StationsPresent(stPayload), u32MaxBaseStations);
+    for (uint32_t i = 0; i < u32Stations; ++i) {
+        const ByteView stStation = StationAt(stPayload, i);
+        PutNumber(pcStationHeading, i + 1);
+        PutRow(stStation, stStationBSID);
+        PutMapKind(stStation, BaseStation::CompressedMap);
+        g_u32NAPID = NAPIDOf(stStation);
+        PutNumber("\nNAPID  :%d", NAPIDOf(stStation));
+        PutRows(stStation, astStationRows);
+        g_BSINFO.Store(i * BaseStation::Size, stStation);
+    }
+    g_u32NumberOfBaseStations = u32Stations;
+    PutClosingLine(pcBanner);
+}
+
+void PutNSPEntry(ByteView stEntry) {
+    using namespace NSPDiscovery;
+    const uint32_t u32NameLength = std::min(Get(stEntry, NSPEntry::NameLength), NSPEntry::NameSize);
+    const ByteView stName = stEntry.From(NSPEntry::Name, u32NameLength);
+    PutText("\nNSP Name is : ");
+    for (uint32_t i = 0; stName.At(i) != '\0'; ++i) {
+        PendingOutput() += static_cast<char>(stName.At(i));
+    }
+    PutRow(stEntry, {"\nNSP ID is : %d", NSPEntry::ID});
+}
+
+void PutDiscoveryResponse(ByteView stPayload) {
+    using namespace NSPDiscovery;
+    PutText("\n--------received SUBTYPE_NETWORK_DISCOVERY_RESP-----------");
+    PutRow(stPayload, {"\nNSP discovery complete : %d", Complete});
+    PutText("\nBSINFO Response status is :");
+    PutText(NameOf(astDiscoveryStatus, Get(stPayload, Status), ""));
+    if (Get(stPayload, Status) != Success) {
+        return;
+    }
+    PutRows(stPayload, astDiscoveryRows);
+    const uint32_t u32Entries = std::min(
+        RecordsPresent(stPayload, NSPs, NSPEntry::Size, GetSigned(stPayload, NumNSPs)), MaxNSPs);
+    for (uint32_t i = 0; i < u32Entries; ++i) {
+        PutFormat("\nNSPLIST Entry %u of total %d", i + 1, GetSigned(stPayload, NumNSPs));
+        PutNSPEntry(stPayload.From(NSPs + i * NSPEntry::Size, NSPEntry::Size));
+    }
+    // What was not received counts as zero, as it was printed.
+    Record<Size> stCopy;
+    PutBytes(stCopy.Span(), 0, stPayload);
+    g_BSNSPLIST.Store(0, stCopy.View());
+}
+
+void PutLowPowerScanResponse(ByteView stPayload) {
+    constexpr const char *pcBanner = "\n~~~~~~~~~~ LOW POWER SCANMODE RESPONSE RECEIVED ~~~~~~";
+    PutLine(pcBanner);
+    if (Get(stPayload, LowPowerScanAnswer::Result) == 1) {
+        PutRows(stPayload, astLowPowerScanRows);
+    } else {
+        PutLine("\n Setting low power scan mode failed");
+    }
+    PutClosingLine(pcBanner);
+}
+
+void PutSyncStatus(ByteView stPayload) {
+    constexpr const char *pcBanner = "\n~~~~~~~~~~ SYNC STATUS RESPONSE RECEIVED ~~~~~~~~~~";
+    PutLine(pcBanner);
+    PutText("\n SYNC STATUS  : ");
+    const uint32_t u32Status = Get(stPayload, SyncStatus::Status);
+    if (u32Status == 0) {
+        PutText("PHY_SYNC ACHIEVED");
+    } else {
+        DisplayLinkStatus(u32Status);
+    }
+    if (u32Status == 0 || u32Status == LinkReason::WaitForNetworkEntryCommand) {
+        PutMapKind(stPayload, SyncStatus::CompressedMap);
+        PutRows(stPayload, astSyncStatusRows);
+    }
+    PutClosingLine(pcBanner);
+}
+
+void PutNetworkEntryStatus(ByteView stPayload) {
+    using namespace NetworkEntryStatus;
+    constexpr const char *pcBanner =
+        "\n~~~~~~~~~~~ NETWORK ENTRY STATUS RESPONSE RECEIVED ~~~~~~~~~~";
+    PutLine(pcBanner);
+    PutText("\n NETENTRY STATUS  : ");
+    DisplayLinkStatus(Get(stPayload, Status));
+    if (Get(stPayload, Status) == LinkReason::DREGReceived) {
+        PutRow(stPayload, {"DREG-RECEIVED Action Code is: %d\n", DREGActionCode});
+    }
+    if (Get(stPayload, BaseInformationPresent) != 0) {
+        DisplayBaseInfo(stPayload.From(BaseInformationOffset, BaseInformation::Size));
+    }
+    PutVendorData("\nVENDOR SPECIFIC DATA ", stPayload, VendorDataLength, VendorData);
+    PutClosingLine(pcBanner);
+}
+
+// A report whose one word says yes (zero) or no.
+void PutShutdownState(const char *pcBanner, ByteView stPayload, const char *pcShutDown,
+                      const char *pcNotShutDown) {
+    PutLine(pcBanner);
+    PutText(Get(stPayload, StatusWord::Value) == 0 ? pcShutDown : pcNotShutDown);
+    PutClosingLine(pcBanner);
+}
+
+void PutPeriodicWakeUp(ByteView stPayload) {
+    PutLine("\n\n~~~~~~~~~~ PERIODIC WAKE UP INDICATION RECEIVED IN SHUTDOWN MODE ~~~~~~~~~~");
+    PutRow(stPayload, {pcStationsFound, StationList::NumStations});
+    for (uint32_t i = 0; i < StationsPresent(stPayload); ++i) {
+        const ByteView stStation = StationAt(stPayload, i);
+        PutNumber(pcStationHeading, i + 1);
+        PutRow(stStation, stWakeUpBSID);
+        PutMapKind(stStation, BaseStation::CompressedMap);
+        PutRows(stStation, astWakeUpRows);
+    }
+}
+
+void PutHalfMiniCardResponse() {
+    constexpr const char *pcBanner = "\n~~~~~~~~~~ HALF MINI CARD RESPONSE RECEIVED~~~~~~~~~~";
+    PutLine(pcBanner);
+    PutText("\nApplication will send HMC Status message after interval of 1 second");
+    PauseMicroseconds(u32HalfMiniCardPause);
+    if (!IsEnding()) {
+        // Sent without showing the output first: the report stays in one piece.
+        WiMAXMessage stMessage;
+        const uint32_t u32Length =
+            FillWiMAXMsg(&stMessage, TYPE_HALF_MINI_CARD, SUBTYPE_HALF_MINI_CARD_STATUS, 0);
+        SendWiMAXMessage(g_hDevice, &stMessage, u32Length);
+    }
+    PutClosingLine(pcBanner);
+}
+
+} // namespace
+
+void DisplayLinkStatus(uint32_t u32Reason) {
+    const char *pcName = NameOf(astLinkReasons, u32Reason, nullptr);
+    if (pcName != nullptr) {
+        PutText(pcName);
+    } else {
+        PutNumber("UNKNOWN ERROR, (0x%X)", u32Reason);
+    }
+}
+
+void DisplayBaseInfo(ByteView stBaseInformation) {
+    if (stBaseInformation.pucData != nullptr) {
+        PutRows(stBaseInformation, astBaseInformationRows);
+    }
+}
+
+uint32_t NetEntrySearchResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+    const Received stReceived = View(pstMessage, u32Length);
+    switch (stReceived.u32SubType) {
+    case SUBTYPE_NETWORK_SEARCH:
+        PutSearchResponse(stReceived.stPayload);
+        break;
+    case SUBTYPE_NETWORK_DISCOVERY_RESP:
+        PutDiscoveryResponse(stReceived.stPayload);
+        break;
+    case SUBTYPE_LOW_POWER_SCAN:
+        PutLowPowerScanResponse(stReceived.stPayload);
+        break;
+    default:
+        break;
+    }
+    return 0;
+}
+
+uint32_t NetEntryExitResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+    const Received stReceived = View(pstMessage, u32Length);
+    switch (stReceived.u32SubType) {
+    case SUBTYPE_SYNC_STATUS_RESP:
+        PutSyncStatus(stReceived.stPayload);
+        break;
+    case SUBTYPE_NETWORK_ENTRY_STATUS_RESP:
+        PutNetworkEntryStatus(stReceived.stPayload);
+        break;
+    default:
+        break;
+    }
+    return 0;
+}
+
+uint32_t ShutDownResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+    const Received stReceived = View(pstMessage, u32Length);
+    switch (stReceived.u32SubType) {
+    case SUBTYPE_SHUTDOWN:
+        PutShutdownState("\n\n~~~~~~~~~~ SHUTDOWN RESPONSE RECEIVED ~~~~~~~~~~",
+                         stReceived.stPayload, "\n\tBASEBAND IS IN SHUTDOWN STATE",
+                         "\n\tBASEBAND IS NOT IN SHUTDOWN STATE");
+        break;
+    case SUBTYPE_SHUTDOWN_FROM_FIRMWARE_IND:
+        PutLine("\n\n~~~~~~~~~~ SHUTDOWN REQUEST FROM FIRMWARE RECEIVED ~~~~~~~~~~");
+        break;
+    case SUBTYPE_SHUTDOWN_PERIODIC_WAKE_UP_IND:
+        PutPeriodicWakeUp(stReceived.stPayload);
+        break;
+    case SUBTYPE_SHUTDOWN_COMPLETE_WAKE_UP_IND:
+        PutLine("\n\n~~~~~~~~~~ COMPLETE WAKE UP INDICATION RECEIVED IN SHUTDOWN MODE ~~~~~~~~~~");
+        break;
+    case SUBTYPE_SHUTDOWN_MODE_STATUS:
+        PutShutdownState("\n~~~~~~~~~~ SHUTDOWN MODE STATUS RESPONSE RECEIVED ~~~~~~~~~~",
+                         stReceived.stPayload, "\nBASEBAND IS IN SHUTDOWN MODE",
+                         "\nBASEBAND IS NOT IN SHUTDOWN MODE");
+        break;
+    default:
+        break;
+    }
+    return 0;
+}
+
+uint32_t ProcessHalfMiniCardResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+    const Received stReceived = View(pstMessage, u32Length);
+    if (stReceived.u32SubType == SUBTYPE_HALF_MINI_CARD_RESP) {
+        PutHalfMiniCardResponse();
+    } else if (stReceived.u32SubType == SUBTYPE_HALF_MINI_CARD_WAKE_UP_IND) {
+        constexpr const char *pcBanner = "\n~~~~~~~~~~~ HALF MINI CARD WAKEUP RECEIVED~~~~~~~~~~~~";
+        PutLine(pcBanner);
+        PutText("\nModem came out of HMC Shutdown");
+        PutClosingLine(pcBanner);
+    }
+    return 0;
+}
