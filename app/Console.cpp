@@ -38,13 +38,14 @@ int giPushBackEvent = -1;
 void Raise(int iEvent) {
     const uint64_t u64One = 1;
     if (iEvent >= 0) {
-        (void)!write(iEvent, &u64One, sizeof u64One);
+        // A full counter is as good as one more.
+        [[maybe_unused]] const ssize_t iWritten = write(iEvent, &u64One, sizeof u64One);
     }
 }
 
 void Clear(int iEvent) {
     uint64_t u64Count = 0;
-    (void)!read(iEvent, &u64Count, sizeof u64Count);
+    [[maybe_unused]] const ssize_t iRead = read(iEvent, &u64Count, sizeof u64Count);
 }
 
 void EndBySignal(int iSignal) {
@@ -200,7 +201,8 @@ void FlushOutput() {
 void OpenConsole() {
     for (int iDescriptor = STDIN_FILENO; iDescriptor <= STDERR_FILENO; ++iDescriptor) {
         if (fcntl(iDescriptor, F_GETFD) < 0) {
-            (void)!open("/dev/null", O_RDWR); // the lowest free number is this one
+            // The lowest free number is this one.
+            [[maybe_unused]] const int iOpened = open("/dev/null", O_RDWR);
         }
     }
     giEndEvent = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
@@ -211,7 +213,9 @@ void OpenConsole() {
     Catch(SIGINT);
     Catch(SIGTERM);
     Catch(SIGHUP);
-    signal(SIGPIPE, SIG_IGN);
+    struct sigaction stIgnore {};
+    stIgnore.sa_handler = SIG_IGN;
+    sigaction(SIGPIPE, &stIgnore, nullptr);
 }
 
 int NextInputChar() {

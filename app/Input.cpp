@@ -36,10 +36,9 @@ struct Word {
         return iChar;
     }
     void DropRest() {
-        int iChar = iGivenBack;
         iGivenBack = -1;
         while (!bEnded) {
-            iChar = NextInputChar();
+            const int iChar = NextInputChar();
             if (iChar < 0 || IsSpace(iChar)) {
                 PushBackInputChar(iChar);
                 bEnded = true;

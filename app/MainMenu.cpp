@@ -23,6 +23,7 @@ void OpenAgain() {
         PutText("\n Error : Device not ready!!!");
         return;
     }
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): shown as %p shows it, never followed
     PutFormat("\n Success , handle : %p", reinterpret_cast<void *>(uintptr_t{g_hDevice}));
     RegisterCallback(g_hDevice, TVLCallback, 0);
 }

@@ -132,8 +132,8 @@ ScanResult ScanDecimal(const CharSource &stSource, int32_t *piValue) {
     Digits stDigits;
     const ScanResult eResult = ScanDigits(stSource, 10, &stDigits);
     if (eResult == ScanResult::Converted) {
-        const uint64_t u64Most =
-            static_cast<uint64_t>(std::numeric_limits<int64_t>::max()) + stDigits.bNegative;
+        const uint64_t u64Most = static_cast<uint64_t>(std::numeric_limits<int64_t>::max()) +
+                                 (stDigits.bNegative ? 1 : 0);
         const uint64_t u64Magnitude =
             stDigits.bOverflow || stDigits.u64Magnitude > u64Most ? u64Most : stDigits.u64Magnitude;
         *piValue = static_cast<int32_t>(

@@ -81,10 +81,9 @@ constexpr uint32_t Get(ByteView stView, Field stField, uint32_t u32Base = 0) {
     for (uint32_t i = 0; i < u32Width; ++i) {
         u32Value |= static_cast<uint32_t>(stView.At(u32Base + stField.u16Offset + i)) << (8 * i);
     }
-    if (stField.eType == FieldType::I8) {
-        u32Value = static_cast<uint32_t>(static_cast<int8_t>(u32Value));
-    } else if (stField.eType == FieldType::I16) {
-        u32Value = static_cast<uint32_t>(static_cast<int16_t>(u32Value));
+    if (stField.eType == FieldType::I8 || stField.eType == FieldType::I16) {
+        const uint32_t u32SignBit = 1U << (8 * u32Width - 1);
+        u32Value = (u32Value ^ u32SignBit) - u32SignBit;
     }
     return u32Value;
 }
