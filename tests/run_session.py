@@ -153,6 +153,9 @@ class Session:
             self.step("type", rest + b"\n", number)
         elif name == ">>":
             self.step("type", unescape(rest), number)
+        elif name == "repeat":
+            times, _, repeated = rest.partition(b" ")
+            self.step("type", unescape(repeated) * int(times), number)
         elif name == "~":
             self.step("await", unescape(rest), number)
         elif name == "@":
