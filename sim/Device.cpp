@@ -1,0 +1,130 @@
+#include "Device.h"
+
+#include <csignal>
+#include <cstring>
+
+namespace {
+
+using RealClock = std::chrono::steady_clock;
+
+// A callback that runs longer than this is left behind when the device closes.
+constexpr std::chrono::seconds stLongestWait(3);
+// The longest sleep at a time, far within what the clock can count.
+constexpr std::chrono::hours stLongestSleep(1);
+
+} // namespace
+
+Device::Device(std::unique_ptr<Modem> pstModem) : m_pstModem(std::move(pstModem)) {}
+
+std::shared_ptr<Device> Device::Start(std::unique_ptr<Modem> pstModem) {
+    const std::shared_ptr<Device> pstDevice(new Device(std::move(pstModem)));
+    // Signals are the business of the program's own threads.
+    sigset_t stAll;
+    sigset_t stBefore;
+    sigfillset(&stAll);
+    pthread_sigmask(SIG_SETMASK, &stAll, &stBefore);
+    pstDevice->m_stThread = std::thread([pstDevice] { pstDevice->Run(); });
+    pthread_sigmask(SIG_SETMASK, &stBefore, nullptr);
+    return pstDevice;
+}
+
+void Device::SetCallback(WiMAXCallback pfnCallback, uint32_t u32Context) {
+    const std::lock_guard stLock(m_stMutex);
+    m_pfnCallback = pfnCallback;
+    m_u32Context = u32Context;
+    m_stWork.notify_one();
+}
+
+int32_t Device::Send(uint8_t *pucMessage, uint32_t u32Length) {
+    const std::lock_guard stLock(m_stMutex);
+    CatchUp();
+    const int32_t iResult = m_pstModem->Send(pucMessage, u32Length);
+    m_stWork.notify_one();
+    return iResult;
+}
+
+int32_t Device::ReadMemory(uint32_t u32Address, ByteSpan stTo) {
+    const std::lock_guard stLock(m_stMutex);
+    CatchUp();
+    return m_pstModem->ReadMemory(u32Address, stTo);
+}
+
+int32_t Device::WriteMemory(uint32_t u32Address, ByteView stFrom) {
+    const std::lock_guard stLock(m_stMutex);
+    CatchUp();
+    return m_pstModem->WriteMemory(u32Address, stFrom);
+}
+
+bool Device::Unloaded() {
+    const std::lock_guard stLock(m_stMutex);
+    return m_pstModem->Unloaded();
+}
+
+void Device::Stop() {
+    std::unique_lock stLock(m_stMutex);
+    if (m_bStopping) {
+        return;
+    }
+    m_bStopping = true;
+    m_stWork.notify_one();
+    const bool bInCallback = m_stThread.get_id() == std::this_thread::get_id();
+    const bool bEnded =
+        !bInCallback && m_stEnded.wait_for(stLock, stLongestWait, [this] { return m_bEnded; });
+    stLock.unlock();
+    // A thread that is left behind keeps the device alive until it ends.
+    if (bEnded) {
+        m_stThread.join();
+    } else {
+        m_stThread.detach();
+    }
+}
+
+void Device::CatchUp() {
+    const auto fReal =
+        std::chrono::duration<double, std::micro>(RealClock::now() - m_stOpened).count();
+    m_pstModem->AdvanceTo(static_cast<ModemTime>(fReal * m_pstModem->TimeScale()));
+}
+
+RealClock::time_point Device::RealTimeOf(ModemTime iTime) const {
+    // Rounded up, so that the modem's clock has reached it then.
+    const std::chrono::duration<double, std::micro> stSince((static_cast<double>(iTime) + 1) /
+                                                            m_pstModem->TimeScale());
+    const RealClock::time_point stLimit = RealClock::now() + stLongestSleep;
+    if (stSince > stLimit - m_stOpened) {
+        return stLimit;
+    }
+    return m_stOpened + std::chrono::ceil<RealClock::duration>(stSince);
+}
+
+void Device::Run() {
+    std::unique_lock stLock(m_stMutex);
+    while (!m_bStopping) {
+        CatchUp();
+        MessageBytes aucMessage;
+        if (m_pfnCallback != nullptr && m_pstModem->TakeMessage(&aucMessage)) {
+            Deliver(stLock, aucMessage);
+        } else if (const std::optional<ModemTime> iDue = m_pstModem->NextDue()) {
+            m_stWork.wait_until(stLock, RealTimeOf(*iDue));
+        } else {
+            m_stWork.wait(stLock);
+        }
+    }
+    m_bEnded = true;
+    m_stEnded.notify_all();
+}
+
+void Device::Deliver(std::unique_lock<std::mutex> &stLock, const MessageBytes &aucMessage) {
+    const WiMAXCallback pfnCallback = m_pfnCallback;
+    const uint32_t u32Context = m_u32Context;
+    stLock.unlock();
+    {
+        // A block of exactly the message's size: memory checkers then see every access
+        // behind its end.
+        const std::unique_ptr<uint8_t[]> pucCopy(new uint8_t[aucMessage.size()]);
+        std::memcpy(pucCopy.get(), aucMessage.data(), aucMessage.size());
+        const void *pvCopy = pucCopy.get();
+        pfnCallback(u32Context, static_cast<const WiMAXMessage *>(pvCopy),
+                    static_cast<uint32_t>(aucMessage.size()));
+    }
+    stLock.lock();
+}

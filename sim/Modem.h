@@ -1,0 +1,158 @@
+// The simulated modem without its threads: requests go in, time passes, messages
+// come out. Whoever drives it does so from one thread at a time.
+#ifndef MODEM_H
+#define MODEM_H
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Faults.h"
+#include "LibraryError.h"
+#include "Radio.h"
+#include "Random.h"
+#include "Scenario.h"
+#include "Scheduler.h"
+#include "Subsystem.h"
+#include "Traffic.h"
+#include "Wire.h"
+
+class Link;
+class Options;
+
+// A request as its handler sees it.
+struct Request {
+    uint32_t u32Type;
+    uint32_t u32SubType;
+    ByteView stPayload; // of a length that the handler's row allows
+    // The payload of the sender's own buffer, for the requests that are answered at
+    // once; empty for all others.
+    ByteSpan stReply;
+};
+
+// The payload lengths that a request may have.
+struct PayloadLength {
+    uint32_t u32Least;
+    uint32_t u32Most;
+};
+constexpr PayloadLength Exactly(uint32_t u32Length) { return {u32Length, u32Length}; }
+constexpr PayloadLength AtLeast(uint32_t u32Length) { return {u32Length, WIMAX_DATA_SIZE}; }
+
+class Modem {
+  public:
+    // Returns the result of the send: 0, or a negative LibraryError.
+    using RequestHandler = std::function<int32_t(const Request &)>;
+    // Reads the keys of an event of its kind; returns what the event does.
+    using EventReader = std::function<Scheduler::Action(const Section &)>;
+    using Notice = std::function<void()>;
+    using MemoryReader = std::function<int32_t(uint32_t u32Address, ByteSpan stTo)>;
+    using MemoryWriter = std::function<int32_t(uint32_t u32Address, ByteView stFrom)>;
+
+    static constexpr uint32_t u32AnySubType = UINT32_MAX;
+
+    // Throws ScenarioError.
+    explicit Modem(Scenario stScenario);
+    Modem(const Modem &) = delete;
+    Modem &operator=(const Modem &) = delete;
+    ~Modem();
+
+    // ---- For the device that the modem sits in ----
+
+    // Handles a request of u32Length bytes, header included. The buffer of a request
+    // that is answered at once must be a whole record.
+    int32_t Send(uint8_t *pucMessage, uint32_t u32Length);
+    int32_t ReadMemory(uint32_t u32Address, ByteSpan stTo);
+    int32_t WriteMemory(uint32_t u32Address, ByteView stFrom);
+    // Lets modem time pass until iNow.
+    void AdvanceTo(ModemTime iNow) { m_stScheduler.AdvanceTo(iNow); }
+    std::optional<ModemTime> NextDue() const { return m_stScheduler.NextDue(); }
+    // The next message for the client; false when there is none.
+    bool TakeMessage(MessageBytes *paucMessage);
+    double TimeScale() const { return m_fTimeScale; }
+    // False when the scenario has no device, or has the first opens fail and
+    // u32Attempt (counted from 1) is one of them.
+    bool OpensAt(uint32_t u32Attempt) const;
+    // The driver has gone; the device has to be opened again.
+    bool Unloaded() const { return m_bUnloaded; }
+
+    // ---- For the subsystems: what they answer to ----
+
+    // Requests whose answers come later, as messages.
+    void On(uint32_t u32Type, uint32_t u32SubType, PayloadLength stLength,
+            RequestHandler pfnHandle);
+    // Requests that are answered in the sender's buffer, through Request::stReply.
+    void OnAnsweredAtOnce(uint32_t u32Type, uint32_t u32SubType, PayloadLength stLength,
+                          RequestHandler pfnHandle);
+    // A kind of [[event]].
+    void OnEvent(const char *pcKind, EventReader pfnRead);
+    // Called for every request that the modem accepts, before its handler.
+    void OnAnyRequest(Notice pfnNotice) { m_apfnNotices.push_back(std::move(pfnNotice)); }
+    void OnMemory(MemoryReader pfnRead, MemoryWriter pfnWrite);
+
+    // ---- For the subsystems: what they work with ----
+
+    Scheduler &Clock() { return m_stScheduler; }
+    ModemTime Now() const { return m_stScheduler.Now(); }
+    // A section of the scenario.
+    Section Settings(std::string_view strName) const { return m_stScenario.Root().Table(strName); }
+    // The scenario outside all sections, for those that may stand several times.
+    Section Root() const { return m_stScenario.Root(); }
+    Random RandomFor(std::string_view strPurpose) const { return {m_u64Seed, strPurpose}; }
+    Radio &Air() { return m_stRadio; }
+    Traffic &UserTraffic() { return m_stTraffic; }
+    Link &TheLink() { return *m_pstLink; }
+    Options &TheOptions() { return *m_pstOptions; }
+
+    // Sends a message to the client, after the time that the modem takes for any
+    // answer. Messages keep their order.
+    void Tell(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload = {});
+    // The same with a message that has its header already.
+    void TellBytes(MessageBytes aucMessage);
+    // Takes all subsystems back to their state at start.
+    void Restart();
+    // The driver goes: no request and no message gets through any more.
+    void Unload();
+
+  private:
+    struct Row {
+        uint32_t u32Type;
+        uint32_t u32SubType;
+        PayloadLength stLength;
+        bool bAnsweredAtOnce;
+        RequestHandler pfnHandle;
+    };
+    struct EventKind {
+        std::string strName;
+        EventReader pfnRead;
+    };
+
+    const Row *RowOf(uint32_t u32Type, uint32_t u32SubType) const;
+    void ReadEvents();
+    void Queue(MessageBytes aucMessage);
+
+    Scenario m_stScenario;
+    uint64_t m_u64Seed;
+    double m_fTimeScale;
+    bool m_bPresent;
+    uint32_t m_u32FailedOpens;
+    ModemTime m_iAnswerDelay;
+    bool m_bUnloaded = false;
+    Scheduler m_stScheduler;
+    Radio m_stRadio;
+    Traffic m_stTraffic;
+    Faults m_stFaults;
+    std::vector<Row> m_astRows;
+    std::vector<EventKind> m_astEventKinds;
+    std::vector<Notice> m_apfnNotices;
+    MemoryReader m_pfnReadMemory;
+    MemoryWriter m_pfnWriteMemory;
+    std::deque<MessageBytes> m_astOutbox;
+    std::unique_ptr<Options> m_pstOptions;
+    std::unique_ptr<Link> m_pstLink;
+    std::vector<std::unique_ptr<Subsystem>> m_apstSubsystems;
+};
+
+#endif

@@ -1,0 +1,13 @@
+// Time as the modem counts it.
+#ifndef MODEM_TIME_H
+#define MODEM_TIME_H
+
+#include <cstdint>
+
+// Microseconds since the device was opened, or a span of them. The scenario's
+// time scale relates it to real time.
+using ModemTime = int64_t;
+
+inline constexpr ModemTime i64Second = 1000000;
+
+#endif

@@ -1,0 +1,115 @@
+#include "Options.h"
+
+#include <algorithm>
+
+namespace {
+
+struct OptionRow {
+    Options::Bit eBit;
+    const char *pcKey;
+    uint32_t u32Most;
+    uint32_t u32Default;
+};
+
+constexpr std::array astOptions{
+    OptionRow{Options::PayloadBitmap, "payload-bitmap", 15, 0},
+    OptionRow{Options::EEPROMWritesOff, "eeprom-writes-off", 1, 0},
+    OptionRow{Options::WritableMIBs, "writable-mibs", 3, 0},
+    OptionRow{Options::EAPSecurityLevel, "eap-security-level", 2, 0},
+    OptionRow{Options::PagingCycle, "paging-cycle", 15, 1},
+};
+
+// Results of a single option, status of a set-all answer.
+constexpr uint32_t u32Success = 0;
+constexpr uint32_t u32UnknownOption = 1;
+constexpr uint32_t u32ValueOutOfRange = 2;
+
+constexpr uint32_t MaskOf(Options::Bit eBit) { return uint32_t{1} << eBit; }
+
+constexpr uint32_t u32AllInUse = [] {
+    uint32_t u32Mask = 0;
+    for (const OptionRow &stRow : astOptions) {
+        u32Mask |= MaskOf(stRow.eBit);
+    }
+    return u32Mask;
+}();
+
+// The row of the one option that the specifier names, or null.
+const OptionRow *RowOf(uint32_t u32Specifier) {
+    const auto *pstRow =
+        std::find_if(astOptions.begin(), astOptions.end(),
+                     [&](const OptionRow &stRow) { return MaskOf(stRow.eBit) == u32Specifier; });
+    return pstRow != astOptions.end() ? pstRow : nullptr;
+}
+
+uint32_t Judge(uint32_t u32Specifier, uint32_t u32Value) {
+    const OptionRow *pstRow = RowOf(u32Specifier);
+    if (pstRow == nullptr) {
+        return u32UnknownOption;
+    }
+    return u32Value <= pstRow->u32Most ? u32Success : u32ValueOutOfRange;
+}
+
+} // namespace
+
+Options::Options(Modem &stModem) : m_stModem(stModem) {
+    const Section stSettings = stModem.Settings("options");
+    for (const OptionRow &stRow : astOptions) {
+        m_au32AtStart[stRow.eBit] = static_cast<uint32_t>(
+            stSettings.Integer(stRow.pcKey, 0, stRow.u32Most, stRow.u32Default));
+    }
+    stModem.On(TYPE_WIMAX_OPTIONS, SUBTYPE_OPTION_SET, Exactly(WiMAXOption::Size),
+               [this](const Request &stRequest) { return Set(stRequest); });
+    stModem.On(TYPE_WIMAX_OPTIONS, SUBTYPE_OPTION_SET_ALL, Exactly(WiMAXOptions::Size),
+               [this](const Request &stRequest) { return SetAll(stRequest); });
+    stModem.On(TYPE_WIMAX_OPTIONS, SUBTYPE_OPTION_GET_ALL, Exactly(WiMAXOptions::Size),
+               [this](const Request &stRequest) { return GetAll(stRequest); });
+}
+
+int32_t Options::Set(const Request &stRequest) {
+    const uint32_t u32Specifier = Get(stRequest.stPayload, WiMAXOption::Specifier);
+    const uint32_t u32Value = Get(stRequest.stPayload, WiMAXOption::Value);
+    const uint32_t u32Result = Judge(u32Specifier, u32Value);
+    if (u32Result == u32Success) {
+        m_au32Values[RowOf(u32Specifier)->eBit] = u32Value;
+    }
+    Record<WiMAXOption::Size> stAnswer;
+    Put(stAnswer.Span(), WiMAXOption::Specifier, u32Specifier);
+    Put(stAnswer.Span(), WiMAXOption::Value, u32Result);
+    m_stModem.Tell(TYPE_WIMAX_OPTIONS, SUBTYPE_OPTION_SET, stAnswer.View());
+    return 0;
+}
+
+int32_t Options::SetAll(const Request &stRequest) {
+    const uint32_t u32Specifier = Get(stRequest.stPayload, WiMAXOptions::Specifier);
+    std::array<uint32_t, WiMAXOptions::Count> au32New = m_au32Values;
+    uint32_t u32Status = u32Success;
+    for (uint32_t u32Bit = 0; u32Bit < WiMAXOptions::Count; ++u32Bit) {
+        const uint32_t u32Mask = uint32_t{1} << u32Bit;
+        if ((u32Specifier & u32Mask) != 0 && u32Status == u32Success) {
+            au32New[u32Bit] = Get(stRequest.stPayload, WiMAXOptions::Values, 4 * u32Bit);
+            u32Status = Judge(u32Mask, au32New[u32Bit]);
+        }
+    }
+    // All or nothing.
+    if (u32Status == u32Success) {
+        m_au32Values = au32New;
+    }
+    Answer(SUBTYPE_OPTION_SET_ALL, u32Status, u32Specifier);
+    return 0;
+}
+
+int32_t Options::GetAll(const Request & /*stRequest*/) {
+    Answer(SUBTYPE_OPTION_GET_ALL, u32Success, u32AllInUse);
+    return 0;
+}
+
+void Options::Answer(uint32_t u32SubType, uint32_t u32Status, uint32_t u32Specifier) {
+    Record<WiMAXOptions::Size> stAnswer;
+    Put(stAnswer.Span(), WiMAXOptions::Status, u32Status);
+    Put(stAnswer.Span(), WiMAXOptions::Specifier, u32Specifier);
+    for (uint32_t u32Bit = 0; u32Bit < WiMAXOptions::Count; ++u32Bit) {
+        Put(stAnswer.Span(), WiMAXOptions::Values, m_au32Values[u32Bit], 4 * u32Bit);
+    }
+    m_stModem.Tell(TYPE_WIMAX_OPTIONS, u32SubType, stAnswer.View());
+}

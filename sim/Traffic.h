@@ -1,0 +1,44 @@
+// User traffic over the link: it flows while the link is up, at the scenario's
+// rates, and stops in idle mode and without a link.
+#ifndef TRAFFIC_H
+#define TRAFFIC_H
+
+#include <cstdint>
+
+#include "Scenario.h"
+#include "Scheduler.h"
+
+// Since the modem was started.
+struct TrafficTotals {
+    uint64_t u64DownlinkBytes = 0;
+    uint64_t u64UplinkBytes = 0;
+    uint64_t u64DownlinkPackets = 0;
+    uint64_t u64UplinkPackets = 0;
+    ModemTime iTimeFlowing = 0;
+};
+
+class Traffic {
+  public:
+    // Reads [traffic].
+    Traffic(const Section &stRoot, const Scheduler &stScheduler);
+
+    // Follows the link.
+    void SetFlowing(bool bFlowing);
+    // The totals at this moment.
+    TrafficTotals Totals() const;
+    // Whether it holds the modem off from idle mode.
+    bool KeepsAwake() const { return m_bKeepsAwake; }
+    void Reset();
+
+  private:
+    const Scheduler &m_stScheduler;
+    double m_fDownlinkRate; // bytes a second
+    double m_fUplinkRate;
+    double m_fPacketSize; // bytes
+    bool m_bKeepsAwake;
+    bool m_bFlowing = false;
+    ModemTime m_iFlowingSince = 0;
+    ModemTime m_iFlowedBefore = 0;
+};
+
+#endif
