@@ -118,7 +118,8 @@ class Session:
         self.checks_calls = False
         self.script = []
         self.steps = []  # (kind, value, line number)
-        self.sink = None  # list of pieces that output lines go to
+        self.sink = None  # list of pieces that bar lines go to
+        self.file_sink = False  # whether that is a file's
         for number, line in enumerate(self.path.read_bytes().split(b"\n"), 1):
             try:
                 self.read_line(line, number)
@@ -128,17 +129,20 @@ class Session:
             raise FormatError(f"{self.path}: no exit status given")
 
     def step(self, kind, value, number):
-        self.sink = None
+        self.sink, self.file_sink = None, False
         self.steps.append((kind, value, number))
 
     def add_piece(self, piece, number):
         """Pieces are (joins, text): lines join with a line end, snippets with nothing."""
-        if self.sink is None:
-            self.sink = []
+        is_snippet = not piece[0]
+        if self.sink is None or (self.file_sink and is_snippet):
+            self.sink, self.file_sink = [], False
             self.steps.append(("output", self.sink, number))
         self.sink.append(piece)
 
     def read_line(self, line, number):
+        if not line.strip() and self.file_sink:
+            self.sink, self.file_sink = None, False
         if not line.strip() or line.startswith(b"#"):
             return
         if line.startswith((b"|", b"\\|")):
@@ -193,8 +197,9 @@ class Session:
             self.environment[key] = value
         elif name in ("given", "file"):
             file_name, _, data = text.strip().partition(" ")
-            self.sink = [(False, parse_bytes(data))]
-            (self.given if name == "given" else self.files)[file_name] = self.sink
+            content = [(False, parse_bytes(data))]
+            (self.given if name == "given" else self.files)[file_name] = content
+            self.sink, self.file_sink = (None, False) if data else (content, True)
         else:
             raise FormatError(f"unknown line: {line.decode('latin-1')}")
 
@@ -256,6 +261,7 @@ class Client:
         self.master = None
         self.control = None
         self.reads_output = True
+        self.descriptors = []
         self.selector = selectors.DefaultSelector()
         environment = {**os.environ, **SANITIZERS, **session.environment}
         for key in ("QOR020_SCRIPT", "QOR020_CONTROL", "QOR020_RECORD", "QOR020_SCENARIO"):
@@ -287,6 +293,7 @@ class Client:
         # Opened for both directions neither pipe has an end while the client comes and goes.
         self.control = os.open(outside / "control", os.O_RDWR)
         record = os.open(outside / "record", os.O_RDWR | os.O_NONBLOCK)
+        self.descriptors += [self.control, record]
         self.selector.register(record, selectors.EVENT_READ, "record")
         environment["QOR020_SCRIPT"] = str(outside / "script")
         environment["QOR020_CONTROL"] = str(outside / "control")
@@ -306,6 +313,7 @@ class Client:
                 **common,
             )
             os.close(slave)
+            self.descriptors.append(self.master)
             self.input = self.master
             self.screen = self.master
         else:
@@ -439,6 +447,15 @@ class Client:
             self.process.kill()
             self.process.wait()
 
+    def close(self):
+        self.kill()
+        self.selector.close()
+        for stream in (self.process.stdin, self.process.stdout, self.process.stderr):
+            if stream:
+                stream.close()
+        for descriptor in self.descriptors:
+            os.close(descriptor)
+
 
 def play(session, client):
     ignore_rest = False
@@ -523,7 +540,7 @@ def run(session, options):
                 print("\n".join(client.record_lines))
             raise
         finally:
-            client.kill()
+            client.close()
 
 
 def main():

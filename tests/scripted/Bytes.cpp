@@ -89,8 +89,9 @@ std::string_view TakeWord(std::string_view *pstrText) {
 bool ReadWord(std::string_view strWord, Bytes *pBytes) {
     uint64_t u64Repeats = 1;
     const size_t uStar = strWord.rfind('*');
-    const bool bStarOutside = uStar != std::string_view::npos && uStar > strWord.rfind('"') + 1;
-    if (bStarOutside || (uStar != std::string_view::npos && strWord.front() != '"')) {
+    const bool bRepeated =
+        uStar != std::string_view::npos && (strWord.front() != '"' || uStar > strWord.rfind('"'));
+    if (bRepeated) {
         if (!ReadNumber(strWord.substr(uStar + 1), &u64Repeats, 10) ||
             u64Repeats > u64MostRepeats) {
             return false;
@@ -139,10 +140,11 @@ std::string FormatBytes(const uint8_t *pucBytes, size_t uCount) {
         }
         char acText[40];
         if (uRun >= uShortestRun) {
-            snprintf(acText, sizeof acText, "%s%02x*%zu", i > 0 ? " " : "", pucBytes[i], uRun);
+            (void)snprintf(acText, sizeof acText, "%s%02x*%zu", i > 0 ? " " : "", pucBytes[i],
+                           uRun);
         } else {
             uRun = 1;
-            snprintf(acText, sizeof acText, "%s%02x", i > 0 ? " " : "", pucBytes[i]);
+            (void)snprintf(acText, sizeof acText, "%s%02x", i > 0 ? " " : "", pucBytes[i]);
         }
         strText += acText;
         i += uRun;

@@ -102,13 +102,13 @@ Library &TheLibrary() {
 void RecordLine(const Library &stLibrary, const std::string &strLine) {
     if (stLibrary.iRecord >= 0) {
         const std::string strWhole = strLine + "\n";
-        (void)!write(stLibrary.iRecord, strWhole.data(), strWhole.size());
+        (void)(write(stLibrary.iRecord, strWhole.data(), strWhole.size()) < 0);
     }
 }
 
 void Complain(const Library &stLibrary, const std::string &strText) {
     RecordLine(stLibrary, "error " + strText);
-    fprintf(stderr, "libqor020: %s\n", strText.c_str());
+    (void)fprintf(stderr, "libqor020: %s\n", strText.c_str());
 }
 
 template <typename Value> Value TakeOr(std::deque<Value> *pQueue, Value Default) {
@@ -428,7 +428,7 @@ std::string Arrow(int64_t i64Result) { return " -> " + std::to_string(i64Result)
 
 std::string FormatAddress(uint32_t u32Address) {
     char acText[16];
-    snprintf(acText, sizeof acText, "0x%08x", u32Address);
+    (void)snprintf(acText, sizeof acText, "0x%08x", u32Address);
     return acText;
 }
 
