@@ -126,9 +126,9 @@ int32_t AskOption(const char *pcPrompt) {
     return ReadOption();
 }
 
-uint32_t AskInteger(const char *pcPrompt) {
+uint32_t AskInteger(const char *pcPrompt, uint32_t u32Before) {
     PutText(pcPrompt);
-    int32_t iValue = 0;
+    auto iValue = static_cast<int32_t>(u32Before);
     ReadInteger(&iValue);
     return static_cast<uint32_t>(iValue);
 }

@@ -27,8 +27,9 @@ bool ReadIntegerOrDropWord(int32_t *piValue);
 
 // The prompt and its answer.
 int32_t AskOption(const char *pcPrompt);
-// A field of a request that "%d" fills: 0 when the answer is no number.
-uint32_t AskInteger(const char *pcPrompt);
+// A field of a request that "%d" fills: stays as it was before when the answer
+// is no number.
+uint32_t AskInteger(const char *pcPrompt, uint32_t u32Before = 0);
 // A frequency typed in MHz, in kHz: multiplied in single precision and
 // truncated; 0 when it is no number or no 32-bit number of kHz holds it.
 uint32_t AskFrequency(const char *pcPrompt);

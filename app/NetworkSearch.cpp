@@ -162,32 +162,40 @@ int32_t SearchByFrequency(int32_t iChoice) {
     return SendRequest(TYPE_NETWORK_SEARCH, SUBTYPE_NETWORK_SEARCH, stRequest.View());
 }
 
+uint32_t AskUnsigned(const char *pcPrompt) { return static_cast<uint32_t>(AskOption(pcPrompt)); }
+
+// A value that a word replaces, whatever the word is.
+uint32_t AskWordInstead(const char *pcPrompt, uint32_t /*u32Before*/) {
+    return AskUnsigned(pcPrompt);
+}
+
 // One value of an NSP search that stands until the user replaces it.
 struct Default {
     Field stField;
     const char *pcQuestion; // shows the default and asks whether to change it
     const char *pcValue;
+    uint32_t (*pfnAsk)(const char *pcPrompt, uint32_t u32Before);
 };
 
 constexpr Default stDurationDefault = {
     NSPSearchRequest::Duration,
     "\nSearch duration is Infinite (0)\n"
     " If you want to change the Search duration enter 1  else enter 0:",
-    "\n Enter the the search duration is Sec :"};
+    "\n Enter the the search duration is Sec :", AskInteger};
 constexpr Default stNAPIDDefault = {
     NSPSearchRequest::NAPID,
     "\nNAPID is %d : \n If you want to change the NAPID enter 1 else enter 0:",
-    "\n Enter the NAPID :"};
+    "\n Enter the NAPID :", AskInteger};
 constexpr Default stNSPChangeCountDefault = {
     NSPSearchRequest::NSPChangeCount,
     "\nNSP change count is %d : \n"
     " If you want to change the NSP change count enter 1  else enter 0:",
-    "\n Enter NSP change count :"};
+    "\n Enter NSP change count :", AskWordInstead};
 constexpr Default stStationCountDefault = {
     NSPSearchRequest::NumStations,
     "\nNumber of BS info to be entered for NSP search is %d : \n"
     " If you want to change the BS count enter 1  else enter 0:",
-    "\n Number of BS info to be entered is :"};
+    "\n Number of BS info to be entered is :", AskWordInstead};
 
 // One value of a station entry; the texts that name the value also name the
 // entry's index.
@@ -214,26 +222,23 @@ constexpr StationDefault astStationDefaults[] = {
 };
 
 // Stores the default, and what the user types instead of it.
-template <typename Reader>
-uint32_t AskDefault(ByteSpan stRequest, const Default &stDefault, uint32_t u32Value,
-                    Reader ReadValue) {
+uint32_t AskDefault(ByteSpan stRequest, const Default &stDefault, uint32_t u32Value) {
     PutNumber(stDefault.pcQuestion, u32Value);
     if (ReadOption() == 1) {
-        u32Value = ReadValue(stDefault.pcValue);
+        u32Value = stDefault.pfnAsk(stDefault.pcValue, u32Value);
     }
     Put(stRequest, stDefault.stField, u32Value);
     return u32Value;
 }
 
-uint32_t AskUnsigned(const char *pcPrompt) { return static_cast<uint32_t>(AskOption(pcPrompt)); }
-
 void AskStationEntry(ByteSpan stEntry, uint32_t u32Index) {
     for (const StationDefault &stDefault : astStationDefaults) {
-        const uint32_t au32Numbers[] = {u32Index, Get(stEntry, stDefault.stField)};
+        const uint32_t u32Value = Get(stEntry, stDefault.stField);
+        const uint32_t au32Numbers[] = {u32Index, u32Value};
         PutNumbers(stDefault.pcDefault, au32Numbers);
         if (AskOption(stDefault.pcChange) == 1) {
             PutNumber(stDefault.pcValue, u32Index);
-            Put(stEntry, stDefault.stField, AskInteger(""));
+            Put(stEntry, stDefault.stField, AskInteger("", u32Value));
         }
     }
 }
@@ -245,12 +250,11 @@ int32_t SearchByNSP() {
     const auto stDiscovery = g_BSNSPLIST.Load();
     const auto stStations = g_BSINFO.Load();
 
-    AskDefault(stSpan, stDurationDefault, 0, AskInteger);
-    AskDefault(stSpan, stNAPIDDefault, g_u32NAPID, AskInteger);
+    AskDefault(stSpan, stDurationDefault, 0);
+    AskDefault(stSpan, stNAPIDDefault, g_u32NAPID);
     AskDefault(stSpan, stNSPChangeCountDefault,
-               Get(stDiscovery.View(), NSPDiscovery::NSPChangeCount), AskUnsigned);
-    const uint32_t u32Asked =
-        AskDefault(stSpan, stStationCountDefault, g_u32NumberOfBaseStations, AskUnsigned);
+               Get(stDiscovery.View(), NSPDiscovery::NSPChangeCount));
+    const uint32_t u32Asked = AskDefault(stSpan, stStationCountDefault, g_u32NumberOfBaseStations);
     const uint32_t u32Stations = Capped(static_cast<int32_t>(u32Asked), u32MaxBaseStations);
     Put(stSpan, NumStations, u32Stations);
     for (uint32_t i = 0; i < u32Stations; ++i) {
