@@ -205,9 +205,16 @@ void OpenConsole() {
             [[maybe_unused]] const int iOpened = open("/dev/null", O_RDWR);
         }
     }
-    giEndEvent = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
-    giTurnEvent = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
-    giPushBackEvent = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+    for (int *piEvent : {&giEndEvent, &giTurnEvent, &giPushBackEvent}) {
+        if (*piEvent >= 0) {
+            close(*piEvent);
+        }
+        *piEvent = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+    }
+    giEndSignal = 0;
+    gbLeaving = false;
+    gbInputEnded = false;
+    giPushedBack = iNoChar;
     struct stat stStatus {};
     gbOutputNeverBlocks = fstat(STDOUT_FILENO, &stStatus) == 0 && S_ISREG(stStatus.st_mode);
     Catch(SIGINT);

@@ -24,7 +24,8 @@ void FlushOutput();
 std::string &PendingOutput();
 
 // Makes the console ready: standard descriptors open, signals caught. Call it
-// first, before the device library can start threads.
+// first, before the device library can start threads. Called again when no
+// other thread uses the console, it begins anew.
 void OpenConsole();
 
 // The next character of the input, for the menus: waits for it, gives way to a

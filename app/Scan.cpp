@@ -111,9 +111,17 @@ bool TakeFloatDigits(FloatText &stText) {
                 stText.Take();
             }
         } else {
-            return bAnyDigit;
+            return bAnyDigit || (u32Base == 16 && bPoint); // "0x." is a zero to the C library
         }
     }
+}
+
+// Takes "nan", "inf" or "infinity"; false when the word breaks off.
+bool TakeFloatWord(FloatText &stText) {
+    if (ToLower(stText.iChar) == 'n') {
+        return stText.TakeWord("nan");
+    }
+    return stText.TakeWord("inf") && (ToLower(stText.iChar) != 'i' || stText.TakeWord("inity"));
 }
 
 } // namespace
@@ -163,20 +171,19 @@ ScanResult ScanFloat(const CharSource &stSource, float *pfValue) {
     if (stText.IsSign()) {
         stText.Take();
     }
-    bool bNumber = false;
-    if (ToLower(stText.iChar) == 'n') {
-        bNumber = stText.TakeWord("nan");
-    } else if (ToLower(stText.iChar) == 'i') {
-        bNumber = stText.TakeWord("inf");
-        if (bNumber && ToLower(stText.iChar) == 'i') {
-            bNumber = stText.TakeWord("inity");
+    const int iFirst = ToLower(stText.iChar);
+    if (iFirst == 'n' || iFirst == 'i') {
+        // The C library does not give the character back that breaks such a word.
+        if (!TakeFloatWord(stText)) {
+            return ScanResult::NotConverted;
         }
+        PushBack(stSource, stText.iChar);
     } else {
-        bNumber = TakeFloatDigits(stText);
-    }
-    PushBack(stSource, stText.iChar);
-    if (!bNumber) {
-        return ScanResult::NotConverted;
+        const bool bNumber = TakeFloatDigits(stText);
+        PushBack(stSource, stText.iChar);
+        if (!bNumber) {
+            return ScanResult::NotConverted;
+        }
     }
     *pfValue = std::strtof(stText.strText.c_str(), nullptr);
     return ScanResult::Converted;

@@ -15,7 +15,7 @@ struct CharSource {
 
 enum class ScanResult : uint8_t {
     Converted,
-    NotConverted, // what did not fit has been given back
+    NotConverted, // the character that did not fit is given back, as scanf does
     Ended         // nothing but white space was left
 };
 

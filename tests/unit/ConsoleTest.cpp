@@ -1,0 +1,279 @@
+#include "Console.h"
+
+#include <atomic>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include "Client.h"
+#include "Input.h"
+#include "TestConsole.h"
+
+namespace {
+
+class KeyTest : public ConsoleTest {
+  protected:
+    // Waits until every other thread has gone to sleep in its wait.
+    static void LetOthersRun() {
+        for (int iQuiet = 0; iQuiet < 3; iQuiet = OthersSleep() ? iQuiet + 1 : 0) {
+            poll(nullptr, 0, 5);
+        }
+    }
+
+  private:
+    static bool OthersSleep() {
+        for (const auto &Task : std::filesystem::directory_iterator("/proc/self/task")) {
+            if (Task.path().filename() == std::to_string(gettid())) {
+                continue;
+            }
+            std::string strState;
+            std::getline(std::ifstream(Task.path() / "stat"), strState);
+            if (strState.find(") S ") == std::string::npos) {
+                return false;
+            }
+        }
+        return true;
+    }
+};
+
+TEST_F(KeyTest, ADecoderGetsTheNextCharacterWhileThePromptWaits) {
+    int32_t iOption = 0;
+    std::thread Menu([&] { iOption = ReadOption(); });
+    LetOthersRun();
+    int iKey = 0;
+    std::thread Decoder([&] { iKey = WaitForKey(); });
+    LetOthersRun();
+    Type("x12\n");
+    Decoder.join();
+    Menu.join();
+    EXPECT_EQ(iKey, 'x');
+    EXPECT_EQ(iOption, 12);
+    EXPECT_EQ(Unread(), "\n");
+}
+
+TEST_F(KeyTest, ALineEndIsACharacterToo) {
+    Type("\n5\n");
+    EXPECT_EQ(WaitForKey(), '\n');
+    EXPECT_EQ(ReadOption(), 5);
+}
+
+TEST_F(KeyTest, TheCharacterThatEndedAWordIsTheNextOne) {
+    Type("7\n8\n");
+    EXPECT_EQ(ReadOption(), 7);
+    EXPECT_EQ(WaitForKey(), '\n');
+    EXPECT_EQ(WaitForKey(), '8');
+    EXPECT_EQ(WaitForKey(), '\n');
+}
+
+TEST_F(KeyTest, APushedBackCharacterReachesADecoderThatWaits) {
+    std::atomic<int> iKey{0};
+    std::thread Decoder([&] { iKey = WaitForKey(); });
+    LetOthersRun();
+    PushBackInputChar('q');
+    Decoder.join();
+    EXPECT_EQ(iKey, 'q');
+}
+
+TEST_F(KeyTest, NothingTypedIsLostOrTwiceThere) {
+    constexpr int iKeys = 500;
+    constexpr int iOptions = 2000;
+    std::string strTyped;
+    for (int i = 0; i < iKeys + 8 * iOptions; ++i) {
+        strTyped += i % 8 == 7 ? '\n' : '1';
+    }
+    std::string strKeys;
+    size_t uRead = 0;
+    std::thread Decoder([&] {
+        for (int i = 0; i < iKeys; ++i) {
+            strKeys += static_cast<char>(WaitForKey());
+        }
+    });
+    std::thread Menu([&] {
+        for (int i = 0; i < iOptions / 2; ++i) {
+            if (NextInputChar() >= 0) {
+                ++uRead;
+            }
+        }
+    });
+    Type(strTyped);
+    Decoder.join();
+    Menu.join();
+    EXPECT_EQ(strKeys.find_first_not_of("1\n"), std::string::npos);
+    EXPECT_EQ(uRead, 1000U);
+    EXPECT_EQ(Unread().size(), strTyped.size() - iKeys - 1000);
+}
+
+TEST_F(KeyTest, TheEndOfTheInputReleasesADecoder) {
+    std::atomic<int> iKey{0};
+    std::thread Decoder([&] { iKey = WaitForKey(); });
+    LetOthersRun();
+    EndInput();
+    Decoder.join();
+    EXPECT_EQ(iKey, -1);
+    EXPECT_EQ(WaitForKey(), -1);
+    EXPECT_EQ(NextInputChar(), -1);
+}
+
+TEST_F(KeyTest, LeavingReleasesADecoder) {
+    std::atomic<int> iKey{0};
+    std::thread Decoder([&] { iKey = WaitForKey(); });
+    LetOthersRun();
+    BeginLeaving();
+    Decoder.join();
+    EXPECT_EQ(iKey, -1);
+    EXPECT_TRUE(IsEnding());
+}
+
+TEST_F(KeyTest, ASignalReleasesADecoderAndThePrompt) {
+    std::atomic<int> iKey{0};
+    std::atomic<int> iStatus{0};
+    std::thread Decoder([&] { iKey = WaitForKey(); });
+    LetOthersRun();
+    std::thread Menu([&] {
+        try {
+            ReadOption();
+        } catch (const ClientEnd &stEnd) {
+            iStatus = stEnd.iExitStatus;
+        }
+    });
+    LetOthersRun();
+    raise(SIGTERM);
+    Decoder.join();
+    Menu.join();
+    EXPECT_EQ(iKey, -1);
+    EXPECT_EQ(iStatus, 143);
+    EXPECT_EQ(EndingSignal(), SIGTERM);
+}
+
+TEST_F(KeyTest, WhatWasPrintedIsShownBeforeTheWait) {
+    PutText("\nPress a key");
+    Type("k");
+    EXPECT_EQ(WaitForKey(), 'k');
+    EXPECT_EQ(PendingOutput(), "");
+    EXPECT_EQ(Printed(), "\nPress a key");
+}
+
+class PauseTest : public ConsoleTest {
+  protected:
+    static double SecondsOf(uint32_t u32Microseconds) {
+        timespec stBegin{};
+        timespec stEnd{};
+        clock_gettime(CLOCK_MONOTONIC, &stBegin);
+        PauseMicroseconds(u32Microseconds);
+        clock_gettime(CLOCK_MONOTONIC, &stEnd);
+        return static_cast<double>(stEnd.tv_sec - stBegin.tv_sec) +
+               static_cast<double>(stEnd.tv_nsec - stBegin.tv_nsec) / 1e9;
+    }
+};
+
+TEST_F(PauseTest, APauseLasts) { EXPECT_GE(SecondsOf(50000), 0.05); }
+
+TEST_F(PauseTest, APauseEndsWithTheClient) {
+    std::thread Leaving([] {
+        poll(nullptr, 0, 20);
+        BeginLeaving();
+    });
+    EXPECT_LT(SecondsOf(30000000), 15.0);
+    Leaving.join();
+    EXPECT_LT(SecondsOf(30000000), 15.0);
+}
+
+class OutputTest : public ConsoleTest {};
+
+TEST_F(OutputTest, TextsAndLinesAreCollectedUntilTheyAreFlushed) {
+    PutText("\nA");
+    PutLine("B");
+    PutFormat(" %d %s %p", -5, "c", reinterpret_cast<void *>(0x1234));
+    EXPECT_EQ(PendingOutput(), "\nAB\n -5 c 0x1234");
+    FlushOutput();
+    EXPECT_EQ(PendingOutput(), "");
+    EXPECT_EQ(Printed(), "\nAB\n -5 c 0x1234");
+}
+
+TEST_F(OutputTest, LongFormattedTextsAreCutNotOverrun) {
+    const std::string strLong(2000, 'x');
+    PutFormat("%s", strLong.c_str());
+    EXPECT_EQ(Printed(), std::string(511, 'x'));
+}
+
+// Both threads write pieces much longer than a pipe takes at once.
+TEST_F(OutputTest, NoPieceIsTornByTheOtherThread) {
+    constexpr size_t uPiece = 20000;
+    constexpr int iPieces = 40;
+    int aiPipe[2];
+    ASSERT_EQ(pipe2(aiPipe, O_CLOEXEC), 0);
+    ASSERT_EQ(dup2(aiPipe[1], STDOUT_FILENO), STDOUT_FILENO);
+    close(aiPipe[1]);
+    OpenConsole();
+    const auto WriteMany = [](char cFill) {
+        for (int i = 0; i < iPieces; ++i) {
+            PutText(std::string(uPiece, cFill));
+            FlushOutput();
+        }
+    };
+    std::thread One(WriteMany, 'a');
+    std::thread Other(WriteMany, 'b');
+    std::string strRead;
+    char acChunk[8192];
+    while (strRead.size() < 2 * iPieces * uPiece) {
+        const ssize_t iCount = read(aiPipe[0], acChunk, sizeof acChunk);
+        ASSERT_GT(iCount, 0);
+        strRead.append(acChunk, static_cast<size_t>(iCount));
+    }
+    One.join();
+    Other.join();
+    close(aiPipe[0]);
+    for (size_t i = 0; i < strRead.size(); i += uPiece) {
+        EXPECT_EQ(strRead.substr(i, uPiece), std::string(uPiece, strRead[i])) << "piece at " << i;
+    }
+}
+
+TEST_F(OutputTest, AReaderThatGoesAwayEndsTheClientWithStatus141) {
+    int aiPipe[2];
+    ASSERT_EQ(pipe2(aiPipe, O_CLOEXEC), 0);
+    ASSERT_EQ(dup2(aiPipe[1], STDOUT_FILENO), STDOUT_FILENO);
+    close(aiPipe[1]);
+    OpenConsole();
+    close(aiPipe[0]);
+    PutText("nobody reads this");
+    FlushOutput();
+    EXPECT_EQ(EndingSignal(), SIGPIPE);
+    EXPECT_EQ(RunClient(RunMainMenu), 141);
+    EXPECT_EQ(FakeDevice::Calls().back(), "CloseWiMAXDevice");
+}
+
+class ClientTest : public ConsoleTest {};
+
+TEST_F(ClientTest, TheMenusRunOnAnOpenRegisteredDevice) {
+    EXPECT_EQ(RunClient([] {
+                  EXPECT_EQ(FakeDevice::Calls(),
+                            (std::vector<std::string>{"OpenWiMAXDevice", "RegisterCallback"}));
+              }),
+              0);
+    EXPECT_EQ(FakeDevice::Calls().back(), "CloseWiMAXDevice");
+    EXPECT_EQ(FakeDevice::Calls().size(), 3U);
+    EXPECT_EQ(Printed(), "");
+}
+
+TEST_F(ClientTest, TheEndOfTheInputClosesTheDevice) {
+    EndInput();
+    EXPECT_EQ(RunClient(RunMainMenu), 0);
+    EXPECT_EQ(FakeDevice::Calls().back(), "CloseWiMAXDevice");
+}
+
+TEST_F(ClientTest, ASignalInTheMenusClosesTheDevice) {
+    EXPECT_EQ(RunClient([] {
+                  raise(SIGHUP);
+                  RunMainMenu();
+              }),
+              129);
+    EXPECT_EQ(FakeDevice::Calls().back(), "CloseWiMAXDevice");
+}
+
+} // namespace

@@ -1,0 +1,104 @@
+#include "Wire.h"
+
+#include <gtest/gtest.h>
+
+extern "C" unsigned long MessageSizeInC();
+extern "C" uint32_t OpenInC();
+
+namespace {
+
+constexpr uint8_t aucBytes[] = {0x01, 0x82, 0x03, 0x84, 0x05, 0x86};
+constexpr ByteView stBytes{aucBytes, 6};
+
+TEST(WireTest, NumbersAreLittleEndianAndUnaligned) {
+    EXPECT_EQ(Get(stBytes, {0, FieldType::U8}), 0x01U);
+    EXPECT_EQ(Get(stBytes, {1, FieldType::U16}), 0x0382U);
+    EXPECT_EQ(Get(stBytes, {1, FieldType::U32}), 0x05840382U);
+    EXPECT_EQ(Get(stBytes, {0, FieldType::U16}, 3), 0x0584U);
+}
+
+TEST(WireTest, SignedTypesAreSignExtended) {
+    EXPECT_EQ(Get(stBytes, {1, FieldType::U8}), 0x82U);
+    EXPECT_EQ(Get(stBytes, {1, FieldType::I8}), 0xFFFFFF82U);
+    EXPECT_EQ(GetSigned(stBytes, {1, FieldType::I8}), -126);
+    EXPECT_EQ(GetSigned(stBytes, {2, FieldType::I16}), -31741);
+    EXPECT_EQ(GetSigned(stBytes, {0, FieldType::I16}), -32255);
+    EXPECT_EQ(GetSigned(stBytes, {2, FieldType::I32}), -2046458877);
+}
+
+TEST(WireTest, ReadsPastTheEndGiveZero) {
+    EXPECT_EQ(Get(stBytes, {4, FieldType::U32}), 0x00008605U);
+    EXPECT_EQ(Get(stBytes, {6, FieldType::U32}), 0U);
+    EXPECT_EQ(Get(stBytes, {0, FieldType::U32}, 0xFFFFFFFF), 0x03820100U);
+    EXPECT_EQ(Get({}, {0, FieldType::U32}), 0U);
+    EXPECT_EQ(stBytes.At(5), 0x86);
+    EXPECT_EQ(stBytes.At(6), 0);
+}
+
+TEST(WireTest, ViewsOfViewsStayInside) {
+    EXPECT_EQ(stBytes.From(2).u32Length, 4U);
+    EXPECT_EQ(stBytes.From(2, 3).u32Length, 3U);
+    EXPECT_EQ(stBytes.From(2, 3).At(2), 0x05);
+    EXPECT_EQ(stBytes.From(2, 3).At(3), 0);
+    EXPECT_EQ(stBytes.From(6).u32Length, 0U);
+    EXPECT_EQ(stBytes.From(0xFFFFFFFF).u32Length, 0U);
+    EXPECT_EQ(stBytes.From(5, 0xFFFFFFFF).u32Length, 1U);
+}
+
+TEST(WireTest, NumbersAreWrittenInTheirWidth) {
+    Record<8> stRecord;
+    Put(stRecord.Span(), {1, FieldType::U32}, 0x11223344);
+    Put(stRecord.Span(), {5, FieldType::U16}, 0xAABBCCDD);
+    Put(stRecord.Span(), {7, FieldType::I8}, static_cast<uint32_t>(-2));
+    const uint8_t aucExpected[] = {0, 0x44, 0x33, 0x22, 0x11, 0xDD, 0xCC, 0xFE};
+    EXPECT_EQ(std::memcmp(stRecord.aucBytes, aucExpected, 8), 0);
+}
+
+TEST(WireTest, WritesPastTheEndAreDropped) {
+    Record<4> stRecord;
+    Put(stRecord.Span(), {2, FieldType::U32}, 0x11223344);
+    Put(stRecord.Span(), {4, FieldType::U32}, 0x55667788);
+    const uint8_t aucExpected[] = {0, 0, 0x44, 0x33};
+    EXPECT_EQ(std::memcmp(stRecord.aucBytes, aucExpected, 4), 0);
+}
+
+TEST(WireTest, CopiesStopAtTheEnd) {
+    Record<4> stRecord;
+    PutBytes(stRecord.Span(), 2, stBytes);
+    PutBytes(stRecord.Span(), 4, stBytes);
+    PutBytes(stRecord.Span(), 0, {});
+    const uint8_t aucExpected[] = {0, 0, 0x01, 0x82};
+    EXPECT_EQ(std::memcmp(stRecord.aucBytes, aucExpected, 4), 0);
+}
+
+TEST(WireTest, NoMoreRecordsThanArePresent) {
+    EXPECT_EQ(RecordsPresent(stBytes, 0, 2, 2), 2U);
+    EXPECT_EQ(RecordsPresent(stBytes, 0, 2, 4), 3U);
+    EXPECT_EQ(RecordsPresent(stBytes, 1, 2, 4), 2U);
+    EXPECT_EQ(RecordsPresent(stBytes, 6, 2, 4), 0U);
+    EXPECT_EQ(RecordsPresent(stBytes, 0, 2, uint32_t{0xFFFFFFFF}), 3U);
+    EXPECT_EQ(RecordsPresent(stBytes, 0, 2, int32_t{-1}), 0U);
+}
+
+TEST(WireTest, AMessageIsSeenAsFarAsItWasReceived) {
+    WiMAXMessage stMessage{};
+    const uint8_t aucHeader[] = {0x13, 0x01, 0x07, 0x02, 0xAA, 0xBB};
+    std::memcpy(&stMessage, aucHeader, sizeof aucHeader);
+    const Received stWhole = View(&stMessage, 6);
+    EXPECT_EQ(stWhole.u32Type, 0x0113U);
+    EXPECT_EQ(stWhole.u32SubType, 0x0207U);
+    EXPECT_EQ(stWhole.stPayload.u32Length, 2U);
+    EXPECT_EQ(stWhole.stPayload.At(1), 0xBB);
+    const Received stShort = View(&stMessage, 3);
+    EXPECT_EQ(stShort.u32SubType, 0x07U);
+    EXPECT_EQ(stShort.stPayload.u32Length, 0U);
+    EXPECT_EQ(View(&stMessage, 0xFFFFFFFF).stPayload.u32Length, 10240U);
+    EXPECT_EQ(View(nullptr, 100).stPayload.u32Length, 0U);
+}
+
+TEST(WireTest, TheHeaderServesACProgram) {
+    EXPECT_EQ(MessageSizeInC(), 10244U);
+    EXPECT_EQ(OpenInC(), 1U);
+}
+
+} // namespace
