@@ -63,10 +63,16 @@ TEST_F(InputTest, AZeroByteEndsTheNumberButNotTheWord) {
 }
 
 TEST_F(InputTest, WordsOfAnyLength) {
-    EXPECT_EQ(OptionOf(std::string(100000, 'x') + "\n"), 0);
-    EXPECT_EQ(OptionOf("7" + std::string(100000, 'x') + "\n"), 7);
-    EXPECT_EQ(OptionOf(std::string(100000, '0') + "8\n"), 8);
-    EXPECT_EQ(HexOf(std::string(100000, '0') + "ab\n"), std::pair(1U, 0xABU));
+    const auto Long = [](char cFill, std::string_view strTail) {
+        std::string strWord(100000, cFill);
+        strWord += strTail;
+        return strWord;
+    };
+    EXPECT_EQ(OptionOf(Long('x', "\n")), 0);
+    Type("7");
+    EXPECT_EQ(OptionOf(Long('x', "\n")), 7);
+    EXPECT_EQ(OptionOf(Long('0', "8\n")), 8);
+    EXPECT_EQ(HexOf(Long('0', "ab\n")), std::pair(1U, 0xABU));
     EXPECT_EQ(OptionOf("9\n"), 9);
 }
 

@@ -1,0 +1,26 @@
+// Messages from a hostile modem. The bytes are messages one after the other,
+// each behind its length in two bytes, little-endian; the same bytes are what
+// is typed for decoders that wait for a key.
+#include <cstdlib>
+#include <cstring>
+
+#include "Dispatcher.h"
+#include "FuzzGround.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *pucBytes, size_t uCount) {
+    const ByteView stBytes{pucBytes, static_cast<uint32_t>(uCount)};
+    BeginRun(stBytes);
+    for (ByteView stRest = stBytes; stRest.u32Length != 0;) {
+        constexpr Field stLength{0, FieldType::U16};
+        const ByteView stMessage = stRest.From(2, Get(stRest, stLength));
+        stRest = stRest.From(2 + stMessage.u32Length);
+        // A block of exactly the message's size shows every byte read behind it.
+        void *pvBlock = std::malloc(stMessage.u32Length);
+        if (stMessage.u32Length != 0) {
+            std::memcpy(pvBlock, stMessage.pucData, stMessage.u32Length);
+        }
+        TVLCallback(0, static_cast<const WiMAXMessage *>(pvBlock), stMessage.u32Length);
+        std::free(pvBlock);
+    }
+    return 0;
+}

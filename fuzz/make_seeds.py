@@ -1,0 +1,68 @@
+#!/usr/bin/env python3
+"""Writes the seeds of the fuzz targets into corpus/. To add one, add a line and run this again."""
+
+import pathlib
+import struct
+
+CORPUS = pathlib.Path(__file__).parent / "corpus"
+
+# Payloads that begin with a plausible count, status or length, for every type and subtype.
+PAYLOADS = {
+    "zeroes": bytes(64),
+    "count": struct.pack("<II", 2, 1) + bytes(range(1, 121)),
+    "wild-count": b"\xff" * 64,
+}
+LONG = bytes(range(256)) * 8
+LONG_TYPES = (1, 6, 10, 24)
+TYPES = {
+    1: (1, 4, 6), 2: (1, 2), 4: (1, 2, 3, 5, 6, 8, 10), 6: (1, 2, 3, 4), 7: (1, 2, 3),
+    8: range(1, 9), 10: (1, 3, 4), 11: (1,), 12: (2,), 13: (5, 6), 16: (1, 2, 3), 17: (1, 2),
+    19: (1, 2, 3, 4, 7), 21: (1, 3), 22: (1, 2, 3, 4), 23: (1,), 24: (1, 2, 3, 4), 25: (1,),
+    26: (1, 2), 27: (2,), 28: (1, 2, 5), 29: (1, 2, 3), 30: (1, 2, 3, 4, 5), 31: (2, 3),
+    34: (1, 2, 3, 4), 36: (2, 3), 257: (1,),
+}  # fmt: skip
+
+CONSOLE = {
+    "leave": b"-1\n",
+    "invalid": b"abc\n21\n0\n999\n-1\n",
+    "reopen": b"100\n200\n24\n-1\n",
+    "search": b"1\n1\n1\n2500\n5\n2690\n1\n10000\n0\n10\n1\n-1\n",
+    "sync-up": b"1\n2\n3576.5\n1\n17\n10000\n-1\n",
+    "entry": b"1\n3\n1\n4\n1\n13\n1\n4660\n-1\n",
+    "shutdown": b"1\n7\n1\n8\n1\n11\n-1\n",
+    "options": b"1\n12\n1\n1\n1\n-1\n",
+    "low-power-scan": b"1\n14\n5\n-1\n",
+    "idle": b"16\n1\n16\n2\n16\n3\n30\n16\n4\n-1\n",
+    "failing-device": b"1\n7\n1\n1\n-1\n\x00\xff",
+    **{f"choice-{choice}": f"{choice}\n1\n1\n1\n1\n1\n1\n1\n-1\n".encode() for choice in range(1, 21)},
+}
+
+
+def framed(*messages):
+    return b"".join(struct.pack("<H", len(message)) + message for message in messages)
+
+
+def message(kind, subtype, payload):
+    return struct.pack("<HH", kind, subtype) + payload
+
+
+def main():
+    for kind, subtypes in TYPES.items():
+        for name, payload in PAYLOADS.items():
+            seed = framed(*(message(kind, subtype, payload) for subtype in subtypes))
+            write("callback", f"type-{kind}-{name}", seed)
+    for kind in LONG_TYPES:
+        write("callback", f"type-{kind}-long", framed(message(kind, TYPES[kind][0], LONG)))
+    write("callback", "short", framed(b"", b"\x01", b"\x01\x00", b"\x13\x00\x07"))
+    for name, seed in CONSOLE.items():
+        write("console", name, seed)
+
+
+def write(target, name, seed):
+    directory = CORPUS / target
+    directory.mkdir(parents=True, exist_ok=True)
+    (directory / name).write_bytes(seed)
+
+
+if __name__ == "__main__":
+    main()
