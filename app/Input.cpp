@@ -126,6 +126,8 @@ int32_t AskOption(const char *pcPrompt) {
     return ReadOption();
 }
 
+uint32_t AskUnsigned(const char *pcPrompt) { return static_cast<uint32_t>(AskOption(pcPrompt)); }
+
 uint32_t AskInteger(const char *pcPrompt) {
     PutText(pcPrompt);
     int32_t iValue = 0;

@@ -225,8 +225,6 @@ uint32_t AskDefault(ByteSpan stRequest, const Default &stDefault, uint32_t u32Va
     return u32Value;
 }
 
-uint32_t AskUnsigned(const char *pcPrompt) { return static_cast<uint32_t>(AskOption(pcPrompt)); }
-
 void AskStationEntry(ByteSpan stEntry, uint32_t u32Index) {
     for (const StationDefault &stDefault : astStationDefaults) {
         const uint32_t au32Numbers[] = {u32Index, Get(stEntry, stDefault.stField)};
