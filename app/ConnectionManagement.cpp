@@ -73,7 +73,7 @@ uint32_t EnterNetworkByNSP() {
     Record<Size> stRequest;
     if (AskOption("\nDo you want to enter the NSP ID For network entry (1-Yes and 0-No) : ") == 1) {
         Put(stRequest.Span(), NSPIDPresent, 1);
-        Put(stRequest.Span(), NSPID, static_cast<uint32_t>(AskOption("\nEnter the NSP ID  : ")));
+        Put(stRequest.Span(), NSPID, AskUnsigned("\nEnter the NSP ID  : "));
     }
     return LowByte(SendRequest(TYPE_NETWORK_ENTRY, SUBTYPE_NSP_NETWORK_ENTRY, stRequest.View()));
 }

@@ -5,6 +5,7 @@
 #include "LinkStatus.h"
 #include "Message.h"
 #include "Report.h"
+#include "ServiceFlows.h"
 #include "WiMAXOptions.h"
 
 namespace {
@@ -39,7 +40,7 @@ constexpr DecoderRow astDecoders[] = {
     {TYPE_NETWORK_SEARCH, NetEntrySearchResponse},
     {TYPE_NETWORK_ENTRY, NetEntryExitResponse},
     {TYPE_AUTHENTICATION, nullptr},
-    {TYPE_SERVICE_FLOW, nullptr},
+    {TYPE_SERVICE_FLOW, ServiceFlowResponse},
     {TYPE_SS_INFO, nullptr},
     {TYPE_START_LOGGER, nullptr},
     {TYPE_VENDOR_SPECIFIC, nullptr},

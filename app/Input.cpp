@@ -126,6 +126,8 @@ int32_t AskOption(const char *pcPrompt) {
     return ReadOption();
 }
 
+uint32_t AskUnsigned(const char *pcPrompt) { return static_cast<uint32_t>(AskOption(pcPrompt)); }
+
 uint32_t AskInteger(const char *pcPrompt, uint32_t u32Before) {
     PutText(pcPrompt);
     auto iValue = static_cast<int32_t>(u32Before);

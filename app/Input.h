@@ -27,6 +27,8 @@ bool ReadIntegerOrDropWord(int32_t *piValue);
 
 // The prompt and its answer.
 int32_t AskOption(const char *pcPrompt);
+// The same for a field of a request, which takes the low bits that it has room for.
+uint32_t AskUnsigned(const char *pcPrompt);
 // A field of a request that "%d" fills: stays as it was before when the answer
 // is no number.
 uint32_t AskInteger(const char *pcPrompt, uint32_t u32Before = 0);

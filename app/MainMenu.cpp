@@ -5,6 +5,7 @@
 #include "IdleMode.h"
 #include "Input.h"
 #include "Message.h"
+#include "ServiceFlows.h"
 #include "VendorSpecificMessageApp.h"
 
 namespace {
@@ -45,7 +46,7 @@ constexpr MainMenuEntry astEntries[] = {
     {3, "\n 3. CHIPSET CONTROL REQUESTS", nullptr, Afterwards::Kept},
     {4, "\n 4. STATISTICS REQUEST", nullptr},
     {5, "\n 5. MAC MANAGEMENT MESSAGE REQUESTS", nullptr},
-    {6, "\n 6. SERVICE FLOW MSG REQUESTS", nullptr},
+    {6, "\n 6. SERVICE FLOW MSG REQUESTS", [] { ServiceFlowRequest(); }},
     {7, "\n 7. RDM-WRM TEST REQUESTS", nullptr},
     {8, "\n 8. GPIO MSG REQUESTS", nullptr},
     {9, "\n 9. LOGGER MSG REQUESTS", nullptr},

@@ -93,7 +93,7 @@ uint32_t AskReportType() {
     PutText("\nENTER OPTION FOR REPORT TYPE: ");
     PutText("\n 1. SEARCH FOR BS by BS LIST ");
     PutText("\n 2. SEARCH REQUEST FOR CONSOLIDATED LIST");
-    return static_cast<uint32_t>(AskOption("\nENTER OPTION : "));
+    return AskUnsigned("\nENTER OPTION : ");
 }
 
 void AskBandwidths(ByteSpan stRequest, const BandwidthPrompts &stPrompts) {
@@ -161,8 +161,6 @@ int32_t SearchByFrequency(int32_t iChoice) {
     }
     return SendRequest(TYPE_NETWORK_SEARCH, SUBTYPE_NETWORK_SEARCH, stRequest.View());
 }
-
-uint32_t AskUnsigned(const char *pcPrompt) { return static_cast<uint32_t>(AskOption(pcPrompt)); }
 
 // A value that a word replaces, whatever the word is.
 uint32_t AskWordInstead(const char *pcPrompt, uint32_t /*u32Before*/) {

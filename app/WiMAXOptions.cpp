@@ -167,7 +167,7 @@ Setting AskSetting(int32_t iLine, uint32_t u32Bitmap, const char *pcBitmapExitLi
         const uint32_t u32Specifier = AskSecuritySupport() ? SpecifierOf(SecurityLevel) : 0;
         PutTexts(apcSecurityLines);
         return {u32Specifier, SecurityLevel,
-                static_cast<uint32_t>(AskOption("\nEnter your choice : "))};
+                AskUnsigned("\nEnter your choice : ")};
     }
     }
 }
