@@ -120,7 +120,7 @@ int DigitOf(char cChar) {
 // False when the text is not whole bytes.
 bool ReadBytes(std::string_view strText, std::vector<uint8_t> *paucBytes) {
     for (size_t i = 0; i < strText.size(); ++i) {
-        if (strText[i] == ' ' || strText[i] == ':' || strText[i] == '-') {
+        if (std::string_view(" \t\r\n:-").find(strText[i]) != std::string_view::npos) {
             continue;
         }
         const int iHigh = DigitOf(strText[i]);

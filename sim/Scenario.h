@@ -59,8 +59,8 @@ class Section {
     // One of the words of a table.
     uint32_t Choice(std::string_view strKey, std::span<const ScenarioWord> astWords,
                     std::optional<uint32_t> u32Default = std::nullopt) const;
-    // Bytes as text, in hexadecimal, two digits each; blanks, colons and dashes
-    // may stand between them. Without the key: none.
+    // Bytes as text, in hexadecimal, two digits each; blanks, line ends,
+    // colons and dashes may stand between them. Without the key: none.
     std::vector<uint8_t> Bytes(std::string_view strKey, size_t uMost) const;
     std::vector<int64_t> Integers(std::string_view strKey, int64_t iLeast, int64_t iMost) const;
 

@@ -1,0 +1,185 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "ModemBench.h"
+#include "TestScenarios.h"
+
+namespace {
+
+// What is said about a scenario; empty when nothing is wrong with it.
+std::string ReasonAgainst(const std::string &strScenario) {
+    try {
+        const Modem stModem(Scenario::FromText(strScenario, "bad.toml"));
+        return "";
+    } catch (const ScenarioError &stError) {
+        return stError.what();
+    }
+}
+
+const std::string strStation = "[[station]]\nbsid = \"00120A010203\"\nfrequency = 2587500\n"
+                               "bandwidth = 10000\npreamble = 3\nrssi = -58\ncinr = 28\n";
+
+TEST(Scenario, EveryShippedOneIsGood) {
+    int iCount = 0;
+    for (const auto &stEntry : std::filesystem::directory_iterator(SCENARIO_DIRECTORY)) {
+        EXPECT_NO_THROW(Modem(Scenario::FromFile(stEntry.path()))) << stEntry.path();
+        ++iCount;
+    }
+    EXPECT_GE(iCount, 9);
+}
+
+TEST(Scenario, TheBuiltInOneHasStationsOnBothBandsOfThreeAccessProviders) {
+    Modem stModem(Scenario::BuiltIn());
+    std::vector<uint32_t> au32NAPs;
+    int iLow = 0;
+    int iHigh = 0;
+    int iTooWeak = 0;
+    for (const Station &stStation : stModem.Air().Stations()) {
+        EXPECT_TRUE(stModem.Air().Receivable(stStation, 0));
+        ++(stStation.u32Frequency < 3000000 ? iLow : iHigh);
+        iTooWeak += stModem.Air().StrongEnoughToEnter(stStation, 0) ? 0 : 1;
+        if (std::find(au32NAPs.begin(), au32NAPs.end(), stStation.NAPID()) == au32NAPs.end()) {
+            au32NAPs.push_back(stStation.NAPID());
+        }
+    }
+    EXPECT_EQ(au32NAPs, (std::vector<uint32_t>{0x00120A, 0x002B37, 0x00F044}));
+    EXPECT_GE(iLow, 4);
+    EXPECT_GE(iHigh, 4);
+    EXPECT_EQ(iTooWeak, 2);
+}
+
+TEST(Scenario, MistakesAreReportedWithTheirLine) {
+    const struct {
+        std::string strText;
+        std::string strReason;
+    } astCases[] = {
+        {"sede = 1\n", "bad.toml:1: \"sede\" is not known here"},
+        {"[device]\npresent = true\nabsent = true\n", "bad.toml:3: \"absent\" is not known here"},
+        {"\n\n[planet]\nname = \"x\"\n", "bad.toml:3: \"planet\" is not known here"},
+        {strStation + "colour = 1\n", "bad.toml:8: \"colour\" is not known here"},
+        {"seed = \"one\"\n",
+         "bad.toml:1: \"seed\" must be a whole number from 0 to 9223372036854775807"},
+        {"seed = -1\n",
+         "bad.toml:1: \"seed\" must be a whole number from 0 to 9223372036854775807"},
+        {"time-scale = 0\n", "bad.toml:1: \"time-scale\" must be a number from 0.001 to 1000000"},
+        {"time-scale = nan\n", "bad.toml:1: \"time-scale\" must be a number from 0.001 to 1000000"},
+        {"[device]\npresent = 1\n", "bad.toml:2: \"present\" must be true or false"},
+        {"device = 1\n", "bad.toml:1: \"device\" must be a section, [device]"},
+        {"[station]\nbsid = \"00\"\n",
+         "bad.toml:1: \"station\" must be a section that may stand several times, [[station]]"},
+        {"[[station]]\nfrequency = 1\n", "bad.toml:1: \"bsid\" is missing"},
+        {"[[station]]\nbsid = \"00 11\"\n",
+         "bad.toml:2: \"bsid\" must be six bytes, each of two hexadecimal digits"},
+        {"[[station]]\nbsid = \"00120A0102033\"\n",
+         "bad.toml:2: \"bsid\" must be at most 6 bytes, each of two hexadecimal digits"},
+        {"[[station]]\nbsid = \"00120A010203\"\nfrequency = 2587.5\n",
+         "bad.toml:3: \"frequency\" must be a whole number from 1 to 4294967295"},
+        {strStation + strStation, "bad.toml:9: \"bsid\" is used twice"},
+        {strStation + "nsps = [4]\n", "bad.toml:8: \"nsps\" names 4, which no [[nsp]] has"},
+        {strStation + "nsps = 4\n",
+         "bad.toml:8: \"nsps\" must be a list of whole numbers from 0 to 4294967295"},
+        {strStation + "entry = \"maybe\"\n",
+         "bad.toml:8: \"entry\" must be one of \"accepted\", \"ranging-failure\", "
+         "\"sbc-failure\", \"pkm-failure\", \"registration-failure\", \"satek-failure\""},
+        {"[[nsp]]\nid = 1\nname = \"a\"\n[[nsp]]\nid = 1\nname = \"b\"\n",
+         "bad.toml:5: \"id\" is used twice"},
+        {"[[nsp]]\nid = 1\nname = \"" + std::string(129, 'x') + "\"\n",
+         "bad.toml:3: \"name\" must be at most 128 bytes long"},
+        {"[start]\nstate = \"idle\"\n", "bad.toml:1: \"station\" is missing: this state needs one"},
+        {strStation + "[start]\nstation = \"00120A010203\"\n",
+         "bad.toml:9: \"station\" has no meaning in this state"},
+        {strStation + "[start]\nstate = \"idle\"\nstation = \"00120A010204\"\n",
+         "bad.toml:10: \"station\" is the BS ID of no station"},
+        {"[[event]]\nkind = \"paging\"\n", "bad.toml:1: \"at\" is missing"},
+        {"[[event]]\nat = 1\nkind = \"vanish\"\n", "bad.toml:1: \"station\" is missing"},
+        {"[[event]]\nat = 1\nkind = \"message\"\nbytes = \"010203\"\n",
+         "bad.toml:4: \"bytes\" must hold at least the four bytes of type and subtype"},
+        {"[[event]]\nat = 1\nkind = \"message\"\nbytes = \"0102030\"\n",
+         "bad.toml:4: \"bytes\" must be at most 10244 bytes, each of two hexadecimal digits"},
+        {"[[fault]]\nkind = \"fail\"\n", "bad.toml:1: \"code\" is missing"},
+        {"[[fault]]\nkind = \"drop\"\nseconds = 2\n", "bad.toml:3: \"seconds\" is not known here"},
+        {"[[fault]]\nkind = \"drop\"\nprobability = 1.5\n",
+         "bad.toml:3: \"probability\" must be a number from 0 to 1"},
+    };
+    for (const auto &stCase : astCases) {
+        EXPECT_EQ(ReasonAgainst(stCase.strText), stCase.strReason);
+    }
+}
+
+TEST(Scenario, TextThatIsNoTOMLIsReportedWithItsLine) {
+    EXPECT_EQ(ReasonAgainst("seed = 1\nseed\n").substr(0, 12), "bad.toml:2: ");
+    EXPECT_EQ(ReasonAgainst("\n\nseed = [1,\n").substr(0, 9), "bad.toml:");
+}
+
+TEST(Scenario, AFileThatCannotBeReadIsReported) {
+    try {
+        Scenario::FromFile("/nonexistent/scenario.toml");
+        FAIL();
+    } catch (const ScenarioError &stError) {
+        EXPECT_STREQ(stError.what(),
+                     "/nonexistent/scenario.toml:0: cannot be read: No such file or directory");
+    }
+    EXPECT_THROW(Scenario::FromFile("/"), ScenarioError);
+}
+
+TEST(Scenario, OpensFailAsItSays) {
+    const Modem stLate(Scenario::FromText("[device]\nfailed-opens = 2\n", ""));
+    EXPECT_FALSE(stLate.OpensAt(1));
+    EXPECT_FALSE(stLate.OpensAt(2));
+    EXPECT_TRUE(stLate.OpensAt(3));
+    const Modem stAbsent(Scenario::FromText("[device]\npresent = false\n", ""));
+    EXPECT_FALSE(stAbsent.OpensAt(1000));
+}
+
+// ---- The air ----
+
+TEST(Radio, SignalsVarySlowlyWithinTheirBounds) {
+    const std::string strVarying = strStation + "variation = 5\nvariation-period = 4\n";
+    Modem stModem(Scenario::FromText(strVarying, ""));
+    const Station &stStation = stModem.Air().Stations().front();
+    double fLeast = 0;
+    double fMost = -200;
+    double fBefore = stModem.Air().Measure(stStation, 0).fRSSI;
+    for (ModemTime iTime = 0; iTime < 400 * i64Second; iTime += i64Second / 10) {
+        const Measurement stMeasurement = stModem.Air().Measure(stStation, iTime);
+        EXPECT_LT(std::abs(stMeasurement.fRSSI - fBefore), 0.5);
+        EXPECT_EQ(stMeasurement.fCINR - stMeasurement.fRSSI, 86);
+        fBefore = stMeasurement.fRSSI;
+        fLeast = std::min(fLeast, fBefore);
+        fMost = std::max(fMost, fBefore);
+    }
+    EXPECT_GE(fLeast, -63);
+    EXPECT_LE(fMost, -53);
+    EXPECT_GT(fMost - fLeast, 6);
+}
+
+TEST(Radio, TheSameSeedGivesTheSameValuesAndAnotherOneOthers) {
+    const std::string strVarying = strStation + "variation = 5\n";
+    Modem stFirst(Scenario::FromText("seed = 1\n" + strVarying, ""));
+    Modem stAgain(Scenario::FromText("seed = 1\n" + strVarying, ""));
+    Modem stOther(Scenario::FromText("seed = 2\n" + strVarying, ""));
+    const auto RSSI = [](Modem &stModem) {
+        return stModem.Air().Measure(stModem.Air().Stations().front(), 3 * i64Second).fRSSI;
+    };
+    EXPECT_EQ(RSSI(stFirst), RSSI(stAgain));
+    EXPECT_NE(RSSI(stFirst), RSSI(stOther));
+}
+
+TEST(Radio, ChanceIsSpreadAndKeptApartByPurpose) {
+    Random stFirst(1, "a");
+    Random stSecond(1, "b");
+    EXPECT_NE(stFirst.Next(), stSecond.Next());
+    int aiCounts[6] = {};
+    for (int i = 0; i < 6000; ++i) {
+        ++aiCounts[stFirst.Below(6)];
+    }
+    for (const int iCount : aiCounts) {
+        EXPECT_NEAR(iCount, 1000, 150);
+    }
+    EXPECT_EQ(stFirst.Below(0), 0U);
+    // Sequences stay what they are, so that scenarios do.
+    EXPECT_EQ(Random(20, "radio").Next(), UINT64_C(0x31BBC94806581EF5));
+}
+
+} // namespace
