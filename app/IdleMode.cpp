@@ -59,8 +59,7 @@ int32_t SendIdleModeStatusRequest() { return Send(SUBTYPE_IDLE_MODE_STATUS, pcId
 int32_t SendIdleModeInactivityTimerRequest() {
     Record<StatusWord::Size> stTimer;
     Put(stTimer.Span(), StatusWord::Value,
-        static_cast<uint32_t>(
-            AskOption("\nEnter the Idle Mode Inactivity Timer value (in secs) : ")));
+        AskUnsigned("\nEnter the Idle Mode Inactivity Timer value (in secs) : "));
     return Send(SUBTYPE_IDLE_MODE_INACTIVITY_TIMER,
                 "\nFailed to send the IDLE MODE INACITIVITY TIMER REQUEST Message to device!!",
                 stTimer.View());

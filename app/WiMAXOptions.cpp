@@ -166,8 +166,7 @@ Setting AskSetting(int32_t iLine, uint32_t u32Bitmap, const char *pcBitmapExitLi
     default: {
         const uint32_t u32Specifier = AskSecuritySupport() ? SpecifierOf(SecurityLevel) : 0;
         PutTexts(apcSecurityLines);
-        return {u32Specifier, SecurityLevel,
-                AskUnsigned("\nEnter your choice : ")};
+        return {u32Specifier, SecurityLevel, AskUnsigned("\nEnter your choice : ")};
     }
     }
 }
