@@ -116,6 +116,7 @@ void PutCounterGroups(ByteView stZone, std::span<const CounterGroup> astGroups) 
 }
 
 void PutZoneBursts(const MIBAnswer &stAnswer) {
+    const KeyTurn stTurn;
     const uint32_t u32ZoneSize = stAnswer.u32DataLength / MIBBurstZone::Count;
     for (uint32_t i = 0; i < MIBBurstZone::Count; ++i) {
         PutNumber("\nZone Is: [%d]\n", i);
@@ -126,6 +127,7 @@ void PutZoneBursts(const MIBAnswer &stAnswer) {
 
 void PutZoneStatistics(const MIBAnswer &stAnswer) {
     using namespace MIBZoneStatistics;
+    const KeyTurn stTurn;
     const ByteView stLayout = stAnswer.stLayout;
     PutRow(stLayout, {"Frame number for UL: [%d]\n", MIBULZone::FrameNumber}, ULZones);
     for (uint32_t i = 0; i < NumDLZones; ++i) {

@@ -91,9 +91,8 @@ void AskKeys(ByteSpan stRecord, uint32_t u32Keys) {
         {"\n Enter the 2nd key value: ", MIBRecord::Key2},
     };
     Put(stRecord, MIBRecord::KeyCount, u32Keys);
-    for (uint32_t i = 0; i < u32Keys; ++i) {
-        Put(stRecord, astQuestions[i].stKey,
-            static_cast<uint32_t>(AskOption(astQuestions[i].pcPrompt)));
+    for (const KeyQuestion &stQuestion : std::span(astQuestions).first(u32Keys)) {
+        Put(stRecord, stQuestion.stKey, static_cast<uint32_t>(AskOption(stQuestion.pcPrompt)));
     }
 }
 
