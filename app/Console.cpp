@@ -255,9 +255,17 @@ void PushBackInputChar(int iChar) {
     Raise(giPushBackEvent);
 }
 
+KeyTurn::KeyTurn() { ++gu32KeyWaiters; }
+
+KeyTurn::~KeyTurn() {
+    --gu32KeyWaiters;
+    Raise(giTurnEvent);
+}
+
 int WaitForKey() {
+    // Before the text is seen: a key typed at the sight of it is the decoder's.
+    const KeyTurn stTurn;
     FlushOutput();
-    ++gu32KeyWaiters;
     int iChar = iNoChar;
     while (iChar == iNoChar) {
         if (IsEnding()) {
@@ -273,8 +281,6 @@ int WaitForKey() {
         const Hold stHold(gInputTaken);
         iChar = TakeChar();
     }
-    --gu32KeyWaiters;
-    Raise(giTurnEvent);
     return iChar;
 }
 

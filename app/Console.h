@@ -40,6 +40,14 @@ void PushBackInputChar(int iChar);
 // next character of the stream, whatever it is. Returns it, or -1 when the
 // input has ended or the client is ending.
 int WaitForKey();
+// For decoders that wait for several keys: as long as one of these lives, the
+// menus leave the input alone, between the keys too.
+struct KeyTurn {
+    KeyTurn();
+    ~KeyTurn();
+    KeyTurn(const KeyTurn &) = delete;
+    KeyTurn &operator=(const KeyTurn &) = delete;
+};
 
 // Sleeps, on either thread. A sleep ends early when the client is ending.
 void PauseMicroseconds(uint32_t u32Microseconds);

@@ -3,8 +3,10 @@
 #include "Console.h"
 #include "IdleMode.h"
 #include "LinkStatus.h"
+#include "MIBIndication.h"
 #include "Message.h"
 #include "Report.h"
+#include "SecurityParameters.h"
 #include "ServiceFlows.h"
 #include "WiMAXOptions.h"
 
@@ -53,7 +55,7 @@ constexpr DecoderRow astDecoders[] = {
     {TYPE_MAC_MGMT, nullptr},
     {TYPE_GPIO, nullptr},
     {TYPE_HANDOVER, nullptr},
-    {TYPE_MIB, nullptr},
+    {TYPE_MIB, MIBIndication},
     {TYPE_IGNORED_25, Ignore},
     {TYPE_SLEEP_MODE, nullptr},
     {TYPE_MAC_LOGGING, Ignore},
@@ -61,7 +63,7 @@ constexpr DecoderRow astDecoders[] = {
     {TYPE_WIMAX_OPTIONS, ProcessWiMAXOptionsResp},
     {TYPE_SHUTDOWN, ShutDownResponse},
     {TYPE_PHY_LOGGING, nullptr},
-    {TYPE_SECURITY, nullptr},
+    {TYPE_SECURITY, ProcessSecResponse},
     {TYPE_HALF_MINI_CARD, ProcessHalfMiniCardResponse},
 };
 

@@ -98,6 +98,21 @@ void ReadWord(char *pcWord, uint32_t u32Size) {
     pcWord[u32Length] = '\0';
 }
 
+uint32_t ReadHexBytes(uint8_t *pucBytes, uint32_t u32Count) {
+    Word stWord = BeginWord();
+    uint32_t u32Read = 0;
+    uint32_t u32Value = 0;
+    while (u32Read < u32Count &&
+           ScanHexadecimal(SourceOf(stWord), &u32Value) == ScanResult::Converted) {
+        pucBytes[u32Read++] = static_cast<uint8_t>(u32Value);
+        if (stWord.Next() != '-') {
+            break;
+        }
+    }
+    stWord.DropRest();
+    return u32Read;
+}
+
 bool ReadInteger(int32_t *piValue) {
     FlushOutput();
     return Done(ScanDecimal(stInput, piValue));

@@ -13,6 +13,10 @@ int32_t ReadOption();
 uint32_t ReadHexNum(uint32_t *pu32Value);
 // One word, of which the first u32Size - 1 characters are kept.
 void ReadWord(char *pcWord, uint32_t u32Size);
+// One word of hexadecimal numbers between dashes: the low byte of each, at most
+// u32Count of them. Returns how many there were before something else came; the
+// other bytes stay as they were.
+uint32_t ReadHexBytes(uint8_t *pucBytes, uint32_t u32Count);
 
 // "%d", "%x" and "%f": what they cannot convert stays in the input for the next
 // reader, as does all that follows a number. Return false, with the value as it

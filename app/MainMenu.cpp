@@ -4,6 +4,7 @@
 #include "Dispatcher.h"
 #include "IdleMode.h"
 #include "Input.h"
+#include "MIBRequests.h"
 #include "Message.h"
 #include "ServiceFlows.h"
 #include "VendorSpecificMessageApp.h"
@@ -51,7 +52,7 @@ constexpr MainMenuEntry astEntries[] = {
     {8, "\n 8. GPIO MSG REQUESTS", nullptr},
     {9, "\n 9. LOGGER MSG REQUESTS", nullptr},
     {10, "\n10. VENDOR SPECIFIC PARAM REQUEST", nullptr},
-    {11, "\n11. MIB REQUEST", nullptr},
+    {11, "\n11. MIB REQUEST", [] { MIBRequest(); }},
     {12, "\n12. SET MAC ADDRESS", nullptr},
     {13, "\n13. DEVICE CONFIG", nullptr},
     {14, "\n14. EAP REQUESTS", nullptr},

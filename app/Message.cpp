@@ -1,5 +1,7 @@
 #include "Message.h"
 
+#include <algorithm>
+
 #include "Console.h"
 
 std::atomic<uint32_t> g_hDevice{WIMAX_NO_DEVICE};
@@ -19,7 +21,8 @@ uint32_t FillWiMAXMsg(WiMAXMessage *pstMessage, uint32_t u32Type, uint32_t u32Su
 
 int32_t SendMessage(WiMAXMessage *pstMessage, uint32_t u32Length) {
     FlushOutput();
-    return SendWiMAXMessage(g_hDevice, pstMessage, u32Length);
+    return SendWiMAXMessage(g_hDevice, pstMessage,
+                            std::min<uint32_t>(u32Length, sizeof *pstMessage));
 }
 
 int32_t SendRequest(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload) {

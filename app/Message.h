@@ -19,7 +19,8 @@ extern std::atomic<uint8_t> gbInsideSubMenu;
 uint32_t FillWiMAXMsg(WiMAXMessage *pstMessage, uint32_t u32Type, uint32_t u32SubType,
                       uint32_t u32PayloadLength);
 
-// Shows what was printed so far, then sends. Returns the library's result.
+// Shows what was printed so far, then sends: u32Length bytes, never more than
+// the record has. Returns the library's result.
 int32_t SendMessage(WiMAXMessage *pstMessage, uint32_t u32Length);
 
 // Builds and sends a request whose payload is stPayload (nothing by default).

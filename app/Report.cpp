@@ -1,5 +1,6 @@
 #include "Report.h"
 
+#include <cstdio>
 #include <cstring>
 #include <string>
 
@@ -7,7 +8,7 @@
 
 namespace {
 
-// A conversion of a row's text: %[0][width](d|u|x|X).
+// A conversion of a row's text: %[0][width](d|u|x|X), or %f.
 struct Conversion {
     bool bZeroFilled = false;
     uint32_t u32Width = 0;
@@ -25,7 +26,36 @@ const char *ParseConversion(const char *pcText, Conversion *pstConversion) {
     return pcText + 1;
 }
 
-void AppendConverted(std::string &strOutput, const Conversion &stConversion, uint32_t u32Value) {
+// A number to be converted.
+struct Number {
+    uint32_t u32Value;
+    bool bSigned = false;
+    uint32_t u32Divisor = 1;
+};
+
+uint32_t WholePart(const Number &stNumber) {
+    if (stNumber.bSigned) {
+        return static_cast<uint32_t>(static_cast<int32_t>(stNumber.u32Value) /
+                                     static_cast<int32_t>(stNumber.u32Divisor));
+    }
+    return stNumber.u32Value / stNumber.u32Divisor;
+}
+
+void AppendReal(std::string &strOutput, const Number &stNumber) {
+    const double dValue = stNumber.bSigned ? static_cast<int32_t>(stNumber.u32Value)
+                                           : static_cast<double>(stNumber.u32Value);
+    char acReal[32]; // ten digits, a sign, a point and six decimals at most
+    const int iLength = snprintf(acReal, sizeof acReal, "%f", dValue / stNumber.u32Divisor);
+    strOutput.append(acReal, static_cast<size_t>(iLength));
+}
+
+void AppendConverted(std::string &strOutput, const Conversion &stConversion,
+                     const Number &stNumber) {
+    if (stConversion.cKind == 'f') {
+        AppendReal(strOutput, stNumber);
+        return;
+    }
+    const uint32_t u32Value = WholePart(stNumber);
     const char *pcDigits = stConversion.cKind == 'X' ? "0123456789ABCDEF" : "0123456789abcdef";
     const uint32_t u32Base = stConversion.cKind == 'x' || stConversion.cKind == 'X' ? 16 : 10;
     const bool bNegative = stConversion.cKind == 'd' && static_cast<int32_t>(u32Value) < 0;
@@ -75,10 +105,13 @@ void PutRow(ByteView stView, const ReportRow &stRow, uint32_t u32Base) {
         PutText(stRow.pcText);
         return;
     }
+    const FieldType eType = stRow.stField.eType;
+    const bool bSigned =
+        eType == FieldType::I8 || eType == FieldType::I16 || eType == FieldType::I32;
     PutConverted(stRow.pcText, [&] {
-        const uint32_t u32Value = Get(stView, stRow.stField, u32Base);
-        u32Base += WidthOf(stRow.stField.eType);
-        return u32Value;
+        const Number stNumber{Get(stView, stRow.stField, u32Base), bSigned, stRow.u32Divisor};
+        u32Base += WidthOf(eType);
+        return stNumber;
     });
 }
 
@@ -95,7 +128,8 @@ void PutNumber(const char *pcText, uint32_t u32Value) {
 
 void PutNumbers(const char *pcText, std::span<const uint32_t> au32Values) {
     size_t uNext = 0;
-    PutConverted(pcText, [&] { return uNext < au32Values.size() ? au32Values[uNext++] : 0; });
+    PutConverted(pcText,
+                 [&] { return Number{uNext < au32Values.size() ? au32Values[uNext++] : 0}; });
 }
 
 void PutEachByte(const char *pcText, ByteView stBytes) {

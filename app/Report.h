@@ -11,9 +11,12 @@
 // and a width) prints one number: the first the field, each further one the
 // field of the same type right behind the one before, so that a BS ID is one
 // byte field and six conversions. A row without a field is plain text.
+// A field in fractions of a unit has a divisor: %f prints the exact quotient
+// with six decimals, the others the whole part.
 struct ReportRow {
     const char *pcText;
     Field stField = {};
+    uint32_t u32Divisor = 1;
 };
 
 // Prints one row, or all of them; u32Base is where the record begins in the view.

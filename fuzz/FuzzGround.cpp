@@ -70,7 +70,7 @@ int32_t RegisterCallback(uint32_t /*hDevice*/, WiMAXCallback /*pfnCallback*/,
 }
 
 int32_t SendWiMAXMessage(uint32_t /*hDevice*/, void *pvMessage, uint32_t /*u32Length*/) {
-    if (gstDeviceBytes.u32Length != 0) {
+    if (gstDeviceBytes.u32Length != 0 && pvMessage != nullptr) {
         auto *pucMessage = static_cast<uint8_t *>(pvMessage);
         for (uint32_t i = WIMAX_HEADER_SIZE; i < WIMAX_MESSAGE_SIZE; ++i) {
             pucMessage[i] = NextDeviceByte();

@@ -33,6 +33,9 @@ CONSOLE = {
     "options": b"1\n12\n1\n1\n1\n-1\n",
     "low-power-scan": b"1\n14\n5\n-1\n",
     "idle": b"16\n1\n16\n2\n16\n3\n30\n16\n4\n-1\n",
+    "mib-get": b"11\n1\n1142\n1\n2\n3\n2\n1612\n1617\n1\n5\n-1\n-1\n",
+    "mib-set": b"11\n2\n23\n4\n1\n7\n2\n1\n6\n1-2-3-4-5-6\n2\n509\n1\n2\n2\n999\n2\n507\n-1\n-1\n",
+    "mib-multiple-set": b"11\n4\n3\n5\n2\n7\n900\n804\n1\n6\n10000\n1\n4\n0\n-1\n-1\n",
     "failing-device": b"1\n7\n1\n1\n-1\n\x00\xff",
     **{f"choice-{choice}": f"{choice}\n1\n1\n1\n1\n1\n1\n1\n-1\n".encode() for choice in range(1, 21)},
 }

@@ -144,8 +144,10 @@ int32_t SendWiMAXMessage(uint32_t hDevice, void *pvMessage, uint32_t u32Length) 
         gstState.stArguments.push_back({hDevice, u32Length});
         auto *pucMessage = static_cast<uint8_t *>(pvMessage);
         gstState.strSent.push_back(
-            FormatMessage(pucMessage, std::min<uint32_t>(u32Length, WIMAX_MESSAGE_SIZE)));
-        if (gstState.aucReply) {
+            pucMessage == nullptr
+                ? "null"
+                : FormatMessage(pucMessage, std::min<uint32_t>(u32Length, WIMAX_MESSAGE_SIZE)));
+        if (gstState.aucReply && pucMessage != nullptr) {
             std::copy(gstState.aucReply->begin(), gstState.aucReply->end(), pucMessage);
             gstState.aucReply.reset();
         }

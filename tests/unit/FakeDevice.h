@@ -16,7 +16,8 @@ namespace FakeDevice {
 // Forgets everything: no calls, every call succeeds, the handle is 1.
 void Reset();
 
-// Everything that was sent, each as "2/1 | f8 92"; compare it with Message().
+// Everything that was sent, each as "2/1 | f8 92", or "null" for a null pointer;
+// compare it with Recorded().
 std::vector<std::string> Sent();
 // The handle and the length, header included, of every send.
 struct SendArguments {

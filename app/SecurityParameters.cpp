@@ -1,0 +1,147 @@
+#include "SecurityParameters.h"
+
+#include <algorithm>
+
+#include "Console.h"
+#include "Input.h"
+#include "Menu.h"
+#include "Message.h"
+#include "Report.h"
+
+namespace {
+
+constexpr int32_t iMaxValues = 10240; // numbers read for one value
+
+constexpr const char *apcIDLines[] = {
+    "\nEnter the Security Parameter ID ",
+    "\n[",
+    "\n  Security Parameters (0 - 10)",
+    "\n]",
+};
+
+constexpr const char *pcIDAgain = "\nEnter the Security Parameter ID : ";
+constexpr const char *pcDataPrompt = "\nEnter the data : ";
+
+// Reads the ID that was asked for; a number that is none is asked for again
+// with pcPromptAgain.
+uint32_t ReadParameterID(const char *pcPromptAgain) {
+    auto u32ID = static_cast<uint32_t>(ReadOption());
+    while (u32ID > SecurityRecord::LastParameter) {
+        u32ID = static_cast<uint32_t>(AskOption(pcPromptAgain));
+    }
+    return u32ID;
+}
+
+uint32_t AskParameterID() {
+    PutTexts(apcIDLines);
+    return ReadParameterID(pcIDAgain);
+}
+
+// A value of any number of bytes but 2 and 4: one number for each byte.
+void AskValueBytes(ByteSpan stRecord, uint32_t u32Bytes) {
+    PutText(pcDataPrompt);
+    const int32_t iValues = std::min(static_cast<int32_t>(u32Bytes), iMaxValues);
+    for (int32_t i = 0; i < iValues; ++i) {
+        stRecord.Set(SecurityRecord::Value + static_cast<uint32_t>(i),
+                     static_cast<uint8_t>(AskInteger("")));
+    }
+}
+
+void PutValue(ByteView stRecord) {
+    using namespace SecurityRecord;
+    const uint32_t u32DataLength = Get(stRecord, DataLength);
+    PutEachByte(" 0x%02x", stRecord.From(Value, u32DataLength));
+    if (u32DataLength == WidthOf(LongValue.eType)) {
+        PutRow(stRecord, {" UINT eq : %d", LongValue});
+    }
+    PutText("\n");
+}
+
+// Prints the answer; returns false when it ends without the closing line.
+bool PutAnswer(uint32_t u32SubType, ByteView stRecord) {
+    using namespace SecurityRecord;
+    constexpr const char *pcHeading = "\nGet Response received"; // of a set answer too
+    switch (u32SubType) {
+    case SUBTYPE_SECURITY_SET:
+        PutText(pcHeading);
+        if (Get(stRecord, Status) != 0) {
+            PutRow(stRecord, {" Error Code while Security Parameter Set: (%d) \n", Status});
+        } else {
+            PutText("\nSecurity Parmater Set is Successful !!!");
+        }
+        return true;
+    case SUBTYPE_SECURITY_GET:
+        PutText(pcHeading);
+        PutRow(stRecord, {"\n Security OID - %d : ", ParameterID});
+        if (GetSigned(stRecord, Status) < 0) {
+            PutRow(stRecord, {" ERROR RECEIVED : [%d]", Status});
+            return false;
+        }
+        PutValue(stRecord);
+        return true;
+    case SUBTYPE_SECURITY_SIZE:
+        PutRow(stRecord, {"\n Security Param ID - [%d], Size : [%d]\n", ParameterID});
+        return true;
+    default:
+        return true;
+    }
+}
+
+} // namespace
+
+int32_t SecGetRequest() {
+    Record<SecurityRecord::Size> stRecord;
+    Put(stRecord.Span(), SecurityRecord::ParameterID, AskParameterID());
+    const int32_t iResult = SendSecGetRequest(stRecord.View());
+    if (iResult < 0) {
+        PutFormat("\nError Received as: [%d]\n", iResult);
+    }
+    return 0;
+}
+
+int32_t SecSetRequest() {
+    using namespace SecurityRecord;
+    PutText("\nSecurity Parameters : (0 - 10)\nEnter the Security Parameter ID : ");
+    const uint32_t u32ID = ReadParameterID(""); // asks again without a word
+    const uint32_t u32Bytes = AskInteger("\nEnter the number of data bytes : ");
+    WiMAXMessage stMessage;
+    const uint32_t u32Length =
+        FillWiMAXMsg(&stMessage, TYPE_SECURITY, SUBTYPE_SECURITY_SET, u32Bytes + Size);
+    const ByteSpan stRecord = PayloadOf(stMessage);
+    Put(stRecord, ParameterID, u32ID);
+    Put(stRecord, DataLength, u32Bytes);
+    switch (u32Bytes) {
+    case WidthOf(LongValue.eType):
+        Put(stRecord, LongValue, AskInteger(pcDataPrompt));
+        break;
+    case WidthOf(ShortValue.eType):
+        Put(stRecord, ShortValue, AskInteger(pcDataPrompt));
+        break;
+    default:
+        AskValueBytes(stRecord, u32Bytes);
+        break;
+    }
+    return SendMessage(&stMessage, u32Length);
+}
+
+int32_t SecGetParamSize() {
+    Record<SecuritySizeRequest::Size> stRequest;
+    Put(stRequest.Span(), SecuritySizeRequest::ParameterID, AskParameterID());
+    return SendRequest(TYPE_SECURITY, SUBTYPE_SECURITY_SIZE, stRequest.View());
+}
+
+int32_t SendSecGetRequest(ByteView stRecord) {
+    return SendRequest(TYPE_SECURITY, SUBTYPE_SECURITY_GET, stRecord.From(0, SecurityRecord::Size));
+}
+
+uint32_t ProcessSecResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+    if (pstMessage == nullptr) {
+        return 1;
+    }
+    const Received stReceived = View(pstMessage, u32Length);
+    PutLine("\n~~~~~~~~~~~~~~~ Security RESPONSE RECEIVED ~~~~~~~~~~~~~~~");
+    if (PutAnswer(stReceived.u32SubType, stReceived.stPayload)) {
+        PutLine("\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~");
+    }
+    return 1;
+}

@@ -1,0 +1,27 @@
+// The record of the security parameters (type 34): the payload of set and get
+// requests and of every answer. Offsets in bytes from the start of the payload.
+#ifndef SECURITY_RECORDS_H
+#define SECURITY_RECORDS_H
+
+#include "Wire.h"
+
+namespace SecurityRecord {
+inline constexpr uint32_t LastParameter = 10;
+inline constexpr Field ParameterID{0, FieldType::U32};
+inline constexpr Field DataLength{4, FieldType::U32};
+inline constexpr Field Status{8, FieldType::I8};
+inline constexpr uint32_t Value = 9;
+inline constexpr Field ShortValue{Value, FieldType::U16};
+inline constexpr Field LongValue{Value, FieldType::U32};
+// The fixed size counts one value byte; a set request has n bytes more.
+inline constexpr uint32_t Size = 10;
+static_assert(EndOf(Status) == Value);
+} // namespace SecurityRecord
+
+// Subtype 3, request: the ID alone.
+namespace SecuritySizeRequest {
+inline constexpr Field ParameterID{0, FieldType::U32};
+inline constexpr uint32_t Size = 4;
+} // namespace SecuritySizeRequest
+
+#endif
