@@ -92,7 +92,7 @@ void AskKeys(ByteSpan stRecord, uint32_t u32Keys) {
     };
     Put(stRecord, MIBRecord::KeyCount, u32Keys);
     for (const KeyQuestion &stQuestion : std::span(astQuestions).first(u32Keys)) {
-        Put(stRecord, stQuestion.stKey, static_cast<uint32_t>(AskOption(stQuestion.pcPrompt)));
+        Put(stRecord, stQuestion.stKey, AskUnsigned(stQuestion.pcPrompt));
     }
 }
 
@@ -133,7 +133,7 @@ void AskConfigRecord(ByteSpan stRecord, int32_t iID) {
     using namespace MIBRecord;
     Put(stRecord, AttributeID, static_cast<uint32_t>(iID));
     Put(stRecord, DataLength, WidthOf(LongValue.eType));
-    Put(stRecord, LongValue, static_cast<uint32_t>(AskOption("\n Enter the value : ")));
+    Put(stRecord, LongValue, AskUnsigned("\n Enter the value : "));
 }
 
 int32_t SetStdMIB(int32_t iID) {
@@ -155,8 +155,8 @@ void AskCenterFrequencyAndBandwidth(ByteSpan stRecord) {
     using namespace MIBCenterFrequency;
     const ByteSpan stValue = stRecord.From(MIBRecord::Value);
     Put(stRecord, MIBRecord::DataLength, Size);
-    Put(stValue, CenterFrequency, static_cast<uint32_t>(AskOption("\n Enter Center Frequency : ")));
-    Put(stValue, Bandwidth, static_cast<uint32_t>(AskOption("\n Enter bandwidth        : ")));
+    Put(stValue, CenterFrequency, AskUnsigned("\n Enter Center Frequency : "));
+    Put(stValue, Bandwidth, AskUnsigned("\n Enter bandwidth        : "));
 }
 
 int32_t SetConfigMIB(int32_t iID) {

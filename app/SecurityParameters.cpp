@@ -25,9 +25,9 @@ constexpr const char *pcDataPrompt = "\nEnter the data : ";
 // Reads the ID that was asked for; a number that is none is asked for again
 // with pcPromptAgain.
 uint32_t ReadParameterID(const char *pcPromptAgain) {
-    auto u32ID = static_cast<uint32_t>(ReadOption());
+    uint32_t u32ID = AskUnsigned("");
     while (u32ID > SecurityRecord::LastParameter) {
-        u32ID = static_cast<uint32_t>(AskOption(pcPromptAgain));
+        u32ID = AskUnsigned(pcPromptAgain);
     }
     return u32ID;
 }
