@@ -98,10 +98,10 @@ bool AskYes(const char *pcQuestion) { return AskOption(pcQuestion) != 0; }
 
 // Every number is accepted: its low three bits select the sets, and its low
 // byte is sent.
-uint32_t AskQoSBits() {
+uint32_t AskQoSBits(uint32_t u32Default) {
     PutLine("\nQOS Paramset");
     PutTexts(apcQoSLines);
-    return AskInteger("\nEnter the valid QOS Param : ");
+    return AskInteger("\nEnter the valid QOS Param : ", u32Default);
 }
 
 uint32_t AskDirection() {
@@ -393,7 +393,7 @@ int32_t SendDSARequest() {
     }
     PutInRule(stSet, 0, ClassifierRule::Param1, 0xFF);
 
-    Put(stSet, SFParamSet::QoSParamSetType, AskQoSBits());
+    Put(stSet, SFParamSet::QoSParamSetType, AskQoSBits(Provisioned));
     Put(stRecord, Direction, AskDirection());
     EnterTrafficPriority(stSet);
     EnterCSSpecification(stSet);
@@ -440,7 +440,7 @@ int32_t SendDSCRequest() {
     DisplaySFIDTable();
     const uint32_t u32SFID = AskSFID();
     Record<ServiceFlowRecord::Size> stRequest;
-    const SelectedSets stSets{stRequest.Span(), AskQoSBits()};
+    const SelectedSets stSets{stRequest.Span(), AskQoSBits(0)};
     EnterChangedFlow(stSets, u32SFID);
     EnterChangedParams(stSets);
     if (EnterClassifierAction(stSets.stRecord, stSets.u32QoSBits) != 0) {

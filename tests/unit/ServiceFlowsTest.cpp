@@ -252,11 +252,12 @@ TEST_F(ServiceFlowsTest, AChangeThatIsRefusedHasUsedItsTID) {
 }
 
 TEST_F(ServiceFlowsTest, NumbersThatAreNoneLeaveTheDefaultsOfAnAddRequest) {
-    // What a number cannot be read from stays, and is what the next question reads.
-    PrintedBy(SendDSARequest, "0 0 3 zz 0 0 0 yy 0 0 0 0 0 0 0 0\n");
+    // What a number cannot be read from stays, and is what the next question
+    // reads: as no direction but 0, as no to a question, as priority 0.
+    PrintedBy(SendDSARequest, "xx 3 zz 0 0 0 yy 0 0 0 0 0 0 0 0\n");
     EXPECT_EQ(FakeDevice::Sent(),
               std::vector<std::string>{Recorded(
-                  "6/1 | 0b 00 00 00 00 00 00 00 | 00*26 ff ff 00*45 00*34 | 00 03 02 10 | 00 31 "
+                  "6/1 | 0b 00 00 00 00 00 00 00 | 00*26 ff ff 00*45 00*34 | 01 03 02 10 | 00 31 "
                   "00*3 01 ff 00 | 00*10 01 00*43 01 01 00 | 00 ff 00*658 00*1980 | 00*4")});
 }
 
