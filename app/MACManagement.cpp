@@ -91,7 +91,7 @@ constexpr Menu stMenu = {"\n******** MAC MANAGEMENT MESSAGE MENU********", apcMe
 // is nothing: every choice goes out.
 bool IsRefused(int32_t iChoice) {
     constexpr int32_t iMiddle = 2;
-    return iChoice < iMiddle && iChoice > iMiddle;
+    return iChoice < iMiddle && iChoice > iMiddle; // NOLINT(misc-redundant-expression)
 }
 
 // A choice that is not in the menu asks for the state, which changes nothing.
