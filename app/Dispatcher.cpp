@@ -1,8 +1,11 @@
 #include "Dispatcher.h"
 
 #include "Console.h"
+#include "GPIO.h"
 #include "IdleMode.h"
 #include "LinkStatus.h"
+#include "Logging.h"
+#include "MACManagement.h"
 #include "MIBIndication.h"
 #include "Message.h"
 #include "Report.h"
@@ -44,7 +47,7 @@ constexpr DecoderRow astDecoders[] = {
     {TYPE_AUTHENTICATION, nullptr},
     {TYPE_SERVICE_FLOW, ServiceFlowResponse},
     {TYPE_SS_INFO, nullptr},
-    {TYPE_START_LOGGER, nullptr},
+    {TYPE_START_LOGGER, LogIndication},
     {TYPE_VENDOR_SPECIFIC, nullptr},
     {TYPE_MAC_ADDRESS, nullptr},
     {TYPE_DEVICE_UNLOAD, nullptr},
@@ -52,8 +55,8 @@ constexpr DecoderRow astDecoders[] = {
     {TYPE_CHIPSET, nullptr},
     {TYPE_STATISTICS, nullptr},
     {TYPE_IDLE_MODE, DecodeIdleMode},
-    {TYPE_MAC_MGMT, nullptr},
-    {TYPE_GPIO, nullptr},
+    {TYPE_MAC_MGMT, MACMgmtMessage},
+    {TYPE_GPIO, GPIOIndication},
     {TYPE_HANDOVER, nullptr},
     {TYPE_MIB, MIBIndication},
     {TYPE_IGNORED_25, Ignore},
@@ -62,7 +65,7 @@ constexpr DecoderRow astDecoders[] = {
     {TYPE_ANTENNA, nullptr},
     {TYPE_WIMAX_OPTIONS, ProcessWiMAXOptionsResp},
     {TYPE_SHUTDOWN, ShutDownResponse},
-    {TYPE_PHY_LOGGING, nullptr},
+    {TYPE_PHY_LOGGING, ProcessPHYLOggingInfo},
     {TYPE_SECURITY, ProcessSecResponse},
     {TYPE_HALF_MINI_CARD, ProcessHalfMiniCardResponse},
 };

@@ -2,10 +2,15 @@
 #include "ConnectionManagement.h"
 #include "Console.h"
 #include "Dispatcher.h"
+#include "GPIO.h"
 #include "IdleMode.h"
 #include "Input.h"
+#include "Loggers.h"
+#include "Logging.h"
+#include "MACManagement.h"
 #include "MIBRequests.h"
 #include "Message.h"
+#include "RegisterTest.h"
 #include "ServiceFlows.h"
 #include "VendorSpecificMessageApp.h"
 
@@ -46,11 +51,11 @@ constexpr MainMenuEntry astEntries[] = {
     {2, "\n 2. SS INFO REQUESTS", nullptr},
     {3, "\n 3. CHIPSET CONTROL REQUESTS", nullptr, Afterwards::Kept},
     {4, "\n 4. STATISTICS REQUEST", nullptr},
-    {5, "\n 5. MAC MANAGEMENT MESSAGE REQUESTS", nullptr},
+    {5, "\n 5. MAC MANAGEMENT MESSAGE REQUESTS", [] { MACMgmtMessageRequest(); }},
     {6, "\n 6. SERVICE FLOW MSG REQUESTS", [] { ServiceFlowRequest(); }},
-    {7, "\n 7. RDM-WRM TEST REQUESTS", nullptr},
-    {8, "\n 8. GPIO MSG REQUESTS", nullptr},
-    {9, "\n 9. LOGGER MSG REQUESTS", nullptr},
+    {7, "\n 7. RDM-WRM TEST REQUESTS", [] { TestRDMWRM(); }},
+    {8, "\n 8. GPIO MSG REQUESTS", [] { GPIOMsgs(); }},
+    {9, "\n 9. LOGGER MSG REQUESTS", [] { LoggerRequests(); }},
     {10, "\n10. VENDOR SPECIFIC PARAM REQUEST", nullptr},
     {11, "\n11. MIB REQUEST", [] { MIBRequest(); }},
     {12, "\n12. SET MAC ADDRESS", nullptr},
@@ -59,8 +64,8 @@ constexpr MainMenuEntry astEntries[] = {
     {15, "\n15. Sleep Mode PSC Definition", nullptr},
     {16, "\n16. IDLE MODE REQUESTS", [] { SendIdleModeMsg(); }},
     {17, "\n17. Antenna Switching & Selection", nullptr},
-    {18, "\n18. CONTROL MAC LOGGING", nullptr},
-    {19, "\n19. CONTROL PHY LOGGING", nullptr},
+    {18, "\n18. CONTROL MAC LOGGING", [] { ControlMACLogging(); }},
+    {19, "\n19. CONTROL PHY LOGGING", [] { ControlPHYLogging(); }},
     {iLastListed, "\n20. OMA DM/Security Parameters Check", nullptr},
     {24, nullptr, [] { SendHalfMiniCardStatusRequest(); }},
     {100, nullptr, CloseOnly},

@@ -132,12 +132,6 @@ void PutNumbers(const char *pcText, std::span<const uint32_t> au32Values) {
                  [&] { return Number{uNext < au32Values.size() ? au32Values[uNext++] : 0}; });
 }
 
-void PutEachByte(const char *pcText, ByteView stBytes) {
-    for (uint32_t i = 0; i < stBytes.u32Length; ++i) {
-        PutNumber(pcText, stBytes.At(i));
-    }
-}
-
 bool PutVendorData(const char *pcHeading, ByteView stView, Field stLength, uint32_t u32Offset) {
     const uint32_t u32Length = Get(stView, stLength);
     if (u32Length < 1 || u32Length > 255) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <span>
 
+#include "HexDump.h"
 #include "Wire.h"
 
 // One row. Each conversion in the text (%d, %u, %x, %X, with or without a zero
@@ -25,8 +26,6 @@ void PutRows(ByteView stView, std::span<const ReportRow> astRows, uint32_t u32Ba
 // A row with numbers that are no fields. Further conversions print 0.
 void PutNumber(const char *pcText, uint32_t u32Value);
 void PutNumbers(const char *pcText, std::span<const uint32_t> au32Values);
-// Every byte by the same text, such as " 0x%02x".
-void PutEachByte(const char *pcText, ByteView stBytes);
 
 // Vendor-specific data: nothing unless the length field says 1 to 255; then the
 // heading with its line end, the bytes from u32Offset as far as they were

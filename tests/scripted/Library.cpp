@@ -518,7 +518,8 @@ int32_t rdm(uint32_t u32Address, void *pvBuffer, uint32_t u32Count) {
     const PlannedRead stRead = TakeOr(&stLibrary.stReads, PlannedRead{});
     RecordLine(stLibrary, "rdm " + FormatAddress(u32Address) + " " + std::to_string(u32Count) +
                               (pvBuffer == nullptr ? " null" : "") + Arrow(stRead.iResult));
-    if (pvBuffer != nullptr && stRead.iResult == 0) {
+    // A read that fails leaves the buffer alone, unless the script has bytes for it.
+    if (pvBuffer != nullptr && (stRead.iResult == 0 || !stRead.aucBytes.empty())) {
         std::memset(pvBuffer, 0, u32Count);
         std::copy_n(stRead.aucBytes.begin(), std::min<size_t>(stRead.aucBytes.size(), u32Count),
                     static_cast<uint8_t *>(pvBuffer));

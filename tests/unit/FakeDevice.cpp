@@ -22,6 +22,7 @@ struct State {
     int32_t iSendResult = 0;
     std::deque<int32_t> iSendResults;
     int32_t iMemoryResult = 0;
+    std::deque<int32_t> iMemoryResults;
     Bytes aucMemory{0};
     std::optional<Bytes> aucReply;
     std::deque<Bytes> aucAnswers;
@@ -63,6 +64,15 @@ void RecordMemoryCall(const char *pcName, uint32_t u32Address, uint32_t u32Count
     gstState.strCalls.emplace_back(pcName);
 }
 
+int32_t TakeMemoryResult() {
+    int32_t iResult = gstState.iMemoryResult;
+    if (!gstState.iMemoryResults.empty()) {
+        iResult = gstState.iMemoryResults.front();
+        gstState.iMemoryResults.pop_front();
+    }
+    return iResult;
+}
+
 } // namespace
 
 void FakeDevice::Reset() {
@@ -89,6 +99,11 @@ void FakeDevice::QueueReply(const Bytes &aucMessage) {
 void FakeDevice::QueueSendResult(int32_t iResult) {
     const std::lock_guard Held(gLock);
     gstState.iSendResults.push_back(iResult);
+}
+
+void FakeDevice::QueueMemoryResult(int32_t iResult) {
+    const std::lock_guard Held(gLock);
+    gstState.iMemoryResults.push_back(iResult);
 }
 
 void FakeDevice::QueueAnswer(const Bytes &aucMessage) {
@@ -174,10 +189,11 @@ int32_t rdm(uint32_t u32Address, void *pvBuffer, uint32_t u32Count) {
     const std::lock_guard Held(gLock);
     RecordMemoryCall("rdm", u32Address, u32Count);
     auto *pucBuffer = static_cast<uint8_t *>(pvBuffer);
-    for (uint32_t i = 0; i < u32Count; ++i) {
+    const uint32_t u32Whole = (u32Count + 3) / 4 * 4; // a device reads whole words
+    for (uint32_t i = 0; i < u32Whole; ++i) {
         pucBuffer[i] = gstState.aucMemory[i % gstState.aucMemory.size()];
     }
-    return gstState.iMemoryResult;
+    return TakeMemoryResult();
 }
 
 int32_t wrm(uint32_t u32Address, const void *pvBuffer, uint32_t u32Count) {
@@ -185,5 +201,5 @@ int32_t wrm(uint32_t u32Address, const void *pvBuffer, uint32_t u32Count) {
     RecordMemoryCall("wrm", u32Address, u32Count);
     const auto *pucBuffer = static_cast<const uint8_t *>(pvBuffer);
     gstState.aucLastWritten.assign(pucBuffer, pucBuffer + u32Count);
-    return gstState.iMemoryResult;
+    return TakeMemoryResult();
 }

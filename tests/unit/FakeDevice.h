@@ -39,7 +39,10 @@ void SetSendResult(int32_t iResult);
 // The result of the next send only; may be called several times.
 void QueueSendResult(int32_t iResult);
 void SetMemoryResult(int32_t iResult);
-// What rdm reads, repeated as often as it takes; zeroes by default.
+// The result of the next rdm or wrm only; may be called several times.
+void QueueMemoryResult(int32_t iResult);
+// What rdm reads, repeated as often as it takes; zeroes by default. Whole words
+// are read, the last one with bytes that were not asked for.
 void SetMemory(const Bytes &aucMemory);
 // Written into the buffer of the next send, header included.
 void QueueReply(const Bytes &aucMessage);

@@ -1,0 +1,61 @@
+// Bytes in hexadecimal, for every report and log that dumps them.
+#ifndef HEX_DUMP_H
+#define HEX_DUMP_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "Wire.h"
+
+// The text of one number: a literal such as " 0x%02x", with one conversion %0Nx
+// or %0NX, taken apart when the program is compiled. Anything else, and a text
+// that comes to more than Size characters, does not compile.
+template <uint8_t u8Digits> struct HexText {
+    static constexpr size_t Size = 16;
+
+    char acText[Size] = {}; // with room for the digits
+    uint8_t u8Length = 0;
+    uint8_t u8FirstDigit = 0;
+    bool bUpperCase = false;
+
+    template <size_t uSize> consteval HexText(const char (&acFormat)[uSize]) {
+        bool bConverted = false;
+        for (size_t i = 0; i + 1 < uSize; ++i) {
+            if (acFormat[i] != '%') {
+                acText[u8Length++] = acFormat[i];
+                continue;
+            }
+            const char cKind = i + 4 < uSize ? acFormat[i + 3] : '\0';
+            if (bConverted || (cKind != 'x' && cKind != 'X') || acFormat[i + 1] != '0' ||
+                acFormat[i + 2] != '0' + u8Digits) {
+                throw "no text of one number with that many digits";
+            }
+            bConverted = true;
+            bUpperCase = cKind == 'X';
+            u8FirstDigit = u8Length;
+            u8Length += u8Digits;
+            i += 3;
+        }
+        if (!bConverted || u8Length > Size) {
+            throw "no number, or a text that is too long";
+        }
+    }
+};
+
+using HexByte = HexText<2>;
+using HexAddress = HexText<8>;
+
+// Appends each byte by the same text.
+void AppendEachByte(std::string &strOutput, const HexByte &stByte, ByteView stBytes);
+// The same in lines of eight bytes, each behind the address of its first one;
+// u32Address is that of byte 0.
+void AppendHexLines(std::string &strOutput, const HexAddress &stLine, uint32_t u32Address,
+                    const HexByte &stByte, ByteView stBytes);
+
+// Both, to the console.
+void PutEachByte(const HexByte &stByte, ByteView stBytes);
+void PutHexLines(const HexAddress &stLine, uint32_t u32Address, const HexByte &stByte,
+                 ByteView stBytes);
+
+#endif
