@@ -17,7 +17,7 @@ constexpr std::chrono::hours stLongestSleep(1);
 Device::Device(std::unique_ptr<Modem> pstModem) : m_pstModem(std::move(pstModem)) {}
 
 std::shared_ptr<Device> Device::Start(std::unique_ptr<Modem> pstModem) {
-    const std::shared_ptr<Device> pstDevice(new Device(std::move(pstModem)));
+    std::shared_ptr<Device> pstDevice(new Device(std::move(pstModem)));
     // Signals are the business of the program's own threads.
     sigset_t stAll;
     sigset_t stBefore;

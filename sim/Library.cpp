@@ -38,7 +38,7 @@ Scenario ChosenScenario(const std::string &strPath) {
 void Report(const std::string &strReason) {
     if (TheLibrary().strLastReport != strReason) {
         TheLibrary().strLastReport = strReason;
-        std::fprintf(stderr, "libqor020: %s\n", strReason.c_str());
+        (void)std::fprintf(stderr, "libqor020: %s\n", strReason.c_str());
     }
 }
 

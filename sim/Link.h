@@ -61,6 +61,8 @@ class Link : public Subsystem {
     uint32_t StatusReason() const;
     // Answers with the network entry status.
     void TellEntryStatus(uint32_t u32Reason, uint32_t u32DREGAction = 0);
+    // Answers with the sync status, with the details of the serving station.
+    void TellSyncStatus(uint32_t u32Reason);
     // Out of shutdown, with the indication.
     void WakeUpCompletely();
     // While set, the link status is sleep mode.
@@ -78,7 +80,6 @@ class Link : public Subsystem {
     void FinishStage();
     uint32_t StageResult(uint32_t u32Failure) const;
     void Supervise();
-    void TellSyncStatus(uint32_t u32Reason);
     void PutBaseInformation(ByteSpan stTo) const;
     void ReceiveDREG(uint32_t u32Action);
     void RegisterRequests();

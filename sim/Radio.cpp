@@ -65,7 +65,7 @@ Radio::Radio(const Section &stRoot, uint64_t u64Seed) : m_u64Seed(SeedFor(u64See
     }
 }
 
-std::optional<BSIDBytes> Radio::BSIDOf(const Section &stSection, const char *pcKey) const {
+std::optional<BSIDBytes> Radio::BSIDOf(const Section &stSection, const char *pcKey) {
     if (!stSection.Has(pcKey)) {
         return std::nullopt;
     }

@@ -87,7 +87,7 @@ class Radio {
 
   private:
     Station Read(const Section &stSection, const std::vector<NSP> &astNSPs) const;
-    std::optional<BSIDBytes> BSIDOf(const Section &stSection, const char *pcKey) const;
+    static std::optional<BSIDBytes> BSIDOf(const Section &stSection, const char *pcKey);
 
     uint64_t m_u64Seed;
     double m_fSensitivity;

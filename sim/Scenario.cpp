@@ -36,8 +36,8 @@ namespace {
 using Kind = ScenarioValue::Kind;
 
 // As deep as the file is nested, which the TOML reader limits.
-ScenarioValue Convert(const toml::node &stNode,
-                      std::string_view strKey) { // NOLINT(misc-no-recursion)
+// NOLINTNEXTLINE(misc-no-recursion)
+ScenarioValue Convert(const toml::node &stNode, std::string_view strKey) {
     ScenarioValue stValue;
     stValue.strKey = strKey;
     stValue.u32Line = stNode.source().begin.line;
@@ -69,7 +69,8 @@ ScenarioValue Convert(const toml::node &stNode,
 }
 
 // The unread value that stands first in the file.
-const ScenarioValue *FirstUnread(const ScenarioValue &stTable) { // NOLINT(misc-no-recursion)
+// NOLINTNEXTLINE(misc-no-recursion)
+const ScenarioValue *FirstUnread(const ScenarioValue &stTable) {
     const ScenarioValue *pstFirst = nullptr;
     for (const ScenarioValue &stItem : stTable.astItems) {
         const ScenarioValue *pstUnread = stItem.bRead ? FirstUnread(stItem) : &stItem;
@@ -101,7 +102,7 @@ std::string ReadFile(const std::string &strPath) {
 // 1.5, not 1.500000
 std::string Short(double fValue) {
     std::array<char, 32> acText{};
-    std::snprintf(acText.data(), acText.size(), "%.12g", fValue);
+    (void)std::snprintf(acText.data(), acText.size(), "%.12g", fValue);
     return acText.data();
 }
 

@@ -70,7 +70,9 @@ int32_t Shutdown::Begin() {
         Tell(SUBTYPE_SHUTDOWN, u32NotInShutdown);
         return 0;
     }
-    if (m_stLink.State() == LinkState::LinkUp) {
+    if (m_stLink.State() == LinkState::Synchronising) {
+        m_stLink.TellSyncStatus(LinkReason::ShutdownReceivedCommand);
+    } else if (m_stLink.State() == LinkState::LinkUp) {
         m_stLink.TellEntryStatus(LinkReason::ShutdownReceivedCommand);
     } else if (m_stLink.State() == LinkState::Idle) {
         m_stLink.TellEntryStatus(LinkReason::LocationUpdateWithPowerDownSuccess);

@@ -126,6 +126,14 @@ TEST(Shutdown, FromIdleModeUpdatesTheLocation) {
     EXPECT_EQ(stBench.TimedMessages(), Told({"0.00 2/2: 17 00*44", "0.50 30/1: 00 00 00 00"}));
 }
 
+TEST(Shutdown, AnswersTheSynchronisationThatItEnds) {
+    ModemBench stBench(pcFourStations);
+    EXPECT_EQ(stBench.Send(2, 1, "6C 7B 27 00 10 27 00 00 FF 00*55"), 0);
+    EXPECT_EQ(stBench.Send(30, 1), 0);
+    stBench.RunUntil(5);
+    EXPECT_EQ(stBench.TimedMessages(), Told({"0.00 2/1: 0F 00*47", "0.50 30/1: 00 00 00 00"}));
+}
+
 TEST(Shutdown, IsRefusedDuringNetworkEntry) {
     ModemBench stBench(std::string(pcFourStations) +
                        "[start]\nstate = \"synchronised\"\nstation = \"00120A010203\"\n");
