@@ -279,6 +279,8 @@ class Client:
 
     @staticmethod
     def find_scenario(session, options):
+        if session.scenario in session.given:
+            return session.scenario
         for directory in (session.path.parent, pathlib.Path(options.scenarios or ".")):
             path = directory / session.scenario
             if path.exists():
