@@ -1,6 +1,10 @@
 #include "Dispatcher.h"
 
+#include "AntennaSwitching.h"
+#include "ChipsetControl.h"
 #include "Console.h"
+#include "DeviceConfiguration.h"
+#include "Handover.h"
 #include "IdleMode.h"
 #include "LinkStatus.h"
 #include "MIBIndication.h"
@@ -8,6 +12,9 @@
 #include "Report.h"
 #include "SecurityParameters.h"
 #include "ServiceFlows.h"
+#include "SleepMode.h"
+#include "StationInformation.h"
+#include "Statistics.h"
 #include "WiMAXOptions.h"
 
 namespace {
@@ -43,23 +50,23 @@ constexpr DecoderRow astDecoders[] = {
     {TYPE_NETWORK_ENTRY, NetEntryExitResponse},
     {TYPE_AUTHENTICATION, nullptr},
     {TYPE_SERVICE_FLOW, ServiceFlowResponse},
-    {TYPE_SS_INFO, nullptr},
+    {TYPE_SS_INFO, SSInfoResponse},
     {TYPE_START_LOGGER, nullptr},
     {TYPE_VENDOR_SPECIFIC, nullptr},
-    {TYPE_MAC_ADDRESS, nullptr},
-    {TYPE_DEVICE_UNLOAD, nullptr},
-    {TYPE_DEVICE_CONFIG, nullptr},
-    {TYPE_CHIPSET, nullptr},
-    {TYPE_STATISTICS, nullptr},
+    {TYPE_MAC_ADDRESS, MACSetResponse},
+    {TYPE_DEVICE_UNLOAD, DeviceUnloadIndication},
+    {TYPE_DEVICE_CONFIG, DeviceConfigResp},
+    {TYPE_CHIPSET, ChipsetResponse},
+    {TYPE_STATISTICS, GetStatisticsResponse},
     {TYPE_IDLE_MODE, DecodeIdleMode},
     {TYPE_MAC_MGMT, nullptr},
     {TYPE_GPIO, nullptr},
-    {TYPE_HANDOVER, nullptr},
+    {TYPE_HANDOVER, HandOverResponse},
     {TYPE_MIB, MIBIndication},
     {TYPE_IGNORED_25, Ignore},
-    {TYPE_SLEEP_MODE, nullptr},
+    {TYPE_SLEEP_MODE, SleepModeIndication},
     {TYPE_MAC_LOGGING, Ignore},
-    {TYPE_ANTENNA, nullptr},
+    {TYPE_ANTENNA, AntennaSwitchingAndSelectionResponse},
     {TYPE_WIMAX_OPTIONS, ProcessWiMAXOptionsResp},
     {TYPE_SHUTDOWN, ShutDownResponse},
     {TYPE_PHY_LOGGING, nullptr},
