@@ -11,6 +11,7 @@
 #include "Report.h"
 #include "SecurityParameters.h"
 #include "ServiceFlows.h"
+#include "VendorSpecificParameters.h"
 #include "WiMAXOptions.h"
 
 namespace {
@@ -48,7 +49,7 @@ constexpr DecoderRow astDecoders[] = {
     {TYPE_SERVICE_FLOW, ServiceFlowResponse},
     {TYPE_SS_INFO, nullptr},
     {TYPE_START_LOGGER, LogIndication},
-    {TYPE_VENDOR_SPECIFIC, nullptr},
+    {TYPE_VENDOR_SPECIFIC, DisplayVendorSpecificParamInfo},
     {TYPE_MAC_ADDRESS, nullptr},
     {TYPE_DEVICE_UNLOAD, nullptr},
     {TYPE_DEVICE_CONFIG, nullptr},

@@ -13,6 +13,7 @@
 #include "RegisterTest.h"
 #include "ServiceFlows.h"
 #include "VendorSpecificMessageApp.h"
+#include "VendorSpecificParameters.h"
 
 namespace {
 
@@ -56,7 +57,7 @@ constexpr MainMenuEntry astEntries[] = {
     {7, "\n 7. RDM-WRM TEST REQUESTS", [] { TestRDMWRM(); }},
     {8, "\n 8. GPIO MSG REQUESTS", [] { GPIOMsgs(); }},
     {9, "\n 9. LOGGER MSG REQUESTS", [] { LoggerRequests(); }},
-    {10, "\n10. VENDOR SPECIFIC PARAM REQUEST", nullptr},
+    {10, "\n10. VENDOR SPECIFIC PARAM REQUEST", [] { VendorSpecificParamRequest(); }},
     {11, "\n11. MIB REQUEST", [] { MIBRequest(); }},
     {12, "\n12. SET MAC ADDRESS", nullptr},
     {13, "\n13. DEVICE CONFIG", nullptr},
