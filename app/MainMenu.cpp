@@ -10,6 +10,7 @@
 #include "MACManagement.h"
 #include "MIBRequests.h"
 #include "Message.h"
+#include "OMADM.h"
 #include "RegisterTest.h"
 #include "ServiceFlows.h"
 #include "VendorSpecificMessageApp.h"
@@ -67,7 +68,7 @@ constexpr MainMenuEntry astEntries[] = {
     {17, "\n17. Antenna Switching & Selection", nullptr},
     {18, "\n18. CONTROL MAC LOGGING", [] { ControlMACLogging(); }},
     {19, "\n19. CONTROL PHY LOGGING", [] { ControlPHYLogging(); }},
-    {iLastListed, "\n20. OMA DM/Security Parameters Check", nullptr},
+    {iLastListed, "\n20. OMA DM/Security Parameters Check", OMADMRequest},
     {24, nullptr, [] { SendHalfMiniCardStatusRequest(); }},
     {100, nullptr, CloseOnly},
     {200, nullptr, OpenAgain},
