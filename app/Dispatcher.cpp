@@ -1,5 +1,6 @@
 #include "Dispatcher.h"
 
+#include "Authentication.h"
 #include "Console.h"
 #include "GPIO.h"
 #include "IdleMode.h"
@@ -45,7 +46,7 @@ struct DecoderRow {
 constexpr DecoderRow astDecoders[] = {
     {TYPE_NETWORK_SEARCH, NetEntrySearchResponse},
     {TYPE_NETWORK_ENTRY, NetEntryExitResponse},
-    {TYPE_AUTHENTICATION, nullptr},
+    {TYPE_AUTHENTICATION, EAPResponse},
     {TYPE_SERVICE_FLOW, ServiceFlowResponse},
     {TYPE_SS_INFO, nullptr},
     {TYPE_START_LOGGER, LogIndication},

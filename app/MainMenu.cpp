@@ -1,3 +1,4 @@
+#include "Authentication.h"
 #include "Client.h"
 #include "ConnectionManagement.h"
 #include "Console.h"
@@ -62,7 +63,7 @@ constexpr MainMenuEntry astEntries[] = {
     {11, "\n11. MIB REQUEST", [] { MIBRequest(); }},
     {12, "\n12. SET MAC ADDRESS", nullptr},
     {13, "\n13. DEVICE CONFIG", nullptr},
-    {14, "\n14. EAP REQUESTS", nullptr},
+    {14, "\n14. EAP REQUESTS", [] { EAPRequests(); }},
     {15, "\n15. Sleep Mode PSC Definition", nullptr},
     {16, "\n16. IDLE MODE REQUESTS", [] { SendIdleModeMsg(); }},
     {17, "\n17. Antenna Switching & Selection", nullptr},
