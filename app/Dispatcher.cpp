@@ -1,6 +1,7 @@
 #include "Dispatcher.h"
 
 #include "AntennaSwitching.h"
+#include "Authentication.h"
 #include "ChipsetControl.h"
 #include "Console.h"
 #include "DeviceConfiguration.h"
@@ -18,6 +19,7 @@
 #include "SleepMode.h"
 #include "StationInformation.h"
 #include "Statistics.h"
+#include "VendorSpecificParameters.h"
 #include "WiMAXOptions.h"
 
 namespace {
@@ -51,11 +53,11 @@ struct DecoderRow {
 constexpr DecoderRow astDecoders[] = {
     {TYPE_NETWORK_SEARCH, NetEntrySearchResponse},
     {TYPE_NETWORK_ENTRY, NetEntryExitResponse},
-    {TYPE_AUTHENTICATION, nullptr},
+    {TYPE_AUTHENTICATION, EAPResponse},
     {TYPE_SERVICE_FLOW, ServiceFlowResponse},
     {TYPE_SS_INFO, SSInfoResponse},
     {TYPE_START_LOGGER, LogIndication},
-    {TYPE_VENDOR_SPECIFIC, nullptr},
+    {TYPE_VENDOR_SPECIFIC, DisplayVendorSpecificParamInfo},
     {TYPE_MAC_ADDRESS, MACSetResponse},
     {TYPE_DEVICE_UNLOAD, DeviceUnloadIndication},
     {TYPE_DEVICE_CONFIG, DeviceConfigResp},

@@ -1,4 +1,5 @@
 #include "AntennaSwitching.h"
+#include "Authentication.h"
 #include "ChipsetControl.h"
 #include "Client.h"
 #include "ConnectionManagement.h"
@@ -13,12 +14,14 @@
 #include "MACManagement.h"
 #include "MIBRequests.h"
 #include "Message.h"
+#include "OMADM.h"
 #include "RegisterTest.h"
 #include "ServiceFlows.h"
 #include "SleepMode.h"
 #include "StationInformation.h"
 #include "Statistics.h"
 #include "VendorSpecificMessageApp.h"
+#include "VendorSpecificParameters.h"
 
 namespace {
 
@@ -62,17 +65,17 @@ constexpr MainMenuEntry astEntries[] = {
     {7, "\n 7. RDM-WRM TEST REQUESTS", [] { TestRDMWRM(); }},
     {8, "\n 8. GPIO MSG REQUESTS", [] { GPIOMsgs(); }},
     {9, "\n 9. LOGGER MSG REQUESTS", [] { LoggerRequests(); }},
-    {10, "\n10. VENDOR SPECIFIC PARAM REQUEST", nullptr},
+    {10, "\n10. VENDOR SPECIFIC PARAM REQUEST", [] { VendorSpecificParamRequest(); }},
     {11, "\n11. MIB REQUEST", [] { MIBRequest(); }},
     {12, "\n12. SET MAC ADDRESS", [] { SetMACAddress(); }},
     {13, "\n13. DEVICE CONFIG", [] { DeviceConfigRequest(); }},
-    {14, "\n14. EAP REQUESTS", nullptr},
+    {14, "\n14. EAP REQUESTS", [] { EAPRequests(); }},
     {15, "\n15. Sleep Mode PSC Definition", [] { SendSleepPSCDefinitionMsg(); }},
     {16, "\n16. IDLE MODE REQUESTS", [] { SendIdleModeMsg(); }},
     {17, "\n17. Antenna Switching & Selection", [] { AntennaSwitchingSelectionMenu(); }},
     {18, "\n18. CONTROL MAC LOGGING", [] { ControlMACLogging(); }},
     {19, "\n19. CONTROL PHY LOGGING", [] { ControlPHYLogging(); }},
-    {iLastListed, "\n20. OMA DM/Security Parameters Check", nullptr},
+    {iLastListed, "\n20. OMA DM/Security Parameters Check", OMADMRequest},
     {24, nullptr, [] { SendHalfMiniCardStatusRequest(); }},
     {100, nullptr, CloseOnly},
     {200, nullptr, OpenAgain},

@@ -27,7 +27,12 @@ int32_t SendMessage(WiMAXMessage *pstMessage, uint32_t u32Length) {
 
 int32_t SendRequest(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload) {
     WiMAXMessage stMessage;
-    const uint32_t u32Length = FillWiMAXMsg(&stMessage, u32Type, u32SubType, stPayload.u32Length);
-    PutBytes(PayloadOf(stMessage), 0, stPayload);
-    return SendMessage(&stMessage, u32Length);
+    return SendForAnswer(&stMessage, u32Type, u32SubType, stPayload);
+}
+
+int32_t SendForAnswer(WiMAXMessage *pstMessage, uint32_t u32Type, uint32_t u32SubType,
+                      ByteView stPayload) {
+    const uint32_t u32Length = FillWiMAXMsg(pstMessage, u32Type, u32SubType, stPayload.u32Length);
+    PutBytes(PayloadOf(*pstMessage), 0, stPayload);
+    return SendMessage(pstMessage, u32Length);
 }

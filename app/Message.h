@@ -25,5 +25,9 @@ int32_t SendMessage(WiMAXMessage *pstMessage, uint32_t u32Length);
 
 // Builds and sends a request whose payload is stPayload (nothing by default).
 int32_t SendRequest(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload = {});
+// The same for a request that is answered inside the send: *pstMessage is left
+// as the library left it.
+int32_t SendForAnswer(WiMAXMessage *pstMessage, uint32_t u32Type, uint32_t u32SubType,
+                      ByteView stPayload);
 
 #endif

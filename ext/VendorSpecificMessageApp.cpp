@@ -5,6 +5,11 @@
 #include <sys/select.h>
 #include <unistd.h>
 
+#include "Authentication.h"
+#include "Console.h"
+#include "EEPROMTest.h"
+#include "Input.h"
+#include "Message.h"
 #include "Report.h"
 
 namespace {
@@ -15,9 +20,12 @@ struct ExtendedEntry {
 };
 
 constexpr ExtendedEntry astEntries[] = {
-    {"\n%d. AUTH REQUESTS", nullptr},
-    {"\n%d. TEST EEPROM", nullptr},
+    {"\n%d. AUTH REQUESTS", [] { AuthRequest(); }},
+    {"\n%d. TEST EEPROM", [] { EEPROMTest(); }},
 };
+
+constexpr int32_t iLeave = -1;
+constexpr int32_t iFirstEntryBase = 0;
 
 } // namespace
 
@@ -32,9 +40,7 @@ uint32_t ProcessExChoice(int32_t iBase, int32_t iChoice) {
     if (iIndex < 0 || iIndex >= std::ssize(astEntries)) {
         return 0;
     }
-    if (astEntries[iIndex].pfnHandle != nullptr) {
-        astEntries[iIndex].pfnHandle();
-    }
+    astEntries[iIndex].pfnHandle();
     return 1;
 }
 
@@ -45,4 +51,22 @@ uint32_t MyKbHit() {
     timeval stNoWait{0, 0};
     const int iReady = select(STDIN_FILENO + 1, &stDescriptors, nullptr, nullptr, &stNoWait);
     return iReady >= 0 && FD_ISSET(STDIN_FILENO, &stDescriptors) ? 1 : 0;
+}
+
+void RunExtendedMenu() {
+    for (;;) {
+        PutLine("\n******** EXTENDED MENU ********");
+        DisplayExMenu(iFirstEntryBase);
+        PutText("\n-1. EXIT FROM APPLICATION");
+        PutLine("\n\n*******************************");
+        const int32_t iChoice = AskOption("\nENTER OPTION : ");
+        if (iChoice == iLeave) {
+            return;
+        }
+        gbInsideSubMenu = 1;
+        if (ProcessExChoice(iFirstEntryBase, iChoice) == 0) {
+            PutText("\nSORRY!! INVALID OPTION!!");
+        }
+        gbInsideSubMenu = 0;
+    }
 }

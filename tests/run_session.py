@@ -106,6 +106,7 @@ class Session:
     def __init__(self, path):
         self.path = pathlib.Path(path)
         self.pty = False
+        self.program = None  # None: the client
         self.scenario = None  # None: the scripted library
         self.timeout = 10.0
         self.status = None
@@ -186,6 +187,8 @@ class Session:
             self.pty = True
         elif name == "scenario":
             self.scenario = text.strip()
+        elif name == "program":
+            self.program = text.strip()
         elif name == "timeout":
             self.timeout = float(text)
         elif name == "stderr":
@@ -303,7 +306,8 @@ class Client:
 
     def start(self, session, options, directory, environment):
         common = dict(cwd=directory, env=environment, stderr=subprocess.PIPE, close_fds=True)
-        command = [os.path.abspath(options.client)]
+        client = pathlib.Path(options.client).absolute()
+        command = [client.with_name(session.program) if session.program else client]
         if session.pty:
             self.master, slave = os.openpty()
             self.process = subprocess.Popen(

@@ -26,6 +26,7 @@ struct State {
     Bytes aucMemory{0};
     std::optional<Bytes> aucReply;
     std::deque<Bytes> aucAnswers;
+    FakeDevice::SendHook Hook;
     WiMAXCallback pfnCallback = nullptr;
     uint32_t u32Context = 0;
 };
@@ -96,6 +97,8 @@ void FakeDevice::QueueReply(const Bytes &aucMessage) {
     Set(&State::aucReply, std::optional<Bytes>(aucMessage));
 }
 
+void FakeDevice::OnSend(SendHook Hook) { Set(&State::Hook, std::move(Hook)); }
+
 void FakeDevice::QueueSendResult(int32_t iResult) {
     const std::lock_guard Held(gLock);
     gstState.iSendResults.push_back(iResult);
@@ -153,15 +156,24 @@ int32_t RegisterCallback(uint32_t /*hDevice*/, WiMAXCallback pfnCallback, uint32
 int32_t SendWiMAXMessage(uint32_t hDevice, void *pvMessage, uint32_t u32Length) {
     std::deque<Bytes> aucAnswers;
     int32_t iResult = 0;
+    auto *pucMessage = static_cast<uint8_t *>(pvMessage);
+    size_t uSend = 0;
     {
         const std::lock_guard Held(gLock);
         gstState.strCalls.emplace_back("SendWiMAXMessage");
         gstState.stArguments.push_back({hDevice, u32Length});
-        auto *pucMessage = static_cast<uint8_t *>(pvMessage);
         gstState.strSent.push_back(
             pucMessage == nullptr
                 ? "null"
                 : FormatMessage(pucMessage, std::min<uint32_t>(u32Length, WIMAX_MESSAGE_SIZE)));
+        uSend = gstState.strSent.size();
+    }
+    const FakeDevice::SendHook Hook = Locked(&State::Hook);
+    if (Hook && pucMessage != nullptr) {
+        Hook(uSend, std::span<uint8_t, WIMAX_MESSAGE_SIZE>(pucMessage, WIMAX_MESSAGE_SIZE));
+    }
+    {
+        const std::lock_guard Held(gLock);
         if (gstState.aucReply && pucMessage != nullptr) {
             std::copy(gstState.aucReply->begin(), gstState.aucReply->end(), pucMessage);
             gstState.aucReply.reset();

@@ -4,6 +4,8 @@
 #define FAKE_DEVICE_H
 
 #include <cstdint>
+#include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,6 +50,12 @@ void SetMemory(const Bytes &aucMemory);
 void QueueReply(const Bytes &aucMessage);
 // Delivered on another thread during the next send, before it returns.
 void QueueAnswer(const Bytes &aucMessage);
+
+// Called during every send, with its number (from 1) and the whole record: it
+// can write an answer into it, plan messages, type. An empty one is none.
+using SendHook =
+    std::function<void(size_t uSend, std::span<uint8_t, WIMAX_MESSAGE_SIZE> aucRecord)>;
+void OnSend(SendHook Hook);
 
 // Calls the registered callback (the client's own when none is registered) on
 // another thread with the message in a heap block of exactly its size, and

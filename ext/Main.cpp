@@ -1,0 +1,4 @@
+#include "Client.h"
+#include "VendorSpecificMessageApp.h"
+
+int main() { return RunClient(RunExtendedMenu); }
