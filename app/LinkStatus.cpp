@@ -179,8 +179,8 @@ void PutSearchResponse(ByteView stPayload) {
 
 void PutNSPEntry(ByteView stEntry) {
     using namespace NSPDiscovery;
-    const uint32_t u32NameLength = std::min(Get(stEntry, NSPEntry::NameLength), NSPEntry::NameSize);
-    const ByteView stName = stEntry.From(NSPEntry::Name, u32NameLength);
+    // Whatever its length says, a name ends with its entry.
+    const ByteView stName = stEntry.From(NSPEntry::Name, Get(stEntry, NSPEntry::NameLength));
     PutText("\nNSP Name is : ");
     PutString(stName);
     PutRow(stEntry, {"\nNSP ID is : %d", NSPEntry::ID});

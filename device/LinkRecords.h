@@ -100,6 +100,7 @@ inline constexpr Field NameLength{4, FieldType::U32};
 inline constexpr uint32_t Name = 8;
 inline constexpr uint32_t NameSize = 128; // not terminated
 inline constexpr uint32_t Size = 136;
+static_assert(Name + NameSize == Size);
 } // namespace NSPEntry
 static_assert(NSPs + MaxNSPs * NSPEntry::Size == PreambleIndex.u16Offset);
 static_assert(EndOf(CINR) == Size);

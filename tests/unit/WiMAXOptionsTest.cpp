@@ -178,6 +178,7 @@ TEST_F(WiMAXOptionsTest, BitsOfThePayloadBitmapAreSetAndCleared) {
     EXPECT_EQ(SentFor("1 1  1 1  2 1  3 1  4 1  5\n"), Sends("29/1 | 01 15:4"));
     EXPECT_EQ(SentFor("1 1  2 1  3 1  2 0  5\n"), Sends("29/1 | 01 4:4"));
     EXPECT_EQ(SentFor("1 1  2 1  2 7  6  0  -1  x  5\n"), Sends("29/1 | 01 2:4"));
+    EXPECT_EQ(SentFor("1 1  2 1  2 1  3 0  5\n"), Sends("29/1 | 01 2:4"));
 }
 
 TEST_F(WiMAXOptionsTest, SetAllSendsWhatWasSetLastAndAllBits) {
