@@ -36,6 +36,11 @@ CONSOLE = {
     "mib-get": b"11\n1\n1142\n1\n2\n3\n2\n1612\n1617\n1\n5\n-1\n-1\n",
     "mib-set": b"11\n2\n23\n4\n1\n7\n2\n1\n6\n1-2-3-4-5-6\n2\n509\n1\n2\n2\n999\n2\n507\n-1\n-1\n",
     "mib-multiple-set": b"11\n4\n3\n5\n2\n7\n900\n804\n1\n6\n10000\n1\n4\n0\n-1\n-1\n",
+    "flow-add": b"6\n1\n7\n1\n3\n1\n0\n1\n20\n1\n256000\n128000\n40\n6\n9\n11\n1\n1\n2\na\nff\n1\n33\n"
+    b"1\n-1\n0\n1\n4\n1\n2\n3\n4\n0\n-1\n",
+    "flow-change-and-delete": b"6\n2\n0\n7\n1\n300\n0\n1\n5\n0\n0\n1\n4\n40\n256000\n3\n0\n1\n0\n1\n9\n0\n0\n"
+    b"0\n0\n0\n0\n0\n6\n3\n0\n-1\n",
+    "flow-grant": b"6\n4\n7\n-1\n1000\n3\n-1\n",
     "failing-device": b"1\n7\n1\n1\n-1\n\x00\xff",
     **{f"choice-{choice}": f"{choice}\n1\n1\n1\n1\n1\n1\n1\n-1\n".encode() for choice in range(1, 21)},
 }
