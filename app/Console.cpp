@@ -8,8 +8,8 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/epoll.h>
 #include <sys/eventfd.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -134,6 +134,20 @@ void WaitForTurn() {
     Clear(giTurnEvent);
 }
 
+// Regular files and the null device: no one can wait for them, and no one needs
+// to.
+bool NeverBlocks(int iDescriptor) {
+    const int iPoll = epoll_create1(EPOLL_CLOEXEC);
+    epoll_event stEvent{};
+    stEvent.events = EPOLLOUT;
+    const bool bRefused =
+        epoll_ctl(iPoll, EPOLL_CTL_ADD, iDescriptor, &stEvent) != 0 && errno == EPERM;
+    if (iPoll >= 0) {
+        close(iPoll);
+    }
+    return bRefused;
+}
+
 // Writes all of it, or gives up when nobody can read it any more.
 void WriteWhole(std::string_view strText) {
     while (!strText.empty()) {
@@ -219,8 +233,7 @@ void OpenConsole() {
     gbLeaving = false;
     gbInputEnded = false;
     giPushedBack = iNoChar;
-    struct stat stStatus {};
-    gbOutputNeverBlocks = fstat(STDOUT_FILENO, &stStatus) == 0 && S_ISREG(stStatus.st_mode);
+    gbOutputNeverBlocks = NeverBlocks(STDOUT_FILENO);
     Catch(SIGINT);
     Catch(SIGTERM);
     Catch(SIGHUP);
