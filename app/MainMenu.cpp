@@ -97,9 +97,7 @@ int32_t AskMainMenu() {
 void HandleChoice(int32_t iChoice) {
     for (const MainMenuEntry &stEntry : astEntries) {
         if (stEntry.iChoice == iChoice) {
-            if (stEntry.pfnHandle != nullptr) {
-                stEntry.pfnHandle();
-            }
+            stEntry.pfnHandle();
             if (stEntry.eFlag == Afterwards::Cleared) {
                 gbInsideSubMenu = 0;
             }
