@@ -114,8 +114,8 @@ bool StateFile::Write() const {
     bool bGood = true;
     for (const auto &[strSection, stValues] : m_astSections) {
         for (const auto &[strKey, aucValue] : stValues) {
-            const std::string strLine = strSection + " " + strKey + " " + HexOf(aucValue) + "\n";
-            bGood = bGood && std::fputs(strLine.c_str(), pstFile.get()) >= 0;
+            bGood = bGood && std::fprintf(pstFile.get(), "%s %s %s\n", strSection.c_str(),
+                                          strKey.c_str(), HexOf(aucValue).c_str()) > 0;
         }
     }
     bGood = std::fclose(pstFile.release()) == 0 && bGood;
