@@ -3,15 +3,19 @@
 #include <array>
 
 #include "Link.h"
+#include "MIBStore.h"
 #include "Options.h"
 
 namespace {
 
 using MakeSubsystem = std::unique_ptr<Subsystem> (*)(Modem &stModem);
 
-// Everything but the link and the options, which others build on.
-constexpr std::array<MakeSubsystem, 5> apfnSubsystems{
-    MakeSearch, MakeIdleMode, MakeShutdown, MakeHalfMiniCard, MakeIndications,
+// Everything but the link, the options and the MIB attributes, which others build on.
+constexpr std::array apfnSubsystems{
+    MakeSubsystem{MakeSearch},       MakeSubsystem{MakeIdleMode},
+    MakeSubsystem{MakeShutdown},     MakeSubsystem{MakeHalfMiniCard},
+    MakeSubsystem{MakeIndications},  MakeSubsystem{MakeMIBStatistics},
+    MakeSubsystem{MakeServiceFlows}, MakeSubsystem{MakeSecurityParameters},
 };
 
 // A client that never takes its messages loses the newest ones beyond this many.
@@ -27,10 +31,11 @@ Modem::Modem(Scenario stScenario)
       m_u32FailedOpens(
           static_cast<uint32_t>(Settings("device").Integer("failed-opens", 0, UINT32_MAX, 0))),
       m_iAnswerDelay(Settings("device").Seconds("answer-delay", 0, 1000, 0.02)),
-      m_stRadio(Root(), m_u64Seed), m_stTraffic(Root(), m_stScheduler),
+      m_stStateFile(Root()), m_stRadio(Root(), m_u64Seed), m_stTraffic(Root(), m_stScheduler),
       m_stFaults(Root(), m_u64Seed, m_stScheduler,
                  [this](MessageBytes aucMessage) { Queue(std::move(aucMessage)); }),
-      m_pstOptions(std::make_unique<Options>(*this)), m_pstLink(std::make_unique<Link>(*this)) {
+      m_pstOptions(std::make_unique<Options>(*this)), m_pstLink(std::make_unique<Link>(*this)),
+      m_pstMIBs(std::make_unique<MIBStore>(*this)) {
     for (const MakeSubsystem pfnMake : apfnSubsystems) {
         m_apstSubsystems.push_back(pfnMake(*this));
     }
@@ -88,6 +93,7 @@ const Modem::Row *Modem::RowOf(uint32_t u32Type, uint32_t u32SubType) const {
 }
 
 int32_t Modem::Send(uint8_t *pucMessage, uint32_t u32Length) {
+    m_bHoldsSender = false;
     if (m_bUnloaded) {
         return LibraryError::NotOpen;
     }
@@ -148,7 +154,9 @@ void Modem::Tell(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload) {
 }
 
 void Modem::TellBytes(MessageBytes aucMessage) {
+    ++m_u32Untold;
     m_stScheduler.After(m_iAnswerDelay, [this, aucLater = std::move(aucMessage)]() mutable {
+        --m_u32Untold;
         m_stFaults.Pass(std::move(aucLater));
     });
 }
@@ -172,6 +180,7 @@ void Modem::Restart() {
     m_stTraffic.Reset();
     m_pstOptions->Start();
     m_pstLink->Start();
+    m_pstMIBs->Start();
     for (const std::unique_ptr<Subsystem> &pstSubsystem : m_apstSubsystems) {
         pstSubsystem->Start();
     }

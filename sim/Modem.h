@@ -16,11 +16,13 @@
 #include "Random.h"
 #include "Scenario.h"
 #include "Scheduler.h"
+#include "StateFile.h"
 #include "Subsystem.h"
 #include "Traffic.h"
 #include "Wire.h"
 
 class Link;
+class MIBStore;
 class Options;
 
 // A request as its handler sees it.
@@ -77,6 +79,10 @@ class Modem {
     bool OpensAt(uint32_t u32Attempt) const;
     // The driver has gone; the device has to be opened again.
     bool Unloaded() const { return m_bUnloaded; }
+    // Whether the request sent last keeps its sender until it has been answered.
+    bool HoldsSender() const { return m_bHoldsSender; }
+    // No answer is under way, and none waits to be taken.
+    bool AllTold() const { return m_u32Untold == 0 && m_astOutbox.empty(); }
 
     // ---- For the subsystems: what they answer to ----
 
@@ -105,7 +111,17 @@ class Modem {
     Traffic &UserTraffic() { return m_stTraffic; }
     Link &TheLink() { return *m_pstLink; }
     Options &TheOptions() { return *m_pstOptions; }
+    MIBStore &TheMIBs() { return *m_pstMIBs; }
+    StateFile &TheStateFile() { return m_stStateFile; }
+    // How long parts of the last way into the network took, for those who report it.
+    struct EntryHistory {
+        ModemTime iSearch = 0;
+        ModemTime iProvisioning = 0; // of the service flows
+    };
+    EntryHistory &History() { return m_stHistory; }
 
+    // For a request's handler: the send returns when the client has had the answer.
+    void HoldSender() { m_bHoldsSender = true; }
     // Sends a message to the client, after the time that the modem takes for any
     // answer. Messages keep their order.
     void Tell(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload = {});
@@ -140,7 +156,11 @@ class Modem {
     uint32_t m_u32FailedOpens;
     ModemTime m_iAnswerDelay;
     bool m_bUnloaded = false;
+    bool m_bHoldsSender = false;
+    uint32_t m_u32Untold = 0; // messages within the answer delay
+    EntryHistory m_stHistory;
     Scheduler m_stScheduler;
+    StateFile m_stStateFile;
     Radio m_stRadio;
     Traffic m_stTraffic;
     Faults m_stFaults;
@@ -152,6 +172,7 @@ class Modem {
     std::deque<MessageBytes> m_astOutbox;
     std::unique_ptr<Options> m_pstOptions;
     std::unique_ptr<Link> m_pstLink;
+    std::unique_ptr<MIBStore> m_pstMIBs;
     std::vector<std::unique_ptr<Subsystem>> m_apstSubsystems;
 };
 

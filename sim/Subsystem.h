@@ -22,7 +22,10 @@ class Subsystem {
 std::unique_ptr<Subsystem> MakeHalfMiniCard(Modem &stModem);
 std::unique_ptr<Subsystem> MakeIdleMode(Modem &stModem);
 std::unique_ptr<Subsystem> MakeIndications(Modem &stModem);
+std::unique_ptr<Subsystem> MakeMIBStatistics(Modem &stModem);
 std::unique_ptr<Subsystem> MakeSearch(Modem &stModem);
+std::unique_ptr<Subsystem> MakeSecurityParameters(Modem &stModem);
+std::unique_ptr<Subsystem> MakeServiceFlows(Modem &stModem);
 std::unique_ptr<Subsystem> MakeShutdown(Modem &stModem);
 
 #endif
