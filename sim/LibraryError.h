@@ -10,8 +10,8 @@ inline constexpr int32_t BadHandle = -2;
 inline constexpr int32_t NullBuffer = -3;
 inline constexpr int32_t BadLength = -4;      // of the message, or for this request
 inline constexpr int32_t UnknownRequest = -5; // no such type or subtype
-inline constexpr int32_t BadValue = -6;       // a count beyond what the request holds
-inline constexpr int32_t BadAddress = -7;     // no device memory there
+inline constexpr int32_t BadValue = -6;   // a count beyond the request, a grant for no such flow
+inline constexpr int32_t BadAddress = -7; // no device memory there
 inline constexpr int32_t NoMIBSupport = -27;
 inline constexpr int32_t MRUTableEmpty = -76;
 } // namespace LibraryError
