@@ -204,9 +204,15 @@ TEST(Authentication, EncryptionResultsHaveTheRightLength) {
     stBench.RunUntil(1);
     const std::vector<std::string> astrTexts = stBench.Messages();
     ASSERT_EQ(astrTexts.size(), 3U);
-    EXPECT_EQ(astrTexts[0].substr(0, 29), "4/10: 20 00 00 00 00 00 00 00");
-    EXPECT_EQ(astrTexts[1].substr(0, 29), "4/10: 80 00 00 00 01 00 00 00");
-    EXPECT_EQ(astrTexts[2].substr(0, 29), "4/10: 00 01 00 00 01 00 00 00");
+    const auto Begins = [&](size_t i, const std::string &strBegin, size_t uLength) {
+        const std::vector<uint8_t> aucAnswer = BytesOfHex(astrTexts[i].substr(6));
+        EXPECT_EQ(HexOf({aucAnswer.begin(), aucAnswer.begin() + 8}), strBegin);
+        EXPECT_EQ(aucAnswer.size(), uLength);
+    };
+    // The byte behind the result comes too.
+    Begins(0, "20 00*7", 40 + 32 + 1);
+    Begins(1, "80 00 00 00 01 00 00 00", 40 + 128 + 1);
+    Begins(2, "00 01 00 00 01 00 00 00", 40 + 256 + 1);
 }
 
 } // namespace
