@@ -5,6 +5,7 @@
 #include "Link.h"
 #include "MIBStore.h"
 #include "Options.h"
+#include "VendorRegion.h"
 
 namespace {
 
@@ -16,6 +17,7 @@ constexpr std::array apfnSubsystems{
     MakeSubsystem{MakeShutdown},     MakeSubsystem{MakeHalfMiniCard},
     MakeSubsystem{MakeIndications},  MakeSubsystem{MakeMIBStatistics},
     MakeSubsystem{MakeServiceFlows}, MakeSubsystem{MakeSecurityParameters},
+    MakeSubsystem{MakeOMADMTree},    MakeSubsystem{MakeAuthentication},
 };
 
 // A client that never takes its messages loses the newest ones beyond this many.
@@ -35,7 +37,8 @@ Modem::Modem(Scenario stScenario)
       m_stFaults(Root(), m_u64Seed, m_stScheduler,
                  [this](MessageBytes aucMessage) { Queue(std::move(aucMessage)); }),
       m_pstOptions(std::make_unique<Options>(*this)), m_pstLink(std::make_unique<Link>(*this)),
-      m_pstMIBs(std::make_unique<MIBStore>(*this)) {
+      m_pstMIBs(std::make_unique<MIBStore>(*this)),
+      m_pstVendorRegion(std::make_unique<VendorRegionStore>(*this)) {
     for (const MakeSubsystem pfnMake : apfnSubsystems) {
         m_apstSubsystems.push_back(pfnMake(*this));
     }
@@ -181,6 +184,7 @@ void Modem::Restart() {
     m_pstOptions->Start();
     m_pstLink->Start();
     m_pstMIBs->Start();
+    m_pstVendorRegion->Start();
     for (const std::unique_ptr<Subsystem> &pstSubsystem : m_apstSubsystems) {
         pstSubsystem->Start();
     }

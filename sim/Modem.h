@@ -3,6 +3,7 @@
 #ifndef MODEM_H
 #define MODEM_H
 
+#include <array>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -24,6 +25,10 @@
 class Link;
 class MIBStore;
 class Options;
+class VendorRegionStore;
+
+// The station's MAC address, first byte first.
+using StationAddress = std::array<uint8_t, 6>;
 
 // A request as its handler sees it.
 struct Request {
@@ -113,6 +118,8 @@ class Modem {
     Options &TheOptions() { return *m_pstOptions; }
     MIBStore &TheMIBs() { return *m_pstMIBs; }
     StateFile &TheStateFile() { return m_stStateFile; }
+    VendorRegionStore &TheVendorRegion() { return *m_pstVendorRegion; }
+    StationAddress &Address() { return m_stAddress; }
     // How long parts of the last way into the network took, for those who report it.
     struct EntryHistory {
         ModemTime iSearch = 0;
@@ -173,6 +180,8 @@ class Modem {
     std::unique_ptr<Options> m_pstOptions;
     std::unique_ptr<Link> m_pstLink;
     std::unique_ptr<MIBStore> m_pstMIBs;
+    std::unique_ptr<VendorRegionStore> m_pstVendorRegion;
+    StationAddress m_stAddress{0x02, 0x00, 0x00, 0x20, 0x00, 0x01};
     std::vector<std::unique_ptr<Subsystem>> m_apstSubsystems;
 };
 

@@ -19,10 +19,12 @@ class Subsystem {
 };
 
 // Each in the file of its name.
+std::unique_ptr<Subsystem> MakeAuthentication(Modem &stModem);
 std::unique_ptr<Subsystem> MakeHalfMiniCard(Modem &stModem);
 std::unique_ptr<Subsystem> MakeIdleMode(Modem &stModem);
 std::unique_ptr<Subsystem> MakeIndications(Modem &stModem);
 std::unique_ptr<Subsystem> MakeMIBStatistics(Modem &stModem);
+std::unique_ptr<Subsystem> MakeOMADMTree(Modem &stModem);
 std::unique_ptr<Subsystem> MakeSearch(Modem &stModem);
 std::unique_ptr<Subsystem> MakeSecurityParameters(Modem &stModem);
 std::unique_ptr<Subsystem> MakeServiceFlows(Modem &stModem);
