@@ -126,7 +126,7 @@ TEST_F(ChipsetControlTest, AConfigurationThatCouldNotBeSentIsWaitedFor) {
     EXPECT_EQ(FakeDevice::Sent(), BothRequests());
 }
 
-TEST_F(ChipsetControlTest, TheReportIsShownBeforeTheDownloadGoesOn) {
+TEST_F(ChipsetControlTest, OnlyAConfigurationWithoutAnErrorClearsTheFlag) {
     iFWDlFlag = -1;
     Printed();
     FakeDevice::Deliver(Message(pcConfigurationDone));
