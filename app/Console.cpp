@@ -114,12 +114,16 @@ int TakeChar() {
 
 bool CharIsAtHand() { return giPushedBack != iNoChar || gbInputEnded; }
 
+void EndIfOutputIsGone(const pollfd &stOutput) {
+    if ((stOutput.revents & (POLLERR | POLLHUP)) != 0) {
+        EndBySignal(SIGPIPE);
+    }
+}
+
 void WaitForInputOrEnd() {
     pollfd astPoll[] = {{STDIN_FILENO, POLLIN, 0}, {giEndEvent, POLLIN, 0}, {STDOUT_FILENO, 0, 0}};
     poll(astPoll, 3, -1);
-    if ((astPoll[2].revents & (POLLERR | POLLHUP)) != 0) {
-        EndBySignal(SIGPIPE);
-    }
+    EndIfOutputIsGone(astPoll[2]);
 }
 
 void WaitForTurn() {
@@ -285,10 +289,11 @@ int WaitForKey() {
 }
 
 void PauseMicroseconds(uint32_t u32Microseconds) {
-    pollfd stPoll{giEndEvent, POLLIN, 0};
+    pollfd astPoll[] = {{giEndEvent, POLLIN, 0}, {STDOUT_FILENO, 0, 0}};
     const timespec stTime{static_cast<time_t>(u32Microseconds / 1000000),
                           static_cast<long>(u32Microseconds % 1000000) * 1000};
-    ppoll(&stPoll, 1, &stTime, nullptr);
+    ppoll(astPoll, 2, &stTime, nullptr);
+    EndIfOutputIsGone(astPoll[1]);
 }
 
 void BeginLeaving() {

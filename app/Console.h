@@ -49,7 +49,8 @@ struct KeyTurn {
     KeyTurn &operator=(const KeyTurn &) = delete;
 };
 
-// Sleeps, on either thread. A sleep ends early when the client is ending.
+// Sleeps, on either thread. A sleep ends early when the client is ending or
+// nobody reads the output any more.
 void PauseMicroseconds(uint32_t u32Microseconds);
 
 // Releases decoders that wait for a key. Call it before the device is closed

@@ -1,7 +1,11 @@
 #include "Dispatcher.h"
 
+#include "AntennaSwitching.h"
+#include "ChipsetControl.h"
 #include "Console.h"
+#include "DeviceConfiguration.h"
 #include "GPIO.h"
+#include "Handover.h"
 #include "IdleMode.h"
 #include "LinkStatus.h"
 #include "Logging.h"
@@ -11,6 +15,9 @@
 #include "Report.h"
 #include "SecurityParameters.h"
 #include "ServiceFlows.h"
+#include "SleepMode.h"
+#include "StationInformation.h"
+#include "Statistics.h"
 #include "WiMAXOptions.h"
 
 namespace {
@@ -46,23 +53,23 @@ constexpr DecoderRow astDecoders[] = {
     {TYPE_NETWORK_ENTRY, NetEntryExitResponse},
     {TYPE_AUTHENTICATION, nullptr},
     {TYPE_SERVICE_FLOW, ServiceFlowResponse},
-    {TYPE_SS_INFO, nullptr},
+    {TYPE_SS_INFO, SSInfoResponse},
     {TYPE_START_LOGGER, LogIndication},
     {TYPE_VENDOR_SPECIFIC, nullptr},
-    {TYPE_MAC_ADDRESS, nullptr},
-    {TYPE_DEVICE_UNLOAD, nullptr},
-    {TYPE_DEVICE_CONFIG, nullptr},
-    {TYPE_CHIPSET, nullptr},
-    {TYPE_STATISTICS, nullptr},
+    {TYPE_MAC_ADDRESS, MACSetResponse},
+    {TYPE_DEVICE_UNLOAD, DeviceUnloadIndication},
+    {TYPE_DEVICE_CONFIG, DeviceConfigResp},
+    {TYPE_CHIPSET, ChipsetResponse},
+    {TYPE_STATISTICS, GetStatisticsResponse},
     {TYPE_IDLE_MODE, DecodeIdleMode},
     {TYPE_MAC_MGMT, MACMgmtMessage},
     {TYPE_GPIO, GPIOIndication},
-    {TYPE_HANDOVER, nullptr},
+    {TYPE_HANDOVER, HandOverResponse},
     {TYPE_MIB, MIBIndication},
     {TYPE_IGNORED_25, Ignore},
-    {TYPE_SLEEP_MODE, nullptr},
+    {TYPE_SLEEP_MODE, SleepModeIndication},
     {TYPE_MAC_LOGGING, Ignore},
-    {TYPE_ANTENNA, nullptr},
+    {TYPE_ANTENNA, AntennaSwitchingAndSelectionResponse},
     {TYPE_WIMAX_OPTIONS, ProcessWiMAXOptionsResp},
     {TYPE_SHUTDOWN, ShutDownResponse},
     {TYPE_PHY_LOGGING, ProcessPHYLOggingInfo},

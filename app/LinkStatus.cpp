@@ -182,9 +182,7 @@ void PutNSPEntry(ByteView stEntry) {
     const uint32_t u32NameLength = std::min(Get(stEntry, NSPEntry::NameLength), NSPEntry::NameSize);
     const ByteView stName = stEntry.From(NSPEntry::Name, u32NameLength);
     PutText("\nNSP Name is : ");
-    for (uint32_t i = 0; stName.At(i) != '\0'; ++i) {
-        PendingOutput() += static_cast<char>(stName.At(i));
-    }
+    PutString(stName);
     PutRow(stEntry, {"\nNSP ID is : %d", NSPEntry::ID});
 }
 

@@ -1,6 +1,9 @@
+#include "AntennaSwitching.h"
+#include "ChipsetControl.h"
 #include "Client.h"
 #include "ConnectionManagement.h"
 #include "Console.h"
+#include "DeviceConfiguration.h"
 #include "Dispatcher.h"
 #include "GPIO.h"
 #include "IdleMode.h"
@@ -12,6 +15,9 @@
 #include "Message.h"
 #include "RegisterTest.h"
 #include "ServiceFlows.h"
+#include "SleepMode.h"
+#include "StationInformation.h"
+#include "Statistics.h"
 #include "VendorSpecificMessageApp.h"
 
 namespace {
@@ -48,9 +54,9 @@ struct MainMenuEntry {
 
 constexpr MainMenuEntry astEntries[] = {
     {1, "\n 1. CONNECTION MANAGEMENT REQUESTS", [] { ConnectionManagement(); }},
-    {2, "\n 2. SS INFO REQUESTS", nullptr},
-    {3, "\n 3. CHIPSET CONTROL REQUESTS", nullptr, Afterwards::Kept},
-    {4, "\n 4. STATISTICS REQUEST", nullptr},
+    {2, "\n 2. SS INFO REQUESTS", [] { GetSSInfoRequest(); }},
+    {3, "\n 3. CHIPSET CONTROL REQUESTS", [] { ChipsetControl(); }, Afterwards::Kept},
+    {4, "\n 4. STATISTICS REQUEST", [] { GetStatisticsRequest(); }},
     {5, "\n 5. MAC MANAGEMENT MESSAGE REQUESTS", [] { MACMgmtMessageRequest(); }},
     {6, "\n 6. SERVICE FLOW MSG REQUESTS", [] { ServiceFlowRequest(); }},
     {7, "\n 7. RDM-WRM TEST REQUESTS", [] { TestRDMWRM(); }},
@@ -58,12 +64,12 @@ constexpr MainMenuEntry astEntries[] = {
     {9, "\n 9. LOGGER MSG REQUESTS", [] { LoggerRequests(); }},
     {10, "\n10. VENDOR SPECIFIC PARAM REQUEST", nullptr},
     {11, "\n11. MIB REQUEST", [] { MIBRequest(); }},
-    {12, "\n12. SET MAC ADDRESS", nullptr},
-    {13, "\n13. DEVICE CONFIG", nullptr},
+    {12, "\n12. SET MAC ADDRESS", [] { SetMACAddress(); }},
+    {13, "\n13. DEVICE CONFIG", [] { DeviceConfigRequest(); }},
     {14, "\n14. EAP REQUESTS", nullptr},
-    {15, "\n15. Sleep Mode PSC Definition", nullptr},
+    {15, "\n15. Sleep Mode PSC Definition", [] { SendSleepPSCDefinitionMsg(); }},
     {16, "\n16. IDLE MODE REQUESTS", [] { SendIdleModeMsg(); }},
-    {17, "\n17. Antenna Switching & Selection", nullptr},
+    {17, "\n17. Antenna Switching & Selection", [] { AntennaSwitchingSelectionMenu(); }},
     {18, "\n18. CONTROL MAC LOGGING", [] { ControlMACLogging(); }},
     {19, "\n19. CONTROL PHY LOGGING", [] { ControlPHYLogging(); }},
     {iLastListed, "\n20. OMA DM/Security Parameters Check", nullptr},

@@ -132,6 +132,20 @@ void PutNumbers(const char *pcText, std::span<const uint32_t> au32Values) {
                  [&] { return Number{uNext < au32Values.size() ? au32Values[uNext++] : 0}; });
 }
 
+void PutElements(const char *pcText, ByteView stView, Field stFirst, uint32_t u32Count) {
+    const uint32_t u32Width = WidthOf(stFirst.eType);
+    const uint32_t u32Received = stView.From(stFirst.u16Offset).u32Length;
+    for (uint32_t i = 0; i < u32Count && (i + 1) * u32Width <= u32Received; ++i) {
+        PutNumber(pcText, Get(stView, stFirst, i * u32Width));
+    }
+}
+
+void PutString(ByteView stBytes) {
+    for (uint32_t i = 0; stBytes.At(i) != '\0'; ++i) {
+        PendingOutput() += static_cast<char>(stBytes.At(i));
+    }
+}
+
 bool PutVendorData(const char *pcHeading, ByteView stView, Field stLength, uint32_t u32Offset) {
     const uint32_t u32Length = Get(stView, stLength);
     if (u32Length < 1 || u32Length > 255) {

@@ -26,6 +26,11 @@ void PutRows(ByteView stView, std::span<const ReportRow> astRows, uint32_t u32Ba
 // A row with numbers that are no fields. Further conversions print 0.
 void PutNumber(const char *pcText, uint32_t u32Value);
 void PutNumbers(const char *pcText, std::span<const uint32_t> au32Values);
+// Every element of an array by the same text: u32Count of them from stFirst on,
+// as far as they were received.
+void PutElements(const char *pcText, ByteView stView, Field stFirst, uint32_t u32Count);
+// The text that the bytes hold: it ends at a zero byte or with them.
+void PutString(ByteView stBytes);
 
 // Vendor-specific data: nothing unless the length field says 1 to 255; then the
 // heading with its line end, the bytes from u32Offset as far as they were

@@ -243,8 +243,7 @@ inline constexpr Field VendorDataLength{22, FieldType::I32};
 inline constexpr uint32_t VendorData = 26;
 } // namespace IdleIndication
 
-// The single word of type 19 subtypes 2 to 4 and type 30 subtypes 1 and 5, and
-// of the idle mode inactivity timer request (seconds).
+// A payload of one word: a status, a timer (seconds), an interval (milliseconds).
 namespace StatusWord {
 inline constexpr Field Value{0, FieldType::U32};
 inline constexpr uint32_t Size = 4;

@@ -6,6 +6,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include "ChipsetControl.h"
 #include "Console.h"
 #include "Message.h"
 
@@ -76,6 +77,7 @@ int32_t SendWiMAXMessage(uint32_t /*hDevice*/, void *pvMessage, uint32_t /*u32Le
             pucMessage[i] = NextDeviceByte();
         }
     }
+    iFWDlFlag = 0; // a download never waits
     return NextResult();
 }
 

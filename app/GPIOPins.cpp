@@ -1,0 +1,38 @@
+#include "GPIOPins.h"
+
+#include <algorithm>
+
+#include "AntennaRecords.h"
+#include "Console.h"
+
+namespace {
+
+constexpr uint32_t u32Pins = 16;
+
+bool IsAssigned(ByteView stList, uint32_t u32Pin) {
+    using namespace AntennaConfig;
+    const uint32_t u32Width = WidthOf(RxGPIOs.eType);
+    // The count is what somebody typed: the list has four places.
+    const uint32_t u32Count = std::min(Get(stList, NumRxGPIOs), MaxRxGPIOs);
+    const uint32_t u32Assigned = RecordsPresent(stList, RxGPIOs.u16Offset, u32Width, u32Count);
+    for (uint32_t i = 0; i < u32Assigned; ++i) {
+        if (Get(stList, RxGPIOs, i * u32Width) == u32Pin) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+uint32_t isValidGPIO_val(ByteView stList, uint32_t u32Pin) {
+    if (u32Pin >= u32Pins) {
+        PutLine("\n Enter a Valid GPIO Pin value b/w 0 - 15");
+        return 0;
+    }
+    if (IsAssigned(stList, u32Pin)) {
+        PutLine("\n Enter a unUsed/unDefined GPIO Pin Value");
+        return 0;
+    }
+    return 1;
+}

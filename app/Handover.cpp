@@ -1,0 +1,65 @@
+#include "Handover.h"
+
+#include "Console.h"
+#include "MobilityRecords.h"
+#include "Report.h"
+
+namespace {
+
+constexpr ReportRow astSuccessRows[] = {
+    {"\nLast Preamble ID: %d\n", Handover::LastPreambleID},
+    {"\nCurrent Preamble ID: %d\n", Handover::CurrentPreambleID},
+    {"\nHand over latency: %d\n", Handover::Latency},
+    {"\nNumber of Ranging Failures: %d\n", Handover::NumRangingFailures},
+    {"\nCurrent BSID: %02x %02x %02x %02x %02x %02x", Handover::CurrentBSID},
+    {"\nLast BSID: %02x %02x %02x %02x %02x %02x", Handover::LastBSID},
+};
+
+void PutSuccess(ByteView stPayload) {
+    using namespace Handover;
+    PutLine("\nHANDOFF SUCCESS!!");
+    PutRows(stPayload, astSuccessRows);
+    if (Get(stPayload, IPRefreshNeeded) != 0) {
+        PutLine("\nIP Refresh needs to be done");
+    }
+    const uint32_t u32VendorBytes = Get(stPayload, VendorDataLength);
+    if (u32VendorBytes < 1 || u32VendorBytes > 255) {
+        PutNumber("\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS %d\n", u32VendorBytes);
+        return;
+    }
+    PutNumber("\nVENDOR SPECIFIC DATA LENGTH : %d\n", u32VendorBytes);
+    PutVendorData("\nVENDOR SPECIFIC DATA", stPayload, VendorDataLength, VendorData);
+}
+
+} // namespace
+
+uint32_t HandOverResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+    if (pstMessage == nullptr) {
+        PutText("\nINVALID WIMAX MESSAGE!!");
+        return 0;
+    }
+    const Received stReceived = View(pstMessage, u32Length);
+    if (stReceived.u32SubType != SUBTYPE_HANDOVER_IND) {
+        PutText("\nUNKNOWN HANDOFF INDICATION TYPE!!");
+        return 0;
+    }
+    PutLine("\n~~~~~~ HANDOVER RESPONSE MESSAGE ~~~~~~");
+    if (Get(stReceived.stPayload, Handover::Success) != 0) {
+        PutSuccess(stReceived.stPayload);
+    } else {
+        PutLine("\nHANDOFF FALIED!!");
+    }
+    PutLine("\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~");
+    return 1;
+}
+
+uint32_t ProcessNetworkLayerControlMessage(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+    if (pstMessage == nullptr) {
+        PutLine("\nINVALID WIMAX MESSAGE!!");
+    } else if (View(pstMessage, u32Length).u32SubType == NetworkLayerControl::DHCPRefresh) {
+        PutLine("\nDHCP REFRESH MESSAGE");
+    } else {
+        PutLine("\nMessage with unknown SUBTYPE received for TYPE_NETWORK_LAYER_CONTROL");
+    }
+    return 0;
+}

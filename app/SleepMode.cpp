@@ -1,0 +1,135 @@
+#include "SleepMode.h"
+
+#include <algorithm>
+#include <span>
+
+#include "Console.h"
+#include "Input.h"
+#include "Message.h"
+#include "MobilityRecords.h"
+#include "Report.h"
+
+namespace {
+
+struct FieldValue {
+    Field stField;
+    uint32_t u32Value;
+};
+
+// What is sent for a user who enters nothing: one new definition.
+constexpr FieldValue astDefaultDefinition[] = {
+    {PSCDefinition::Activity, PSCDefinition::ActivityDefinition},
+    {PSCDefinition::PSCID, PSCDefinition::NewPSCID},
+    {PSCDefinition::PSCType, 1},
+    {PSCDefinition::Direction, 0},
+    {PSCDefinition::NumCIDs, 0},
+    {PSCDefinition::ListenWindow, 32},
+    {PSCDefinition::InitialSleepWindow, 8},
+    {PSCDefinition::FinalSleepWindowBase, 4},
+    {PSCDefinition::FinalSleepWindowExp, 5},
+    {PSCDefinition::TTWF, 1},
+    {PSCDefinition::TIR, 1},
+};
+
+struct Question {
+    const char *pcPrompt;
+    Field stField;
+};
+
+constexpr Question astQuestionsBeforeCIDs[] = {
+    {"\nENTER THE ACTIVITY: 0 - Defn, 1- Activation, 2- DeActivation, 3 - DefnAndActivation:  ",
+     PSCDefinition::Activity},
+    {"\nENTER THE PSCID: [If it is new definition, PSCID should be 0xFF ]", PSCDefinition::PSCID},
+    {"\nENTER THE PSCTYPE: ", PSCDefinition::PSCType},
+    {"\nENTER THE DIRECTION: 0 - Not Specified, 1 - DL, 2 - UL: ", PSCDefinition::Direction},
+};
+
+constexpr Question astQuestionsAfterCIDs[] = {
+    {"\nENTER THE ListenWindow: [1 Byte Value] ", PSCDefinition::ListenWindow},
+    {"\nENTER THE InitialSleepWindow: [1 Byte Value] ", PSCDefinition::InitialSleepWindow},
+    {"\nENTER THE FinalSleepWindowBase: [10 Bit Value] ", PSCDefinition::FinalSleepWindowBase},
+    {"\nENTER THE FinalSleepWindowExp: [3 Bit Value] ", PSCDefinition::FinalSleepWindowExp},
+    {"\nENTER THE TTWF: [Valid values : 0/1] ", PSCDefinition::TTWF},
+    {"\nENTER THE TIR: [Valid values : 0/1] ", PSCDefinition::TIR},
+};
+
+// A typed count, kept to what the record has room for. A negative one is sent as
+// it is and asks for nothing.
+int32_t AskCount(const char *pcPrompt, uint32_t u32Most) {
+    return std::min(AskOption(pcPrompt), static_cast<int32_t>(u32Most));
+}
+
+void AskFields(ByteSpan stRecord, std::span<const Question> astQuestions) {
+    for (const Question &stQuestion : astQuestions) {
+        Put(stRecord, stQuestion.stField, AskUnsigned(stQuestion.pcPrompt));
+    }
+}
+
+void AskCIDs(ByteSpan stDefinition) {
+    using namespace PSCDefinition;
+    const int32_t iCount = AskCount("\nENTER THE NUMBER OF CIDs (Max 16): ", MaxCIDs);
+    Put(stDefinition, NumCIDs, static_cast<uint32_t>(iCount));
+    for (int32_t i = 0; i < iCount; ++i) {
+        Put(stDefinition, CIDs, AskUnsigned("\nENTER THE VALUE OF CID: [2 Byte Value] "),
+            static_cast<uint32_t>(i) * WidthOf(CIDs.eType));
+    }
+}
+
+ByteSpan DefinitionAt(ByteSpan stRequest, uint32_t u32Index) {
+    return stRequest.From(SleepMode::Definitions + u32Index * PSCDefinition::Size,
+                          PSCDefinition::Size);
+}
+
+void AskDefinitions(ByteSpan stRequest) {
+    const int32_t iCount =
+        AskCount("\n NUMBER OF DEFINITIONS TO BE DEFINED: [Max: 3, if DEF PSC is "
+                 "disable else Max: 2] ",
+                 SleepMode::MaxDefinitions);
+    Put(stRequest, SleepMode::NumDefinitions, static_cast<uint32_t>(iCount));
+    for (int32_t i = 0; i < iCount; ++i) {
+        const ByteSpan stDefinition = DefinitionAt(stRequest, static_cast<uint32_t>(i));
+        AskFields(stDefinition, astQuestionsBeforeCIDs);
+        AskCIDs(stDefinition);
+        AskFields(stDefinition, astQuestionsAfterCIDs);
+    }
+}
+
+void PutDefaults(ByteSpan stRequest) {
+    Put(stRequest, SleepMode::NumDefinitions, 1);
+    for (const FieldValue &stValue : astDefaultDefinition) {
+        Put(DefinitionAt(stRequest, 0), stValue.stField, stValue.u32Value);
+    }
+}
+
+} // namespace
+
+int32_t SendSleepPSCDefinitionMsg() {
+    Record<SleepMode::Size> stRequest;
+    PutLine("\nDO YOU WANT TO ENTER THE SLEEP MODE VALUES MANUALLY");
+    PutLine("1-Yes- Fields needs to be filled for sleep mode request");
+    PutLine("0-No - Default values are sent sleep mode request");
+    if (ReadOption() == 0) {
+        PutDefaults(stRequest.Span());
+    } else {
+        AskDefinitions(stRequest.Span());
+    }
+    return SendRequest(TYPE_SLEEP_MODE, SUBTYPE_SLEEP_PSC_DEFINITION, stRequest.View());
+}
+
+uint32_t SleepModeIndication(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+    if (pstMessage == nullptr) {
+        PutText("\nINVALID WIMAX MESSAGE!!");
+        return 0;
+    }
+    const Received stReceived = View(pstMessage, u32Length);
+    if (stReceived.u32SubType != SUBTYPE_SLEEP_MODE_IND) {
+        PutLine("\nUNKNOWN SLEEP MODE INDICATION TYPE!!");
+        return 0;
+    }
+    PutLine("\n~~~~~~ SLEEP MODE INDICATION MESSAGE ~~~~~~");
+    PutRow(stReceived.stPayload, {"\n APP: numOfDefinitions %d", SleepMode::NumDefinitions});
+    PutRow(stReceived.stPayload,
+           {"\n APP: u16FinalSleepWindowBase %d \n", PSCDefinition::FinalSleepWindowBase},
+           SleepMode::Definitions);
+    return 1;
+}

@@ -1,0 +1,153 @@
+#include "Statistics.h"
+
+#include <iterator>
+#include <span>
+
+#include "Console.h"
+#include "Input.h"
+#include "LinkRecords.h"
+#include "Menu.h"
+#include "Message.h"
+#include "Report.h"
+#include "StationRecords.h"
+
+namespace {
+
+constexpr const char *apcMenuLines[] = {"\n 1. BASEBAND STATISTICS REQUEST"};
+
+constexpr Menu stMenu = {"\n******** STATISTICS MENU ********", apcMenuLines,
+                         "\n\n*********************************"};
+
+constexpr const char *apcIntervalLines[] = {
+    "\nENTER THE INTERVAL FOR PERIODIC REQUEST (IN MILLI SECONDS).",
+    "\nENTER ZERO TO STOP CURRENT PERIODIC REQUEST ",
+    "\nOR TO REQUEST BASEBAND STATISTICS ONLY ONCE. ",
+};
+
+constexpr const char *apcResetLines[] = {
+    "\n 1. DISABLE STATISTICS RESET ON RE-SYNCH",
+    "\n 2. ENABLE STATISTICS RESET ON RE-SYCH",
+};
+
+constexpr Menu stResetMenu = {"\n*********** STATISTICS RESET CONTROL REQUEST ***********",
+                              apcResetLines,
+                              "\n\n******************************************************"};
+
+// The policy behind each line of the menu.
+constexpr uint32_t au32Policies[] = {StatisticsReset::Disable, StatisticsReset::Enable};
+static_assert(std::size(au32Policies) == std::size(apcResetLines));
+
+constexpr CodeName astResetStatus[] = {
+    {StatisticsReset::Failed, "\nFAILED TO APPLY RESET CONTROL POLICY!"},
+    {StatisticsReset::Applied, "\nSUCCESSFULLY APPLIED RESET CONTROL POLICY!"},
+};
+
+constexpr ReportRow astHeadRows[] = {
+    {"\nNum frames recvd\t: %d", Statistics::FramesReceived},
+    {"\nSize of Stats Struct\t: %d", Statistics::RecordSize},
+    {"\nCenterFrequency in KHz \t: %d", Statistics::CenterFrequency},
+};
+
+// Rows that show one number twice: decimal and hexadecimal.
+constexpr ReportRow astCounterRows[] = {
+    {"\nCUR CINR\t\t: %d (0x%x)", Statistics::CINR},
+    {"\nCUR RSSI\t\t: %d (0x%x)", Statistics::RSSI},
+    {"\nNum Of CqichTxmtd\t: %d (0x%x)", Statistics::CQICHTransmitted},
+    {"\nNum Of CRC Errors\t: %d (0x%x)", Statistics::CRCErrors},
+    {"\nFrames in Error\t\t: %d (0x%x)", Statistics::FramesInError},
+    {"\nNum Of Hcs Errors\t: %d (0x%x)", Statistics::HCSErrors},
+};
+
+constexpr ReportRow astRadioRows[] = {
+    {"\nDownlink burst data FEC\t: %d (0x%x)", Statistics::BurstFEC},
+    {"\nTx Power\t\t: %d (0x%x)", Statistics::TxPower},
+};
+
+constexpr ReportRow astConnectionRows[] = {
+    {"\nBaseID\t\t\t: %02x %02x %02x %02x %02x %02x", Statistics::BSID},
+    {"\nNumber of BRTH \t:0x%x", Statistics::BandwidthRequests},
+    {"\nNumber of Connections \t:%d", Statistics::NumConnections},
+};
+
+void PutRowsTwice(ByteView stView, std::span<const ReportRow> astRows) {
+    for (const ReportRow &stRow : astRows) {
+        const uint32_t u32Value = Get(stView, stRow.stField);
+        const uint32_t au32Twice[] = {u32Value, u32Value};
+        PutNumbers(stRow.pcText, au32Twice);
+    }
+}
+
+// In single precision, and without more of it on any host: hence volatile.
+float FrameErrorRate(uint32_t u32InError, uint32_t u32Received) {
+    const volatile auto fInError = static_cast<float>(u32InError);
+    const volatile auto fReceived = static_cast<float>(u32Received);
+    const volatile float fRate = fInError / fReceived;
+    return fRate;
+}
+
+void PutStatistics(ByteView stPayload) {
+    using namespace Statistics;
+    PutLine("\n~~~~~~~~~~ BASEBAND STATISTICS RESPONSE ~~~~~~~~~~");
+    PutRows(stPayload, astHeadRows);
+    PutRowsTwice(stPayload, astCounterRows);
+    const uint32_t u32Received = Get(stPayload, FramesReceived);
+    if (u32Received != 0) {
+        const float fRate = FrameErrorRate(Get(stPayload, FramesInError), u32Received);
+        PutFormat("\n\nFrame Error Rate\t: %f", static_cast<double>(fRate));
+    }
+    PutRowsTwice(stPayload, astRadioRows);
+    PutRows(stPayload, astConnectionRows);
+    const uint32_t u32Connections =
+        RecordsPresent(stPayload, TransportCIDs.u16Offset, WidthOf(TransportCIDs.eType),
+                       GetSigned(stPayload, NumConnections));
+    PutElements("\nTransport CID \t:0x%x", stPayload, TransportCIDs, u32Connections);
+    PutLine("\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~");
+}
+
+} // namespace
+
+uint32_t GetStatisticsRequest() {
+    if (AskMenu(stMenu) != 1) {
+        return 1;
+    }
+    PutTexts(apcIntervalLines);
+    Record<StatusWord::Size> stRequest;
+    Put(stRequest.Span(), StatusWord::Value, AskUnsigned("\nPRIOD VALUE : "));
+    SendRequest(TYPE_STATISTICS, SUBTYPE_STATISTICS, stRequest.View());
+    return 0;
+}
+
+int32_t StatisticsResetControlRequest() {
+    const int32_t iChoice = AskMenu(stResetMenu);
+    if (iChoice < 1 || iChoice > std::ssize(au32Policies)) {
+        PutText("\nSORRY!! INVALID OPTION SELECTED!!");
+        return -1;
+    }
+    Record<StatusWord::Size> stRequest;
+    Put(stRequest.Span(), StatusWord::Value, au32Policies[iChoice - 1]);
+    return SendRequest(TYPE_STATISTICS, SUBTYPE_STATISTICS_RESET_CONTROL, stRequest.View());
+}
+
+uint32_t StatisticsResetControlResponse(uint32_t u32Status) {
+    PutLine("\n~~~~~~ STATISTICS RESET CONTROL RESPONSE ~~~~~~");
+    PutText(NameOf(astResetStatus, u32Status, "\nUKNOWN STATUS RETURNED FROM THE LIBRARY!!"));
+    PutLine("\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~");
+    return 1;
+}
+
+uint32_t GetStatisticsResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+    if (pstMessage == nullptr) {
+        return 0;
+    }
+    const Received stReceived = View(pstMessage, u32Length);
+    switch (stReceived.u32SubType) {
+    case SUBTYPE_STATISTICS:
+        PutStatistics(stReceived.stPayload);
+        return 1;
+    case SUBTYPE_STATISTICS_RESET_CONTROL:
+        return StatisticsResetControlResponse(Get(stReceived.stPayload, StatusWord::Value));
+    default:
+        PutText("\nINVALID STATISTICS RESPONSE MESSAGE SUB-TYPE");
+        return 0;
+    }
+}

@@ -1,0 +1,88 @@
+#include "Handover.h"
+
+#include "TestConsole.h"
+
+namespace {
+
+class HandoverTest : public ConsoleTest {};
+
+constexpr const char *pcBanner = "\n~~~~~~ HANDOVER RESPONSE MESSAGE ~~~~~~\n";
+constexpr const char *pcClosing = "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
+constexpr const char *pcSuccess = "\nHANDOFF SUCCESS!!\n"
+                                  "\nLast Preamble ID: 17\n"
+                                  "\nCurrent Preamble ID: 103\n"
+                                  "\nHand over latency: 45\n"
+                                  "\nNumber of Ranging Failures: 2\n"
+                                  "\nCurrent BSID: 00 1a 2b 3c 4d 5e"
+                                  "\nLast BSID: 00 1a 2b 3c 4d ff";
+
+// A handover that succeeded, up to the length of its vendor data.
+std::string Succeeded(const std::string &strIPRefresh, const std::string &strVendorData) {
+    return "23/1 | 01 " + strIPRefresh +
+           " 00 1a 2b 3c 4d 5e 00 1a 2b 3c 4d ff 2:4 45:4 103:4 17:4 " + strVendorData;
+}
+
+TEST_F(HandoverTest, ASuccessIsReportedInFull) {
+    EXPECT_EQ(Report(HandOverResponse, Succeeded("01", "3:4 0a 0b ff")),
+              std::string(pcBanner) + pcSuccess +
+                  "\nIP Refresh needs to be done\n"
+                  "\nVENDOR SPECIFIC DATA LENGTH : 3\n"
+                  "\nVENDOR SPECIFIC DATA\n"
+                  "0x0a 0x0b 0xff \n" +
+                  pcClosing);
+}
+
+TEST_F(HandoverTest, WithoutVendorDataItsLengthIsInvalid) {
+    EXPECT_EQ(Report(HandOverResponse, Succeeded("00", "0:4")),
+              std::string(pcBanner) + pcSuccess +
+                  "\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS 0\n" + pcClosing);
+}
+
+TEST_F(HandoverTest, TheLastValidLengthOfVendorDataIs255) {
+    const std::string strReport = Report(HandOverResponse, Succeeded("00", "255:4 5a*255"));
+    EXPECT_NE(strReport.find("\nVENDOR SPECIFIC DATA LENGTH : 255\n"), std::string::npos);
+    EXPECT_EQ(strReport.size(), std::string(pcBanner).size() + std::string(pcSuccess).size() +
+                                    std::string("\nVENDOR SPECIFIC DATA LENGTH : 255\n").size() +
+                                    std::string("\nVENDOR SPECIFIC DATA\n").size() + 255 * 5 + 1 +
+                                    std::string(pcClosing).size());
+    EXPECT_EQ(Report(HandOverResponse, Succeeded("00", "256:4 5a*256")),
+              std::string(pcBanner) + pcSuccess +
+                  "\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS 256\n" + pcClosing);
+}
+
+TEST_F(HandoverTest, VendorDataEndsWithTheMessage) {
+    EXPECT_EQ(Report(HandOverResponse, Succeeded("00", "200:4 01 02")),
+              std::string(pcBanner) + pcSuccess +
+                  "\nVENDOR SPECIFIC DATA LENGTH : 200\n"
+                  "\nVENDOR SPECIFIC DATA\n"
+                  "0x01 0x02 \n" +
+                  pcClosing);
+    EXPECT_EQ(Report(HandOverResponse, Succeeded("00", "-1:4")),
+              std::string(pcBanner) + pcSuccess +
+                  "\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS -1\n" + pcClosing);
+}
+
+TEST_F(HandoverTest, AFailureSaysNothingElse) {
+    EXPECT_EQ(Report(HandOverResponse, "23/1 | 00 01 ff*36"),
+              std::string(pcBanner) + "\nHANDOFF FALIED!!\n" + pcClosing);
+    EXPECT_EQ(Report(HandOverResponse, "23/1"),
+              std::string(pcBanner) + "\nHANDOFF FALIED!!\n" + pcClosing);
+}
+
+TEST_F(HandoverTest, OtherMessagesAreRefused) {
+    EXPECT_EQ(Report(HandOverResponse, "23/2 | 01 00*40"), "\nUNKNOWN HANDOFF INDICATION TYPE!!");
+    EXPECT_EQ(PrintedBy([] { EXPECT_EQ(HandOverResponse(nullptr, 0), 0U); }),
+              "\nINVALID WIMAX MESSAGE!!");
+    EXPECT_EQ(FakeDevice::Deliver(Message("23/1 | 00*38")), 1U);
+    EXPECT_EQ(FakeDevice::Deliver(Message("23/0")), 0U);
+}
+
+TEST_F(HandoverTest, NetworkLayerControlMessagesHaveOneLine) {
+    EXPECT_EQ(Report(ProcessNetworkLayerControlMessage, "0/1"), "\nDHCP REFRESH MESSAGE\n");
+    EXPECT_EQ(Report(ProcessNetworkLayerControlMessage, "0/2"),
+              "\nMessage with unknown SUBTYPE received for TYPE_NETWORK_LAYER_CONTROL\n");
+    EXPECT_EQ(PrintedBy([] { ProcessNetworkLayerControlMessage(nullptr, 0); }),
+              "\nINVALID WIMAX MESSAGE!!\n");
+}
+
+} // namespace
