@@ -91,6 +91,10 @@ class Modem {
     // Called for every request that the modem accepts, before its handler.
     void OnAnyRequest(Notice pfnNotice) { m_apfnNotices.push_back(std::move(pfnNotice)); }
     void OnMemory(MemoryReader pfnRead, MemoryWriter pfnWrite);
+    // Says who knows the transport connections.
+    void OnTransportCIDs(std::function<std::vector<uint32_t>()> pfnCIDs) {
+        m_pfnTransportCIDs = std::move(pfnCIDs);
+    }
 
     // ---- For the subsystems: what they work with ----
 
@@ -105,12 +109,19 @@ class Modem {
     Traffic &UserTraffic() { return m_stTraffic; }
     Link &TheLink() { return *m_pstLink; }
     Options &TheOptions() { return *m_pstOptions; }
+    // The identifiers of the transport connections that there are now.
+    std::vector<uint32_t> TransportCIDs() const {
+        return m_pfnTransportCIDs ? m_pfnTransportCIDs() : std::vector<uint32_t>{};
+    }
 
     // Sends a message to the client, after the time that the modem takes for any
     // answer. Messages keep their order.
     void Tell(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload = {});
     // The same with a message that has its header already.
     void TellBytes(MessageBytes aucMessage);
+    // The firmware stands still until the next restart: only chipset control is heard
+    // and answered.
+    void Halt() { m_bHalted = true; }
     // Takes all subsystems back to their state at start.
     void Restart();
     // The driver goes: no request and no message gets through any more.
@@ -140,6 +151,7 @@ class Modem {
     uint32_t m_u32FailedOpens;
     ModemTime m_iAnswerDelay;
     bool m_bUnloaded = false;
+    bool m_bHalted = false;
     Scheduler m_stScheduler;
     Radio m_stRadio;
     Traffic m_stTraffic;
@@ -149,6 +161,7 @@ class Modem {
     std::vector<Notice> m_apfnNotices;
     MemoryReader m_pfnReadMemory;
     MemoryWriter m_pfnWriteMemory;
+    std::function<std::vector<uint32_t>()> m_pfnTransportCIDs;
     std::deque<MessageBytes> m_astOutbox;
     std::unique_ptr<Options> m_pstOptions;
     std::unique_ptr<Link> m_pstLink;
