@@ -2,6 +2,7 @@
 // when the link comes up. The base station admits what fits into its capacity.
 #include <algorithm>
 #include <deque>
+#include <iterator>
 #include <span>
 #include <vector>
 
@@ -303,6 +304,12 @@ ServiceFlows::ServiceFlows(Modem &stModem) : m_stModem(stModem), m_stProvisionin
         };
     });
     stModem.TheMIBs().Provide(MIBAttribute::ActiveSFIDs, [this] { return ActiveSFIDs(); });
+    stModem.OnTransportCIDs([this] {
+        std::vector<uint32_t> au32CIDs;
+        std::transform(m_astFlows.begin(), m_astFlows.end(), std::back_inserter(au32CIDs),
+                       [](const Flow &stFlow) { return stFlow.u32CID; });
+        return au32CIDs;
+    });
     stModem.TheLink().Observe([this](const LinkChange &stChange) { OnLinkChange(stChange); });
 }
 
