@@ -17,8 +17,8 @@ const std::string strLinkUp = std::string(pcFourStations) + pcLinkUp;
 
 std::string Word(uint32_t u32Value) {
     char acText[32];
-    std::snprintf(acText, sizeof acText, "%02X %02X %02X %02X", u32Value & 0xFF,
-                  u32Value >> 8 & 0xFF, u32Value >> 16 & 0xFF, u32Value >> 24);
+    (void)std::snprintf(acText, sizeof acText, "%02X %02X %02X %02X", u32Value & 0xFF,
+                        u32Value >> 8 & 0xFF, u32Value >> 16 & 0xFF, u32Value >> 24);
     return acText;
 }
 
@@ -60,7 +60,7 @@ int StatusOf(ModemBench *pstBench, uint32_t u32SubType, const std::string &strRe
 }
 
 std::string TemporaryFile(const char *pcName) {
-    const std::string strFile =
+    std::string strFile =
         (std::filesystem::temp_directory_path() / (pcName + std::to_string(::getpid()))).string();
     std::filesystem::remove(strFile);
     return strFile;

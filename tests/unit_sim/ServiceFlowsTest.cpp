@@ -21,7 +21,7 @@ std::string Number(uint32_t u32Value, int iWidth) {
     std::string strHex;
     for (int i = 0; i < iWidth; ++i) {
         char acByte[8];
-        std::snprintf(acByte, sizeof acByte, " %02X", u32Value >> (8 * i) & 0xFF);
+        (void)std::snprintf(acByte, sizeof acByte, " %02X", u32Value >> (8 * i) & 0xFF);
         strHex += acByte;
     }
     return strHex;
