@@ -18,6 +18,9 @@ constexpr std::array apfnSubsystems{
     MakeSubsystem{MakeIndications},  MakeSubsystem{MakeMIBStatistics},
     MakeSubsystem{MakeServiceFlows}, MakeSubsystem{MakeSecurityParameters},
     MakeSubsystem{MakeOMADMTree},    MakeSubsystem{MakeAuthentication},
+    MakeSubsystem{MakeSleepMode},    MakeSubsystem{MakeHandovers},
+    MakeSubsystem{MakeAntennas},     MakeSubsystem{MakeStationInformation},
+    MakeSubsystem{MakeStatistics},   MakeSubsystem{MakeChipset},
 };
 
 // A client that never takes its messages loses the newest ones beyond this many.
@@ -123,6 +126,9 @@ int32_t Modem::Send(uint8_t *pucMessage, uint32_t u32Length) {
             m_stFaults.SendFailure(stRequest.u32Type, stRequest.u32SubType)) {
         return *iCode;
     }
+    if (m_bHalted && stRequest.u32Type != TYPE_CHIPSET) {
+        return 0; // taken over by the driver, and lost
+    }
     for (const Notice &pfnNotice : m_apfnNotices) {
         pfnNotice();
     }
@@ -147,6 +153,9 @@ int32_t Modem::WriteMemory(uint32_t u32Address, ByteView stFrom) {
 }
 
 void Modem::Tell(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload) {
+    if (m_bHalted && u32Type != TYPE_CHIPSET) {
+        return;
+    }
     MessageBytes aucMessage(MessageHeader::Size +
                             std::min(stPayload.u32Length, uint32_t{WIMAX_DATA_SIZE}));
     const ByteSpan stSpan{aucMessage.data(), static_cast<uint32_t>(aucMessage.size())};
@@ -180,6 +189,7 @@ bool Modem::TakeMessage(MessageBytes *paucMessage) {
 }
 
 void Modem::Restart() {
+    m_bHalted = false;
     m_stTraffic.Reset();
     m_pstOptions->Start();
     m_pstLink->Start();

@@ -102,6 +102,10 @@ class Modem {
     // Called for every request that the modem accepts, before its handler.
     void OnAnyRequest(Notice pfnNotice) { m_apfnNotices.push_back(std::move(pfnNotice)); }
     void OnMemory(MemoryReader pfnRead, MemoryWriter pfnWrite);
+    // Says who knows the transport connections.
+    void OnTransportCIDs(std::function<std::vector<uint32_t>()> pfnCIDs) {
+        m_pfnTransportCIDs = std::move(pfnCIDs);
+    }
 
     // ---- For the subsystems: what they work with ----
 
@@ -126,6 +130,10 @@ class Modem {
         ModemTime iProvisioning = 0; // of the service flows
     };
     EntryHistory &History() { return m_stHistory; }
+    // The identifiers of the transport connections that there are now.
+    std::vector<uint32_t> TransportCIDs() const {
+        return m_pfnTransportCIDs ? m_pfnTransportCIDs() : std::vector<uint32_t>{};
+    }
 
     // For a request's handler: the send returns when the client has had the answer.
     void HoldSender() { m_bHoldsSender = true; }
@@ -134,6 +142,9 @@ class Modem {
     void Tell(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload = {});
     // The same with a message that has its header already.
     void TellBytes(MessageBytes aucMessage);
+    // The firmware stands still until the next restart: only chipset control is heard
+    // and answered.
+    void Halt() { m_bHalted = true; }
     // Takes all subsystems back to their state at start.
     void Restart();
     // The driver goes: no request and no message gets through any more.
@@ -166,6 +177,7 @@ class Modem {
     bool m_bHoldsSender = false;
     uint32_t m_u32Untold = 0; // messages within the answer delay
     EntryHistory m_stHistory;
+    bool m_bHalted = false;
     Scheduler m_stScheduler;
     StateFile m_stStateFile;
     Radio m_stRadio;
@@ -176,6 +188,7 @@ class Modem {
     std::vector<Notice> m_apfnNotices;
     MemoryReader m_pfnReadMemory;
     MemoryWriter m_pfnWriteMemory;
+    std::function<std::vector<uint32_t>()> m_pfnTransportCIDs;
     std::deque<MessageBytes> m_astOutbox;
     std::unique_ptr<Options> m_pstOptions;
     std::unique_ptr<Link> m_pstLink;
