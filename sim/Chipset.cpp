@@ -39,6 +39,10 @@ std::string TextIn(ByteView stBytes) {
     return strText;
 }
 
+ByteView PathIn(ByteView stRequest) {
+    return stRequest.From(DownloadRequest::Path, DownloadRequest::PathSize);
+}
+
 // Nothing for a file that is not there or cannot be read.
 std::optional<uint64_t> SizeOf(const std::string &strPath) {
     std::error_code stError;
@@ -66,7 +70,7 @@ class Chipset : public Subsystem {
     void FinishTransfer(uint32_t u32Result);
     void Boot();
     uint32_t State() const;
-    void TellDownload(uint32_t u32Result) const;
+    void TellDownload(uint32_t u32Result, ByteView stRequest) const;
 
     Modem &m_stModem;
     ModemTime m_iResetTime;
@@ -83,8 +87,7 @@ class Chipset : public Subsystem {
 
     bool m_bConfigured = false; // the firmware may come
     bool m_bCrashed = false;
-    uint32_t m_u32FileType = 0; // of the download under way
-    Record<DownloadRequest::PathSize> m_stPath;
+    Record<DownloadRequest::Size> m_stRequest; // of the download under way
     uint32_t m_u32RetriesLeft = 0;
     Timer m_stStep; // transfer, or the pause before the next one
     Timer m_stBoot;
@@ -148,32 +151,33 @@ void Chipset::Boot() {
 }
 
 int32_t Chipset::Download(ByteView stRequest) {
-    m_stStep.Stop();
-    m_u32FileType = Get(stRequest, DownloadRequest::FileType);
-    PutBytes(m_stPath.Span(), 0, stRequest.From(DownloadRequest::Path, DownloadRequest::PathSize));
-    const bool bConfiguration = m_u32FileType == DownloadFile::Configuration;
-    if (!bConfiguration && m_u32FileType != DownloadFile::Firmware) {
-        TellDownload(UnknownFile);
+    const uint32_t u32FileType = Get(stRequest, DownloadRequest::FileType);
+    const bool bConfiguration = u32FileType == DownloadFile::Configuration;
+    if (!bConfiguration && u32FileType != DownloadFile::Firmware) {
+        TellDownload(UnknownFile, stRequest);
     } else if (!bConfiguration && !m_bConfigured) {
-        TellDownload(OutOfOrder);
+        TellDownload(OutOfOrder, stRequest);
     } else {
         m_bConfigured = false;
         m_u32RetriesLeft = m_u32Retries;
+        PutBytes(m_stRequest.Span(), 0, stRequest);
         Transfer();
     }
     return 0;
 }
 
 void Chipset::Transfer() {
-    uint64_t u64Size = m_au32Sizes[m_u32FileType];
+    const uint32_t u32FileType = Get(m_stRequest.View(), DownloadRequest::FileType);
+    uint64_t u64Size = m_au32Sizes[u32FileType];
     uint32_t u32Result = Downloaded;
     if (m_bRequireFiles) {
-        const std::optional<uint64_t> u64OnHost = SizeOf(m_strHostRoot + TextIn(m_stPath.View()));
+        const std::optional<uint64_t> u64OnHost =
+            SizeOf(m_strHostRoot + TextIn(PathIn(m_stRequest.View())));
         u64Size = u64OnHost.value_or(0);
         u32Result = u64OnHost ? u32Result : NoSuchFile;
     }
-    if (u32Result == Downloaded && m_au32Failures[m_u32FileType] != 0) {
-        --m_au32Failures[m_u32FileType];
+    if (u32Result == Downloaded && m_au32Failures[u32FileType] != 0) {
+        --m_au32Failures[u32FileType];
         u32Result = m_u32FailureCode;
     }
     const double fTime =
@@ -183,8 +187,9 @@ void Chipset::Transfer() {
 
 // What has failed is tried again, without being asked to.
 void Chipset::FinishTransfer(uint32_t u32Result) {
-    const bool bConfiguration = m_u32FileType == DownloadFile::Configuration;
-    TellDownload(u32Result);
+    const bool bConfiguration =
+        Get(m_stRequest.View(), DownloadRequest::FileType) == DownloadFile::Configuration;
+    TellDownload(u32Result, m_stRequest.View());
     if (u32Result != Downloaded) {
         if (m_u32RetriesLeft != 0) {
             --m_u32RetriesLeft;
@@ -197,11 +202,11 @@ void Chipset::FinishTransfer(uint32_t u32Result) {
     }
 }
 
-void Chipset::TellDownload(uint32_t u32Result) const {
+void Chipset::TellDownload(uint32_t u32Result, ByteView stRequest) const {
     Record<DownloadStatus::Path + DownloadRequest::PathSize> stStatus;
     Put(stStatus.Span(), DownloadStatus::Status, u32Result);
-    Put(stStatus.Span(), DownloadStatus::FileType, m_u32FileType);
-    PutBytes(stStatus.Span(), DownloadStatus::Path, m_stPath.View());
+    Put(stStatus.Span(), DownloadStatus::FileType, Get(stRequest, DownloadRequest::FileType));
+    PutBytes(stStatus.Span(), DownloadStatus::Path, PathIn(stRequest));
     m_stModem.Tell(TYPE_CHIPSET, SUBTYPE_FIRMWARE_DOWNLOAD, stStatus.View());
 }
 

@@ -125,12 +125,14 @@ Station *Handovers::Better() const {
     Station *pstBetter = nullptr;
     for (Station &stStation : stAir.Stations()) {
         const auto pstBarred = m_aiBarredUntil.find(&stStation);
-        const bool bPossible = &stStation != pstServing &&
-                               stStation.NAPID() == pstServing->NAPID() &&
-                               stAir.Receivable(stStation, iNow) &&
-                               (pstBarred == m_aiBarredUntil.end() || iNow >= pstBarred->second);
+        const bool bBarred = pstBarred != m_aiBarredUntil.end() && iNow < pstBarred->second;
+        const bool bNeighbour =
+            &stStation != pstServing && stStation.NAPID() == pstServing->NAPID();
+        if (bBarred || !bNeighbour || !stAir.Receivable(stStation, iNow)) {
+            continue;
+        }
         const double fRSSI = stAir.Measure(stStation, iNow).fRSSI;
-        if (bPossible && fRSSI > fLeast) {
+        if (fRSSI > fLeast) {
             fLeast = fRSSI;
             pstBetter = &stStation;
         }
