@@ -65,6 +65,8 @@ class Chipset : public Subsystem {
     int32_t Reset();
     int32_t Download(ByteView stRequest);
     int32_t TellState(ByteSpan stReply) const;
+    // Where a file is looked for.
+    std::string OnHost(const std::string &strPath) const;
     // Transfers the file, from its beginning.
     void Transfer();
     void FinishTransfer(uint32_t u32Result);
@@ -78,7 +80,7 @@ class Chipset : public Subsystem {
     ModemTime m_iRetryAfter;
     uint32_t m_u32Retries;
     bool m_bRequireFiles;
-    std::string m_strHostRoot;
+    std::string m_strHostDirectory; // empty: files are where their paths say
     uint32_t m_u32FailureCode;
     std::array<uint32_t, astFiles.size()> m_au32Sizes{};
     // So many transfers still fail, as the scenario has it. A reset changes nothing in
@@ -102,7 +104,7 @@ Chipset::Chipset(Modem &stModem)
     m_iRetryAfter = stDownload.Seconds("retry-after", 0.001, 1e6, 2);
     m_u32Retries = static_cast<uint32_t>(stDownload.Integer("retries", 0, UINT32_MAX, 3));
     m_bRequireFiles = stDownload.Flag("require-files", false);
-    m_strHostRoot = stDownload.Text("host-root", "");
+    m_strHostDirectory = stDownload.Text("host-directory", "");
     m_u32FailureCode = static_cast<uint32_t>(stDownload.Integer("failure-code", 1, UINT32_MAX, 5));
     for (const FileRow &stFile : astFiles) {
         const std::string strName = stFile.pcName;
@@ -166,13 +168,19 @@ int32_t Chipset::Download(ByteView stRequest) {
     return 0;
 }
 
+std::string Chipset::OnHost(const std::string &strPath) const {
+    return m_strHostDirectory.empty()
+               ? strPath
+               : m_strHostDirectory + "/" + strPath.substr(strPath.rfind('/') + 1);
+}
+
 void Chipset::Transfer() {
     const uint32_t u32FileType = Get(m_stRequest.View(), DownloadRequest::FileType);
     uint64_t u64Size = m_au32Sizes[u32FileType];
     uint32_t u32Result = Downloaded;
     if (m_bRequireFiles) {
         const std::optional<uint64_t> u64OnHost =
-            SizeOf(m_strHostRoot + TextIn(PathIn(m_stRequest.View())));
+            SizeOf(OnHost(TextIn(PathIn(m_stRequest.View()))));
         u64Size = u64OnHost.value_or(0);
         u32Result = u64OnHost ? u32Result : NoSuchFile;
     }

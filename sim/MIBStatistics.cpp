@@ -15,7 +15,6 @@ namespace {
 using Bytes = MIBStore::Bytes;
 using CounterGroup = std::array<uint32_t, MIBCounterGroup::Count>;
 
-constexpr ModemTime i64Frame = 5000;
 constexpr ModemTime i64Sampling = i64Second;
 
 // ---- Which modulation and coding scheme carries the traffic, by CINR ----
@@ -216,6 +215,7 @@ MIBStatistics::MIBStatistics(Modem &stModem)
         });
     }
     m_stLink.Observe([this](const LinkChange &stChange) { OnLinkChange(stChange); });
+    m_stLink.OnMove([this] { NoteUsed(*m_stLink.Serving()); });
 }
 
 void MIBStatistics::Start() {

@@ -347,7 +347,7 @@ TEST(Download, TheFirmwareNeedsAGoodConfigurationBeforeIt) {
     EXPECT_EQ(stBench.Send(16, 2, strConfiguration), 0);
     stBench.RunUntil(2);
     EXPECT_EQ(stBench.Send(16, 2, strFirmware), 0);
-    stBench.RunUntil(4);
+    stBench.RunUntil(10);
     EXPECT_EQ(stBench.Send(16, 2, strFirmware), 0);
     EXPECT_EQ(stBench.Messages(), Told({Status("00", strConfiguration), Status("00", strFirmware),
                                         "16/1:", Status("01", strFirmware)}));
@@ -396,7 +396,8 @@ class DownloadFromTheHost : public testing::Test {
     }
     void Write(size_t uSize) const { std::ofstream(m_strRoot + "/c") << std::string(uSize, 'x'); }
     std::string Scenario() const {
-        return "[download]\nrequire-files = true\nrate = 100\nhost-root = \"" + m_strRoot + "\"\n";
+        return "[download]\nrequire-files = true\nrate = 100\nhost-directory = \"" + m_strRoot +
+               "\"\n";
     }
     std::string m_strRoot;
 };

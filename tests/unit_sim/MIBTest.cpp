@@ -437,7 +437,9 @@ TEST(MIB, ZoneCountersGrowWithTheTraffic) {
 }
 
 TEST(MIB, ASignalThatFadesMovesTheTrafficToAnotherScheme) {
-    ModemBench stBench(strLinkUp + "[traffic]\ndownlink-rate = 60000\n[[event]]\nkind = \"fade\"\n"
+    // Without a handover to the station that is better then.
+    ModemBench stBench(strLinkUp + "[handover]\nhysteresis = 200\n"
+                                   "[traffic]\ndownlink-rate = 60000\n[[event]]\nkind = \"fade\"\n"
                                    "at = 2.5\nstation = \"00120A010203\"\nby = 25\n");
     stBench.RunUntil(4);
     const std::vector<uint8_t> aucBursts = ValueOf(&stBench, 1608);
