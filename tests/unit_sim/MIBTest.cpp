@@ -438,7 +438,8 @@ TEST(MIB, ZoneCountersGrowWithTheTraffic) {
 
 TEST(MIB, ASignalThatFadesMovesTheTrafficToAnotherScheme) {
     ModemBench stBench(strLinkUp + "[traffic]\ndownlink-rate = 60000\n[[event]]\nkind = \"fade\"\n"
-                                   "at = 2.5\nstation = \"00120A010203\"\nby = 25\n");
+                                   "at = 2.5\nstation = \"00120A010203\"\nby = 25\n"
+                                   "[handover]\nlook-period = 0\n");
     stBench.RunUntil(4);
     const std::vector<uint8_t> aucBursts = ValueOf(&stBench, 1608);
     EXPECT_EQ(At(aucBursts, 2 * 252 + 84 + 20 * 4), 200U);
