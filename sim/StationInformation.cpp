@@ -11,6 +11,15 @@
 namespace {
 
 constexpr uint32_t u32WordSize = 4;
+constexpr const char *pcStateSection = "station-information";
+constexpr const char *pcStateKey = "mac-address";
+
+// Status of a new MAC address.
+enum AddressStatus : uint32_t {
+    AddressSet = 0,
+    NoStationAddress = 1, // that of a group, or none
+    AddressNotKept = 2,   // the state file cannot be written
+};
 
 // A number of the scenario that stands in an answer as it is.
 struct NumberRow {
@@ -98,7 +107,8 @@ class StationInformation : public Subsystem {
 
   private:
     void ReadIdentity();
-    void TakeAddress(ByteView stAddress);
+    void Adopt(ByteView stAddress);
+    int32_t TellIdentity();
     int32_t SetMACAddress(ByteView stAddress);
 
     Modem &m_stModem;
@@ -119,7 +129,8 @@ StationInformation::StationInformation(Modem &stModem) : m_stModem(stModem) {
                        return 0;
                    });
     };
-    Answer(SUBTYPE_SS_INFO, m_stIdentity.View());
+    stModem.On(TYPE_SS_INFO, SUBTYPE_SS_INFO, Exactly(0),
+               [this](const Request &) { return TellIdentity(); });
     Answer(SUBTYPE_SS_EEPROM_INFO, m_stSummary.View());
     Answer(SUBTYPE_SS_EEPROM_DETAILED_INFO, m_stVersions.View());
     stModem.On(TYPE_MAC_ADDRESS, SUBTYPE_SET_MAC_ADDRESS, Exactly(MACAddressRecord::Size),
@@ -138,30 +149,46 @@ void StationInformation::ReadIdentity() {
     PutBytes(stTo, SSInformation::DriverVersion,
              {reinterpret_cast<const uint8_t *>(strDriver.data()),
               static_cast<uint32_t>(strDriver.size())});
-    std::vector<uint8_t> aucAddress = stSettings.Bytes("mac-address", MACAddressRecord::Size);
-    if (!stSettings.Has("mac-address")) {
-        aucAddress.assign(m_stModem.Address().begin(), m_stModem.Address().end());
+    if (stSettings.Has("mac-address")) {
+        const std::vector<uint8_t> aucAddress =
+            stSettings.Bytes("mac-address", MACAddressRecord::Size);
+        const ByteView stAddress{aucAddress.data(), static_cast<uint32_t>(aucAddress.size())};
+        if (stAddress.u32Length != MACAddressRecord::Size || !Unicast(stAddress)) {
+            stSettings.Refuse("mac-address", "must be six bytes, the address of a single station");
+        }
+        Adopt(stAddress);
     }
-    const ByteView stAddress{aucAddress.data(), static_cast<uint32_t>(aucAddress.size())};
-    if (stAddress.u32Length != MACAddressRecord::Size || !Unicast(stAddress)) {
-        stSettings.Refuse("mac-address", "must be six bytes, the address of a single station");
+    const StateFile::Values &astKept = m_stModem.TheStateFile().Kept(pcStateSection);
+    const auto pstKept = astKept.find(pcStateKey);
+    if (pstKept != astKept.end() && pstKept->second.size() == MACAddressRecord::Size) {
+        Adopt({pstKept->second.data(), MACAddressRecord::Size});
     }
-    TakeAddress(stAddress);
 }
 
-void StationInformation::TakeAddress(ByteView stAddress) {
-    PutBytes(m_stIdentity.Span(), SSInformation::MACAddress.u16Offset, stAddress);
+void StationInformation::Adopt(ByteView stAddress) {
     std::copy_n(stAddress.pucData, MACAddressRecord::Size, m_stModem.Address().begin());
 }
 
+int32_t StationInformation::TellIdentity() {
+    PutBytes(m_stIdentity.Span(), SSInformation::MACAddress.u16Offset,
+             {m_stModem.Address().data(), MACAddressRecord::Size});
+    m_stModem.Tell(TYPE_SS_INFO, SUBTYPE_SS_INFO, m_stIdentity.View());
+    return 0;
+}
+
 int32_t StationInformation::SetMACAddress(ByteView stAddress) {
-    constexpr uint32_t u32NoStationAddress = 1;
-    const bool bGood = Unicast(stAddress);
-    if (bGood) {
-        TakeAddress(stAddress);
+    uint32_t u32Status = Unicast(stAddress) ? AddressSet : NoStationAddress;
+    if (u32Status == AddressSet) {
+        const std::vector<uint8_t> aucAddress(stAddress.pucData,
+                                              stAddress.pucData + MACAddressRecord::Size);
+        if (m_stModem.TheStateFile().Keep(pcStateSection, pcStateKey, aucAddress)) {
+            Adopt(stAddress);
+        } else {
+            u32Status = AddressNotKept;
+        }
     }
     Record<StatusWord::Size> stAnswer;
-    Put(stAnswer.Span(), StatusWord::Value, bGood ? 0 : u32NoStationAddress);
+    Put(stAnswer.Span(), StatusWord::Value, u32Status);
     m_stModem.Tell(TYPE_MAC_ADDRESS, SUBTYPE_SET_MAC_ADDRESS, stAnswer.View());
     return 0;
 }
