@@ -21,9 +21,6 @@ constexpr std::array apfnSubsystems{
     MakeSubsystem{MakeAntennas},     MakeSubsystem{MakeStationInformation},
     MakeSubsystem{MakeStatistics},   MakeSubsystem{MakeChipset},
     MakeSubsystem{MakeOMADMTree},    MakeSubsystem{MakeAuthentication},
-    MakeSubsystem{MakeSleepMode},    MakeSubsystem{MakeHandovers},
-    MakeSubsystem{MakeAntennas},     MakeSubsystem{MakeStationInformation},
-    MakeSubsystem{MakeStatistics},   MakeSubsystem{MakeChipset},
 };
 
 // A client that never takes its messages loses the newest ones beyond this many.
