@@ -303,13 +303,6 @@ ServiceFlows::ServiceFlows(Modem &stModem) : m_stModem(stModem), m_stProvisionin
             }
         };
     });
-    stModem.OnTransportCIDs([this] {
-        std::vector<uint32_t> au32CIDs;
-        for (const Flow &stFlow : m_astFlows) {
-            au32CIDs.push_back(stFlow.u32CID);
-        }
-        return au32CIDs;
-    });
     stModem.TheMIBs().Provide(MIBAttribute::ActiveSFIDs, [this] { return ActiveSFIDs(); });
     stModem.OnTransportCIDs([this] {
         std::vector<uint32_t> au32CIDs;
