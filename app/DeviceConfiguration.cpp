@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "Console.h"
+#include "DeviceRecords.h"
 #include "Input.h"
 #include "LinkRecords.h"
 #include "Menu.h"
@@ -78,7 +79,7 @@ uint32_t DeviceConfigResp(const WiMAXMessage *pstMessage, uint32_t u32Length) {
     case SUBTYPE_CINR_RSSI_THRESHOLD:
         return static_cast<uint8_t>(SetCinrRssiForNetworkSearchResponse(pstMessage, u32Length));
     case SUBTYPE_IP_FILTER_STATUS_IND: {
-        const uint32_t u32Status = Get(stReceived.stPayload, StatusWord::Value);
+        const uint32_t u32Status = Get(stReceived.stPayload, IPFilterStatus::Status);
         PutNumber(NameOf(astIPFilterTexts, u32Status, "\nIP Filtering Status received as %d"),
                   u32Status);
         return 1;

@@ -7,8 +7,12 @@
 
 // Type 13, subtype 6, indication.
 namespace IPFilterStatus {
-inline constexpr Field Status{0, FieldType::U32}; // 1 = success, 4 = not supported
+inline constexpr Field Status{0, FieldType::U32};
 inline constexpr uint32_t Size = 4;
+
+inline constexpr uint32_t Invalid = 0;
+inline constexpr uint32_t Success = 1;
+inline constexpr uint32_t NotSupported = 4;
 } // namespace IPFilterStatus
 
 #endif

@@ -1,5 +1,5 @@
-// Payloads of station information, statistics, chipset control and device
-// configuration. Offsets in bytes from the start of the payload.
+// Payloads of station information, statistics, chipset control and the MAC
+// address. Offsets in bytes from the start of the payload.
 #ifndef STATION_RECORDS_H
 #define STATION_RECORDS_H
 
@@ -124,12 +124,5 @@ namespace MACAddressRecord {
 inline constexpr Field Octets{0, FieldType::U8};
 inline constexpr uint32_t Size = 6;
 } // namespace MACAddressRecord
-
-// Type 13, subtype 6, indication: one word.
-namespace IPFilterStatus {
-inline constexpr uint32_t Invalid = 0;
-inline constexpr uint32_t Success = 1;
-inline constexpr uint32_t NotSupported = 4;
-} // namespace IPFilterStatus
 
 #endif
