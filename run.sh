@@ -51,7 +51,7 @@ build() {
 }
 
 if [ ! -f build/release/build.ninja ]; then
-    build cmake --preset release -DWIMAX_TESTS=OFF
+    build cmake --preset release -DWIMAX_TESTS=OFF -DWIMAX_BENCH=OFF
 fi
 build cmake --build build/release --target TarvelWiMAXApp qor020
 

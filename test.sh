@@ -67,6 +67,9 @@ test_preset release
 test_preset asan-ubsan
 test_preset tsan
 
+headline "benchmarks (figures only)"
+(cd build/release && ./bench_start && ./bench_reports)
+
 headline "format"
 check cmake --build build/release --target check-format
 

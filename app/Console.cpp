@@ -175,13 +175,6 @@ void WriteWhole(std::string_view strText) {
 
 } // namespace
 
-std::string &PendingOutput() {
-    thread_local std::string strPending;
-    return strPending;
-}
-
-void PutText(std::string_view strText) { PendingOutput() += strText; }
-
 void PutLine(std::string_view strText) {
     std::string &strPending = PendingOutput();
     strPending += strText;

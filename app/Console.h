@@ -13,15 +13,19 @@ struct ClientEnd {
     int iExitStatus;
 };
 
+// What this thread has put and not yet flushed. Printers may append to it.
+inline std::string &PendingOutput() {
+    thread_local std::string strPending;
+    return strPending;
+}
+
 // Text is collected per thread and reaches the output as one piece with
 // FlushOutput; a piece is never interrupted by the other thread's.
-void PutText(std::string_view strText);
+inline void PutText(std::string_view strText) { PendingOutput() += strText; }
 // The text and a line end, as puts does.
 void PutLine(std::string_view strText);
 [[gnu::format(printf, 1, 2)]] void PutFormat(const char *pcFormat, ...);
 void FlushOutput();
-// What this thread has put and not yet flushed. Printers may append to it.
-std::string &PendingOutput();
 
 // Makes the console ready: standard descriptors open, signals caught. Call it
 // first, before the device library can start threads. Called again when no

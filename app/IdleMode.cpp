@@ -138,7 +138,8 @@ uint32_t IdleModeWakeupResponse(const WiMAXMessage *pstMessage, uint32_t u32Leng
     }
     const bool bSuccess = Get(View(pstMessage, u32Length).stPayload, StatusWord::Value) != 0;
     PutLine("\n~~~~~~~~~~ IDLE MODE WAKEUP RESPONSE ~~~~~~~~~~\n");
-    PutFormat("IDLE MODE WAKEUP RESPONSE RECEIVED AS %s\n", bSuccess ? "SUCCESS" : "FAILURE");
+    PutText("IDLE MODE WAKEUP RESPONSE RECEIVED AS ");
+    PutLine(bSuccess ? "SUCCESS" : "FAILURE");
     PutLine(pcWakeUpClosing);
     return 0;
 }

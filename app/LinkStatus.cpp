@@ -199,7 +199,8 @@ void PutDiscoveryResponse(ByteView stPayload) {
     const uint32_t u32Entries = std::min(
         RecordsPresent(stPayload, NSPs, NSPEntry::Size, GetSigned(stPayload, NumNSPs)), MaxNSPs);
     for (uint32_t i = 0; i < u32Entries; ++i) {
-        PutFormat("\nNSPLIST Entry %u of total %d", i + 1, GetSigned(stPayload, NumNSPs));
+        const uint32_t au32Entry[] = {i + 1, Get(stPayload, NumNSPs)};
+        PutNumbers("\nNSPLIST Entry %u of total %d", au32Entry);
         PutNSPEntry(stPayload.From(NSPs + i * NSPEntry::Size, NSPEntry::Size));
     }
     // What was not received counts as zero, as it was printed.

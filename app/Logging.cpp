@@ -98,7 +98,9 @@ constexpr ReportRow astPowerRows[] = {
 
 void PutPowerEntry(ByteView stEntry) {
     const auto fQuarters = static_cast<float>(GetSigned(stEntry, PowerLogEntry::Adjustment));
-    PutFormat("\nPOWER ADJUSTMENT : %f dBm", static_cast<double>(fQuarters) / 4.0);
+    PutText("\nPOWER ADJUSTMENT : ");
+    PutReal(static_cast<double>(fQuarters) / 4.0);
+    PutText(" dBm");
     PutRows(stEntry, astPowerRows);
 }
 

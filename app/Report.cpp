@@ -1,7 +1,8 @@
 #include "Report.h"
 
-#include <cstdio>
+#include <charconv>
 #include <cstring>
+#include <iterator>
 #include <string>
 
 #include "Console.h"
@@ -41,31 +42,30 @@ uint32_t WholePart(const Number &stNumber) {
     return stNumber.u32Value / stNumber.u32Divisor;
 }
 
-void AppendReal(std::string &strOutput, const Number &stNumber) {
+double RealOf(const Number &stNumber) {
     const double dValue = stNumber.bSigned ? static_cast<int32_t>(stNumber.u32Value)
                                            : static_cast<double>(stNumber.u32Value);
-    char acReal[32]; // ten digits, a sign, a point and six decimals at most
-    const int iLength = snprintf(acReal, sizeof acReal, "%f", dValue / stNumber.u32Divisor);
-    strOutput.append(acReal, static_cast<size_t>(iLength));
+    return dValue / stNumber.u32Divisor;
 }
 
 void AppendConverted(std::string &strOutput, const Conversion &stConversion,
                      const Number &stNumber) {
     if (stConversion.cKind == 'f') {
-        AppendReal(strOutput, stNumber);
+        PutReal(RealOf(stNumber));
         return;
     }
     const uint32_t u32Value = WholePart(stNumber);
     const char *pcDigits = stConversion.cKind == 'X' ? "0123456789ABCDEF" : "0123456789abcdef";
-    const uint32_t u32Base = stConversion.cKind == 'x' || stConversion.cKind == 'X' ? 16 : 10;
+    const bool bHexadecimal = stConversion.cKind == 'x' || stConversion.cKind == 'X';
     const bool bNegative = stConversion.cKind == 'd' && static_cast<int32_t>(u32Value) < 0;
     uint32_t u32Rest = bNegative ? 0 - u32Value : u32Value;
-    char acDigits[10];
-    uint32_t u32Count = 0;
+    char acDigits[10]; // filled from its end
+    char *pcFirst = std::end(acDigits);
     do {
-        acDigits[u32Count++] = pcDigits[u32Rest % u32Base];
-        u32Rest /= u32Base;
+        *--pcFirst = pcDigits[bHexadecimal ? u32Rest % 16 : u32Rest % 10];
+        u32Rest = bHexadecimal ? u32Rest / 16 : u32Rest / 10;
     } while (u32Rest != 0);
+    const auto u32Count = static_cast<uint32_t>(std::end(acDigits) - pcFirst);
     const uint32_t u32Used = u32Count + (bNegative ? 1 : 0);
     const uint32_t u32Fill = stConversion.u32Width > u32Used ? stConversion.u32Width - u32Used : 0;
     if (!stConversion.bZeroFilled) {
@@ -77,9 +77,7 @@ void AppendConverted(std::string &strOutput, const Conversion &stConversion,
     if (stConversion.bZeroFilled) {
         strOutput.append(u32Fill, '0');
     }
-    while (u32Count > 0) {
-        strOutput += acDigits[--u32Count];
-    }
+    strOutput.append(pcFirst, u32Count);
 }
 
 // Appends the text, taking the number of each conversion from NextNumber().
@@ -132,6 +130,13 @@ void PutNumbers(const char *pcText, std::span<const uint32_t> au32Values) {
                  [&] { return Number{uNext < au32Values.size() ? au32Values[uNext++] : 0}; });
 }
 
+void PutReal(double dValue) {
+    char acReal[32]; // ten digits, a sign, a point and six decimals at most
+    const std::to_chars_result stEnd =
+        std::to_chars(acReal, std::end(acReal), dValue, std::chars_format::fixed, 6);
+    PendingOutput().append(acReal, stEnd.ptr);
+}
+
 void PutElements(const char *pcText, ByteView stView, Field stFirst, uint32_t u32Count) {
     const uint32_t u32Width = WidthOf(stFirst.eType);
     const uint32_t u32Received = stView.From(stFirst.u16Offset).u32Length;
@@ -141,9 +146,8 @@ void PutElements(const char *pcText, ByteView stView, Field stFirst, uint32_t u3
 }
 
 void PutString(ByteView stBytes) {
-    for (uint32_t i = 0; stBytes.At(i) != '\0'; ++i) {
-        PendingOutput() += static_cast<char>(stBytes.At(i));
-    }
+    const auto *pcText = reinterpret_cast<const char *>(stBytes.pucData);
+    PendingOutput().append(pcText, stBytes.u32Length != 0 ? strnlen(pcText, stBytes.u32Length) : 0);
 }
 
 bool PutVendorData(const char *pcHeading, ByteView stView, Field stLength, uint32_t u32Offset) {
@@ -159,9 +163,7 @@ bool PutVendorData(const char *pcHeading, ByteView stView, Field stLength, uint3
 
 void PutClosingLine(const char *pcBanner) {
     const char *pcFirst = pcBanner + std::strspn(pcBanner, "\n");
-    PutText("\n\n");
-    PendingOutput().append(std::strlen(pcFirst), *pcFirst);
-    PutText("\n");
+    PendingOutput().append("\n\n").append(std::strlen(pcFirst), *pcFirst) += '\n';
 }
 
 const char *NameOf(std::span<const CodeName> astNames, uint32_t u32Code, const char *pcOther) {

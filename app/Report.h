@@ -26,6 +26,9 @@ void PutRows(ByteView stView, std::span<const ReportRow> astRows, uint32_t u32Ba
 // A row with numbers that are no fields. Further conversions print 0.
 void PutNumber(const char *pcText, uint32_t u32Value);
 void PutNumbers(const char *pcText, std::span<const uint32_t> au32Values);
+// A number with six decimals, as %f prints it: no more than ten digits before
+// the point.
+void PutReal(double dValue);
 // Every element of an array by the same text: u32Count of them from stFirst on,
 // as far as they were received.
 void PutElements(const char *pcText, ByteView stView, Field stFirst, uint32_t u32Count);

@@ -16,7 +16,8 @@ void AddSFID(uint32_t u32SFID) {
 void RemoveSFID(uint32_t u32SFID) {
     for (uint32_t i = 0; i + 1 < u32SFIDSlots; ++i) { // the last slot is never emptied
         uint32_t u32Held = u32SFID;
-        if (SFID_VALIDITY_TABLE[i].compare_exchange_strong(u32Held, 0)) {
+        if (SFID_VALIDITY_TABLE[i] == u32SFID &&
+            SFID_VALIDITY_TABLE[i].compare_exchange_strong(u32Held, 0)) {
             return;
         }
     }

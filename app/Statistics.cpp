@@ -93,7 +93,8 @@ void PutStatistics(ByteView stPayload) {
     const uint32_t u32Received = Get(stPayload, FramesReceived);
     if (u32Received != 0) {
         const float fRate = FrameErrorRate(Get(stPayload, FramesInError), u32Received);
-        PutFormat("\n\nFrame Error Rate\t: %f", static_cast<double>(fRate));
+        PutText("\n\nFrame Error Rate\t: ");
+        PutReal(static_cast<double>(fRate));
     }
     PutRowsTwice(stPayload, astRadioRows);
     PutRows(stPayload, astConnectionRows);

@@ -30,9 +30,12 @@ enum Option : uint32_t {
     PagingCycle = 5
 };
 
-constexpr const char *apcOptionNames[WiMAXOptions::Count] = {
-    "Bit Mapped payload", "MIB EEPROM Writes on/off", "Not used", "MCS/HARQ MIB Writes on/off",
-    "EAP Security level", "Idle mode paging value",   "Not used", "Not used",
+// An option's line up to its status, which stands in a column.
+constexpr const char *apcOptionTexts[WiMAXOptions::Count] = {
+    "\n bit[0] Bit Mapped payload        Status: ", "\n bit[1] MIB EEPROM Writes on/off  Status: ",
+    "\n bit[2] Not used                  Status: ", "\n bit[3] MCS/HARQ MIB Writes on/off Status: ",
+    "\n bit[4] EAP Security level        Status: ", "\n bit[5] Idle mode paging value    Status: ",
+    "\n bit[6] Not used                  Status: ", "\n bit[7] Not used                  Status: ",
 };
 
 constexpr const char *pcBitmapLine = "\n1. Setting Bit(0) to set/reset payload bitmap for Bit(0).";
@@ -233,9 +236,9 @@ uint32_t PutAllOptions(ByteView stPayload, const char *pcBanner, const char *pcH
     PutNumbers("\n Received for wimax option specifier : [%d(%x)]", au32Specifier);
     PutLine(pcHeading);
     for (uint32_t i = 0; i < Count; ++i) {
-        PutFormat("\n bit[%u] %-25s Status: %s  Payload: %d", i, apcOptionNames[i],
-                  (u32Specifier >> i & 1) != 0 ? "SET" : "RESET",
-                  GetSigned(stPayload, Values, i * WidthOf(Values.eType)));
+        PutText(apcOptionTexts[i]);
+        PutText((u32Specifier >> i & 1) != 0 ? "SET" : "RESET");
+        PutNumber("  Payload: %d", Get(stPayload, Values, i * WidthOf(Values.eType)));
     }
     PutText("\n");
     return 1;

@@ -15,6 +15,9 @@
 #include "StationRecords.h"
 #include "VendorRecords.h"
 
+// The formats come from tables, so the compiler cannot look at them.
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+
 namespace {
 
 struct Value {
@@ -732,28 +735,30 @@ void AddAntennas(std::vector<BenchMessage> &astMessages) {
 
 void AddOptions(std::vector<BenchMessage> &astMessages) {
     using namespace WiMAXOptions;
-    constexpr const char *apcOptions[Count] = {
-        "\n bit[0] Bit Mapped payload        Status: SET  Payload: %d",
-        "\n bit[1] MIB EEPROM Writes on/off  Status: SET  Payload: %d",
-        "\n bit[2] Not used                  Status: RESET  Payload: %d",
-        "\n bit[3] MCS/HARQ MIB Writes on/offStatus: SET  Payload: %d",
-        "\n bit[4] EAP Security level        Status: SET  Payload: %d",
-        "\n bit[5] Idle mode paging value    Status: SET  Payload: %d",
-        "\n bit[6] Not used                  Status: RESET  Payload: %d",
-        "\n bit[7] Not used                  Status: RESET  Payload: %d",
+    constexpr uint32_t u32Specifier = 0x3B;
+    const auto PutOption = [](FILE *pstFile, const char *pcFormat, ByteView stRecord,
+                              uint32_t u32Index) {
+        constexpr const char *apcNames[Count] = {
+            "Bit Mapped payload", "MIB EEPROM Writes on/off",
+            "Not used",           "MCS/HARQ MIB Writes on/off",
+            "EAP Security level", "Idle mode paging value",
+            "Not used",           "Not used",
+        };
+        fprintf(pstFile, pcFormat, u32Index, apcNames[u32Index],
+                (u32Specifier >> u32Index & 1) != 0 ? "SET" : "RESET",
+                Get(stRecord, {0, FieldType::U32}));
     };
-    std::vector<PlainRow> astRows{
-        {"\n~~~~~~ GETALL WIMAX RESPONSE RECEIVED ~~~~~~\n"},
-        {"\n Received for wimax option specifier : [%d(%x)]", Specifier, stSame},
-        {"\n Wimax options payload per option\n"},
-    };
-    for (uint32_t i = 0; i < Count; ++i) {
-        const auto u16Offset = static_cast<uint16_t>(Values.u16Offset + 4 * i);
-        astRows.push_back({apcOptions[i], {u16Offset, FieldType::U32}});
-    }
-    astRows.emplace_back("\n");
-    astMessages.push_back(Message("29.3 options", TYPE_WIMAX_OPTIONS, SUBTYPE_OPTION_GET_ALL, Size,
-                                  {{{Status, 0}, {Specifier, 0x3B}}}, {{astRows}}));
+    astMessages.push_back(
+        Message("29.3 options", TYPE_WIMAX_OPTIONS, SUBTYPE_OPTION_GET_ALL, Size,
+                {{{Status, 0}, {Specifier, u32Specifier}}},
+                {{{{"\n~~~~~~ GETALL WIMAX RESPONSE RECEIVED ~~~~~~\n"},
+                   {"\n Received for wimax option specifier : [%d(%x)]", Specifier, stSame},
+                   {"\n Wimax options payload per option\n"}}},
+                 {{{"\n bit[%u] %-25s Status: %s  Payload: %d", {}, {.pfnPut = PutOption}}},
+                  Values.u16Offset,
+                  Count * 4,
+                  4},
+                 {{{"\n"}}}}));
 }
 
 void AddShutdown(std::vector<BenchMessage> &astMessages) {

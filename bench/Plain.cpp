@@ -65,6 +65,10 @@ void PutPlainRow(FILE *pstFile, const PlainRow &stRow, ByteView stRecord, uint32
         fputs(stRow.pcFormat, pstFile);
         return;
     }
+    if (stRow.stExtra.pfnPut != nullptr) {
+        stRow.stExtra.pfnPut(pstFile, stRow.pcFormat, stRecord, u32Index);
+        return;
+    }
     if (stRow.stExtra.pfnValue != nullptr) {
         PutValueOf(pstFile, stRow, stRecord);
         return;

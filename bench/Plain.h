@@ -21,6 +21,9 @@ struct PlainExtra {
     uint32_t u32Divisor = 1;
     Numbers eNumbers = Numbers::Next;
     double (*pfnValue)(ByteView stRecord) = nullptr; // for a number that is no field
+    // For a line of another shape.
+    void (*pfnPut)(FILE *pstFile, const char *pcFormat, ByteView stRecord,
+                   uint32_t u32Index) = nullptr;
 };
 
 // One print: a text, or up to seven numbers, or %s for the text at the field.
