@@ -4,14 +4,18 @@
 
 #include "Link.h"
 #include "Options.h"
+#include "Signalling.h"
 
 namespace {
 
 using MakeSubsystem = std::unique_ptr<Subsystem> (*)(Modem &stModem);
 
-// Everything but the link and the options, which others build on.
-constexpr std::array<MakeSubsystem, 5> apfnSubsystems{
-    MakeSearch, MakeIdleMode, MakeShutdown, MakeHalfMiniCard, MakeIndications,
+// Everything but the link, the options and the signalling, which others build on.
+constexpr std::array apfnSubsystems{
+    MakeSubsystem{MakeSearch},       MakeSubsystem{MakeIdleMode},    MakeSubsystem{MakeShutdown},
+    MakeSubsystem{MakeHalfMiniCard}, MakeSubsystem{MakeIndications}, MakeSubsystem{MakeTrace},
+    MakeSubsystem{MakeLoggers},      MakeSubsystem{MakeLogData},     MakeSubsystem{MakeGPIO},
+    MakeSubsystem{MakeMemory},
 };
 
 // A client that never takes its messages loses the newest ones beyond this many.
@@ -30,7 +34,8 @@ Modem::Modem(Scenario stScenario)
       m_stRadio(Root(), m_u64Seed), m_stTraffic(Root(), m_stScheduler),
       m_stFaults(Root(), m_u64Seed, m_stScheduler,
                  [this](MessageBytes aucMessage) { Queue(std::move(aucMessage)); }),
-      m_pstOptions(std::make_unique<Options>(*this)), m_pstLink(std::make_unique<Link>(*this)) {
+      m_pstOptions(std::make_unique<Options>(*this)), m_pstLink(std::make_unique<Link>(*this)),
+      m_pstSignalling(std::make_unique<Signalling>(*this)) {
     for (const MakeSubsystem pfnMake : apfnSubsystems) {
         m_apstSubsystems.push_back(pfnMake(*this));
     }
@@ -172,6 +177,7 @@ void Modem::Restart() {
     m_stTraffic.Reset();
     m_pstOptions->Start();
     m_pstLink->Start();
+    m_pstSignalling->Start();
     for (const std::unique_ptr<Subsystem> &pstSubsystem : m_apstSubsystems) {
         pstSubsystem->Start();
     }

@@ -22,6 +22,7 @@
 
 class Link;
 class Options;
+class Signalling;
 
 // A request as its handler sees it.
 struct Request {
@@ -105,6 +106,7 @@ class Modem {
     Traffic &UserTraffic() { return m_stTraffic; }
     Link &TheLink() { return *m_pstLink; }
     Options &TheOptions() { return *m_pstOptions; }
+    Signalling &TheSignalling() { return *m_pstSignalling; }
 
     // Sends a message to the client, after the time that the modem takes for any
     // answer. Messages keep their order.
@@ -152,6 +154,7 @@ class Modem {
     std::deque<MessageBytes> m_astOutbox;
     std::unique_ptr<Options> m_pstOptions;
     std::unique_ptr<Link> m_pstLink;
+    std::unique_ptr<Signalling> m_pstSignalling;
     std::vector<std::unique_ptr<Subsystem>> m_apstSubsystems;
 };
 

@@ -19,10 +19,15 @@ class Subsystem {
 };
 
 // Each in the file of its name.
+std::unique_ptr<Subsystem> MakeGPIO(Modem &stModem);
 std::unique_ptr<Subsystem> MakeHalfMiniCard(Modem &stModem);
 std::unique_ptr<Subsystem> MakeIdleMode(Modem &stModem);
 std::unique_ptr<Subsystem> MakeIndications(Modem &stModem);
+std::unique_ptr<Subsystem> MakeLogData(Modem &stModem);
+std::unique_ptr<Subsystem> MakeLoggers(Modem &stModem);
+std::unique_ptr<Subsystem> MakeMemory(Modem &stModem);
 std::unique_ptr<Subsystem> MakeSearch(Modem &stModem);
 std::unique_ptr<Subsystem> MakeShutdown(Modem &stModem);
+std::unique_ptr<Subsystem> MakeTrace(Modem &stModem);
 
 #endif
