@@ -67,7 +67,7 @@ namespace MIBActiveSFIDs {
 inline constexpr Field Count{0, FieldType::U32};
 inline constexpr uint32_t Entries = 4;
 inline constexpr Field SFID{0, FieldType::U32};
-inline constexpr uint32_t EntrySize = 136;
+inline constexpr uint32_t EntrySize = 136; // the rest is shown nowhere
 } // namespace MIBActiveSFIDs
 
 // Attribute 1619.

@@ -13,7 +13,7 @@ PAYLOADS = {
     "wild-count": b"\xff" * 64,
 }
 LONG = bytes(range(256)) * 8
-LONG_TYPES = (1, 6, 10, 24)
+LONG_TYPES = (1, 6, 7, 10, 17, 24, 28)
 TYPES = {
     1: (1, 4, 6), 2: (1, 2), 4: (1, 2, 3, 5, 6, 8, 10), 6: (1, 2, 3, 4), 7: (1, 2, 3),
     8: range(1, 9), 10: (1, 3, 4), 11: (1,), 12: (2,), 13: (5, 6), 16: (1, 2, 3), 17: (1, 2),
@@ -41,6 +41,11 @@ CONSOLE = {
     "flow-change-and-delete": b"6\n2\n0\n7\n1\n300\n0\n1\n5\n0\n0\n1\n4\n40\n256000\n3\n0\n1\n0\n1\n9\n0\n0\n"
     b"0\n0\n0\n0\n0\n6\n3\n0\n-1\n",
     "flow-grant": b"6\n4\n7\n-1\n1000\n3\n-1\n",
+    "sleep-mode": b"15\n0\n15\n1\n2\n3\n255\n1\n0\n1\n9\n1\n2\n3\n4\n5\n6\n-1\n",
+    "antennas": b"17\n1\n2\n2\n3\n3\n4\n1\n5\n17\n2\n2\n1\n2\n3\n4\n5\n6\n"
+    b"17\n3\n1\n1\n1\n2\n3\n1\n4\n5\n6\n7\n8\n-1\n",
+    "download": b"3\n2\n3\n3\n3\n1\n4\n1\n100\n2\n9\n-1\n",
+    "device-configuration": b"12\n00-1a-2b-3c-4d-5e\n12\n-1-00\n13\n1\n2\n13\n2\n5\n-90\n-1\n",
     "failing-device": b"1\n7\n1\n1\n-1\n\x00\xff",
     **{f"choice-{choice}": f"{choice}\n1\n1\n1\n1\n1\n1\n1\n-1\n".encode() for choice in range(1, 21)},
 }

@@ -9,6 +9,8 @@ using RealClock = std::chrono::steady_clock;
 
 // A callback that runs longer than this is left behind when the device closes.
 constexpr std::chrono::seconds stLongestWait(3);
+// A sender that waits for its answer waits no longer than this.
+constexpr std::chrono::seconds stLongestHold(1);
 // The longest sleep at a time, far within what the clock can count.
 constexpr std::chrono::hours stLongestSleep(1);
 
@@ -36,11 +38,24 @@ void Device::SetCallback(WiMAXCallback pfnCallback, uint32_t u32Context) {
 }
 
 int32_t Device::Send(uint8_t *pucMessage, uint32_t u32Length) {
-    const std::lock_guard stLock(m_stMutex);
+    std::unique_lock stLock(m_stMutex);
     CatchUp();
     const int32_t iResult = m_pstModem->Send(pucMessage, u32Length);
     m_stWork.notify_one();
+    if (m_pstModem->HoldsSender()) {
+        WaitForAnswer(stLock);
+    }
     return iResult;
+}
+
+// Until the callback has returned from all messages.
+void Device::WaitForAnswer(std::unique_lock<std::mutex> &stLock) {
+    if (!m_bStopping && m_stThread.get_id() != std::this_thread::get_id()) {
+        m_stDelivered.wait_for(stLock, stLongestHold, [this] {
+            return m_bStopping || m_pfnCallback == nullptr ||
+                   (!m_bDelivering && m_pstModem->AllTold());
+        });
+    }
 }
 
 int32_t Device::ReadMemory(uint32_t u32Address, ByteSpan stTo) {
@@ -67,6 +82,7 @@ void Device::Stop() {
     }
     m_bStopping = true;
     m_stWork.notify_one();
+    m_stDelivered.notify_all();
     const bool bInCallback = m_stThread.get_id() == std::this_thread::get_id();
     const bool bEnded =
         !bInCallback && m_stEnded.wait_for(stLock, stLongestWait, [this] { return m_bEnded; });
@@ -114,6 +130,7 @@ void Device::Run() {
 }
 
 void Device::Deliver(std::unique_lock<std::mutex> &stLock, const MessageBytes &aucMessage) {
+    m_bDelivering = true;
     const WiMAXCallback pfnCallback = m_pfnCallback;
     const uint32_t u32Context = m_u32Context;
     stLock.unlock();
@@ -127,4 +144,6 @@ void Device::Deliver(std::unique_lock<std::mutex> &stLock, const MessageBytes &a
                     static_cast<uint32_t>(aucMessage.size()));
     }
     stLock.lock();
+    m_bDelivering = false;
+    m_stDelivered.notify_all();
 }

@@ -30,6 +30,7 @@ class Device : public std::enable_shared_from_this<Device> {
     explicit Device(std::unique_ptr<Modem> pstModem);
     void Run();
     void Deliver(std::unique_lock<std::mutex> &stLock, const MessageBytes &aucMessage);
+    void WaitForAnswer(std::unique_lock<std::mutex> &stLock);
     void CatchUp();
     std::chrono::steady_clock::time_point RealTimeOf(ModemTime iTime) const;
 
@@ -37,9 +38,11 @@ class Device : public std::enable_shared_from_this<Device> {
     std::mutex m_stMutex; // guards all below but the thread
     std::condition_variable m_stWork;
     std::condition_variable m_stEnded;
+    std::condition_variable m_stDelivered;
     std::unique_ptr<Modem> m_pstModem;
     WiMAXCallback m_pfnCallback = nullptr;
     uint32_t m_u32Context = 0;
+    bool m_bDelivering = false;
     bool m_bStopping = false;
     bool m_bEnded = false;
     std::thread m_stThread;

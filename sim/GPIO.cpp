@@ -24,10 +24,19 @@ class GPIO : public Subsystem {
     uint32_t m_u32BitsAtStart = 0;
     uint32_t m_u32Bits = 0;
     LEDs m_stLEDs;
-    LEDs m_stSavedLEDs = stFactoryLEDs; // the configuration file
+    LEDs m_stSavedLEDs = stFactoryLEDs;
 };
 
+// Where saved LEDs are kept: the modem's configuration file.
+constexpr const char *pcSection = "gpio";
+constexpr const char *pcLEDs = "leds";
+
 GPIO::GPIO(Modem &stModem) : m_stModem(stModem) {
+    const StateFile::Values &astKept = stModem.TheStateFile().Kept(pcSection);
+    const auto pstKept = astKept.find(pcLEDs);
+    if (pstKept != astKept.end() && pstKept->second.size() == LEDState::Size) {
+        PutBytes(m_stSavedLEDs.Span(), 0, {pstKept->second.data(), LEDState::Size});
+    }
     for (const int64_t iBit : stModem.Settings("gpio").Integers("set", 0, GPIOBit::LastPosition)) {
         m_u32BitsAtStart |= 1U << iBit;
     }
@@ -89,6 +98,8 @@ int32_t GPIO::SetLEDs(ByteView stRequest) {
     m_stLEDs = stNew;
     if (Get(stRequest, LEDBehaviour::Save) == 1) {
         m_stSavedLEDs = stNew;
+        m_stModem.TheStateFile().Keep(pcSection, pcLEDs,
+                                      {std::begin(stNew.aucBytes), std::end(stNew.aucBytes)});
     }
     m_stModem.Tell(TYPE_GPIO, SUBTYPE_SET_LED_STATE);
     return 0;

@@ -10,8 +10,14 @@ inline constexpr int32_t BadHandle = -2;
 inline constexpr int32_t NullBuffer = -3;
 inline constexpr int32_t BadLength = -4;      // of the message, or for this request
 inline constexpr int32_t UnknownRequest = -5; // no such type or subtype
-inline constexpr int32_t BadValue = -6;       // a count beyond what the request holds
+inline constexpr int32_t BadValue = -6;       // a count beyond the request, no such flow or method
 inline constexpr int32_t BadAddress = -7;     // no device memory there
+inline constexpr int32_t NoSuchNode = -8;     // of the OMA-DM tree
+inline constexpr int32_t ReadOnly = -9;       // a node that cannot be written
+inline constexpr int32_t Overflow = -10;     // a value size that is not the node's or the message's
+inline constexpr int32_t WrongVersion = -11; // of the OMA-DM interface
+inline constexpr int32_t BadFile = -12;      // missing, or no tree image
+inline constexpr int32_t NotKept = -13;      // the state file cannot be written
 inline constexpr int32_t NoMIBSupport = -27;
 inline constexpr int32_t MRUTableEmpty = -76;
 } // namespace LibraryError

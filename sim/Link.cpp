@@ -173,6 +173,13 @@ void Link::SetState(LinkState eState) {
     }
 }
 
+void Link::MoveTo(Station &stStation) {
+    m_pstServing = &stStation;
+    for (const std::function<void()> &pfnMoved : m_apfnMoved) {
+        pfnMoved();
+    }
+}
+
 void Link::Leave(uint32_t u32Reason, LinkState eState, uint32_t u32DREGAction) {
     TellEntryStatus(u32Reason, u32DREGAction);
     m_stModem.TheSignalling().Leaving(u32Reason, u32DREGAction);

@@ -53,8 +53,13 @@ class Link : public Subsystem {
     ModemTime UpSince() const { return m_iUpSince; }
     void Observe(Observer pfnObserver) { m_apfnObservers.push_back(std::move(pfnObserver)); }
 
+    // Called when the link, still up, has moved to another station.
+    void OnMove(std::function<void()> pfnMoved) { m_apfnMoved.push_back(std::move(pfnMoved)); }
+
     // Ends whatever is under way in the old state and tells the observers.
     void SetState(LinkState eState);
+    // Takes the link, which is up, to another station.
+    void MoveTo(Station &stStation);
     // Reports the reason as the network entry status, then changes the state.
     void Leave(uint32_t u32Reason, LinkState eState, uint32_t u32DREGAction = 0);
     // The reason that a network entry status request is answered with.
@@ -92,6 +97,7 @@ class Link : public Subsystem {
     LinkState m_eStateAtStart;
     Station *m_pstStationAtStart;
     std::vector<Observer> m_apfnObservers;
+    std::vector<std::function<void()>> m_apfnMoved;
     std::function<void()> m_pfnIdleOrder;
 
     LinkState m_eState = LinkState::Unsynchronised;

@@ -16,7 +16,7 @@ constexpr uint32_t u32LastKind = SUBTYPE_LOG_CQICH;
 constexpr size_t uMostBytes = 8192;
 
 // The channel's quality goes to the station every so many frames.
-constexpr ModemTime iCQICHPeriod = 8 * iFrameTime;
+constexpr ModemTime iCQICHPeriod = 8 * i64Frame;
 constexpr uint64_t u64PacketsPerRequest = 4;
 
 // Of an uplink burst, 16-QAM 1/2.

@@ -59,11 +59,11 @@ constexpr std::array astDCDParameters{
     FixedTLV{9, 2, 0xFFA6} // received power wanted for initial ranging, -90 dBm
 };
 constexpr std::array astDCDMobility{
-    FixedTLV{31, 1, 6},  // dB, to add a station
-    FixedTLV{32, 1, 10}, // and to give one up
-    FixedTLV{38, 1, 1},  // handover alone
-    FixedTLV{50, 1, 4},  // hysteresis, dB
-    FixedTLV{51, 1, 100} // time to trigger, ms
+    FixedTLV{31, 1, 6},    // dB, to add a station
+    FixedTLV{32, 1, 10},   // and to give one up
+    FixedTLV{50, 1, 0x80}, // handover alone
+    FixedTLV{51, 1, 4},    // hysteresis, dB
+    FixedTLV{52, 1, 100}   // time to trigger, ms
 };
 
 namespace UCDTLV {
@@ -100,7 +100,7 @@ constexpr std::array astCapabilities{
     FixedTLV{151, 1, 0x05},     // demodulator: 64-QAM, turbo codes
     FixedTLV{152, 1, 0x05},     // modulator: the same
     FixedTLV{154, 1, 0x01},     // permutations
-    FixedTLV{155, 1, 0x03},     // measurements
+    FixedTLV{160, 1, 0x03},     // measurements
 };
 // PKM version 2, EAP at the first entry, CMAC.
 constexpr uint32_t u32SecurityNegotiation = 25;
@@ -113,7 +113,6 @@ constexpr std::array astRegistration{
     FixedTLV{6, 2, 8},    // uplink CIDs
     FixedTLV{15, 2, 8},   // downlink CIDs
     FixedTLV{10, 1, 0},   // ARQ
-    FixedTLV{12, 1, 1},   // CRC
     FixedTLV{27, 1, 1},   // handover
     FixedTLV{31, 1, 0x07} // mobility: handover, sleep, idle
 };
@@ -124,7 +123,6 @@ enum : uint32_t {
     MACAddress = 2,
     ServingBSID = 5,
     Purpose = 6,
-    PagingController = 13,
     MACVersion = 148,
 };
 }
@@ -167,8 +165,9 @@ enum : uint32_t {
     FrameNumber = 32,
     MSRandom = 33,
     BSRandom = 34,
-    AKID = 37,
-    CMACDigest = 39,
+
+    CMACDigest = 40,
+    AKID = 45,
 };
 }
 constexpr uint32_t u32AES = 0x020103; // CCM, with the keys encrypted by AES
@@ -288,6 +287,9 @@ BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants) {
     constexpr uint32_t u32AllocationStart = 0x2A80; // physical slots behind the frame's start
     BitWriter stBody;
     stBody.U8(0).U8(stStation.u32DCDChangeCount).U32(u32AllocationStart).U8(u32UplinkSymbols);
+    if (stGrants.u32BasicCID) {
+        stBody.U16(*stGrants.u32BasicCID).Bits(3, 4).Bits(10, 10).Bits(0, 2);
+    }
     // Symbol offset, subchannel offset, symbols, subchannels, method, dedicated.
     for (const uint32_t u32Method : {0U, 2U}) { // initial; bandwidth requests and periodic
         stBody.U16(WellKnownCID::Broadcast).Bits(u32RangingRegion, 4);
@@ -303,9 +305,6 @@ BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants) {
             .Bits(stSignal.u32SubChannel, 7)
             .Bits(0, 1);
     }
-    if (stGrants.u32BasicCID) {
-        stBody.U16(*stGrants.u32BasicCID).Bits(3, 4).Bits(10, 10).Bits(0, 2);
-    }
     return stBody.Pad();
 }
 
@@ -315,12 +314,8 @@ BitWriter RNGREQBody(RangingPurpose ePurpose, const MACAddressBytes &aucMAC,
     stBody.U8(0);
     stBody.TLV(RNGREQTLV::BurstProfile, 1, 0).TLV(RNGREQTLV::MACAddress, ViewOf(aucMAC));
     if (ePurpose != RangingPurpose::Entry && pstFormer != nullptr) {
-        const bool bIdle = ePurpose == RangingPurpose::IdleReentry;
         stBody.TLV(RNGREQTLV::ServingBSID, ViewOf(pstFormer->aucBSID));
-        stBody.TLV(RNGREQTLV::Purpose, 1, 1);
-        if (bIdle) {
-            stBody.TLV(RNGREQTLV::PagingController, ViewOf(pstFormer->aucBSID));
-        }
+        stBody.TLV(RNGREQTLV::Purpose, 1, 1); // handover, or back from idle mode
     }
     return stBody.TLV(RNGREQTLV::MACVersion, 1, u32MACVersion);
 }
@@ -480,7 +475,7 @@ BitWriter EAPPacket(EAP::Code eCode, uint32_t u32Identifier, EAP::Step eStep, ui
 BitWriter REGREQBody() {
     BitWriter stBody;
     Put(stBody, astRegistration);
-    return stBody.TLV(DCDTLV::MACVersion, 1, u32MACVersion);
+    return stBody;
 }
 
 BitWriter REGRSPBody(bool bAccepted) {
@@ -488,7 +483,6 @@ BitWriter REGRSPBody(bool bAccepted) {
     stBody.U8(bAccepted ? 0 : 1);
     if (bAccepted) {
         Put(stBody, astRegistration);
-        stBody.TLV(DCDTLV::MACVersion, 1, u32MACVersion);
     }
     return stBody;
 }

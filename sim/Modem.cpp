@@ -3,18 +3,27 @@
 #include <array>
 
 #include "Link.h"
+#include "MIBStore.h"
 #include "Options.h"
 #include "Signalling.h"
+#include "VendorRegion.h"
 
 namespace {
 
 using MakeSubsystem = std::unique_ptr<Subsystem> (*)(Modem &stModem);
 
-// Everything but the link, the options and the signalling, which others build on.
+// Everything but the parts that others build on.
 constexpr std::array apfnSubsystems{
-    MakeSubsystem{MakeSearch},       MakeSubsystem{MakeIdleMode},    MakeSubsystem{MakeShutdown},
-    MakeSubsystem{MakeHalfMiniCard}, MakeSubsystem{MakeIndications}, MakeSubsystem{MakeTrace},
-    MakeSubsystem{MakeLoggers},      MakeSubsystem{MakeLogData},     MakeSubsystem{MakeGPIO},
+    MakeSubsystem{MakeSearch},       MakeSubsystem{MakeIdleMode},
+    MakeSubsystem{MakeShutdown},     MakeSubsystem{MakeHalfMiniCard},
+    MakeSubsystem{MakeIndications},  MakeSubsystem{MakeMIBStatistics},
+    MakeSubsystem{MakeServiceFlows}, MakeSubsystem{MakeSecurityParameters},
+    MakeSubsystem{MakeSleepMode},    MakeSubsystem{MakeHandovers},
+    MakeSubsystem{MakeAntennas},     MakeSubsystem{MakeStationInformation},
+    MakeSubsystem{MakeStatistics},   MakeSubsystem{MakeChipset},
+    MakeSubsystem{MakeOMADMTree},    MakeSubsystem{MakeAuthentication},
+    MakeSubsystem{MakeTrace},        MakeSubsystem{MakeLoggers},
+    MakeSubsystem{MakeLogData},      MakeSubsystem{MakeGPIO},
     MakeSubsystem{MakeMemory},
 };
 
@@ -31,11 +40,13 @@ Modem::Modem(Scenario stScenario)
       m_u32FailedOpens(
           static_cast<uint32_t>(Settings("device").Integer("failed-opens", 0, UINT32_MAX, 0))),
       m_iAnswerDelay(Settings("device").Seconds("answer-delay", 0, 1000, 0.02)),
-      m_stRadio(Root(), m_u64Seed), m_stTraffic(Root(), m_stScheduler),
+      m_stStateFile(Root()), m_stRadio(Root(), m_u64Seed), m_stTraffic(Root(), m_stScheduler),
       m_stFaults(Root(), m_u64Seed, m_stScheduler,
                  [this](MessageBytes aucMessage) { Queue(std::move(aucMessage)); }),
       m_pstOptions(std::make_unique<Options>(*this)), m_pstLink(std::make_unique<Link>(*this)),
-      m_pstSignalling(std::make_unique<Signalling>(*this)) {
+      m_pstSignalling(std::make_unique<Signalling>(*this)),
+      m_pstMIBs(std::make_unique<MIBStore>(*this)),
+      m_pstVendorRegion(std::make_unique<VendorRegionStore>(*this)) {
     for (const MakeSubsystem pfnMake : apfnSubsystems) {
         m_apstSubsystems.push_back(pfnMake(*this));
     }
@@ -93,6 +104,7 @@ const Modem::Row *Modem::RowOf(uint32_t u32Type, uint32_t u32SubType) const {
 }
 
 int32_t Modem::Send(uint8_t *pucMessage, uint32_t u32Length) {
+    m_bHoldsSender = false;
     if (m_bUnloaded) {
         return LibraryError::NotOpen;
     }
@@ -119,6 +131,9 @@ int32_t Modem::Send(uint8_t *pucMessage, uint32_t u32Length) {
             m_stFaults.SendFailure(stRequest.u32Type, stRequest.u32SubType)) {
         return *iCode;
     }
+    if (m_bHalted && stRequest.u32Type != TYPE_CHIPSET) {
+        return 0; // taken over by the driver, and lost
+    }
     for (const Notice &pfnNotice : m_apfnNotices) {
         pfnNotice();
     }
@@ -143,6 +158,9 @@ int32_t Modem::WriteMemory(uint32_t u32Address, ByteView stFrom) {
 }
 
 void Modem::Tell(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload) {
+    if (m_bHalted && u32Type != TYPE_CHIPSET) {
+        return;
+    }
     MessageBytes aucMessage(MessageHeader::Size +
                             std::min(stPayload.u32Length, uint32_t{WIMAX_DATA_SIZE}));
     const ByteSpan stSpan{aucMessage.data(), static_cast<uint32_t>(aucMessage.size())};
@@ -153,7 +171,9 @@ void Modem::Tell(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload) {
 }
 
 void Modem::TellBytes(MessageBytes aucMessage) {
+    ++m_u32Untold;
     m_stScheduler.After(m_iAnswerDelay, [this, aucLater = std::move(aucMessage)]() mutable {
+        --m_u32Untold;
         m_stFaults.Pass(std::move(aucLater));
     });
 }
@@ -174,10 +194,13 @@ bool Modem::TakeMessage(MessageBytes *paucMessage) {
 }
 
 void Modem::Restart() {
+    m_bHalted = false;
     m_stTraffic.Reset();
     m_pstOptions->Start();
     m_pstLink->Start();
     m_pstSignalling->Start();
+    m_pstMIBs->Start();
+    m_pstVendorRegion->Start();
     for (const std::unique_ptr<Subsystem> &pstSubsystem : m_apstSubsystems) {
         pstSubsystem->Start();
     }

@@ -3,6 +3,7 @@
 #ifndef MODEM_H
 #define MODEM_H
 
+#include <array>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -16,13 +17,19 @@
 #include "Random.h"
 #include "Scenario.h"
 #include "Scheduler.h"
+#include "StateFile.h"
 #include "Subsystem.h"
 #include "Traffic.h"
 #include "Wire.h"
 
 class Link;
+class MIBStore;
 class Options;
 class Signalling;
+class VendorRegionStore;
+
+// The station's MAC address, first byte first.
+using StationAddress = std::array<uint8_t, 6>;
 
 // A request as its handler sees it.
 struct Request {
@@ -78,6 +85,10 @@ class Modem {
     bool OpensAt(uint32_t u32Attempt) const;
     // The driver has gone; the device has to be opened again.
     bool Unloaded() const { return m_bUnloaded; }
+    // Whether the request sent last keeps its sender until it has been answered.
+    bool HoldsSender() const { return m_bHoldsSender; }
+    // No answer is under way, and none waits to be taken.
+    bool AllTold() const { return m_u32Untold == 0 && m_astOutbox.empty(); }
 
     // ---- For the subsystems: what they answer to ----
 
@@ -92,6 +103,10 @@ class Modem {
     // Called for every request that the modem accepts, before its handler.
     void OnAnyRequest(Notice pfnNotice) { m_apfnNotices.push_back(std::move(pfnNotice)); }
     void OnMemory(MemoryReader pfnRead, MemoryWriter pfnWrite);
+    // Says who knows the transport connections.
+    void OnTransportCIDs(std::function<std::vector<uint32_t>()> pfnCIDs) {
+        m_pfnTransportCIDs = std::move(pfnCIDs);
+    }
 
     // ---- For the subsystems: what they work with ----
 
@@ -107,12 +122,31 @@ class Modem {
     Link &TheLink() { return *m_pstLink; }
     Options &TheOptions() { return *m_pstOptions; }
     Signalling &TheSignalling() { return *m_pstSignalling; }
+    MIBStore &TheMIBs() { return *m_pstMIBs; }
+    StateFile &TheStateFile() { return m_stStateFile; }
+    VendorRegionStore &TheVendorRegion() { return *m_pstVendorRegion; }
+    StationAddress &Address() { return m_stAddress; }
+    // How long parts of the last way into the network took, for those who report it.
+    struct EntryHistory {
+        ModemTime iSearch = 0;
+        ModemTime iProvisioning = 0; // of the service flows
+    };
+    EntryHistory &History() { return m_stHistory; }
+    // The identifiers of the transport connections that there are now.
+    std::vector<uint32_t> TransportCIDs() const {
+        return m_pfnTransportCIDs ? m_pfnTransportCIDs() : std::vector<uint32_t>{};
+    }
 
+    // For a request's handler: the send returns when the client has had the answer.
+    void HoldSender() { m_bHoldsSender = true; }
     // Sends a message to the client, after the time that the modem takes for any
     // answer. Messages keep their order.
     void Tell(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload = {});
     // The same with a message that has its header already.
     void TellBytes(MessageBytes aucMessage);
+    // The firmware stands still until the next restart: only chipset control is heard
+    // and answered.
+    void Halt() { m_bHalted = true; }
     // Takes all subsystems back to their state at start.
     void Restart();
     // The driver goes: no request and no message gets through any more.
@@ -142,7 +176,12 @@ class Modem {
     uint32_t m_u32FailedOpens;
     ModemTime m_iAnswerDelay;
     bool m_bUnloaded = false;
+    bool m_bHoldsSender = false;
+    uint32_t m_u32Untold = 0; // messages within the answer delay
+    EntryHistory m_stHistory;
+    bool m_bHalted = false;
     Scheduler m_stScheduler;
+    StateFile m_stStateFile;
     Radio m_stRadio;
     Traffic m_stTraffic;
     Faults m_stFaults;
@@ -151,10 +190,14 @@ class Modem {
     std::vector<Notice> m_apfnNotices;
     MemoryReader m_pfnReadMemory;
     MemoryWriter m_pfnWriteMemory;
+    std::function<std::vector<uint32_t>()> m_pfnTransportCIDs;
     std::deque<MessageBytes> m_astOutbox;
     std::unique_ptr<Options> m_pstOptions;
     std::unique_ptr<Link> m_pstLink;
     std::unique_ptr<Signalling> m_pstSignalling;
+    std::unique_ptr<MIBStore> m_pstMIBs;
+    std::unique_ptr<VendorRegionStore> m_pstVendorRegion;
+    StationAddress m_stAddress{0x02, 0x00, 0x00, 0x20, 0x00, 0x01};
     std::vector<std::unique_ptr<Subsystem>> m_apstSubsystems;
 };
 

@@ -9,5 +9,8 @@
 using ModemTime = int64_t;
 
 inline constexpr ModemTime i64Second = 1000000;
+inline constexpr ModemTime i64Millisecond = 1000;
+// One frame of the air interface.
+inline constexpr ModemTime i64Frame = 5 * i64Millisecond;
 
 #endif

@@ -167,6 +167,7 @@ bool NetworkSearch::Wanted(const Station &stStation) const {
 
 void NetworkSearch::End(uint32_t u32Status) {
     m_stStep.Stop();
+    m_stModem.History().iSearch = m_stModem.Now() - m_iBegan;
     m_u32LastStatus = u32Status;
     Tell(u32Status);
 }

@@ -97,6 +97,7 @@ Station Radio::Read(const Section &stSection, const std::vector<NSP> &astNSPs) c
         .u32NSPChangeCount =
             static_cast<uint32_t>(stSection.Integer("nsp-change-count", 0, UINT32_MAX, 1)),
         .u32CellID = static_cast<uint32_t>(stSection.Integer("cell-id", 0, UINT8_MAX, 0)),
+        .u32IPSubnet = static_cast<uint32_t>(stSection.Integer("ip-subnet", 0, UINT32_MAX, 0)),
         .bCompressedMap = stSection.Flag("compressed-map", false),
         .bNSPSupport = stSection.Flag("nsp-support", true),
         .u32EntryFailure = stSection.Choice("entry", astEntryOutcomes, LinkReason::LinkUpAchieved),

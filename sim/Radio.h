@@ -31,6 +31,7 @@ struct Station {
     uint32_t u32DCDChangeCount;
     uint32_t u32NSPChangeCount;
     uint32_t u32CellID;
+    uint32_t u32IPSubnet; // a link that moves to another one needs a new address
     bool bCompressedMap;
     bool bNSPSupport;         // announces its network service providers
     uint32_t u32EntryFailure; // LinkReason, LinkUpAchieved where it lets the modem in

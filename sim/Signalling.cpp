@@ -17,9 +17,6 @@ enum Stage : uint32_t { Ranging, Capabilities, Authentication, Registration, Tra
 // CIDs: basic ones up to this one, then as many primary ones, then transport.
 constexpr uint32_t u32BasicCIDs = 511;
 
-// The modem's own addresses have this locally administered beginning.
-constexpr MACAddressBytes aucMACAtStart{0x02, 0x1A, 0x2B, 0x00, 0x00, 0x01};
-
 constexpr double fWantedPower = -90; // dBm, at the station
 constexpr double fLeastPower = -40;
 constexpr double fMostPower = 23;
@@ -32,13 +29,15 @@ constexpr uint32_t u32CodesWithoutAnswer = 4;
 constexpr uint32_t u32DREGGoIdle = 5;
 constexpr uint32_t u32DREGTerminate = 4;
 
+bool IsManagement(const Connection &stConnection) { return stConnection.u32SFID == 0; }
+
 } // namespace
 
 Signalling::Signalling(Modem &stModem)
     : m_stModem(stModem), m_stLink(stModem.TheLink()), m_stRandom(stModem.RandomFor("signalling")),
-      m_aucMAC(aucMACAtStart), m_stStep(stModem.Clock()), m_stMaps(stModem.Clock()),
-      m_stDescriptors(stModem.Clock()), m_stNeighbours(stModem.Clock()),
-      m_stPaging(stModem.Clock()), m_stRanging(stModem.Clock()), m_stReport(stModem.Clock()) {
+      m_stStep(stModem.Clock()), m_stMaps(stModem.Clock()), m_stDescriptors(stModem.Clock()),
+      m_stNeighbours(stModem.Clock()), m_stPaging(stModem.Clock()), m_stRanging(stModem.Clock()),
+      m_stReport(stModem.Clock()) {
     const Section stSettings = stModem.Settings("signalling");
     const auto ReadPeriod = [&](const char *pcKey, double fDefault) {
         return stSettings.Seconds(pcKey, 0.005, 1e6, fDefault);
@@ -67,7 +66,7 @@ void Signalling::Start() {
 }
 
 uint32_t Signalling::Frame() const {
-    return static_cast<uint32_t>(m_stModem.Now() / iFrameTime) & u32FrameNumberMask;
+    return static_cast<uint32_t>(m_stModem.Now() / i64Frame) & u32FrameNumberMask;
 }
 
 void Signalling::WantBroadcasts(bool bWanted) {
@@ -82,7 +81,7 @@ void Signalling::WantBroadcasts(bool bWanted) {
 void Signalling::Later(Step pfnStep) {
     m_apfnSteps.push_back(std::move(pfnStep));
     if (!m_stStep.Running()) {
-        const ModemTime iWait = m_iLastStep + iFrameTime - m_stModem.Now();
+        const ModemTime iWait = m_iLastStep + i64Frame - m_stModem.Now();
         m_stStep.Start(std::max<ModemTime>(iWait, 0), [this] { NextStep(); });
     }
 }
@@ -96,7 +95,7 @@ void Signalling::NextStep() {
     m_iLastStep = m_stModem.Now();
     pfnStep();
     if (!m_apfnSteps.empty()) {
-        m_stStep.Start(iFrameTime, [this] { NextStep(); });
+        m_stStep.Start(i64Frame, [this] { NextStep(); });
     }
 }
 
@@ -171,15 +170,15 @@ void Signalling::OnLinkChange(const LinkChange &stChange) {
         }
         m_bToldToIdle = false;
         m_pstFormer = pstServing;
-        m_astConnections.clear();
+        std::erase_if(m_astConnections, IsManagement);
     } else if (stChange.eAfter == LeavingIdle) {
         Range(*pstServing, RangingPurpose::IdleReentry);
     } else if (stChange.eBefore == LeavingIdle && stChange.eAfter == LinkUp) {
         Later([this] { AnswerRNGREQ(RangingPurpose::IdleReentry); });
     }
-    if (!m_stLink.Registered()) {
+    m_pstTarget = nullptr;
+    if (!m_stLink.Registered() && m_stLink.State() != Entering) {
         m_astConnections.clear();
-        m_pstTarget = nullptr;
     }
     FollowState();
 }
@@ -199,7 +198,7 @@ void Signalling::FollowState() {
     if (m_stLink.State() == Idle && m_bBroadcastsWanted) {
         // One frame behind the one in which this modem would be paged.
         const ModemTime iCycle = std::max<ModemTime>(PagingCycle(), 1) * i64Second;
-        m_stPaging.Start(iCycle - m_stModem.Now() % iCycle + iFrameTime, [this] { SayPaging(); });
+        m_stPaging.Start(iCycle - m_stModem.Now() % iCycle + i64Frame, [this] { SayPaging(); });
     }
     if (m_stLink.State() == LinkUp) {
         m_stRanging.Start(m_iRangingPeriod, [this] { RangePeriodically(); });
@@ -274,7 +273,7 @@ void Signalling::FailStage(uint32_t u32Reason) {
     case LinkReason::RangingFailure:
         if (m_stLink.Serving()->u32EntryFailure == u32Reason) {
             SayLater(MessageCode::RNGRSP, bDown, WellKnownCID::InitialRanging,
-                     RNGRSPBody(RangingPurpose::Entry, Abort, m_aucMAC, 0, 0));
+                     RNGRSPBody(RangingPurpose::Entry, Abort, m_stModem.Address(), 0, 0));
         }
         break;
     case LinkReason::PKMFailure:
@@ -323,7 +322,7 @@ void Signalling::Range(const Station &stStation, RangingPurpose ePurpose) {
     const Station *pstFormer =
         ePurpose == RangingPurpose::Handover ? m_stLink.Serving() : m_pstFormer;
     SayLater(MessageCode::RNGREQ, bUp, WellKnownCID::InitialRanging,
-             RNGREQBody(ePurpose, m_aucMAC, pstFormer),
+             RNGREQBody(ePurpose, m_stModem.Address(), pstFormer),
              ePurpose == RangingPurpose::Entry ? Protection::None : Protection::Tuple);
 }
 
@@ -377,7 +376,7 @@ void Signalling::AnswerRNGREQ(RangingPurpose ePurpose) {
         MakeConnections();
     }
     Say(MessageCode::RNGRSP, bDown, WellKnownCID::InitialRanging,
-        RNGRSPBody(ePurpose, Success, m_aucMAC, m_u32BasicCID, m_u32PrimaryCID),
+        RNGRSPBody(ePurpose, Success, m_stModem.Address(), m_u32BasicCID, m_u32PrimaryCID),
         ePurpose == RangingPurpose::Entry ? Protection::None : Protection::Tuple);
 }
 
@@ -407,12 +406,8 @@ void Signalling::MakeConnections() {
     m_u32BasicCID = 1 + m_stRandom.Below(u32BasicCIDs);
     m_u32PrimaryCID = m_u32BasicCID + u32BasicCIDs;
     std::vector<Connection> astFlows;
-    for (const Connection &stConnection : m_astConnections) {
-        if (stConnection.u32SFID != 0) {
-            astFlows.push_back(stConnection);
-        }
-    }
-    m_astConnections.clear();
+    std::swap(astFlows, m_astConnections);
+    std::erase_if(astFlows, IsManagement);
     for (const uint32_t u32CID : {m_u32BasicCID, m_u32PrimaryCID}) {
         Connect(u32CID, bDown, 0, 0);
     }
@@ -556,7 +551,7 @@ void Signalling::DREGReceived(uint32_t u32Action) {
 }
 
 void Signalling::Paged() {
-    SayLater(MessageCode::PAGADV, bDown, WellKnownCID::Broadcast, PAGADVBody(&m_aucMAC));
+    SayLater(MessageCode::PAGADV, bDown, WellKnownCID::Broadcast, PAGADVBody(&m_stModem.Address()));
 }
 
 void Signalling::HandoverBegins(const Station &stTarget) {
@@ -620,9 +615,13 @@ void Signalling::FlowAdded(const FlowParameters &stFlow, uint32_t u32Confirmatio
     SayLater(MessageCode::DSAACK, bAsks, m_u32PrimaryCID,
              DSxRSPBody(u32Transaction, u32Confirmation, stFlow), Protection::Tuple);
     if (u32Confirmation == 0) {
-        Connect(stFlow.u32CID, stFlow.bUplink, stFlow.u32SFID,
-                Get(stFlow.stSet, SFParamSet::SchedulingType));
+        FlowThere(stFlow);
     }
+}
+
+void Signalling::FlowThere(const FlowParameters &stFlow) {
+    Connect(stFlow.u32CID, stFlow.bUplink, stFlow.u32SFID,
+            Get(stFlow.stSet, SFParamSet::SchedulingType));
 }
 
 void Signalling::FlowChanged(const FlowParameters &stFlow, uint32_t u32Confirmation) {

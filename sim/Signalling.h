@@ -15,8 +15,6 @@
 #include "Link.h"
 #include "ManagementMessages.h"
 
-inline constexpr ModemTime iFrameTime = 5000;
-
 struct ManagementMessage {
     uint32_t u32Frame;
     uint32_t u32Code;
@@ -94,10 +92,10 @@ class Signalling : public Subsystem {
     // A service flow, asked for by the modem or by the station, and what came of it.
     // What stFlow's set says is copied.
     void FlowAdded(const FlowParameters &stFlow, uint32_t u32Confirmation, bool bByStation);
+    // A flow of a link that was up from the start: nothing had to be said.
+    void FlowThere(const FlowParameters &stFlow);
     void FlowChanged(const FlowParameters &stFlow, uint32_t u32Confirmation);
     void FlowDeleted(uint32_t u32SFID, uint32_t u32Confirmation, bool bByStation);
-    // From now on the modem has another address.
-    void SetMACAddress(const MACAddressBytes &aucMAC) { m_aucMAC = aucMAC; }
 
   private:
     using Step = std::function<void()>;
@@ -157,10 +155,9 @@ class Signalling : public Subsystem {
     std::vector<std::function<void(const PowerChange &)>> m_apfnOnPower;
     std::vector<std::function<void(const Connection &)>> m_apfnOnConnection;
 
-    MACAddressBytes m_aucMAC;
     bool m_bBroadcastsWanted = false;
     std::deque<Step> m_apfnSteps;
-    ModemTime m_iLastStep = -iFrameTime;
+    ModemTime m_iLastStep = -i64Frame;
     Timer m_stStep;
     Timer m_stMaps;
     Timer m_stDescriptors;

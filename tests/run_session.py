@@ -115,6 +115,7 @@ class Session:
         self.environment = {}
         self.given = {}  # file name -> content before the start
         self.files = {}  # file name -> expected content
+        self.held = []  # (file name, text that it holds)
         self.calls = []
         self.checks_calls = False
         self.script = []
@@ -198,6 +199,9 @@ class Session:
         elif name == "env":
             key, _, value = text.strip().partition("=")
             self.environment[key] = value
+        elif name == "holds":
+            file_name, _, part = rest.partition(b" ")
+            self.held.append((file_name.decode("latin-1"), unescape(part)))
         elif name in ("given", "file"):
             file_name, _, data = text.strip().partition(" ")
             content = [(False, parse_bytes(data))]
@@ -520,6 +524,10 @@ def check_files(session, directory):
         expected, got = session.joined(pieces), path.read_bytes()
         if got != expected:
             raise Failure(f"the file {name} is another one\n{difference(expected, got)}")
+    for name, text in session.held:
+        path = directory / name
+        if not path.is_file() or text not in path.read_bytes():
+            raise Failure(f"the file {name} does not hold {text!r}")
 
 
 def run(session, options):

@@ -126,7 +126,7 @@ TEST_F(ChipsetControlTest, AConfigurationThatCouldNotBeSentIsWaitedFor) {
     EXPECT_EQ(FakeDevice::Sent(), BothRequests());
 }
 
-TEST_F(ChipsetControlTest, TheReportIsShownBeforeTheDownloadGoesOn) {
+TEST_F(ChipsetControlTest, OnlyAConfigurationWithoutAnErrorClearsTheFlag) {
     iFWDlFlag = -1;
     Printed();
     FakeDevice::Deliver(Message(pcConfigurationDone));
@@ -160,10 +160,9 @@ TEST_F(ChipsetControlTest, EachFileHasItsDownloadStatus) {
 
 TEST_F(ChipsetControlTest, APathEndsWithTheMessage) {
     EXPECT_EQ(ReportOf("16/2 | 1:4 1:4 78*10232"), std::string(pcDownloadBanner) +
-                                                          "\n Firmware Download Status : 1"
-                                                          "\n Firmware File : " +
-                                                          std::string(10232, 'x') +
-                                                          pcDownloadClosing);
+                                                       "\n Firmware Download Status : 1"
+                                                       "\n Firmware File : " +
+                                                       std::string(10232, 'x') + pcDownloadClosing);
     EXPECT_EQ(ReportOf("16/2 | 1:4 1:4"), std::string(pcDownloadBanner) +
                                               "\n Firmware Download Status : 1"
                                               "\n Firmware File : " +

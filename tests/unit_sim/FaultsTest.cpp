@@ -195,13 +195,13 @@ TEST(Requests, NoMessageAndImpossibleLengthsAreRefused) {
 
 TEST(Requests, ARequestThatIsAnsweredAtOnceHasItsAnswerInTheSendersBuffer) {
     ModemBench stBench("");
-    stBench.TheModem().OnAnsweredAtOnce(34, 4, Exactly(1), [](const Request &stRequest) {
+    stBench.TheModem().OnAnsweredAtOnce(35, 1, Exactly(1), [](const Request &stRequest) {
         stRequest.stReply.Set(2, static_cast<uint8_t>(stRequest.stPayload.At(0) + 1));
         return stRequest.stReply.u32Length == 10240 ? 0 : -1;
     });
     WiMAXMessage stMessage{};
-    BytesOf(stMessage).Set(0, 34);
-    BytesOf(stMessage).Set(2, 4);
+    BytesOf(stMessage).Set(0, 35);
+    BytesOf(stMessage).Set(2, 1);
     stMessage.aucData[0] = 7;
     EXPECT_EQ(stBench.TheModem().Send(BytesOf(stMessage).pucData, 5), 0);
     EXPECT_EQ(stMessage.aucData[2], 8);

@@ -318,4 +318,64 @@ TEST_F(Library, ManyThreadsMaySendAtOnce) {
     EXPECT_EQ(g_iMostInside, 1);
 }
 
+// The list of service flows.
+int32_t AskForFlows(uint32_t hDevice) {
+    std::vector<uint8_t> aucMessage = BytesOfHex("18 00 02 00 DF 05 00*25");
+    return SendWiMAXMessage(hDevice, aucMessage.data(), static_cast<uint32_t>(aucMessage.size()));
+}
+
+size_t MessagesSoFar() {
+    const std::lock_guard stLock(g_stClient.stMutex);
+    return g_stClient.astrMessages.size();
+}
+
+TEST_F(Library, TheListOfFlowsIsThereWhenItsSendReturns) {
+    UseScenario("[device]\nanswer-delay = 0.05\n");
+    const uint32_t hDevice = OpenAndRegister();
+    for (size_t i = 1; i <= 5; ++i) {
+        EXPECT_EQ(AskForFlows(hDevice), 0);
+        EXPECT_EQ(MessagesSoFar(), i);
+        EXPECT_EQ(g_iInside, 0);
+    }
+    // Other sends do not wait.
+    EXPECT_EQ(Send(hDevice, 36, 1), 0);
+    EXPECT_EQ(MessagesSoFar(), 5U);
+    EXPECT_EQ(WaitForMessages(6).size(), 6U);
+}
+
+TEST_F(Library, ASendWaitsForACallbackNoLongerThanASecond) {
+    g_bRelease = false;
+    g_stClient.pfnInCallback = [](const WiMAXMessage *, uint32_t) {
+        while (!g_bRelease) {
+            std::this_thread::sleep_for(1ms);
+        }
+    };
+    UseScenario("[device]\nanswer-delay = 0\n");
+    const uint32_t hDevice = OpenAndRegister();
+    const auto stBegan = std::chrono::steady_clock::now();
+    EXPECT_EQ(AskForFlows(hDevice), 0);
+    const auto stTook = std::chrono::steady_clock::now() - stBegan;
+    EXPECT_GE(stTook, 900ms);
+    EXPECT_LT(stTook, 2s);
+    g_bRelease = true;
+    EXPECT_EQ(WaitForMessages(1).size(), 1U);
+}
+
+TEST_F(Library, ASendFromTheCallbackDoesNotWait) {
+    static uint32_t hDevice;
+    static std::atomic<int> iAsked;
+    iAsked = 0;
+    g_stClient.pfnInCallback = [](const WiMAXMessage *, uint32_t) {
+        if (iAsked.fetch_add(1) == 0) {
+            const auto stBegan = std::chrono::steady_clock::now();
+            EXPECT_EQ(AskForFlows(hDevice), 0);
+            EXPECT_LT(std::chrono::steady_clock::now() - stBegan, 500ms);
+        }
+    };
+    UseScenario("[device]\nanswer-delay = 0\n");
+    hDevice = OpenAndRegister();
+    EXPECT_EQ(Send(hDevice, 36, 1), 0);
+    EXPECT_EQ(WaitForMessages(2).size(), 2U);
+}
+
 } // namespace

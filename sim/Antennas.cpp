@@ -1,0 +1,386 @@
+// The two antennas and the GPIO pins that switch between them: configuration, scans
+// that measure both antennas frame by frame, selection.
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "AntennaRecords.h"
+#include "Link.h"
+
+namespace {
+
+constexpr uint32_t u32Pins = 16;
+constexpr uint32_t u32WordSize = 4;
+
+// Status of the answers.
+enum Status : uint32_t {
+    Success = 0,
+    TooManyPins = 1, // or patterns
+    NoSuchPin = 2,
+    PinUsedTwice = 3,
+    BadPattern = 4, // needs a pin that is not configured
+    BadSetting = 5, // of the transmit antenna, or of the scan
+    ScanRunning = 6,
+    NoScanRunning = 7,
+    NoStation = 8,
+};
+
+// Scan status of an answer without an error.
+constexpr uint32_t u32ScanAborted = 0;
+constexpr uint32_t u32ScanComplete = 1;
+constexpr uint32_t u32ScanGoesOn = 2;
+
+// Transmit antenna settings: the last one of each kind.
+constexpr uint32_t u32FirstManualSetting = 1;
+constexpr uint32_t u32LastManualSetting = 2;
+constexpr uint32_t u32LastAutoSetting = 4;
+
+struct PinConfig {
+    std::vector<uint32_t> au32Rx;
+    std::vector<uint32_t> au32Tx;
+};
+
+uint32_t Judge(const PinConfig &stConfig) {
+    std::vector<uint32_t> au32All = stConfig.au32Rx;
+    au32All.insert(au32All.end(), stConfig.au32Tx.begin(), stConfig.au32Tx.end());
+    if (std::any_of(au32All.begin(), au32All.end(),
+                    [](uint32_t u32Pin) { return u32Pin >= u32Pins; })) {
+        return NoSuchPin;
+    }
+    std::sort(au32All.begin(), au32All.end());
+    return std::adjacent_find(au32All.begin(), au32All.end()) == au32All.end() ? Success
+                                                                               : PinUsedTwice;
+}
+
+std::vector<uint32_t> Words(ByteView stView, Field stFirst, uint32_t u32Count) {
+    std::vector<uint32_t> au32Words;
+    for (uint32_t i = 0; i < u32Count; ++i) {
+        au32Words.push_back(Get(stView, stFirst, i * u32WordSize));
+    }
+    return au32Words;
+}
+
+template <typename Values> void PutWords(ByteSpan stTo, Field stFirst, const Values &au32Words) {
+    uint32_t u32Base = 0;
+    for (const uint32_t u32Word : au32Words) {
+        Put(stTo, stFirst, u32Word, u32Base);
+        u32Base += u32WordSize;
+    }
+}
+
+class Antennas : public Subsystem {
+  public:
+    explicit Antennas(Modem &stModem);
+    void Start() override;
+
+  private:
+    struct Levels {
+        uint32_t u32RSSI;
+        uint32_t u32CINR;
+    };
+    // What one frame of a scan has shown.
+    struct Frame {
+        uint32_t u32Number;
+        std::array<Levels, 2> astAntennas;
+    };
+    using Patterns = std::array<uint32_t, AntennaScanRequest::MaxGPIOPatterns>;
+
+    PinConfig ReadConfig(const Section &stSettings) const;
+    int32_t Configure(ByteView stRequest);
+    int32_t Scan(ByteView stRequest);
+    uint32_t JudgeScan(ByteView stRequest) const;
+    int32_t Select(ByteView stRequest);
+    uint32_t JudgeSelection(ByteView stRequest) const;
+    bool PatternPossible(uint32_t u32Pattern) const;
+    bool WithStation() const;
+    void ScanFrame();
+    void EndScan(uint32_t u32ScanStatus);
+    void TellScan(uint32_t u32ScanStatus);
+    void TellScanError(uint32_t u32Error);
+    std::array<Levels, 2> Measure(uint32_t u32Pattern);
+    uint32_t FrameNumber() const;
+
+    Modem &m_stModem;
+    Link &m_stLink;
+    PinConfig m_stConfigAtStart;
+    std::array<double, 2> m_afGains{}; // dB
+    std::vector<int64_t> m_aiPatternGains;
+    double m_fVariation; // dB to either side, from frame to frame
+
+    Random m_stRandom;
+    PinConfig m_stConfig;
+    Patterns m_au32Selected{};
+    Patterns m_au32Patterns{}; // of the scan
+    uint32_t m_u32NumPatterns = 0;
+    uint64_t m_u64FramesLeft = 0; // unless it has no end
+    uint64_t m_u64FramesPerReport = 0;
+    bool m_bEndless = false;
+    ModemTime m_iFrameInterval = 0;
+    uint64_t m_u64FramesDone = 0;
+    std::vector<Frame> m_astFrames; // since the last report
+    Timer m_stFrame;
+};
+
+Antennas::Antennas(Modem &stModem)
+    : m_stModem(stModem), m_stLink(stModem.TheLink()), m_stRandom(stModem.RandomFor("antennas")),
+      m_stFrame(stModem.Clock()) {
+    const Section stSettings = stModem.Settings("antenna");
+    m_stConfigAtStart = ReadConfig(stSettings);
+    m_afGains = {stSettings.Number("gain-1", -100, 100, 0),
+                 stSettings.Number("gain-2", -100, 100, -4)};
+    m_aiPatternGains = stSettings.Integers("pattern-gains", -100, 100);
+    m_fVariation = stSettings.Number("variation", 0, 100, 1);
+    stModem.On(TYPE_ANTENNA, SUBTYPE_ANTENNA_CONFIG, Exactly(AntennaConfig::Size),
+               [this](const Request &stRequest) { return Configure(stRequest.stPayload); });
+    stModem.On(TYPE_ANTENNA, SUBTYPE_ANTENNA_SCANNING, Exactly(AntennaScanRequest::Size),
+               [this](const Request &stRequest) { return Scan(stRequest.stPayload); });
+    stModem.On(TYPE_ANTENNA, SUBTYPE_ANTENNA_SELECTION, Exactly(AntennaSelection::Size),
+               [this](const Request &stRequest) { return Select(stRequest.stPayload); });
+}
+
+PinConfig Antennas::ReadConfig(const Section &stSettings) const {
+    PinConfig stConfig{{4, 5, 6}, {7}};
+    const auto Read = [&](const char *pcKey, uint32_t u32Most, std::vector<uint32_t> *pau32Pins) {
+        if (!stSettings.Has(pcKey)) {
+            return;
+        }
+        const std::vector<int64_t> aiPins = stSettings.Integers(pcKey, 0, u32Pins - 1);
+        if (aiPins.size() > u32Most) {
+            stSettings.Refuse(pcKey, "must be at most " + std::to_string(u32Most));
+        }
+        pau32Pins->assign(aiPins.begin(), aiPins.end());
+    };
+    Read("rx-gpios", AntennaConfig::MaxRxGPIOs, &stConfig.au32Rx);
+    Read("tx-gpios", AntennaConfig::MaxTxGPIOs, &stConfig.au32Tx);
+    if (Judge(stConfig) != Success) {
+        stSettings.Refuse("rx-gpios", "and \"tx-gpios\" must not name a pin twice");
+    }
+    return stConfig;
+}
+
+void Antennas::Start() {
+    m_stConfig = m_stConfigAtStart;
+    m_au32Selected = {};
+    m_astFrames.clear();
+    m_stFrame.Stop();
+}
+
+int32_t Antennas::Configure(ByteView stRequest) {
+    using namespace AntennaConfig;
+    Record<Size> stAnswer;
+    PutBytes(stAnswer.Span(), 0, stRequest);
+    Put(stAnswer.Span(), AntennaConfig::Status, Success);
+    if (Get(stRequest, SetConfig) == 0) {
+        std::vector<uint32_t> au32Rx = m_stConfig.au32Rx;
+        au32Rx.resize(MaxRxGPIOs, UnusedPin);
+        Put(stAnswer.Span(), NumRxGPIOs, static_cast<uint32_t>(m_stConfig.au32Rx.size()));
+        Put(stAnswer.Span(), NumTxGPIOs, static_cast<uint32_t>(m_stConfig.au32Tx.size()));
+        PutWords(stAnswer.Span(), RxGPIOs, au32Rx);
+        Put(stAnswer.Span(), TxGPIO, m_stConfig.au32Tx.empty() ? UnusedPin : m_stConfig.au32Tx[0]);
+    } else {
+        const uint32_t u32Rx = Get(stRequest, NumRxGPIOs);
+        const uint32_t u32Tx = Get(stRequest, NumTxGPIOs);
+        uint32_t u32Status = TooManyPins;
+        if (u32Rx <= MaxRxGPIOs && u32Tx <= MaxTxGPIOs) {
+            const PinConfig stNew{Words(stRequest, RxGPIOs, u32Rx),
+                                  Words(stRequest, TxGPIO, u32Tx)};
+            u32Status = m_stFrame.Running() ? ScanRunning : Judge(stNew);
+            if (u32Status == Success) {
+                m_stConfig = stNew;
+                m_au32Selected = {};
+            }
+        }
+        Put(stAnswer.Span(), AntennaConfig::Status, u32Status);
+    }
+    m_stModem.Tell(TYPE_ANTENNA, SUBTYPE_ANTENNA_CONFIG, stAnswer.View());
+    return 0;
+}
+
+// A pattern has a bit for each receive pin of the configuration, in its order.
+bool Antennas::PatternPossible(uint32_t u32Pattern) const {
+    return u32Pattern < uint32_t{1} << m_stConfig.au32Rx.size();
+}
+
+bool Antennas::WithStation() const {
+    return m_stLink.IsAnyOf({LinkState::Synchronised, LinkState::Entering, LinkState::LinkUp});
+}
+
+uint32_t Antennas::JudgeScan(ByteView stRequest) const {
+    using namespace AntennaScanRequest;
+    const uint32_t u32Choice = Get(stRequest, ScanChoice);
+    const uint32_t u32Patterns = Get(stRequest, NumGPIOPatterns);
+    if (m_stFrame.Running()) {
+        return ScanRunning;
+    }
+    if (u32Choice != AntennaScanRequest::Scan && u32Choice != InfiniteScan) {
+        return BadSetting;
+    }
+    if (u32Choice == AntennaScanRequest::Scan && Get(stRequest, Iterations) == 0) {
+        return BadSetting;
+    }
+    if (u32Patterns > MaxGPIOPatterns) {
+        return TooManyPins;
+    }
+    for (const uint32_t u32Pattern : Words(stRequest, GPIOPatterns, u32Patterns)) {
+        if (!PatternPossible(u32Pattern)) {
+            return BadPattern;
+        }
+    }
+    return WithStation() ? Success : NoStation;
+}
+
+int32_t Antennas::Scan(ByteView stRequest) {
+    using namespace AntennaScanRequest;
+    if (Get(stRequest, ScanChoice) == Abort) {
+        if (m_stFrame.Running()) {
+            EndScan(u32ScanAborted);
+        } else {
+            TellScanError(NoScanRunning);
+        }
+        return 0;
+    }
+    const uint32_t u32Error = JudgeScan(stRequest);
+    if (u32Error != Success) {
+        TellScanError(u32Error);
+        return 0;
+    }
+    // An iteration takes a frame for each pattern; without patterns, one with the
+    // antennas as they are.
+    m_u32NumPatterns = Get(stRequest, NumGPIOPatterns);
+    m_au32Patterns = {};
+    for (uint32_t i = 0; i < m_u32NumPatterns; ++i) {
+        m_au32Patterns[i] = Get(stRequest, GPIOPatterns, i * u32WordSize);
+    }
+    m_u64FramesLeft = uint64_t{Get(stRequest, Iterations)} * std::max(m_u32NumPatterns, 1U);
+    m_bEndless = Get(stRequest, ScanChoice) == InfiniteScan;
+    m_u64FramesPerReport = AntennaScan::MaxFrames;
+    if (m_bEndless && m_u64FramesLeft != 0) {
+        m_u64FramesPerReport = std::min(m_u64FramesPerReport, m_u64FramesLeft);
+    }
+    m_iFrameInterval = (ModemTime{Get(stRequest, InterleaveInterval)} + 1) * i64Frame;
+    m_u64FramesDone = 0;
+    m_astFrames.clear();
+    m_stFrame.Start(i64Frame, [this] { ScanFrame(); });
+    return 0;
+}
+
+void Antennas::ScanFrame() {
+    if (!WithStation()) {
+        m_astFrames.clear();
+        TellScanError(NoStation);
+        return;
+    }
+    const uint32_t u32Pattern = m_u32NumPatterns != 0
+                                    ? m_au32Patterns[m_u64FramesDone % m_u32NumPatterns]
+                                    : m_au32Selected[0];
+    m_astFrames.push_back({FrameNumber(), Measure(u32Pattern)});
+    ++m_u64FramesDone;
+    if (!m_bEndless && --m_u64FramesLeft == 0) {
+        EndScan(u32ScanComplete);
+        return;
+    }
+    if (m_astFrames.size() == m_u64FramesPerReport) {
+        TellScan(u32ScanGoesOn);
+        m_astFrames.clear();
+    }
+    m_stFrame.Start(m_iFrameInterval, [this] { ScanFrame(); });
+}
+
+void Antennas::EndScan(uint32_t u32ScanStatus) {
+    m_stFrame.Stop();
+    TellScan(u32ScanStatus);
+    m_astFrames.clear();
+}
+
+uint32_t Antennas::FrameNumber() const {
+    constexpr ModemTime i64Count = 1 << 24; // as wide as the air interface has it
+    return static_cast<uint32_t>(m_stModem.Now() / i64Frame % i64Count);
+}
+
+std::array<Antennas::Levels, 2> Antennas::Measure(uint32_t u32Pattern) {
+    const Measurement stMeasurement = m_stModem.Air().Measure(*m_stLink.Serving(), m_stModem.Now());
+    const double fPatternGain = u32Pattern < m_aiPatternGains.size()
+                                    ? static_cast<double>(m_aiPatternGains[u32Pattern])
+                                    : 0;
+    std::array<Levels, 2> astLevels{};
+    for (size_t i = 0; i < astLevels.size(); ++i) {
+        const double fChange =
+            m_afGains[i] + fPatternGain + m_fVariation * (2 * m_stRandom.Uniform() - 1);
+        astLevels[i] = {Rounded(stMeasurement.fRSSI + fChange),
+                        Rounded(stMeasurement.fCINR + fChange)};
+    }
+    return astLevels;
+}
+
+void Antennas::TellScan(uint32_t u32ScanStatus) {
+    using namespace AntennaScan;
+    Record<Size> stAnswer;
+    const ByteSpan stTo = stAnswer.Span();
+    Put(stTo, AntennaScan::Status, u32ScanStatus);
+    Put(stTo, FramesScanned, static_cast<uint32_t>(m_astFrames.size()));
+    PutWords(stTo, RxGPIOPattern, m_au32Patterns);
+    uint32_t u32Base = 0;
+    for (const Frame &stFrame : m_astFrames) {
+        Put(stTo, RSSIAnt1, stFrame.astAntennas[0].u32RSSI, u32Base);
+        Put(stTo, CINRAnt1, stFrame.astAntennas[0].u32CINR, u32Base);
+        Put(stTo, RSSIAnt2, stFrame.astAntennas[1].u32RSSI, u32Base);
+        Put(stTo, CINRAnt2, stFrame.astAntennas[1].u32CINR, u32Base);
+        Put(stTo, AntennaScan::FrameNumber, stFrame.u32Number, u32Base);
+        u32Base += u32WordSize;
+    }
+    PutWords(stTo, CurrentGPIOPattern, m_au32Selected);
+    if (WithStation()) {
+        const std::array<Levels, 2> astNow = Measure(m_au32Selected[0]);
+        Put(stTo, CurrentRSSIAnt1, astNow[0].u32RSSI);
+        Put(stTo, CurrentCINRAnt1, astNow[0].u32CINR);
+        Put(stTo, CurrentRSSIAnt2, astNow[1].u32RSSI);
+        Put(stTo, CurrentCINRAnt2, astNow[1].u32CINR);
+    }
+    m_stModem.Tell(TYPE_ANTENNA, SUBTYPE_ANTENNA_SCANNING, stAnswer.View());
+}
+
+void Antennas::TellScanError(uint32_t u32Error) {
+    Record<AntennaScan::Size> stAnswer;
+    Put(stAnswer.Span(), AntennaScan::Error, u32Error);
+    m_stModem.Tell(TYPE_ANTENNA, SUBTYPE_ANTENNA_SCANNING, stAnswer.View());
+}
+
+uint32_t Antennas::JudgeSelection(ByteView stRequest) const {
+    using namespace AntennaSelection;
+    if (Get(stRequest, RxSelectionValid) != 0) {
+        for (const uint32_t u32Pattern : Words(stRequest, RxAntennaSetting, RxSettings)) {
+            if (!PatternPossible(u32Pattern)) {
+                return BadPattern;
+            }
+        }
+    }
+    if (Get(stRequest, TxSelectionValid) != 0) {
+        const bool bAuto = Get(stRequest, TxAutoSelection) != 0;
+        const uint32_t u32Setting = Get(stRequest, TxAntennaSetting);
+        const bool bGood =
+            bAuto ? u32Setting <= u32LastAutoSetting
+                  : u32Setting >= u32FirstManualSetting && u32Setting <= u32LastManualSetting;
+        return bGood ? Success : BadSetting;
+    }
+    return Success;
+}
+
+int32_t Antennas::Select(ByteView stRequest) {
+    using namespace AntennaSelection;
+    const uint32_t u32Status = JudgeSelection(stRequest);
+    if (u32Status == Success && Get(stRequest, RxSelectionValid) != 0) {
+        for (uint32_t i = 0; i < RxSettings; ++i) {
+            m_au32Selected[i] = Get(stRequest, RxAntennaSetting, i * u32WordSize);
+        }
+    }
+    Record<StatusWord::Size> stAnswer;
+    Put(stAnswer.Span(), StatusWord::Value, u32Status);
+    m_stModem.Tell(TYPE_ANTENNA, SUBTYPE_ANTENNA_SELECTION, stAnswer.View());
+    return 0;
+}
+
+} // namespace
+
+std::unique_ptr<Subsystem> MakeAntennas(Modem &stModem) {
+    return std::make_unique<Antennas>(stModem);
+}

@@ -1,0 +1,432 @@
+// Station information, MAC address, statistics, chipset control.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+
+#include "Link.h"
+#include "ModemBench.h"
+#include "StationRecords.h"
+#include "TestScenarios.h"
+
+namespace {
+
+const std::string strLinkUp = std::string(pcFourStations) + pcLinkUp;
+
+TEST(StationInformation, ComesFromTheScenario) {
+    ModemBench stBench("[station-information]\nfirmware-version = [1, 2, 3]\n"
+                       "driver-version = \"D 7\"\nlibrary-version = [4, 5, 6]\n"
+                       "baseband-chip = 0x1234\nrf-chip = 0xABCD\neeprom-version = [7, 8]\n"
+                       "mac-address = \"02-03-04-05-06-07\"\ncalibration = 6\n");
+    EXPECT_EQ(stBench.Send(7, 1), 0);
+    EXPECT_EQ(stBench.Messages(),
+              Told({"7/1: 01 00 00 00 02 00 00 00 03 00 00 00 44 20 37 00*125"
+                    " 04 00 00 00 05 00 00 00 06 00 00 00 34 12 00 00 CD AB 00 00"
+                    " 07 00 00 00 08 00 00 00 02 03 04 05 06 07 00 00 06"}));
+}
+
+TEST(StationInformation, HasTheEEPROMOfTheScenario) {
+    ModemBench stBench("[eeprom]\nsize = 64\nvalid-sections = 0xFFF\n"
+                       "[eeprom.versions]\nrf = 1\nphy = 2\nmac = 3\ncal = 4\nhw = 5\nmib = 6\n"
+                       "security = 7\nomadm = 8\nmru = 9\nvsa = 10\n");
+    EXPECT_EQ(stBench.Send(7, 2), 0);
+    EXPECT_EQ(stBench.Send(7, 3), 0);
+    EXPECT_EQ(stBench.Messages(),
+              Told({"7/2: FF 0F 00 40", "7/3: 01 00 00 00 02 00 00 00 03 00 00 00 04 00 00 00"
+                                        " 05 00 00 00 06 00 00 00 07 00 00 00 08 00 00 00"
+                                        " 09 00 00 00 00*16 0A 00 00 00"}));
+}
+
+TEST(StationInformation, UnknownReportsAndNonsenseInTheScenarioAreRefused) {
+    ModemBench stBench("");
+    EXPECT_EQ(stBench.Send(7, 0), -5);
+    EXPECT_EQ(stBench.Send(7, 1, "00"), -4);
+    const std::string strLong(129, 'x');
+    for (const std::string &strKey :
+         {std::string("firmware-version = [1, 2]"),
+          std::string("mac-address = \"01 00 00 00 00 01\""),
+          std::string("mac-address = \"02 00\""), std::string("calibration = 256"),
+          "driver-version = \"" + strLong + "\""}) {
+        EXPECT_THROW(ModemBench("[station-information]\n" + strKey + "\n"), ScenarioError)
+            << strKey;
+    }
+}
+
+TEST(MACAddress, IsWhatIsReportedFromThenOn) {
+    ModemBench stBench("");
+    const auto Reported = [&] {
+        EXPECT_EQ(stBench.Send(7, 1), 0);
+        return stBench.Messages().at(0);
+    };
+    EXPECT_EQ(stBench.Send(11, 1, "00 1A 2B 3C 4D 5E"), 0);
+    EXPECT_EQ(stBench.Messages(), Told({"11/1: 00*4"}));
+    EXPECT_NE(Reported().find(" 00 1A 2B 3C 4D 5E 00 00 0E"), std::string::npos);
+    // Not the address of one station: a group, nobody.
+    EXPECT_EQ(stBench.Send(11, 1, "01 1A 2B 3C 4D 5F"), 0);
+    EXPECT_EQ(stBench.Send(11, 1, "00*6"), 0);
+    EXPECT_EQ(stBench.Messages(), Told({"11/1: 01 00 00 00", "11/1: 01 00 00 00"}));
+    EXPECT_NE(Reported().find(" 00 1A 2B 3C 4D 5E 00 00 0E"), std::string::npos);
+    // It stands in the EEPROM: a reset does not change it.
+    EXPECT_EQ(stBench.Send(16, 1), 0);
+    stBench.RunUntil(1);
+    EXPECT_EQ(stBench.Messages(), Told({"16/1:"}));
+    EXPECT_NE(Reported().find(" 00 1A 2B 3C 4D 5E 00 00 0E"), std::string::npos);
+    EXPECT_EQ(stBench.Send(11, 1, "00*5"), -4);
+}
+
+// ---- Statistics ----
+
+// Numbers of a report.
+struct Report {
+    std::vector<uint8_t> aucPayload;
+    explicit Report(const std::string &strText)
+        : aucPayload(BytesOfHex(strText.substr(strText.find(':') + 1))) {}
+    uint32_t Word(uint32_t u32Offset) const {
+        uint32_t u32Value = 0;
+        for (uint32_t i = 0; i < 4; ++i) {
+            u32Value |= static_cast<uint32_t>(aucPayload.at(u32Offset + i)) << (8 * i);
+        }
+        return u32Value;
+    }
+};
+
+Report ReportOf(ModemBench &stBench) {
+    EXPECT_EQ(stBench.Send(17, 1, "00*4"), 0);
+    const std::vector<std::string> astrTexts = stBench.Messages();
+    EXPECT_EQ(astrTexts.size(), 1U);
+    return Report(astrTexts.at(0));
+}
+
+TEST(Statistics, AreReportedOnce) {
+    // Two packets of 600 bytes a second up, 40 down; one of 2000 frames is in error.
+    ModemBench stBench(strLinkUp +
+                       "[traffic]\nuplink-rate = 1200\ndownlink-rate = 24000\npacket-size = 600\n");
+    stBench.RunUntil(100);
+    EXPECT_EQ(stBench.Send(17, 1, "00*4"), 0);
+    stBench.RunUntil(200);
+    // 20000 frames; 10 in error, 2 of them in the header; 4000 packets, 2 of them
+    // damaged; 2500 reports of the channel's quality; 50 bandwidth requests.
+    EXPECT_EQ(stBench.Messages(),
+              Told({"17/1: B8 03 00 00 20 4E 00 00 0A 00 00 00 02 00 00 00 02 00 00 00"
+                    " C4 09 00 00 C6 FF FF FF 1C 00 00 00 00*24 32 00 00 00 00*4 00*170 08 00*9"
+                    " 00 12 0A 01 02 03 00*279 15 00*418 6C 7B 27 00"}));
+}
+
+TEST(Statistics, AreEmptyWithoutAStation) {
+    ModemBench stBench("");
+    stBench.RunUntil(100);
+    EXPECT_EQ(stBench.Send(17, 1, "00*4"), 0);
+    EXPECT_EQ(stBench.Messages(), Told({"17/1: B8 03 00 00 00*948"}));
+}
+
+TEST(Statistics, ErrorsGrowWithAWorseningLink) {
+    ModemBench stBench(strLinkUp + "[[event]]\nat = 100\nkind = \"fade\"\n"
+                                   "station = \"00120A010203\"\nby = 26\n[handover]\n"
+                                   "look-period = 0\n");
+    stBench.RunUntil(100);
+    const Report stGood = ReportOf(stBench);
+    stBench.RunUntil(200);
+    const Report stBad = ReportOf(stBench);
+    EXPECT_EQ(stGood.Word(8), 10U);
+    // A CINR of 2 dB: every other frame is lost.
+    EXPECT_EQ(stBad.Word(8), 10020U);
+    EXPECT_EQ(stBad.aucPayload.at(529), 13); // QPSK 1/2
+    EXPECT_EQ(stBad.aucPayload.at(234), 23); // as loud as it can
+    EXPECT_GT(stBad.Word(12), stGood.Word(12));
+    EXPECT_GT(stBad.Word(16), stGood.Word(16));
+}
+
+TEST(Statistics, APeriodicReportIsReplacedAndStopped) {
+    ModemBench stBench(strLinkUp);
+    EXPECT_EQ(stBench.Send(17, 1, "64 00 00 00"), 0);
+    stBench.RunUntil(1);
+    const std::vector<std::string> astrFirst = stBench.TimedMessages();
+    ASSERT_EQ(astrFirst.size(), 10U);
+    EXPECT_EQ(astrFirst[0].substr(0, 9), "0.10 17/1");
+    EXPECT_EQ(astrFirst[9].substr(0, 9), "1.00 17/1");
+    EXPECT_EQ(Report(astrFirst[0]).Word(4), 20U);
+    EXPECT_EQ(Report(astrFirst[9]).Word(4), 200U);
+    EXPECT_EQ(stBench.Send(17, 1, "F4 01 00 00"), 0);
+    stBench.RunUntil(2);
+    const std::vector<std::string> astrSecond = stBench.TimedMessages();
+    ASSERT_EQ(astrSecond.size(), 2U);
+    EXPECT_EQ(astrSecond[0].substr(0, 9), "1.50 17/1");
+    // Stopping yields one more report.
+    EXPECT_EQ(stBench.Send(17, 1, "00*4"), 0);
+    stBench.RunUntil(100);
+    const std::vector<std::string> astrLast = stBench.TimedMessages();
+    ASSERT_EQ(astrLast.size(), 1U);
+    EXPECT_EQ(astrLast[0].substr(0, 9), "2.00 17/1");
+}
+
+TEST(Statistics, NoIntervalIsShorterThanAFrame) {
+    ModemBench stBench("");
+    EXPECT_EQ(stBench.Send(17, 1, "01 00 00 00"), 0);
+    stBench.RunUntil(1);
+    EXPECT_EQ(stBench.Messages().size(), 200U);
+}
+
+TEST(Statistics, ListTheTransportConnections) {
+    ModemBench stBench(strLinkUp);
+    stBench.TheModem().OnTransportCIDs([] {
+        std::vector<uint32_t> au32CIDs(50, 0x1234);
+        au32CIDs[0] = 0x2001;
+        return au32CIDs;
+    });
+    const Report stReport = ReportOf(stBench);
+    // As many as the record has room for.
+    EXPECT_EQ(stReport.Word(60), 42U);
+    EXPECT_EQ(stReport.Word(64), 0x2001U);
+    EXPECT_EQ(stReport.Word(64 + 41 * 4), 0x1234U);
+    EXPECT_EQ(stReport.aucPayload.at(64 + 42 * 4), 0);
+}
+
+// Synchronised again with the first station.
+void Resynchronise(ModemBench &stBench, double fTime) {
+    stBench.RunUntil(fTime);
+    EXPECT_EQ(stBench.Send(3, 1), 0);
+    EXPECT_EQ(stBench.Send(2, 1, "6C 7B 27 00 10 27 00 00 FF 00*55"), 0);
+    stBench.RunUntil(fTime + 0.5);
+    stBench.Messages();
+}
+
+TEST(Statistics, GoOnOverAResynchronisationUnlessTheyAreToldOtherwise) {
+    ModemBench stBench(strLinkUp);
+    Resynchronise(stBench, 10);
+    // 10 s, then from 10.3 s on.
+    EXPECT_EQ(ReportOf(stBench).Word(4), 2040U);
+    EXPECT_EQ(stBench.Send(17, 2, "01 00 00 00"), 0);
+    EXPECT_EQ(stBench.Messages(), Told({"17/2: 01 00 00 00"}));
+    Resynchronise(stBench, 20);
+    EXPECT_EQ(ReportOf(stBench).Word(4), 40U);
+    EXPECT_EQ(stBench.Send(17, 2, "00*4"), 0);
+    EXPECT_EQ(stBench.Send(17, 2, "02 00 00 00"), 0);
+    EXPECT_EQ(stBench.Messages(), Told({"17/2: 01 00 00 00", "17/2: 00 00 00 00"}));
+    Resynchronise(stBench, 30);
+    EXPECT_GT(ReportOf(stBench).Word(4), 1900U);
+}
+
+TEST(Statistics, AHandoverIsAResynchronisation) {
+    ModemBench stBench(strLinkUp + "[statistics]\nreset-on-resync = true\n[[event]]\nat = 10\n"
+                                   "kind = \"handover\"\nstation = \"00120A010204\"\n"
+                                   "[handover]\nlook-period = 0\n");
+    stBench.RunUntil(12.05);
+    EXPECT_EQ(stBench.Messages().size(), 1U);
+    const Report stReport = ReportOf(stBench);
+    EXPECT_EQ(stReport.Word(4), 400U);
+    EXPECT_EQ(stReport.aucPayload.at(249), 4);
+}
+
+TEST(Statistics, CountNoFramesInIdleMode) {
+    ModemBench stBench(std::string(pcFourStations) +
+                       "[start]\nstate = \"idle\"\nstation = \"00120A010203\"\n");
+    stBench.RunUntil(10);
+    EXPECT_EQ(ReportOf(stBench).Word(4), 0U);
+}
+
+TEST(Statistics, EndWithAReset) {
+    ModemBench stBench(strLinkUp);
+    EXPECT_EQ(stBench.Send(17, 1, "64 00 00 00"), 0);
+    stBench.RunUntil(10.05);
+    EXPECT_EQ(stBench.Send(16, 1), 0);
+    stBench.Messages();
+    stBench.RunUntil(11.55);
+    EXPECT_EQ(stBench.Messages(), Told({"16/1:"}));
+    // The link is up again from the start; one second since.
+    EXPECT_EQ(ReportOf(stBench).Word(4), 200U);
+}
+
+// ---- Chipset ----
+
+// What the modem status request writes into its own buffer.
+uint32_t StateOf(ModemBench &stBench) {
+    std::vector<uint8_t> aucMessage(WIMAX_MESSAGE_SIZE);
+    aucMessage[0] = 16;
+    aucMessage[2] = 3;
+    aucMessage[4] = 0x77;
+    EXPECT_EQ(stBench.TheModem().Send(aucMessage.data(), 5), 0);
+    return aucMessage[4];
+}
+
+TEST(ModemStatus, IsAnsweredAtOnceInEveryState) {
+    ModemBench stActive(strLinkUp);
+    EXPECT_EQ(StateOf(stActive), 0U);
+    ModemBench stNothing("");
+    EXPECT_EQ(StateOf(stNothing), 0U);
+    ModemBench stIdle(std::string(pcFourStations) +
+                      "[start]\nstate = \"idle\"\nstation = \"00120A010203\"\n");
+    EXPECT_EQ(StateOf(stIdle), 3U);
+    ModemBench stShutdown("");
+    EXPECT_EQ(stShutdown.Send(30, 1), 0);
+    EXPECT_EQ(StateOf(stShutdown), 2U);
+    stShutdown.RunUntil(1);
+    EXPECT_EQ(StateOf(stShutdown), 2U);
+    EXPECT_EQ(stActive.Messages(), Told({}));
+    EXPECT_EQ(stActive.Send(16, 3, ""), -4);
+}
+
+TEST(ModemStatus, ACrashedModemSaysNothingElseUntilItIsReset) {
+    ModemBench stBench(strLinkUp + "[[event]]\nat = 1\nkind = \"crash\"\n"
+                                   "[[event]]\nat = 2\nkind = \"dreg\"\naction = 3\n");
+    stBench.RunUntil(3);
+    EXPECT_EQ(StateOf(stBench), 1U);
+    EXPECT_EQ(stBench.Send(2, 3), 0);
+    EXPECT_EQ(stBench.Send(29, 3, "00*40"), 0);
+    stBench.RunUntil(4);
+    EXPECT_EQ(stBench.Messages(), Told({}));
+    EXPECT_EQ(stBench.Send(16, 1), 0);
+    EXPECT_EQ(StateOf(stBench), 4U);
+    stBench.RunUntil(10);
+    EXPECT_EQ(StateOf(stBench), 0U);
+    EXPECT_EQ(stBench.Send(29, 3, "00*40"), 0);
+    EXPECT_EQ(stBench.TimedMessages(),
+              Told({"4.50 16/1:", "10.00 29/3: 00*4 3B 00*3 00*20 01 00 00 00 00*8"}));
+}
+
+TEST(ChipsetReset, TakesTheModemBackToItsStateAtStart) {
+    ModemBench stBench(std::string(pcFourStations) + "[chipset]\nreset-time = 2\n");
+    EXPECT_EQ(stBench.Send(29, 1, "20 07 00 00 00"), 0);
+    EXPECT_EQ(
+        stBench.Send(26, 1, "01 00 00 00 FF 01 00 08 05 20 04 00 01 01 00 00 00*32 00 00*4 00*147"),
+        0);
+    EXPECT_EQ(stBench.Send(28, 1, "00*28 01 00 00 00 00*4"), 0);
+    EXPECT_EQ(stBench.Send(2, 1, "6C 7B 27 00 10 27 00 00 FF 00*55"), 0);
+    stBench.RunUntil(1);
+    EXPECT_EQ(stBench.Messages().size(), 4U);
+    EXPECT_EQ(stBench.Send(16, 1), 0);
+    // Nobody is there to answer.
+    EXPECT_EQ(stBench.Send(2, 3), 0);
+    stBench.RunUntil(10);
+    EXPECT_EQ(stBench.Send(2, 3), 0);
+    EXPECT_EQ(stBench.Send(29, 3, "00*40"), 0);
+    EXPECT_EQ(stBench.Send(26, 1, "01 00 00 00 00 00*43 01 00*4 00*147"), 0);
+    EXPECT_EQ(stBench.Send(28, 1, "00*36"), 0);
+    EXPECT_EQ(stBench.TimedMessages(),
+              Told({"3.00 16/1:", "10.00 2/2: 0E 00*44",
+                    "10.00 29/3: 00*4 3B 00*3 00*20 01 00 00 00 00*8", "10.00 26/2: 00*200",
+                    "10.00 28/1: 03 00 00 00 01 00 00 00 04 00 00 00 05 00 00 00 06 00 00 00"
+                    " FF*4 07 00 00 00 00*8"}));
+}
+
+// "/f" and "/c"
+const std::string strConfiguration = " 00 00 00 00 2F 63 00*126";
+const std::string strFirmware = " 01 00 00 00 2F 66 00*126";
+std::string Status(const std::string &strStatus, const std::string &strFile) {
+    return "16/2: " + strStatus + " 00 00 00" + strFile;
+}
+
+TEST(Download, TakesItsTimeFileByFileAndStartsTheFirmware) {
+    ModemBench stBench(strLinkUp + "[download]\nrate = 1000\nconfiguration-size = 2000\n"
+                                   "firmware-size = 10000\n");
+    EXPECT_EQ(stBench.Send(16, 2, strConfiguration), 0);
+    EXPECT_EQ(StateOf(stBench), 4U);
+    stBench.RunUntil(5);
+    EXPECT_EQ(StateOf(stBench), 0U);
+    EXPECT_EQ(stBench.Send(16, 2, strFirmware), 0);
+    stBench.RunUntil(14);
+    EXPECT_EQ(StateOf(stBench), 4U);
+    stBench.RunUntil(15.2);
+    EXPECT_EQ(StateOf(stBench), 4U); // starts
+    stBench.RunUntil(20);
+    EXPECT_EQ(StateOf(stBench), 0U);
+    EXPECT_EQ(stBench.TimedMessages(), Told({"2.00 " + Status("00", strConfiguration),
+                                             "15.00 " + Status("00", strFirmware), "15.50 16/1:"}));
+}
+
+TEST(Download, TheFirmwareNeedsAGoodConfigurationBeforeIt) {
+    ModemBench stBench("");
+    EXPECT_EQ(stBench.Send(16, 2, strFirmware), 0);
+    EXPECT_EQ(stBench.Send(16, 2, strConfiguration), 0);
+    // Not while the configuration is still on its way, which goes on.
+    EXPECT_EQ(stBench.Send(16, 2, strFirmware), 0);
+    stBench.RunUntil(1);
+    EXPECT_EQ(stBench.Messages(), Told({Status("01", strFirmware), Status("01", strFirmware),
+                                        Status("00", strConfiguration)}));
+    // After the firmware, a new configuration comes first again.
+    EXPECT_EQ(stBench.Send(16, 2, strConfiguration), 0);
+    stBench.RunUntil(2);
+    EXPECT_EQ(stBench.Send(16, 2, strFirmware), 0);
+    stBench.RunUntil(10);
+    EXPECT_EQ(stBench.Send(16, 2, strFirmware), 0);
+    EXPECT_EQ(stBench.Messages(), Told({Status("00", strConfiguration), Status("00", strFirmware),
+                                        "16/1:", Status("01", strFirmware)}));
+}
+
+TEST(Download, NeitherConfigurationNorFirmwareIsNoFile) {
+    ModemBench stBench("");
+    EXPECT_EQ(stBench.Send(16, 2, "07 00 00 00 2F 00*127"), 0);
+    EXPECT_EQ(stBench.Send(16, 2, "00*131"), -4);
+    EXPECT_EQ(stBench.Messages(), Told({"16/2: 03 00 00 00 07 00 00 00 2F 00*127"}));
+}
+
+TEST(Download, AFileThatFailsIsTriedAgain) {
+    ModemBench stBench("[download]\nrate = 10000\nconfiguration-size = 10000\n"
+                       "configuration-failures = 2\nfailure-code = 9\nretry-after = 3\n");
+    EXPECT_EQ(stBench.Send(16, 2, strConfiguration), 0);
+    stBench.RunUntil(3);
+    EXPECT_EQ(StateOf(stBench), 4U);
+    stBench.RunUntil(100);
+    EXPECT_EQ(stBench.TimedMessages(), Told({"1.00 " + Status("09", strConfiguration),
+                                             "5.00 " + Status("09", strConfiguration),
+                                             "9.00 " + Status("00", strConfiguration)}));
+}
+
+TEST(Download, IsGivenUpAfterTheRetries) {
+    ModemBench stBench("[download]\nconfiguration-size = 0\nconfiguration-failures = 100\n"
+                       "retries = 2\n");
+    EXPECT_EQ(stBench.Send(16, 2, strConfiguration), 0);
+    stBench.RunUntil(100);
+    EXPECT_EQ(stBench.TimedMessages(), Told({"0.00 " + Status("05", strConfiguration),
+                                             "2.00 " + Status("05", strConfiguration),
+                                             "4.00 " + Status("05", strConfiguration)}));
+    EXPECT_EQ(StateOf(stBench), 0U);
+}
+
+class DownloadFromTheHost : public testing::Test {
+  protected:
+    void SetUp() override {
+        char acPattern[] = "/tmp/download.XXXXXX";
+        ASSERT_NE(mkdtemp(acPattern), nullptr);
+        m_strRoot = acPattern;
+    }
+    void TearDown() override {
+        std::remove((m_strRoot + "/c").c_str());
+        std::remove(m_strRoot.c_str());
+    }
+    void Write(size_t uSize) const { std::ofstream(m_strRoot + "/c") << std::string(uSize, 'x'); }
+    std::string Scenario() const {
+        return "[download]\nrequire-files = true\nrate = 100\nhost-directory = \"" + m_strRoot +
+               "\"\n";
+    }
+    std::string m_strRoot;
+};
+
+TEST_F(DownloadFromTheHost, TakesAsLongAsTheFileIs) {
+    Write(500);
+    ModemBench stBench(Scenario());
+    EXPECT_EQ(stBench.Send(16, 2, strConfiguration), 0);
+    stBench.RunUntil(100);
+    EXPECT_EQ(stBench.TimedMessages(), Told({"5.00 " + Status("00", strConfiguration)}));
+}
+
+TEST_F(DownloadFromTheHost, WaitsForAFileThatIsNotThere) {
+    ModemBench stBench(Scenario());
+    EXPECT_EQ(stBench.Send(16, 2, strConfiguration), 0);
+    stBench.RunUntil(1);
+    Write(0);
+    stBench.RunUntil(100);
+    EXPECT_EQ(stBench.TimedMessages(), Told({"0.00 " + Status("02", strConfiguration),
+                                             "2.00 " + Status("00", strConfiguration)}));
+}
+
+TEST_F(DownloadFromTheHost, ADirectoryIsNoFileAndAPathNeedsNoEnd) {
+    ModemBench stBench(Scenario() + "retries = 0\n");
+    EXPECT_EQ(stBench.Send(16, 2, "00*132"), 0);
+    EXPECT_EQ(stBench.Send(16, 2, "00*4 61*128"), 0);
+    stBench.RunUntil(100);
+    EXPECT_EQ(stBench.Messages(),
+              Told({"16/2: 02 00 00 00 00*132", "16/2: 02 00 00 00 00*4 61*128"}));
+}
+
+} // namespace
