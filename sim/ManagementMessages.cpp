@@ -24,17 +24,9 @@ void Put(BitWriter &stBody, std::span<const FixedTLV> astTLVs) {
 
 // Convolutional turbo codes, as DCD and UCD number them, by ascending rate: the burst
 // profile's place is its DIUC, or its UIUC less 1.
-struct BurstProfile {
-    uint32_t u32FEC;
-    uint32_t u32Exit;  // quarter dB of CINR, below which it is left
-    uint32_t u32Entry; // quarter dB, from which on it is taken
-};
-constexpr std::array astBurstProfiles{
-    BurstProfile{13, 0, 12},  BurstProfile{15, 24, 32}, BurstProfile{16, 40, 48},
-    BurstProfile{17, 56, 64}, BurstProfile{18, 68, 76}, BurstProfile{20, 80, 88},
-};
+constexpr std::array<uint32_t, 6> au32BurstProfiles{13, 15, 16, 17, 18, 20};
 namespace BurstTLV {
-enum : uint32_t { Profile = 1, FEC = 150, ExitThreshold = 151, EntryThreshold = 152 };
+enum : uint32_t { Profile = 1, FEC = 150 };
 }
 
 // One frame of 5 ms: 29 symbols down, 18 up.
@@ -206,13 +198,11 @@ BitWriter DCDBody(const Station &stStation) {
     Put(stBody, astDCDMobility);
     stBody.TLV(DCDTLV::PagingGroups, 2, u32PagingGroup);
     stBody.TLV(DCDTLV::MACVersion, 1, u32MACVersion);
-    for (uint32_t i = 0; i < astBurstProfiles.size(); ++i) {
+    for (uint32_t i = 0; i < au32BurstProfiles.size(); ++i) {
         BitWriter stProfile;
         stProfile
             .U8(i) // the DIUC
-            .TLV(BurstTLV::FEC, 1, astBurstProfiles[i].u32FEC)
-            .TLV(BurstTLV::ExitThreshold, 1, astBurstProfiles[i].u32Exit)
-            .TLV(BurstTLV::EntryThreshold, 1, astBurstProfiles[i].u32Entry);
+            .TLV(BurstTLV::FEC, 1, au32BurstProfiles[i]);
         stBody.TLV(BurstTLV::Profile, stProfile);
     }
     return stBody;
@@ -231,11 +221,11 @@ BitWriter UCDBody(const Station &stStation) {
         .TLV(UCDTLV::FirstCode, 1, RangingCodes::Initial.u32First)
         .TLV(UCDTLV::HandoverCodes, 1, RangingCodes::Handover.u32Count)
         .TLV(UCDTLV::PermutationBase, 1, stStation.u32CellID & 0x7F);
-    for (uint32_t i = 0; i < astBurstProfiles.size(); ++i) {
+    for (uint32_t i = 0; i < au32BurstProfiles.size(); ++i) {
         BitWriter stProfile;
         stProfile
             .U8(i + 1) // the UIUC
-            .TLV(UCDTLV::FEC, 1, astBurstProfiles[i].u32FEC)
+            .TLV(UCDTLV::FEC, 1, au32BurstProfiles[i])
             .TLV(UCDTLV::RangingDataRatio, 1, 0);
         stBody.TLV(UCDTLV::Profile, stProfile);
     }
@@ -362,11 +352,7 @@ BitWriter PKMBody(uint32_t u32Code, uint32_t u32Identifier, const KeyExchange &s
     using namespace PKMAttribute;
     BitWriter stBody;
     stBody.U8(u32Code).U8(u32Identifier);
-    const auto PutSuites = [](BitWriter &stTo, uint32_t u32Type) {
-        BitWriter stSuite;
-        stSuite.U24(u32AES);
-        stTo.TLV(u32Type, stSuite);
-    };
+    const auto PutSuite = [](BitWriter &stTo) { stTo.TLV(CryptoSuite, 3, u32AES); };
     const auto PutSATEK = [&](bool bWithMSRandom) {
         if (bWithMSRandom) {
             stBody.TLV(MSRandom, U64(stKeys.u64MSRandom));
@@ -393,8 +379,10 @@ BitWriter PKMBody(uint32_t u32Code, uint32_t u32Identifier, const KeyExchange &s
         break;
     case PKMCode::SATEKRequest: {
         PutSATEK(true);
+        BitWriter stSuites;
+        PutSuite(stSuites);
         BitWriter stCapabilities;
-        PutSuites(stCapabilities, CryptoSuites);
+        stCapabilities.TLV(CryptoSuites, stSuites);
         stBody.TLV(SecurityCapabilities, stCapabilities);
         PutNegotiation();
         break;
@@ -403,7 +391,7 @@ BitWriter PKMBody(uint32_t u32Code, uint32_t u32Identifier, const KeyExchange &s
         PutSATEK(true);
         BitWriter stDescriptor;
         stDescriptor.TLV(SAID, 2, u32PrimarySAID).TLV(SAType, 1, 0).TLV(SAServiceType, 1, 0);
-        PutSuites(stDescriptor, CryptoSuite);
+        PutSuite(stDescriptor);
         stBody.TLV(FrameNumber, 3, u32Frame).TLV(SADescriptor, stDescriptor);
         PutNegotiation();
         break;

@@ -231,7 +231,8 @@ class ServiceFlows : public Subsystem {
                 void (ServiceFlows::*pfnFinish)(ByteView stRequest));
     void FinishAdd(ByteView stRequest);
     void FinishChange(ByteView stRequest);
-    void FinishDelete(ByteView stRequest);
+    void FinishDelete(ByteView stRequest) { Delete(stRequest, false); }
+    void Delete(ByteView stRequest, bool bByStation);
     int32_t ChangeGrant(const Request &stRequest);
     Confirmation JudgeAdd(ByteView stRequest) const;
     Confirmation Change(ByteView stRequest, Flow *pstFlow) const;
@@ -306,7 +307,7 @@ ServiceFlows::ServiceFlows(Modem &stModem) : m_stModem(stModem), m_stProvisionin
             Put(stRequest.Span(), DeleteFlowRequest::MsgCode, ServiceFlowRecord::DeleteRequest);
             Put(stRequest.Span(), DeleteFlowRequest::SFID, u32SFID);
             if (FlowWith(&Flow::u32SFID, u32SFID) != nullptr) {
-                FinishDelete(stRequest.View());
+                Delete(stRequest.View(), true);
             }
         };
     });
@@ -547,7 +548,7 @@ void ServiceFlows::FinishChange(ByteView stRequest) {
     Tell(SUBTYPE_DSC, stRequest, stAnswer, eCode);
 }
 
-void ServiceFlows::FinishDelete(ByteView stRequest) {
+void ServiceFlows::Delete(ByteView stRequest, bool bByStation) {
     const uint32_t u32SFID = Get(stRequest, DeleteFlowRequest::SFID);
     const Flow *pstFlow = FlowWith(&Flow::u32SFID, u32SFID);
     Confirmation eCode = LinkUp() ? FlowNotFound : RejectOther;
@@ -556,7 +557,6 @@ void ServiceFlows::FinishDelete(ByteView stRequest) {
         eCode = Accepted;
         stAnswer = pstFlow->stRecord;
         Delete(pstFlow);
-        const bool bByStation = Get(stRequest, DeleteFlowRequest::TID) == 0;
         m_stModem.TheSignalling().FlowDeleted(u32SFID, eCode, bByStation);
     }
     Put(stAnswer.Span(), SFParamSet::SFID, u32SFID, ServiceFlowRecord::ProvisionedSet);

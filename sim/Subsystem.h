@@ -19,10 +19,10 @@ class Subsystem {
 };
 
 // Each in the file of its name.
-std::unique_ptr<Subsystem> MakeGPIO(Modem &stModem);
 std::unique_ptr<Subsystem> MakeAntennas(Modem &stModem);
 std::unique_ptr<Subsystem> MakeAuthentication(Modem &stModem);
 std::unique_ptr<Subsystem> MakeChipset(Modem &stModem);
+std::unique_ptr<Subsystem> MakeGPIO(Modem &stModem);
 std::unique_ptr<Subsystem> MakeHalfMiniCard(Modem &stModem);
 std::unique_ptr<Subsystem> MakeHandovers(Modem &stModem);
 std::unique_ptr<Subsystem> MakeIdleMode(Modem &stModem);
@@ -36,9 +36,9 @@ std::unique_ptr<Subsystem> MakeSearch(Modem &stModem);
 std::unique_ptr<Subsystem> MakeSecurityParameters(Modem &stModem);
 std::unique_ptr<Subsystem> MakeServiceFlows(Modem &stModem);
 std::unique_ptr<Subsystem> MakeShutdown(Modem &stModem);
-std::unique_ptr<Subsystem> MakeTrace(Modem &stModem);
 std::unique_ptr<Subsystem> MakeSleepMode(Modem &stModem);
 std::unique_ptr<Subsystem> MakeStationInformation(Modem &stModem);
 std::unique_ptr<Subsystem> MakeStatistics(Modem &stModem);
+std::unique_ptr<Subsystem> MakeTrace(Modem &stModem);
 
 #endif

@@ -5,10 +5,12 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "BitWriter.h"
 #include "DiagnosticRecords.h"
+#include "LinkRecords.h"
 #include "MobilityRecords.h"
+#include "Modem.h"
 #include "ServiceFlowRecord.h"
-#include "Signalling.h"
 
 namespace {
 
@@ -103,8 +105,10 @@ class TracedModem {
         }
     }
 
-    void Run(double fSeconds) {
-        const ModemTime iEnd = m_stModem.Now() + static_cast<ModemTime>(fSeconds * 1e6);
+    void Run(double fSeconds) { RunUntil(static_cast<double>(m_stModem.Now()) / 1e6 + fSeconds); }
+
+    void RunUntil(double fSeconds) {
+        const auto iEnd = static_cast<ModemTime>(fSeconds * 1e6 + 0.5);
         for (auto iDue = m_stModem.NextDue(); iDue && *iDue <= iEnd; iDue = m_stModem.NextDue()) {
             m_stModem.AdvanceTo(*iDue);
             for (MessageBytes aucMessage; m_stModem.TakeMessage(&aucMessage);) {
@@ -149,8 +153,10 @@ void EnterNetwork(TracedModem &stTraced) {
 
 void Sleep(TracedModem &stTraced) {
     using namespace PSCDefinition;
-    Record<Size> stClass;
-    const ByteSpan stTo = stClass.Span();
+    Record<SleepMode::Size> stRequest;
+    Put(stRequest.Span(), SleepMode::NumDefinitions, 1);
+    const ByteSpan stTo = stRequest.Span().From(SleepMode::Definitions);
+    Put(stTo, PSCID, NewPSCID);
     Put(stTo, PSCType, 1);
     Put(stTo, InitialSleepWindow, 2);
     Put(stTo, ListenWindow, 2);
@@ -158,56 +164,87 @@ void Sleep(TracedModem &stTraced) {
     Put(stTo, FinalSleepWindowExp, 1);
     Put(stTo, TTWF, 1);
     Put(stTo, TIR, 1);
-    Signalling &stSignalling = stTraced.TheModem().TheSignalling();
-    for (const uint32_t u32Activity : {ActivityDefinitionAndActivation, ActivityDeactivation}) {
+    Put(stTo, NumCIDs, 2);
+    Put(stTo, CIDs, 4096);
+    for (const uint32_t u32Activity :
+         {ActivityDefinitionAndActivation, ActivityDeactivation, ActivityActivation}) {
         Put(stTo, Activity, u32Activity);
-        stSignalling.SleepAgreed(stTo);
-        stSignalling.TrafficIndicated(0);
-        stTraced.Run(0.1);
+        stTraced.Send(TYPE_SLEEP_MODE, SUBTYPE_SLEEP_PSC_DEFINITION, stRequest.View());
+        stTraced.Run(0.3);
+        Put(stTo, PSCID, 0);
     }
 }
 
 void UseFlows(TracedModem &stTraced) {
-    Record<SFParamSet::Size> stSet;
-    Put(stSet.Span(), SFParamSet::QoSParamSetType, 7);
-    Put(stSet.Span(), SFParamSet::SchedulingType, SFParamSet::BE);
-    Put(stSet.Span(), SFParamSet::MaxSustainedTrafficRate, 1000000);
-    Put(stSet.Span(), SFParamSet::CSSpecification, 1);
-    Signalling &stSignalling = stTraced.TheModem().TheSignalling();
-    for (const bool bByStation : {false, true}) {
-        const FlowParameters stFlow{!bByStation, 1U + bByStation, 4096U + bByStation, stSet.View()};
-        stSignalling.FlowAdded(stFlow, 0, bByStation);
-        stSignalling.FlowChanged(stFlow, 0);
-        stSignalling.FlowDeleted(stFlow.u32SFID, 0, bByStation);
-        stSignalling.FlowAdded(stFlow, 3, bByStation);
-        stTraced.Run(0.5);
+    Record<ServiceFlowRecord::Size> stRequest;
+    const ByteSpan stTo = stRequest.Span();
+    const ByteSpan stSet = stTo.From(ServiceFlowRecord::ProvisionedSet);
+    Put(stTo, ServiceFlowRecord::MsgCode, ServiceFlowRecord::AddRequest);
+    Put(stTo, ServiceFlowRecord::Direction, ServiceFlowRecord::Uplink);
+    Put(stSet, SFParamSet::SetPresent, 1);
+    Put(stSet, SFParamSet::QoSParamSetType, 7);
+    Put(stSet, SFParamSet::SchedulingType, SFParamSet::UGS);
+    Put(stSet, SFParamSet::CSSpecification, 1);
+    // The second one is too large for the station.
+    for (const uint32_t u32Rate : {1000000U, 1000000000U}) {
+        Put(stSet, SFParamSet::MaxSustainedTrafficRate, u32Rate);
+        stTraced.Send(TYPE_SERVICE_FLOW, SUBTYPE_DSA,
+                      stRequest.View().From(0, ServiceFlowRecord::ShortSize));
+        stTraced.Run(0.3);
     }
+    Put(stTo, ServiceFlowRecord::MsgCode, ServiceFlowRecord::ChangeRequest);
+    Put(stSet, SFParamSet::SFID, 2);
+    Put(stSet, SFParamSet::MaxSustainedTrafficRate, 500000);
+    stTraced.Send(TYPE_SERVICE_FLOW, SUBTYPE_DSC, stRequest.View());
+    stTraced.Run(0.3);
+    Record<DeleteFlowRequest::Size> stDelete;
+    Put(stDelete.Span(), DeleteFlowRequest::MsgCode, ServiceFlowRecord::DeleteRequest);
+    Put(stDelete.Span(), DeleteFlowRequest::SFID, 2);
+    stTraced.Send(TYPE_SERVICE_FLOW, SUBTYPE_DSD, stDelete.View());
+    stTraced.Run(0.3);
 }
 
-void HandOver(TracedModem &stTraced) {
-    Modem &stModem = stTraced.TheModem();
-    for (const bool bSuccess : {false, true}) {
-        stModem.TheSignalling().HandoverBegins(stModem.Air().Stations()[1]);
-        stTraced.Run(0.04);
-        stModem.TheSignalling().HandoverEnds(bSuccess);
-        stTraced.Run(0.5);
-    }
-}
+constexpr const char *pcEvents = R"(
+[[service-flow]]
+direction = "downlink"
+type = "BE"
+[[event]]
+at = 6.5
+kind = "traffic-waits"
+[[event]]
+at = 10
+kind = "handover"
+station = "00 12 0A 01 02 04"
+fails = true
+[[event]]
+at = 11
+kind = "handover"
+station = "00 12 0A 01 02 04"
+ranging-failures = 1
+[[event]]
+at = 20.5
+kind = "paging"
+[[event]]
+at = 24
+kind = "dreg"
+action = 5
+[[event]]
+at = 30
+kind = "flow-deleted"
+sfid = 1
+)";
 
 void LiveALife(Capture &stCapture) {
-    TracedModem stTraced(std::string(pcStations) +
-                             "[[event]]\nat = 25\nkind = \"paging\"\n"
-                             "[[event]]\nat = 30\nkind = \"dreg\"\naction = 5\n",
-                         stCapture);
-    EnterNetwork(stTraced);
+    TracedModem stTraced(std::string(pcStations) + pcEvents, stCapture);
+    EnterNetwork(stTraced); // until 5 s
     Sleep(stTraced);
-    UseFlows(stTraced);
-    HandOver(stTraced);
-    stTraced.Run(10);
-    stTraced.Send(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE);
-    stTraced.Run(15);
-    stTraced.Send(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE_WAKE_UP);
     stTraced.Run(1);
+    UseFlows(stTraced);
+    stTraced.RunUntil(15); // two handovers
+    stTraced.Send(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE);
+    stTraced.RunUntil(27); // paged, and sent to idle mode again
+    stTraced.Send(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE_WAKE_UP);
+    stTraced.RunUntil(32);
     stTraced.Send(TYPE_NETWORK_EXIT, SUBTYPE_SYNC_DEREG);
     stTraced.Run(1);
 }
