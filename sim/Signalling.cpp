@@ -47,7 +47,7 @@ Signalling::Signalling(Modem &stModem)
     m_iNeighbourPeriod = ReadPeriod("neighbour-period", 10);
     m_iRangingPeriod = ReadPeriod("ranging-period", 2);
     m_iReportPeriod = ReadPeriod("report-period", 10);
-    m_fCMACFailures = stSettings.Number("cmac-failures", 0, 1, 0);
+    m_fCMACFailures = stSettings.Number("cmac-failures", 0, 0.9, 0);
     m_stLink.Observe([this](const LinkChange &stChange) { OnLinkChange(stChange); });
 }
 

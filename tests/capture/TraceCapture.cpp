@@ -31,15 +31,14 @@ preamble = 35
 rssi = -71
 cinr = 16
 dcd-change-count = 9
+[trace]
+on = true
 [signalling]
 map-period = 0.2
 descriptor-period = 1
 neighbour-period = 1
 ranging-period = 0.5
 report-period = 1
-cmac-failures = 0.1
-[trace]
-on = true
 )";
 
 // A capture of upper-layer PDUs: each begins with the name of its decoder.
@@ -208,6 +207,7 @@ constexpr const char *pcEvents = R"(
 [[service-flow]]
 direction = "downlink"
 type = "BE"
+max-rate = 64000
 [[event]]
 at = 6.5
 kind = "traffic-waits"
@@ -258,8 +258,9 @@ void FailToEnter(Capture &stCapture) {
         EnterNetwork(stTraced);
     }
     for (const char *pcEvent : {"reset\"\n", "dreg\"\naction = 0\n", "dreg\"\naction = 3\n"}) {
-        TracedModem stTraced(pcStations + std::string("[[event]]\nat = 6\nkind = \"") + pcEvent,
-                             stCapture);
+        TracedModem stTraced(
+            pcStations + std::string("cmac-failures = 0.3\n[[event]]\nat = 6\nkind = \"") + pcEvent,
+            stCapture);
         EnterNetwork(stTraced);
         stTraced.Run(2);
     }

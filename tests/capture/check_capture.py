@@ -3,11 +3,10 @@
 finds with what the modem says that it sent."""
 
 import argparse
-import collections
+import pathlib
 import subprocess
 import sys
 import tempfile
-import pathlib
 
 # As tshark names them, by code.
 NAMES = {
@@ -30,7 +29,7 @@ BROADCAST = {2: 0xFFFF, 3: 0xFFFF, 0: 0xFFFD, 1: 0xFFFD, 52: 0xFFFF, 53: 0xFFFF,
 BASIC = {25, 26, 27, 29, 36, 37, 49, 50, 51, 57, 58, 59}
 PRIMARY = {6, 7, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 30}
 
-# The longest period between two broadcasts of a kind that the writer's scenario has.
+# What a network entry consists of behind the ranging, in its order.
 ENTRY = [26, 27, 9, 10, 9, 10, 9, 10, 10, 9, 10, 6, 7, 9, 10]
 
 
@@ -74,8 +73,7 @@ def main():
         summary = tshark(arguments.tshark, capture).splitlines()
         details = tshark(arguments.tshark, capture, "-V")
         maps = tshark(arguments.tshark, capture, "-Y", "wmx.dlmap.bsid", "-T", "fields", "-e",
-                      "frame.number", "-e", "wmx.dlmap.fch_expected", "-e",
-                      "wmx.dlmap.phy_fdur", "-e", "wmx.dlmap.phy_fnum")
+                      "frame.number", "-e", "wmx.dlmap.phy_fdur", "-e", "wmx.dlmap.phy_fnum")
 
     if len(sent) < 500 or len(summary) != len(sent):
         fail(f"{len(sent)} messages sent, {len(summary)} read")
@@ -100,14 +98,11 @@ def main():
         if words[-2] not in ("4", "0x04") or int(words[-1], 0) != sent[number - 1][0]:
             fail(f"message {number}: the DL-MAP says frame {words}, the record {sent[number - 1]}")
 
-    # A network entry is said in this order, beside the broadcasts and the ranging.
-    codes = [record[2] for record in sent]
-    start = codes.index(26)
-    entry = [code for code in codes[start:start + 200] if code in ENTRY]
-    if entry[:len(ENTRY)] != ENTRY and not set(record[4] for record in sent) == {0, 1}:
-        fail(f"network entry: {entry[:len(ENTRY)]}")
-    count = collections.Counter(record[2] for record in sent)
-    print(f"{len(sent)} messages of {len(count)} kinds read, none malformed")
+    # The first network entry, without the broadcasts beside it.
+    entry = [record[2] for record in sent if record[2] in ENTRY][:len(ENTRY)]
+    if entry != ENTRY:
+        fail(f"network entry: {entry}")
+    print(f"{len(sent)} messages of {len(NAMES)} kinds read, none malformed")
 
 
 if __name__ == "__main__":
