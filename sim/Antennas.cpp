@@ -85,7 +85,7 @@ class Antennas : public Subsystem {
     };
     using Patterns = std::array<uint32_t, AntennaScanRequest::MaxGPIOPatterns>;
 
-    PinConfig ReadConfig(const Section &stSettings) const;
+    static PinConfig ReadConfig(const Section &stSettings);
     int32_t Configure(ByteView stRequest);
     int32_t Scan(ByteView stRequest);
     uint32_t JudgeScan(ByteView stRequest) const;
@@ -138,7 +138,7 @@ Antennas::Antennas(Modem &stModem)
                [this](const Request &stRequest) { return Select(stRequest.stPayload); });
 }
 
-PinConfig Antennas::ReadConfig(const Section &stSettings) const {
+PinConfig Antennas::ReadConfig(const Section &stSettings) {
     PinConfig stConfig{{4, 5, 6}, {7}};
     const auto Read = [&](const char *pcKey, uint32_t u32Most, std::vector<uint32_t> *pau32Pins) {
         if (!stSettings.Has(pcKey)) {

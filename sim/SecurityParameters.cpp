@@ -137,8 +137,9 @@ Status SecurityParameters::Write(uint32_t u32ID, ByteView stValue) {
         return InUse;
     }
     const Bytes aucValue(stValue.pucData, stValue.pucData + stValue.u32Length);
-    Bytes aucKept{static_cast<uint8_t>(stValue.u32Length)};
-    aucKept.insert(aucKept.end(), aucValue.begin(), aucValue.end());
+    Bytes aucKept(1 + aucValue.size());
+    aucKept[0] = static_cast<uint8_t>(aucValue.size());
+    std::copy(aucValue.begin(), aucValue.end(), aucKept.begin() + 1);
     if (!m_stModem.TheStateFile().Keep(pcStateSection, std::to_string(u32ID), aucKept)) {
         return NotKept;
     }

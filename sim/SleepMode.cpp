@@ -52,7 +52,7 @@ bool MakesSense(ByteView stClass) {
 // The first moment at or after iPast, both counted from the activation, when the
 // modem listens.
 ModemTime NextListening(ByteView stClass, ModemTime iPast) {
-    const uint64_t u64Past = static_cast<uint64_t>(iPast / i64Frame);
+    const auto u64Past = static_cast<uint64_t>(iPast / i64Frame);
     const uint64_t u64Listen = Get(stClass, PSCDefinition::ListenWindow);
     uint64_t u64Window = Get(stClass, PSCDefinition::InitialSleepWindow);
     const uint64_t u64Last = Get(stClass, PSCDefinition::PSCType) == Constant
@@ -90,7 +90,7 @@ class SleepClasses : public Subsystem {
     Class *Define(ByteView stAsked);
     Class *ClassOf(uint32_t u32PSCID);
     void Activate(Class &stClass);
-    void Deactivate(Class &stClass);
+    static void Deactivate(Class &stClass);
     // Ends a class, or all of them, without having been asked to.
     void End(Class &stClass);
     void EndAll();

@@ -10,7 +10,7 @@
 namespace {
 
 // Between two reports the quality of the link is looked at so often.
-constexpr int iSamples = 32;
+constexpr ModemTime iSamples = 32;
 constexpr double fHCSShare = 0.25;           // of the frames in error
 constexpr ModemTime i64CQICH = 8 * i64Frame; // between two reports of the channel's quality
 constexpr uint64_t u64PacketsPerBandwidthRequest = 4;
@@ -144,11 +144,11 @@ void StatisticsReports::CatchUp() {
     const TrafficTotals stTraffic = m_stModem.UserTraffic().Totals();
     if (m_pstServing != nullptr && iPassed > 0) {
         double fErrors = 0;
-        for (int i = 0; i < iSamples; ++i) {
+        for (ModemTime i = 0; i < iSamples; ++i) {
             const ModemTime iMoment = m_iCountedUntil + iPassed * (2 * i + 1) / (2 * iSamples);
             fErrors += ErrorRate(m_stModem.Air().Measure(*m_pstServing, iMoment).fCINR);
         }
-        const double fRate = fErrors / iSamples;
+        const double fRate = fErrors / static_cast<double>(iSamples);
         const double fFrames = static_cast<double>(iPassed) / static_cast<double>(i64Frame);
         m_fFrames += fFrames;
         m_fFramesInError += fFrames * fRate;
