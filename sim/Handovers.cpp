@@ -5,6 +5,7 @@
 
 #include "Link.h"
 #include "MobilityRecords.h"
+#include "Signalling.h"
 
 namespace {
 
@@ -147,6 +148,7 @@ void Handovers::Begin(Station &stTarget, Plan stPlan) {
     m_iBegan = m_stModem.Now();
     m_u32Failures = 0;
     m_stModem.UserTraffic().SetFlowing(false);
+    m_stModem.TheSignalling().HandoverBegins(stTarget);
     m_stStep.Start(m_iTime, [this] { Range(); });
 }
 
@@ -163,6 +165,7 @@ void Handovers::Range() {
     } else if (++m_u32Failures == m_u32MostAttempts) {
         Finish(false);
     } else {
+        m_stModem.TheSignalling().HandoverRangingRepeated();
         m_stStep.Start(m_iRangingTime, [this] { Range(); });
     }
 }
@@ -191,6 +194,7 @@ void Handovers::Finish(bool bSuccess) {
     PutBytes(stTo, Handover::VendorData, {stCurrent.aucVendorData.data(), u32Vendor});
 
     m_pstTarget = nullptr;
+    m_stModem.TheSignalling().HandoverEnds(bSuccess);
     m_stModem.UserTraffic().SetFlowing(true);
     if (bSuccess) {
         m_stLink.MoveTo(stTarget);

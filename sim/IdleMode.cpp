@@ -2,6 +2,7 @@
 // timer; out of it on request, by paging, or when its planned time is over.
 #include "Link.h"
 #include "Options.h"
+#include "Signalling.h"
 
 namespace {
 
@@ -130,7 +131,10 @@ void IdleMode::Page() {
     }
     const ModemTime iCycle = m_stModem.TheOptions().Value(Options::PagingCycle) * i64Second;
     const ModemTime iToNext = iCycle == 0 ? 0 : iCycle - m_stModem.Now() % iCycle;
-    m_stPaging.Start(iToNext, [this] { ComeOut(); });
+    m_stPaging.Start(iToNext, [this] {
+        m_stModem.TheSignalling().Paged();
+        ComeOut();
+    });
 }
 
 uint32_t IdleMode::Status() const {

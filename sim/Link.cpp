@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Options.h"
+#include "Signalling.h"
 
 namespace {
 
@@ -181,6 +182,7 @@ void Link::MoveTo(Station &stStation) {
 
 void Link::Leave(uint32_t u32Reason, LinkState eState, uint32_t u32DREGAction) {
     TellEntryStatus(u32Reason, u32DREGAction);
+    m_stModem.TheSignalling().Leaving(u32Reason, u32DREGAction);
     SetState(eState);
 }
 
@@ -327,6 +329,7 @@ void Link::ReceiveDREG(uint32_t u32Action) {
     }
     if (u32Action == u32DREGReturnToNormal || u32Action == u32DREGGoIdle) {
         TellEntryStatus(LinkReason::DREGReceived, u32Action);
+        m_stModem.TheSignalling().DREGReceived(u32Action);
         if (u32Action == u32DREGGoIdle && m_eState == LinkUp && m_pfnIdleOrder) {
             m_pfnIdleOrder();
         }

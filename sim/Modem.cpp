@@ -5,6 +5,7 @@
 #include "Link.h"
 #include "MIBStore.h"
 #include "Options.h"
+#include "Signalling.h"
 #include "VendorRegion.h"
 
 namespace {
@@ -21,6 +22,9 @@ constexpr std::array apfnSubsystems{
     MakeSubsystem{MakeAntennas},     MakeSubsystem{MakeStationInformation},
     MakeSubsystem{MakeStatistics},   MakeSubsystem{MakeChipset},
     MakeSubsystem{MakeOMADMTree},    MakeSubsystem{MakeAuthentication},
+    MakeSubsystem{MakeTrace},        MakeSubsystem{MakeLoggers},
+    MakeSubsystem{MakeLogData},      MakeSubsystem{MakeGPIO},
+    MakeSubsystem{MakeMemory},
 };
 
 // A client that never takes its messages loses the newest ones beyond this many.
@@ -40,6 +44,7 @@ Modem::Modem(Scenario stScenario)
       m_stFaults(Root(), m_u64Seed, m_stScheduler,
                  [this](MessageBytes aucMessage) { Queue(std::move(aucMessage)); }),
       m_pstOptions(std::make_unique<Options>(*this)), m_pstLink(std::make_unique<Link>(*this)),
+      m_pstSignalling(std::make_unique<Signalling>(*this)),
       m_pstMIBs(std::make_unique<MIBStore>(*this)),
       m_pstVendorRegion(std::make_unique<VendorRegionStore>(*this)) {
     for (const MakeSubsystem pfnMake : apfnSubsystems) {
@@ -193,6 +198,7 @@ void Modem::Restart() {
     m_stTraffic.Reset();
     m_pstOptions->Start();
     m_pstLink->Start();
+    m_pstSignalling->Start();
     m_pstMIBs->Start();
     m_pstVendorRegion->Start();
     for (const std::unique_ptr<Subsystem> &pstSubsystem : m_apstSubsystems) {

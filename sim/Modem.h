@@ -25,6 +25,7 @@
 class Link;
 class MIBStore;
 class Options;
+class Signalling;
 class VendorRegionStore;
 
 // The station's MAC address, first byte first.
@@ -120,6 +121,7 @@ class Modem {
     Traffic &UserTraffic() { return m_stTraffic; }
     Link &TheLink() { return *m_pstLink; }
     Options &TheOptions() { return *m_pstOptions; }
+    Signalling &TheSignalling() { return *m_pstSignalling; }
     MIBStore &TheMIBs() { return *m_pstMIBs; }
     StateFile &TheStateFile() { return m_stStateFile; }
     VendorRegionStore &TheVendorRegion() { return *m_pstVendorRegion; }
@@ -192,6 +194,7 @@ class Modem {
     std::deque<MessageBytes> m_astOutbox;
     std::unique_ptr<Options> m_pstOptions;
     std::unique_ptr<Link> m_pstLink;
+    std::unique_ptr<Signalling> m_pstSignalling;
     std::unique_ptr<MIBStore> m_pstMIBs;
     std::unique_ptr<VendorRegionStore> m_pstVendorRegion;
     StationAddress m_stAddress{0x02, 0x00, 0x00, 0x20, 0x00, 0x01};

@@ -9,6 +9,7 @@
 #include "Link.h"
 #include "MIBStore.h"
 #include "ServiceFlowRecord.h"
+#include "Signalling.h"
 
 namespace {
 
@@ -69,6 +70,12 @@ ByteView LeadingSet(ByteView stRecord) {
         }
     }
     return {};
+}
+
+// What the modem and the station say of a flow.
+FlowParameters SaidOf(const Flow &stFlow) {
+    return {stFlow.u32Direction == ServiceFlowRecord::Uplink, stFlow.u32SFID, stFlow.u32CID,
+            LeadingSet(stFlow.stRecord.View())};
 }
 
 // Bits a second that the station has to keep free for a set.
@@ -224,7 +231,8 @@ class ServiceFlows : public Subsystem {
                 void (ServiceFlows::*pfnFinish)(ByteView stRequest));
     void FinishAdd(ByteView stRequest);
     void FinishChange(ByteView stRequest);
-    void FinishDelete(ByteView stRequest);
+    void FinishDelete(ByteView stRequest) { Delete(stRequest, false); }
+    void Delete(ByteView stRequest, bool bByStation);
     int32_t ChangeGrant(const Request &stRequest);
     Confirmation JudgeAdd(ByteView stRequest) const;
     Confirmation Change(ByteView stRequest, Flow *pstFlow) const;
@@ -233,7 +241,7 @@ class ServiceFlows : public Subsystem {
     // The flow that has this value; null when there is none.
     Flow *FlowWith(uint32_t Flow::*pu32Member, uint32_t u32Value);
     void Delete(const Flow *pstFlow);
-    void Provision();
+    void Provision(bool bOverTheAir);
     void OnLinkChange(const LinkChange &stChange);
     void Tell(uint32_t u32SubType, ByteView stRequest, FlowBytes stRecord, Confirmation eCode);
     bool LinkUp() const { return m_stModem.TheLink().State() == LinkState::LinkUp; }
@@ -299,7 +307,7 @@ ServiceFlows::ServiceFlows(Modem &stModem) : m_stModem(stModem), m_stProvisionin
             Put(stRequest.Span(), DeleteFlowRequest::MsgCode, ServiceFlowRecord::DeleteRequest);
             Put(stRequest.Span(), DeleteFlowRequest::SFID, u32SFID);
             if (FlowWith(&Flow::u32SFID, u32SFID) != nullptr) {
-                FinishDelete(stRequest.View());
+                Delete(stRequest.View(), true);
             }
         };
     });
@@ -343,7 +351,7 @@ void ServiceFlows::Start() {
     std::copy(std::begin(au32FirstCID), std::end(au32FirstCID), m_au32NextCID);
     // A link that is up from the start has everything that belongs to it.
     if (m_stModem.TheLink().Registered()) {
-        Provision();
+        Provision(false);
     }
 }
 
@@ -353,16 +361,22 @@ void ServiceFlows::OnLinkChange(const LinkChange &stChange) {
         m_astFlows.clear();
     } else if (stChange.eBefore == LinkState::Entering && stChange.eAfter == LinkState::LinkUp &&
                !m_astProvisioned.empty()) {
-        m_stProvisioning.Start(m_iProvisioningTime, [this] { Provision(); });
+        m_stProvisioning.Start(m_iProvisioningTime, [this] { Provision(true); });
     }
 }
 
-void ServiceFlows::Provision() {
+void ServiceFlows::Provision(bool bOverTheAir) {
+    Signalling &stSignalling = m_stModem.TheSignalling();
     for (const ProvisionedFlow &stProvisioned : m_astProvisioned) {
         const Flow stFlow =
             NewFlow(stProvisioned.u32Direction, stProvisioned.u32Sets, stProvisioned.stSet.View());
         if (Admit(stFlow) == Accepted) {
             m_astFlows.push_back(stFlow);
+            if (bOverTheAir) {
+                stSignalling.FlowAdded(SaidOf(stFlow), Accepted, true);
+            } else {
+                stSignalling.FlowThere(SaidOf(stFlow));
+            }
         }
     }
     m_stModem.History().iProvisioning = m_astProvisioned.empty() ? 0 : m_iProvisioningTime;
@@ -446,6 +460,8 @@ Confirmation ServiceFlows::JudgeAdd(ByteView stRequest) const {
 
 void ServiceFlows::FinishAdd(ByteView stRequest) {
     const ByteView stSet = stRequest.From(ServiceFlowRecord::ProvisionedSet, SFParamSet::Size);
+    const bool bUplink = Get(stRequest, ServiceFlowRecord::Direction) == ServiceFlowRecord::Uplink;
+    FlowParameters stSaid{bUplink, 0, 0, stSet};
     Confirmation eCode = JudgeAdd(stRequest);
     FlowBytes stAnswer;
     PutBytes(stAnswer.Span(), 0, stRequest);
@@ -457,10 +473,15 @@ void ServiceFlows::FinishAdd(ByteView stRequest) {
         if (eCode == Accepted) {
             m_astFlows.push_back(stFlow);
             stAnswer = stFlow.stRecord;
+            stSaid.u32SFID = stFlow.u32SFID;
+            stSaid.u32CID = stFlow.u32CID;
         } else {
             m_u32NextSFID = u32Next;
             --m_au32NextCID[u32Direction];
         }
+    }
+    if (LinkUp()) {
+        m_stModem.TheSignalling().FlowAdded(stSaid, eCode, false);
     }
     Tell(SUBTYPE_DSA, stRequest, stAnswer, eCode);
 }
@@ -522,11 +543,12 @@ void ServiceFlows::FinishChange(ByteView stRequest) {
             *pstFlow = stChanged;
             stAnswer = stChanged.stRecord;
         }
+        m_stModem.TheSignalling().FlowChanged(SaidOf(stChanged), eCode);
     }
     Tell(SUBTYPE_DSC, stRequest, stAnswer, eCode);
 }
 
-void ServiceFlows::FinishDelete(ByteView stRequest) {
+void ServiceFlows::Delete(ByteView stRequest, bool bByStation) {
     const uint32_t u32SFID = Get(stRequest, DeleteFlowRequest::SFID);
     const Flow *pstFlow = FlowWith(&Flow::u32SFID, u32SFID);
     Confirmation eCode = LinkUp() ? FlowNotFound : RejectOther;
@@ -535,6 +557,7 @@ void ServiceFlows::FinishDelete(ByteView stRequest) {
         eCode = Accepted;
         stAnswer = pstFlow->stRecord;
         Delete(pstFlow);
+        m_stModem.TheSignalling().FlowDeleted(u32SFID, eCode, bByStation);
     }
     Put(stAnswer.Span(), SFParamSet::SFID, u32SFID, ServiceFlowRecord::ProvisionedSet);
     Tell(SUBTYPE_DSD, stRequest, stAnswer, eCode);

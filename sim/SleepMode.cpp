@@ -7,6 +7,7 @@
 
 #include "Link.h"
 #include "MobilityRecords.h"
+#include "Signalling.h"
 
 namespace {
 
@@ -160,6 +161,9 @@ int32_t SleepClasses::Handle(ByteView stRequest) {
     for (const ByteView stAsked : astAsked) {
         if (Class *pstClass = Apply(stAsked)) {
             apstDone.push_back(pstClass);
+            if (m_stLink.State() == LinkState::LinkUp) {
+                m_stModem.TheSignalling().SleepAgreed(pstClass->stDefinition.View());
+            }
         }
     }
     FollowClasses();
@@ -264,8 +268,11 @@ void SleepClasses::TrafficWaits() {
                             Get(stDefinition, PSCDefinition::PSCType) != Once;
         if (bWakes) {
             const ModemTime iPast = m_stModem.Now() - stClass.iActiveSince;
-            stClass.stEnd.Start(NextListening(stDefinition, iPast) - iPast,
-                                [this, &stClass] { End(stClass); });
+            stClass.stEnd.Start(NextListening(stDefinition, iPast) - iPast, [this, &stClass] {
+                m_stModem.TheSignalling().TrafficIndicated(
+                    Get(stClass.stDefinition.View(), PSCDefinition::PSCID));
+                End(stClass);
+            });
         }
     }
 }

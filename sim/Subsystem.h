@@ -22,10 +22,14 @@ class Subsystem {
 std::unique_ptr<Subsystem> MakeAntennas(Modem &stModem);
 std::unique_ptr<Subsystem> MakeAuthentication(Modem &stModem);
 std::unique_ptr<Subsystem> MakeChipset(Modem &stModem);
+std::unique_ptr<Subsystem> MakeGPIO(Modem &stModem);
 std::unique_ptr<Subsystem> MakeHalfMiniCard(Modem &stModem);
 std::unique_ptr<Subsystem> MakeHandovers(Modem &stModem);
 std::unique_ptr<Subsystem> MakeIdleMode(Modem &stModem);
 std::unique_ptr<Subsystem> MakeIndications(Modem &stModem);
+std::unique_ptr<Subsystem> MakeLogData(Modem &stModem);
+std::unique_ptr<Subsystem> MakeLoggers(Modem &stModem);
+std::unique_ptr<Subsystem> MakeMemory(Modem &stModem);
 std::unique_ptr<Subsystem> MakeMIBStatistics(Modem &stModem);
 std::unique_ptr<Subsystem> MakeOMADMTree(Modem &stModem);
 std::unique_ptr<Subsystem> MakeSearch(Modem &stModem);
@@ -35,5 +39,6 @@ std::unique_ptr<Subsystem> MakeShutdown(Modem &stModem);
 std::unique_ptr<Subsystem> MakeSleepMode(Modem &stModem);
 std::unique_ptr<Subsystem> MakeStationInformation(Modem &stModem);
 std::unique_ptr<Subsystem> MakeStatistics(Modem &stModem);
+std::unique_ptr<Subsystem> MakeTrace(Modem &stModem);
 
 #endif

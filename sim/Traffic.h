@@ -26,6 +26,8 @@ class Traffic {
     void SetFlowing(bool bFlowing);
     // The totals at this moment.
     TrafficTotals Totals() const;
+    // Of a user's packet, in bytes.
+    uint32_t PacketSize() const { return static_cast<uint32_t>(m_fPacketSize); }
     // Whether it holds the modem off from idle mode.
     bool KeepsAwake() const { return m_bKeepsAwake; }
     void Reset();

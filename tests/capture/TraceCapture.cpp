@@ -1,0 +1,280 @@
+// Writes the management messages of a modem's life to a capture file: network entry,
+// sleep, service flows, idle mode and paging, a handover, deregistration; and entries
+// that fail. Arguments: the file.
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+
+#include "BitWriter.h"
+#include "DiagnosticRecords.h"
+#include "LinkRecords.h"
+#include "MobilityRecords.h"
+#include "Modem.h"
+#include "ServiceFlowRecord.h"
+
+namespace {
+
+constexpr const char *pcStations = R"(
+[[station]]
+bsid = "00 12 0A 01 02 03"
+frequency = 2587500
+bandwidth = 10000
+preamble = 3
+rssi = -58
+cinr = 28
+dcd-change-count = 5
+[[station]]
+bsid = "00 12 0A 01 02 04"
+frequency = 2600000
+bandwidth = 10000
+preamble = 35
+rssi = -71
+cinr = 16
+dcd-change-count = 9
+[trace]
+on = true
+[signalling]
+map-period = 0.2
+descriptor-period = 1
+neighbour-period = 1
+ranging-period = 0.5
+report-period = 1
+)";
+
+// A capture of upper-layer PDUs: each begins with the name of its decoder.
+class Capture {
+  public:
+    explicit Capture(const char *pcPath) : m_stFile(pcPath, std::ios::binary) {
+        constexpr uint32_t u32UpperPDU = 252;
+        for (const uint32_t u32Word : {0xA1B2C3D4U, 0x00040002U, 0U, 0U, 65535U, u32UpperPDU}) {
+            PutNative(u32Word);
+        }
+    }
+
+    void Add(ModemTime iNow, uint32_t u32Code, ByteView stBody) {
+        constexpr std::string_view strDecoder = "wmx_mac_mgmt_msg_decoder";
+        constexpr uint32_t u32NameTag = 12;
+        BitWriter stPacket;
+        stPacket.U16(u32NameTag).U16(strDecoder.size());
+        for (const char cChar : strDecoder) {
+            stPacket.U8(static_cast<uint8_t>(cChar));
+        }
+        static_assert(strDecoder.size() % 4 == 0, "needs no padding");
+        stPacket.U32(0).U8(u32Code).Bytes(stBody);
+        const ByteView stBytes = stPacket.View();
+        PutNative(static_cast<uint32_t>(iNow / i64Second));
+        PutNative(static_cast<uint32_t>(iNow % i64Second));
+        PutNative(stBytes.u32Length);
+        PutNative(stBytes.u32Length);
+        m_stFile.write(reinterpret_cast<const char *>(stBytes.pucData), stBytes.u32Length);
+    }
+
+    bool Good() {
+        m_stFile.flush();
+        return m_stFile.good();
+    }
+
+  private:
+    // The file's numbers are in the order of whoever writes it.
+    void PutNative(uint32_t u32Word) {
+        m_stFile.write(reinterpret_cast<const char *>(&u32Word), sizeof u32Word);
+    }
+
+    std::ofstream m_stFile;
+};
+
+// A modem whose traced messages go into a capture, and one line each to standard output:
+// frame number, direction, code, CID, CMAC result.
+class TracedModem {
+  public:
+    TracedModem(const std::string &strScenario, Capture &stCapture)
+        : m_stModem(Scenario::FromText(strScenario, "capture")), m_stCapture(stCapture) {}
+
+    Modem &TheModem() { return m_stModem; }
+
+    void Send(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload = {}) {
+        WiMAXMessage stMessage{};
+        const ByteSpan stBytes = BytesOf(stMessage);
+        Put(stBytes, MessageHeader::Type, u32Type);
+        Put(stBytes, MessageHeader::SubType, u32SubType);
+        PutBytes(stBytes, MessageHeader::Size, stPayload);
+        if (m_stModem.Send(stBytes.pucData, MessageHeader::Size + stPayload.u32Length) != 0) {
+            std::fprintf(stderr, "request %u/%u was refused\n", u32Type, u32SubType);
+            std::exit(1);
+        }
+    }
+
+    void Run(double fSeconds) { RunUntil(static_cast<double>(m_stModem.Now()) / 1e6 + fSeconds); }
+
+    void RunUntil(double fSeconds) {
+        const auto iEnd = static_cast<ModemTime>(fSeconds * 1e6 + 0.5);
+        for (auto iDue = m_stModem.NextDue(); iDue && *iDue <= iEnd; iDue = m_stModem.NextDue()) {
+            m_stModem.AdvanceTo(*iDue);
+            for (MessageBytes aucMessage; m_stModem.TakeMessage(&aucMessage);) {
+                Note({aucMessage.data(), static_cast<uint32_t>(aucMessage.size())});
+            }
+        }
+        m_stModem.AdvanceTo(iEnd);
+    }
+
+  private:
+    void Note(ByteView stMessage) {
+        if (Get(stMessage, MessageHeader::Type) != TYPE_MAC_MGMT) {
+            return;
+        }
+        using namespace TraceRecord;
+        const ByteView stRecord = stMessage.From(MessageHeader::Size);
+        const uint32_t u32Code = Get(stRecord, Code);
+        m_stCapture.Add(m_stModem.Now(), u32Code, stRecord.From(Body, Get(stRecord, BodyLength)));
+        std::printf("%u %u %u %u %u\n", Get(stRecord, FrameNumber), Get(stRecord, Direction),
+                    u32Code, Get(stRecord, CID), Get(stRecord, CMACResult));
+    }
+
+    Modem m_stModem;
+    Capture &m_stCapture;
+};
+
+void SyncUp(TracedModem &stTraced) {
+    Record<SyncUpRequest::Size> stRequest;
+    Put(stRequest.Span(), SyncUpRequest::CenterFrequency, 2587500);
+    Put(stRequest.Span(), SyncUpRequest::Bandwidth, 10000);
+    Put(stRequest.Span(), SyncUpRequest::PreambleID, SyncUpRequest::AnyPreamble);
+    stTraced.Send(TYPE_NETWORK_ENTRY, SUBTYPE_SYNC_UP, stRequest.View());
+    stTraced.Run(2);
+}
+
+void EnterNetwork(TracedModem &stTraced) {
+    SyncUp(stTraced);
+    const Record<NetworkEntryRequest::Size> stRequest;
+    stTraced.Send(TYPE_NETWORK_ENTRY, SUBTYPE_NETWORK_ENTRY, stRequest.View());
+    stTraced.Run(3);
+}
+
+void Sleep(TracedModem &stTraced) {
+    using namespace PSCDefinition;
+    Record<SleepMode::Size> stRequest;
+    Put(stRequest.Span(), SleepMode::NumDefinitions, 1);
+    const ByteSpan stTo = stRequest.Span().From(SleepMode::Definitions);
+    Put(stTo, PSCID, NewPSCID);
+    Put(stTo, PSCType, 1);
+    Put(stTo, InitialSleepWindow, 2);
+    Put(stTo, ListenWindow, 2);
+    Put(stTo, FinalSleepWindowBase, 64);
+    Put(stTo, FinalSleepWindowExp, 1);
+    Put(stTo, TTWF, 1);
+    Put(stTo, TIR, 1);
+    Put(stTo, NumCIDs, 2);
+    Put(stTo, CIDs, 4096);
+    for (const uint32_t u32Activity :
+         {ActivityDefinitionAndActivation, ActivityDeactivation, ActivityActivation}) {
+        Put(stTo, Activity, u32Activity);
+        stTraced.Send(TYPE_SLEEP_MODE, SUBTYPE_SLEEP_PSC_DEFINITION, stRequest.View());
+        stTraced.Run(0.3);
+        Put(stTo, PSCID, 0);
+    }
+}
+
+void UseFlows(TracedModem &stTraced) {
+    Record<ServiceFlowRecord::Size> stRequest;
+    const ByteSpan stTo = stRequest.Span();
+    const ByteSpan stSet = stTo.From(ServiceFlowRecord::ProvisionedSet);
+    Put(stTo, ServiceFlowRecord::MsgCode, ServiceFlowRecord::AddRequest);
+    Put(stTo, ServiceFlowRecord::Direction, ServiceFlowRecord::Uplink);
+    Put(stSet, SFParamSet::SetPresent, 1);
+    Put(stSet, SFParamSet::QoSParamSetType, 7);
+    Put(stSet, SFParamSet::SchedulingType, SFParamSet::UGS);
+    Put(stSet, SFParamSet::CSSpecification, 1);
+    // The second one is too large for the station.
+    for (const uint32_t u32Rate : {1000000U, 1000000000U}) {
+        Put(stSet, SFParamSet::MaxSustainedTrafficRate, u32Rate);
+        stTraced.Send(TYPE_SERVICE_FLOW, SUBTYPE_DSA,
+                      stRequest.View().From(0, ServiceFlowRecord::ShortSize));
+        stTraced.Run(0.3);
+    }
+    Put(stTo, ServiceFlowRecord::MsgCode, ServiceFlowRecord::ChangeRequest);
+    Put(stSet, SFParamSet::SFID, 2);
+    Put(stSet, SFParamSet::MaxSustainedTrafficRate, 500000);
+    stTraced.Send(TYPE_SERVICE_FLOW, SUBTYPE_DSC, stRequest.View());
+    stTraced.Run(0.3);
+    Record<DeleteFlowRequest::Size> stDelete;
+    Put(stDelete.Span(), DeleteFlowRequest::MsgCode, ServiceFlowRecord::DeleteRequest);
+    Put(stDelete.Span(), DeleteFlowRequest::SFID, 2);
+    stTraced.Send(TYPE_SERVICE_FLOW, SUBTYPE_DSD, stDelete.View());
+    stTraced.Run(0.3);
+}
+
+constexpr const char *pcEvents = R"(
+[[service-flow]]
+direction = "downlink"
+type = "BE"
+max-rate = 64000
+[[event]]
+at = 6.5
+kind = "traffic-waits"
+[[event]]
+at = 10
+kind = "handover"
+station = "00 12 0A 01 02 04"
+fails = true
+[[event]]
+at = 11
+kind = "handover"
+station = "00 12 0A 01 02 04"
+ranging-failures = 1
+[[event]]
+at = 20.5
+kind = "paging"
+[[event]]
+at = 24
+kind = "dreg"
+action = 5
+[[event]]
+at = 30
+kind = "flow-deleted"
+sfid = 1
+)";
+
+void LiveALife(Capture &stCapture) {
+    TracedModem stTraced(std::string(pcStations) + pcEvents, stCapture);
+    EnterNetwork(stTraced); // until 5 s
+    Sleep(stTraced);
+    stTraced.Run(1);
+    UseFlows(stTraced);
+    stTraced.RunUntil(15); // two handovers
+    stTraced.Send(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE);
+    stTraced.RunUntil(27); // paged, and sent to idle mode again
+    stTraced.Send(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE_WAKE_UP);
+    stTraced.RunUntil(32);
+    stTraced.Send(TYPE_NETWORK_EXIT, SUBTYPE_SYNC_DEREG);
+    stTraced.Run(1);
+}
+
+void FailToEnter(Capture &stCapture) {
+    for (const char *pcEntry : {"ranging-failure", "sbc-failure", "pkm-failure",
+                                "registration-failure", "satek-failure"}) {
+        std::string strScenario = pcStations;
+        strScenario.insert(strScenario.find("rssi"), "entry = \"" + std::string(pcEntry) + "\"\n");
+        TracedModem stTraced(strScenario, stCapture);
+        EnterNetwork(stTraced);
+    }
+    for (const char *pcEvent : {"reset\"\n", "dreg\"\naction = 0\n", "dreg\"\naction = 3\n"}) {
+        TracedModem stTraced(
+            pcStations + std::string("cmac-failures = 0.3\n[[event]]\nat = 6\nkind = \"") + pcEvent,
+            stCapture);
+        EnterNetwork(stTraced);
+        stTraced.Run(2);
+    }
+}
+
+} // namespace
+
+int main(int iArgs, char **ppcArgs) {
+    if (iArgs != 2) {
+        std::fprintf(stderr, "usage: trace_capture FILE\n");
+        return 2;
+    }
+    Capture stCapture(ppcArgs[1]);
+    LiveALife(stCapture);
+    FailToEnter(stCapture);
+    return stCapture.Good() ? 0 : 1;
+}

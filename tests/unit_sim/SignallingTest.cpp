@@ -1,0 +1,272 @@
+// Management messages and their trace.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "DiagnosticRecords.h"
+#include "ModemBench.h"
+#include "TestScenarios.h"
+
+namespace {
+
+const std::string strStations = pcFourStations;
+const std::string strLinkUp = strStations + pcLinkUp;
+const std::string strSync = "6C 7B 27 00 10 27 00 00 03 00 00 00 00*52";
+// Nothing periodic comes between.
+const std::string strQuiet = "[signalling]\nmap-period = 1000\ndescriptor-period = 1000\n"
+                             "neighbour-period = 1000\nranging-period = 1000\n"
+                             "report-period = 1000\n";
+
+struct Traced {
+    uint32_t u32Frame;
+    bool bUplink;
+    uint32_t u32Code;
+    uint32_t u32CID;
+    uint32_t u32CMAC;
+    std::vector<uint8_t> aucBody;
+};
+
+// The traced messages among those that have come.
+std::vector<Traced> TracedBy(ModemBench &stBench) {
+    std::vector<Traced> astTraced;
+    for (const std::string &strMessage : stBench.Messages()) {
+        if (strMessage.rfind("21/1:", 0) == 0) {
+            const std::vector<uint8_t> aucBytes = BytesOfHex(strMessage.substr(5));
+            const ByteView stRecord{aucBytes.data(), static_cast<uint32_t>(aucBytes.size())};
+            EXPECT_EQ(Get(stRecord, TraceRecord::BodyLength), aucBytes.size() - 18);
+            astTraced.push_back({Get(stRecord, TraceRecord::FrameNumber),
+                                 Get(stRecord, TraceRecord::Direction) == 1,
+                                 Get(stRecord, TraceRecord::Code),
+                                 Get(stRecord, TraceRecord::CID),
+                                 Get(stRecord, TraceRecord::CMACResult),
+                                 {aucBytes.begin() + 18, aucBytes.end()}});
+        }
+    }
+    return astTraced;
+}
+
+// "5v 4^": codes with their direction; '!' behind those whose digest checked.
+std::string Talk(const std::vector<Traced> &astTraced) {
+    std::string strTalk;
+    for (const Traced &stOne : astTraced) {
+        strTalk += (strTalk.empty() ? "" : " ") + std::to_string(stOne.u32Code) +
+                   (stOne.bUplink ? "^" : "v") + (stOne.u32CMAC == 1 ? "!" : "");
+    }
+    return strTalk;
+}
+
+const Traced &First(const std::vector<Traced> &astTraced, uint32_t u32Code) {
+    return *std::find_if(astTraced.begin(), astTraced.end(),
+                         [&](const Traced &stOne) { return stOne.u32Code == u32Code; });
+}
+
+void SwitchOn(ModemBench &stBench) { EXPECT_EQ(stBench.Send(21, 1), 0); }
+
+TEST(Trace, IsOffUntilItIsSwitchedOn) {
+    ModemBench stBench(strLinkUp);
+    EXPECT_EQ(stBench.Send(21, 3), 0);
+    stBench.RunUntil(20);
+    EXPECT_EQ(stBench.Messages(), Told({"21/3: 00*4"}));
+    SwitchOn(stBench);
+    EXPECT_EQ(stBench.Send(21, 3), 0);
+    EXPECT_EQ(stBench.Messages(), Told({"21/3: 01 00 00 00"}));
+    stBench.RunUntil(40);
+    EXPECT_GT(TracedBy(stBench).size(), 40U);
+    EXPECT_EQ(stBench.Send(21, 2), 0);
+    EXPECT_EQ(stBench.Send(21, 3), 0);
+    stBench.RunUntil(60);
+    EXPECT_EQ(stBench.Messages(), Told({"21/3: 00*4"}));
+}
+
+TEST(Trace, RequestsHaveNoPayload) {
+    ModemBench stBench(strLinkUp);
+    for (const uint32_t u32SubType : {1U, 2U, 3U}) {
+        EXPECT_EQ(stBench.Send(21, u32SubType, "00"), -4);
+    }
+    EXPECT_EQ(stBench.Send(21, 4), -5);
+}
+
+TEST(Trace, MapsSayTheFrameAndTheStation) {
+    ModemBench stBench(strStations +
+                       "[start]\nstate = \"synchronised\"\nstation = \"00120A010203\"\n"
+                       "[trace]\non = true\n[signalling]\nmap-period = 0.1\n");
+    stBench.RunUntil(0.15);
+    // Frame 20 of 5 ms; the DL-MAP on the broadcast CID with the frame's duration and number,
+    // the DCD's count, the BS ID, 29 symbols and two bursts; the UL-MAP with the two regions
+    // for ranging.
+    EXPECT_EQ(stBench.TimedMessages(),
+              Told({"0.10 21/1: 00 14 00 00 00 02 00 00 00 15 00 00 00 FF FF 00 00 00 "
+                    "04 00 00 14 05 00 12 0A 01 02 03 1D 00 10 00 42 92 05 00 18 78",
+                    "0.10 21/1: 00 14 00 00 00 03 00 00 00 14 00 00 00 FF FF 00 00 00 "
+                    "00 05 00 00 2A 80 12 FF FF C0 00 00 83 0F FF FC 02 00 04 34"}));
+}
+
+TEST(Trace, AScenarioSetsTheRate) {
+    for (const auto &[strPeriod, uMaps] :
+         {std::pair<std::string, size_t>{"0.005", 200}, {"0.5", 2}}) {
+        ModemBench stBench(strLinkUp +
+                           "[trace]\non = true\n[signalling]\nmap-period = " + strPeriod + "\n");
+        stBench.RunUntil(1.002);
+        const std::vector<Traced> astTraced = TracedBy(stBench);
+        EXPECT_EQ(std::count_if(astTraced.begin(), astTraced.end(),
+                                [](const Traced &stOne) { return stOne.u32Code == 2; }),
+                  uMaps)
+            << strPeriod;
+    }
+}
+
+TEST(Trace, NetworkEntryIsSaidFromTheFirstMapToTheTrafficKeys) {
+    ModemBench stBench(strStations + strQuiet + "[trace]\non = true\n");
+    EXPECT_EQ(stBench.Send(2, 1, strSync), 0);
+    stBench.RunUntil(1);
+    EXPECT_EQ(stBench.Send(2, 2, "00*4"), 0);
+    stBench.RunUntil(4);
+    const std::vector<Traced> astTraced = TracedBy(stBench);
+    EXPECT_EQ(Talk(astTraced), "2v 1v 0v 3v "          // found
+                               "5v 5v 3v 4^ 5v "       // ranging
+                               "26^ 27v "              // basic capabilities
+                               "9^ 10v 9^ 10v 9^ 10v " // EAP
+                               "10v! 9^! 10v! "        // authorisation key
+                               "6^! 7v! "              // registration
+                               "9^! 10v!");            // traffic keys
+    for (size_t i = 1; i < astTraced.size(); ++i) {
+        EXPECT_LT(astTraced[i - 1].u32Frame, astTraced[i].u32Frame) << i;
+    }
+    // The CIDs of the last ranging response, 9 and 10, are those that are used.
+    const std::vector<uint8_t> &aucBody = astTraced[8].aucBody;
+    ASSERT_EQ(aucBody.size(), 1U + 3 + 8 + 4 + 4);
+    EXPECT_EQ(HexOf({aucBody.begin(), aucBody.begin() + 14}),
+              "00 04 01 03 08 06 02 00 00 20 00 01 09 02");
+    const uint32_t u32Basic = aucBody[14] << 8 | aucBody[15];
+    const uint32_t u32Primary = aucBody[18] << 8 | aucBody[19];
+    EXPECT_EQ(First(astTraced, 4).u32CID, 0U);
+    EXPECT_EQ(First(astTraced, 26).u32CID, u32Basic);
+    EXPECT_EQ(First(astTraced, 9).u32CID, u32Primary);
+    EXPECT_EQ(First(astTraced, 7).u32CID, u32Primary);
+    EXPECT_EQ(First(astTraced, 1).u32CID, 0xFFFDU);
+}
+
+TEST(Trace, FailingEntriesEndWithTheStationsRefusal) {
+    const std::vector<std::pair<std::string, std::string>> astCases = {
+        {"ranging-failure", "3v 4^ 5v"},         {"sbc-failure", "5v 26^"},
+        {"pkm-failure", "9^ 10v 9^ 10v 9^ 10v"}, {"registration-failure", "6^! 7v!"},
+        {"satek-failure", "6^! 7v! 9^! 10v!"},
+    };
+    for (const auto &[strEntry, strEnd] : astCases) {
+        std::string strScenario = strStations + strQuiet + "[trace]\non = true\n";
+        strScenario.insert(strScenario.find("rssi"), "entry = \"" + strEntry + "\"\n");
+        ModemBench stBench(strScenario);
+        EXPECT_EQ(stBench.Send(2, 1, strSync), 0);
+        stBench.RunUntil(1);
+        EXPECT_EQ(stBench.Send(2, 2, "00*4"), 0);
+        stBench.RunUntil(4);
+        const std::string strTalk = Talk(TracedBy(stBench));
+        ASSERT_GE(strTalk.size(), strEnd.size());
+        EXPECT_EQ(strTalk.substr(strTalk.size() - strEnd.size()), strEnd) << strEntry;
+    }
+}
+
+TEST(Trace, IdleModeIsAskedForPagedAndLeft) {
+    ModemBench stBench(strLinkUp + strQuiet +
+                       "[trace]\non = true\n[[event]]\nat = 4.5\nkind = \"paging\"\n");
+    EXPECT_EQ(stBench.Send(19, 1), 0);
+    stBench.RunUntil(7);
+    const std::vector<Traced> astTraced = TracedBy(stBench);
+    EXPECT_EQ(Talk(astTraced), "49^! 29v! 61v 61v 61v 61v 61v 5v 3v 4^! 5v!");
+    // Goes idle by itself: 1, with the paging cycle of 200 frames; answered with 5.
+    EXPECT_EQ(HexOf({astTraced[0].aucBody.begin(), astTraced[0].aucBody.begin() + 5}),
+              "01 34 02 00 C8");
+    EXPECT_EQ(astTraced[1].aucBody[0], 5);
+    // Nobody is paged in group 1; then one modem, which is to enter the network.
+    EXPECT_EQ(HexOf(astTraced[2].aucBody), "00 01 00 01 00");
+    const std::vector<uint8_t> &aucPaged = astTraced[6].aucBody;
+    ASSERT_EQ(aucPaged.size(), 9U);
+    EXPECT_EQ(aucPaged[4], 1);
+    EXPECT_EQ(aucPaged[8], 0x80);
+    EXPECT_EQ(astTraced[6].u32Frame, 1000U);
+}
+
+TEST(Trace, AStationSendsTheModemToIdleMode) {
+    ModemBench stBench(strLinkUp + strQuiet +
+                       "[trace]\non = true\n"
+                       "[[event]]\nat = 1\nkind = \"dreg\"\naction = 5\n");
+    stBench.RunUntil(1.8);
+    const std::vector<Traced> astTraced = TracedBy(stBench);
+    ASSERT_EQ(Talk(astTraced), "29v! 49^!");
+    EXPECT_EQ(astTraced[0].aucBody[0], 5);
+    EXPECT_EQ(astTraced[1].aucBody[0], 2);
+}
+
+TEST(Trace, AnEndOfTheLinkIsSaid) {
+    ModemBench stBench(strLinkUp + strQuiet + "[trace]\non = true\n");
+    EXPECT_EQ(stBench.Send(3, 2), 0);
+    stBench.RunUntil(1);
+    EXPECT_EQ(Talk(TracedBy(stBench)), "49^! 29v!");
+    for (const auto &[strEvent, strTalk] :
+         {std::pair<std::string, std::string>{"\"reset\"", "25v!"},
+          {"\"dreg\"\naction = 0", "29v!"},
+          {"\"dreg\"\naction = 3", "29v!"},
+          {"\"link-loss\"", ""}}) {
+        ModemBench stOther(strLinkUp + strQuiet +
+                           "[trace]\non = true\n[[event]]\nat = 1\nkind = " + strEvent + "\n");
+        stOther.RunUntil(3);
+        EXPECT_EQ(Talk(TracedBy(stOther)), strTalk) << strEvent;
+    }
+}
+
+TEST(Trace, AHandoverIsSaidToBothStations) {
+    const std::string strNeighbour = "[[event]]\nat = 1\nkind = \"handover\"\n"
+                                     "station = \"00 12 0A 01 02 04\"\n";
+    ModemBench stBench(strLinkUp + strQuiet + "[trace]\non = true\n" + strNeighbour);
+    stBench.RunUntil(2);
+    const std::vector<Traced> astTraced = TracedBy(stBench);
+    ASSERT_EQ(Talk(astTraced), "57^! 58v! 59^! 5v 3v 4^! 5v!");
+    // Released, to the station.
+    EXPECT_EQ(HexOf({astTraced[2].aucBody.begin(), astTraced[2].aucBody.begin() + 8}),
+              "00 00 00 12 0A 01 02 04");
+    ModemBench stOther(strLinkUp + strQuiet + "[trace]\non = true\n" + strNeighbour +
+                       "fails = true\n");
+    stOther.RunUntil(2);
+    EXPECT_EQ(Talk(TracedBy(stOther)), "57^! 58v! 59^! 5v 3v 4^! 59^!");
+}
+
+TEST(Trace, SleepIsAgreedOnAndEndsWithTraffic) {
+    ModemBench stBench(strLinkUp + strQuiet +
+                       "[trace]\non = true\n[[event]]\nat = 1\nkind = \"traffic-waits\"\n");
+    // One class of type 1, defined and activated: windows 2 to 64 frames, listening 2, ended by
+    // traffic.
+    EXPECT_EQ(
+        stBench.Send(26, 1, "01 00 00 00 FF 01 00 02 01 02 20 00 01 00 00 00 00*32 03 00*4 00*147"),
+        0);
+    stBench.RunUntil(3);
+    const std::vector<Traced> astTraced = TracedBy(stBench);
+    ASSERT_EQ(Talk(astTraced), "50^! 51v! 52v");
+    // One class; definition and activation of class 0; the start frame; type 1, traffic wakes;
+    // windows 2 and 2, 32 times 2.
+    const std::vector<uint8_t> &aucBody = astTraced[0].aucBody;
+    EXPECT_EQ(aucBody[0], 1);
+    EXPECT_EQ(aucBody[1], 0xC0);
+    EXPECT_EQ(HexOf({aucBody.begin() + 3, aucBody.begin() + 8}), "48 02 02 08 08");
+    EXPECT_EQ(HexOf(astTraced[2].aucBody), "81 00 00");
+}
+
+TEST(Trace, AWrongDigestIsReportedAndTheMessageRepeated) {
+    ModemBench stBench(strLinkUp + strQuiet + "cmac-failures = 0.9\n[trace]\non = true\n");
+    EXPECT_EQ(stBench.Send(3, 2), 0);
+    stBench.RunUntil(10);
+    const std::string strTalk = Talk(TracedBy(stBench));
+    EXPECT_EQ(strTalk.substr(0, 9), "49^! 29v ");
+    EXPECT_EQ(strTalk.substr(strTalk.size() - 5), " 29v!");
+}
+
+TEST(Trace, NeighboursOfTheSameNetworkAreAdvertised) {
+    ModemBench stBench(strLinkUp + "[trace]\non = true\n[signalling]\nneighbour-period = 0.1\n");
+    stBench.RunUntil(0.12);
+    const std::vector<Traced> astTraced = TracedBy(stBench);
+    // Operator, one neighbour: its length, ID, preamble, counts and frequency.
+    ASSERT_EQ(Talk(astTraced), "53v");
+    EXPECT_EQ(HexOf(astTraced[0].aucBody), "00 00 12 0A 01 11 00 00 01 02 04 23 FF 1F 11 "
+                                           "01 06 0C 04 00 27 7B 6C");
+}
+
+} // namespace
