@@ -145,10 +145,7 @@ void PutElements(const char *pcText, ByteView stView, Field stFirst, uint32_t u3
     }
 }
 
-void PutString(ByteView stBytes) {
-    const auto *pcText = reinterpret_cast<const char *>(stBytes.pucData);
-    PendingOutput().append(pcText, stBytes.u32Length != 0 ? strnlen(pcText, stBytes.u32Length) : 0);
-}
+void PutString(ByteView stBytes) { PutText(TextOf(stBytes)); }
 
 bool PutVendorData(const char *pcHeading, ByteView stView, Field stLength, uint32_t u32Offset) {
     const uint32_t u32Length = Get(stView, stLength);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 #include "WiMAXDevice.h"
 
@@ -53,6 +54,18 @@ struct ByteView {
         return {pucData + u32Offset, std::min(u32Count, u32Length - u32Offset)};
     }
 };
+
+// The text that the bytes begin with: up to a zero byte, or all of them.
+inline std::string_view TextOf(ByteView stBytes) {
+    if (stBytes.u32Length == 0) {
+        return {};
+    }
+    const auto *pcText = reinterpret_cast<const char *>(stBytes.pucData);
+    const void *pcEnd = std::memchr(pcText, '\0', stBytes.u32Length);
+    return {pcText, pcEnd != nullptr
+                        ? static_cast<size_t>(static_cast<const char *>(pcEnd) - pcText)
+                        : stBytes.u32Length};
+}
 
 // Bytes being filled in. Writes past the end are dropped.
 struct ByteSpan {

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
@@ -218,10 +217,7 @@ int32_t OMADMTree::Set(const Request &stRequest) {
 int32_t OMADMTree::UpdateTree(const Request &stRequest) {
     using namespace OMADMTreeImage;
     constexpr uint32_t u32KnownVersion = 1;
-    const ByteView stName = stRequest.stPayload.From(OMADMTreeUpdate::FileName);
-    const std::string strName(
-        reinterpret_cast<const char *>(stName.pucData),
-        strnlen(reinterpret_cast<const char *>(stName.pucData), stName.u32Length));
+    const std::string strName(TextOf(stRequest.stPayload.From(OMADMTreeUpdate::FileName)));
     const std::unique_ptr<std::FILE, int (*)(std::FILE *)> pstFile(
         std::fopen(strName.c_str(), "rb"), std::fclose);
     if (pstFile == nullptr) {
