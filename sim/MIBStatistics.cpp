@@ -17,7 +17,7 @@ using CounterGroup = std::array<uint32_t, MIBCounterGroup::Count>;
 
 constexpr ModemTime i64Sampling = i64Second;
 
-// ---- Which modulation and coding scheme carries the traffic, by CINR ----
+// Which modulation and coding scheme carries the traffic, by CINR.
 
 struct SchemeRow {
     double fCINR; // dB, from which on it is used
@@ -68,7 +68,7 @@ void PutGroup(ByteSpan stTo, uint32_t u32Offset, const CounterGroup &au32Group) 
     }
 }
 
-// ---- What both neighbour lists are made of ----
+// What both neighbour lists are made of.
 
 // Numbers of 1/65536, as the measured list carries them: without a sign.
 uint32_t Sixteenth(double fValue) { return Rounded(std::max(fValue, 0.0) * 65536); }

@@ -147,7 +147,6 @@ enum : uint32_t {
     ErrorCode = 16,
     SecurityCapabilities = 19,
     CryptoSuite = 20,
-    CryptoSuites = 21,
     SADescriptor = 23,
     SAType = 24,
     SecurityNegotiation = 25,
@@ -379,10 +378,8 @@ BitWriter PKMBody(uint32_t u32Code, uint32_t u32Identifier, const KeyExchange &s
         break;
     case PKMCode::SATEKRequest: {
         PutSATEK(true);
-        BitWriter stSuites;
-        PutSuite(stSuites);
-        BitWriter stCapabilities;
-        stCapabilities.TLV(CryptoSuites, stSuites);
+        BitWriter stCapabilities; // one suite, without the list around it that analysers trip over
+        PutSuite(stCapabilities);
         stBody.TLV(SecurityCapabilities, stCapabilities);
         PutNegotiation();
         break;

@@ -76,7 +76,7 @@ void Signalling::WantBroadcasts(bool bWanted) {
     }
 }
 
-// ---- One after the other ----
+// One after the other.
 
 void Signalling::Later(Step pfnStep) {
     m_apfnSteps.push_back(std::move(pfnStep));
@@ -138,7 +138,7 @@ void Signalling::SayLater(uint32_t u32Code, bool bUplink, uint32_t u32CID, BitWr
     });
 }
 
-// ---- Following the link ----
+// Following the link.
 
 void Signalling::OnLinkChange(const LinkChange &stChange) {
     const bool bStageDone = stChange.eBefore == Entering && stChange.eAfter == Entering;
@@ -293,7 +293,7 @@ void Signalling::FailStage(uint32_t u32Reason) {
     }
 }
 
-// ---- Ranging and power ----
+// Ranging and power.
 
 void Signalling::Range(const Station &stStation, RangingPurpose ePurpose) {
     const CodeGroup &stGroup =
@@ -426,7 +426,7 @@ void Signalling::Connect(uint32_t u32CID, bool bUplink, uint32_t u32SFID,
     }
 }
 
-// ---- Keys ----
+// Keys.
 
 void Signalling::SayPKM(bool bUplink, uint32_t u32Code, Protection eProtection, ByteView stEAP) {
     Say(bUplink ? MessageCode::PKMREQ : MessageCode::PKMRSP, bUplink, m_u32PrimaryCID,
@@ -480,7 +480,7 @@ void Signalling::SayKeyExchange() {
     Later([this] { SayPKM(bDown, PKMCode::SATEKResponse, Protection::Attribute); });
 }
 
-// ---- Broadcasts ----
+// Broadcasts.
 
 void Signalling::Broadcast(Timer &stTimer, ModemTime iPeriod, void (Signalling::*pfnSay)()) {
     stTimer.Start(iPeriod - m_stModem.Now() % iPeriod, [this, &stTimer, iPeriod, pfnSay] {
@@ -523,7 +523,7 @@ void Signalling::SayPaging() {
     FollowState();
 }
 
-// ---- What others say ----
+// What others say.
 
 void Signalling::Leaving(uint32_t u32Reason, uint32_t u32DREGAction) {
     m_apfnSteps.clear();

@@ -95,7 +95,7 @@ def main():
     if len(frames) < 100:
         fail(f"only {len(frames)} DL-MAPs were read")
     for number, words in frames.items():
-        if words[-2] not in ("4", "0x04") or int(words[-1], 0) != sent[number - 1][0]:
+        if words[-2].split(",")[0] not in ("4", "0x04") or int(words[-1], 0) != sent[number - 1][0]:
             fail(f"message {number}: the DL-MAP says frame {words}, the record {sent[number - 1]}")
 
     # The first network entry, without the broadcasts beside it.

@@ -75,7 +75,7 @@ TEST(MACAddress, IsWhatIsReportedFromThenOn) {
     EXPECT_EQ(stBench.Send(11, 1, "00*5"), -4);
 }
 
-// ---- Statistics ----
+// Statistics.
 
 // Numbers of a report.
 struct Report {
@@ -237,7 +237,7 @@ TEST(Statistics, EndWithAReset) {
     EXPECT_EQ(ReportOf(stBench).Word(4), 200U);
 }
 
-// ---- Chipset ----
+// Chipset.
 
 // What the modem status request writes into its own buffer.
 uint32_t StateOf(ModemBench &stBench) {

@@ -162,7 +162,7 @@ TEST(Faults, SendsFailWithTheirCodeAndDoNothing) {
     EXPECT_EQ(stBench.Messages(), Told({"36/2:", AnswerTo(2)}));
 }
 
-// ---- Requests that the library itself refuses ----
+// Requests that the library itself refuses.
 
 TEST(Requests, UnknownTypesAndSubtypesAreRefused) {
     ModemBench stBench("");
@@ -207,7 +207,7 @@ TEST(Requests, ARequestThatIsAnsweredAtOnceHasItsAnswerInTheSendersBuffer) {
     EXPECT_EQ(stMessage.aucData[2], 8);
 }
 
-// ---- Messages by event ----
+// Messages by event.
 
 TEST(Events, AnyMessageCanBeSent) {
     ModemBench stBench(

@@ -333,7 +333,7 @@ TEST(MIB, AStateFileWithMistakesIsReported) {
     std::filesystem::remove(strFile);
 }
 
-// ---- Live attributes ----
+// Live attributes.
 
 TEST(MIB, TheMRUTableIsFilledByNetworkEntryAndEmptiedByItsReset) {
     ModemBench stBench(pcFourStations);

@@ -132,7 +132,7 @@ TEST(Scenario, OpensFailAsItSays) {
     EXPECT_FALSE(stAbsent.OpensAt(1000));
 }
 
-// ---- The air ----
+// The air.
 
 TEST(Radio, SignalsVarySlowlyWithinTheirBounds) {
     const std::string strVarying = strStation + "variation = 5\nvariation-period = 4\n";

@@ -206,7 +206,7 @@ TEST(Search, LowPowerScanModesAreConfirmed) {
     EXPECT_EQ(stBench.Messages(), Told({"1/6: 00*4 69 00*12"}));
 }
 
-// ---- NSP search ----
+// NSP search.
 
 // Of a station that announces two providers.
 const std::string strFirstNSPs = " 00*2 00 12 0A 01 02 03 05 00 00 00 02 00 00 00 02 00 00 00 "
