@@ -81,7 +81,7 @@ if check configure fuzz OFF && check cmake --build build/fuzz -j "$jobs" --targe
 fi
 
 headline "linter"
-check quietly cmake --build build/release --target tidy
+check configure lint ON && check quietly cmake --build build/lint --target tidy
 
 printf '\n%d passed, %d failed\n' "$passed" "$failed"
 [ "$failed" -eq 0 ]

@@ -39,7 +39,7 @@ void SendATRLock(uint32_t u32SubType, const ATRLockRecord &stRecord) {
 // 0 to 254, drawn from the C library's generator.
 void PutRandomBytes(ByteSpan stBytes) {
     for (uint32_t i = 0; i < stBytes.u32Length; ++i) {
-        // NOLINTNEXTLINE(cert-msc30-c,cert-msc50-cpp): a test pattern, no secret
+        // NOLINTNEXTLINE(cert-msc50-cpp): a test pattern, no secret
         stBytes.Set(i, static_cast<uint8_t>(std::rand() % 255));
     }
 }
@@ -127,7 +127,7 @@ struct OpenLog {
 } // namespace
 
 int32_t EEPROMTest() {
-    // NOLINTNEXTLINE(cert-msc32-c,cert-msc51-cpp): a test pattern, no secret
+    // NOLINTNEXTLINE(cert-msc51-cpp): a test pattern, no secret
     std::srand(static_cast<unsigned>(std::time(nullptr)));
     const OpenLog stLog;
     for (uint64_t u64Round = 1; MyKbHit() == 0; ++u64Round) {

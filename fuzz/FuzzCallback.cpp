@@ -1,8 +1,8 @@
 // Messages from a hostile modem. The bytes are messages one after the other,
 // each behind its length in two bytes, little-endian; the same bytes are what
 // is typed for decoders that wait for a key.
-#include <cstdlib>
-#include <cstring>
+#include <algorithm>
+#include <memory>
 
 #include "Dispatcher.h"
 #include "FuzzGround.h"
@@ -15,12 +15,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *pucBytes, size_t uCount) {
         const ByteView stMessage = stRest.From(2, Get(stRest, stLength));
         stRest = stRest.From(2 + stMessage.u32Length);
         // A block of exactly the message's size shows every byte read behind it.
-        void *pvBlock = std::malloc(stMessage.u32Length);
-        if (stMessage.u32Length != 0) {
-            std::memcpy(pvBlock, stMessage.pucData, stMessage.u32Length);
-        }
-        TVLCallback(0, static_cast<const WiMAXMessage *>(pvBlock), stMessage.u32Length);
-        std::free(pvBlock);
+        const auto aucBlock = std::make_unique<uint8_t[]>(stMessage.u32Length);
+        std::copy_n(stMessage.pucData, stMessage.u32Length, aucBlock.get());
+        TVLCallback(0, reinterpret_cast<const WiMAXMessage *>(aucBlock.get()), stMessage.u32Length);
     }
     return 0;
 }

@@ -127,7 +127,8 @@ TEST(SleepMode, WaitingTrafficLeavesAClassWithoutTheFlagAlone) {
 TEST(SleepMode, TheLastWindowRepeatsForever) {
     // After 30 days: the windows have long reached 128 frames, and the cycle 160.
     ModemBench stBench(strLinkUp + "[[event]]\nat = 2592000.01\nkind = \"traffic-waits\"\n"
-                                   "[handover]\nlook-period = 0\n[link]\nsupervision = 1000\n");
+                                   "[handover]\nlook-period = 0\n[link]\nsupervision = 1000\n"
+                                   "[signalling]\nranging-period = 1000\nreport-period = 1000\n");
     EXPECT_EQ(stBench.Send(26, 1, OneClass(Definition("FF", "03"))), 0);
     stBench.RunUntil(2592010);
     const std::vector<std::string> astrTexts = stBench.TimedMessages();
