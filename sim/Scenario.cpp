@@ -82,23 +82,6 @@ const ScenarioValue *FirstUnread(const ScenarioValue &stTable) {
     return pstFirst;
 }
 
-std::string ReadFile(const std::string &strPath) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> pstFile(
-        std::fopen(strPath.c_str(), "rb"), &std::fclose);
-    std::string strText;
-    if (pstFile != nullptr) {
-        std::array<char, 4096> acBlock{};
-        size_t uCount = 0;
-        while ((uCount = std::fread(acBlock.data(), 1, acBlock.size(), pstFile.get())) != 0) {
-            strText.append(acBlock.data(), uCount);
-        }
-    }
-    if (pstFile == nullptr || std::ferror(pstFile.get()) != 0) {
-        throw ScenarioError(strPath, 0, std::string("cannot be read: ") + std::strerror(errno));
-    }
-    return strText;
-}
-
 // 1.5, not 1.500000
 std::string Short(double fValue) {
     std::array<char, 32> acText{};
@@ -136,6 +119,26 @@ bool ReadBytes(std::string_view strText, std::vector<uint8_t> *paucBytes) {
 }
 
 } // namespace
+
+std::optional<std::string> ReadTextFile(const std::string &strPath) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> pstFile(
+        std::fopen(strPath.c_str(), "rb"), &std::fclose);
+    if (pstFile == nullptr && errno == ENOENT) {
+        return {};
+    }
+    std::string strText;
+    if (pstFile != nullptr) {
+        std::array<char, 4096> acBlock{};
+        size_t uCount = 0;
+        while ((uCount = std::fread(acBlock.data(), 1, acBlock.size(), pstFile.get())) != 0) {
+            strText.append(acBlock.data(), uCount);
+        }
+    }
+    if (pstFile == nullptr || std::ferror(pstFile.get()) != 0) {
+        throw ScenarioError(strPath, 0, std::string("cannot be read: ") + std::strerror(errno));
+    }
+    return strText;
+}
 
 ScenarioValue *Section::Find(std::string_view strKey) const {
     if (m_pstTable == nullptr) {
@@ -318,7 +321,11 @@ Scenario Scenario::FromText(std::string_view strText, const std::string &strName
 }
 
 Scenario Scenario::FromFile(const std::string &strPath) {
-    return FromText(ReadFile(strPath), strPath);
+    const std::optional<std::string> strText = ReadTextFile(strPath);
+    if (!strText) {
+        throw ScenarioError(strPath, 0, std::string("cannot be read: ") + std::strerror(ENOENT));
+    }
+    return FromText(*strText, strPath);
 }
 
 Scenario Scenario::BuiltIn() { return FromText(pcDefaultScenario, "built-in scenario"); }

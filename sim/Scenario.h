@@ -26,6 +26,9 @@ class ScenarioError : public std::exception {
     std::string m_strText;
 };
 
+// A file's text, or nothing when there is no such file. Throws ScenarioError.
+std::optional<std::string> ReadTextFile(const std::string &strPath);
+
 struct ScenarioDocument;
 struct ScenarioValue;
 

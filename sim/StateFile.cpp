@@ -1,7 +1,5 @@
 #include "StateFile.h"
 
-#include <array>
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -38,25 +36,10 @@ std::string HexOf(const std::vector<uint8_t> &aucBytes) {
 } // namespace
 
 StateFile::StateFile(const Section &stRoot) : m_strPath(stRoot.Table("state").Text("file", "")) {
-    if (m_strPath.empty()) {
-        return;
+    if (!m_strPath.empty()) {
+        // Without a file yet, it is written with the first value.
+        ReadFrom(ReadTextFile(m_strPath).value_or(""));
     }
-    const File pstFile(std::fopen(m_strPath.c_str(), "rb"), &std::fclose);
-    if (pstFile == nullptr && errno == ENOENT) {
-        return; // written with the first value
-    }
-    std::string strText;
-    if (pstFile != nullptr) {
-        std::array<char, 4096> acBlock{};
-        size_t uCount = 0;
-        while ((uCount = std::fread(acBlock.data(), 1, acBlock.size(), pstFile.get())) != 0) {
-            strText.append(acBlock.data(), uCount);
-        }
-    }
-    if (pstFile == nullptr || std::ferror(pstFile.get()) != 0) {
-        throw ScenarioError(m_strPath, 0, std::string("cannot be read: ") + std::strerror(errno));
-    }
-    ReadFrom(strText);
 }
 
 // A line for each value: section, key, bytes.

@@ -47,7 +47,7 @@ class Capture {
     explicit Capture(const char *pcPath) : m_stFile(pcPath, std::ios::binary) {
         constexpr uint32_t u32UpperPDU = 252;
         for (const uint32_t u32Word : {0xA1B2C3D4U, 0x00040002U, 0U, 0U, 65535U, u32UpperPDU}) {
-            PutNative(u32Word);
+            PutWord(u32Word);
         }
     }
 
@@ -62,10 +62,10 @@ class Capture {
         static_assert(strDecoder.size() % 4 == 0, "needs no padding");
         stPacket.U32(0).U8(u32Code).Bytes(stBody);
         const ByteView stBytes = stPacket.View();
-        PutNative(static_cast<uint32_t>(iNow / i64Second));
-        PutNative(static_cast<uint32_t>(iNow % i64Second));
-        PutNative(stBytes.u32Length);
-        PutNative(stBytes.u32Length);
+        PutWord(static_cast<uint32_t>(iNow / i64Second));
+        PutWord(static_cast<uint32_t>(iNow % i64Second));
+        PutWord(stBytes.u32Length);
+        PutWord(stBytes.u32Length);
         m_stFile.write(reinterpret_cast<const char *>(stBytes.pucData), stBytes.u32Length);
     }
 
@@ -76,8 +76,11 @@ class Capture {
 
   private:
     // The file's numbers are in the order of whoever writes it.
-    void PutNative(uint32_t u32Word) {
-        m_stFile.write(reinterpret_cast<const char *>(&u32Word), sizeof u32Word);
+    // Little-endian, as the capture's first word says.
+    void PutWord(uint32_t u32Word) {
+        for (uint32_t i = 0; i < 4; ++i) {
+            m_stFile.put(static_cast<char>(u32Word >> (8 * i) & 0xFF));
+        }
     }
 
     std::ofstream m_stFile;
