@@ -89,7 +89,7 @@ void AskConfig(ByteSpan stConfig) {
     for (const PinGroup &stGroup : astPinGroups) {
         AskPins(stConfig, stGroup);
     }
-    Put(stConfig, AntennaConfig::SetConfig, 1);
+    Put(stConfig, AntennaConfig::SetConfig, AntennaConfig::Write);
 }
 
 void AskScan(ByteSpan stRequest) {
@@ -106,11 +106,6 @@ void AskScan(ByteSpan stRequest) {
     PutLine("\nEnter the Scan Duration Interleaving Interval: ");
     Put(stRequest, InterleaveInterval, AskUnsigned(""));
 }
-
-struct Question {
-    const char *pcPrompt;
-    Field stField;
-};
 
 constexpr Question astSelectionChoices[] = {
     {"\nEnter the Rx Antenna Selction Choice : ", AntennaSelection::RxSelectionValid},
@@ -165,18 +160,16 @@ void AskTxSettings(ByteSpan stRequest) {
     }
     PutTexts(apcAutomaticSettings);
     Put(stRequest, TxAntennaSetting, AskUnsigned(""));
-    for (const Question &stQuestion : astAutomaticQuestions) {
-        Put(stRequest, stQuestion.stField, AskUnsigned(stQuestion.pcPrompt));
-    }
+    AskFields(stRequest, astAutomaticQuestions);
 }
 
-// The pins of a configuration that was read: as many as the count says and the
-// record has room for.
 constexpr ReportRow stRxTotal = {"\nTotal Number of Rx GPIO's to be used: %d",
                                  AntennaConfig::NumRxGPIOs};
 constexpr ReportRow stTxTotal = {"\nTotal Number of Tx GPIO's to be used: %d",
                                  AntennaConfig::NumTxGPIOs};
 
+// The pins of a configuration that was read: as many as the count says and the
+// record has room for.
 void PutPins(ByteView stPayload, const ReportRow &stTotal, const char *pcHeading, Field stPins,
              uint32_t u32Most) {
     PutRow(stPayload, stTotal);
@@ -188,7 +181,7 @@ void PutConfigResponse(ByteView stPayload) {
     using namespace AntennaConfig;
     const bool bSuccess = Get(stPayload, Status) == 0;
     PutText("\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!");
-    if (Get(stPayload, SetConfig) != 0) {
+    if (Get(stPayload, SetConfig) != Read) {
         PutRow(stPayload,
                bSuccess
                    ? ReportRow{"\n\nSetting the GPIO configuration from Host is Successfull !!"}

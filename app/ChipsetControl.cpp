@@ -46,9 +46,8 @@ uint32_t ResetChipset() {
 
 uint32_t CheckModemStatus() {
     WiMAXMessage stMessage;
-    const uint32_t u32Length =
-        FillWiMAXMsg(&stMessage, TYPE_CHIPSET, SUBTYPE_MODEM_STATUS, ModemStatus::Size);
-    if (SendMessage(&stMessage, u32Length) != 0) {
+    Record<ModemStatus::Size> stRequest;
+    if (SendForAnswer(&stMessage, TYPE_CHIPSET, SUBTYPE_MODEM_STATUS, stRequest.View()) != 0) {
         PutText("\nFailed to get the baseband modem status :-(!!");
         return 0;
     }

@@ -22,12 +22,10 @@ void PutSuccess(ByteView stPayload) {
     if (Get(stPayload, IPRefreshNeeded) != 0) {
         PutLine("\nIP Refresh needs to be done");
     }
-    const uint32_t u32VendorBytes = Get(stPayload, VendorDataLength);
-    if (u32VendorBytes < 1 || u32VendorBytes > 255) {
-        PutNumber("\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS %d\n", u32VendorBytes);
-        return;
-    }
-    PutNumber("\nVENDOR SPECIFIC DATA LENGTH : %d\n", u32VendorBytes);
+    PutRow(stPayload, {HasVendorData(stPayload, VendorDataLength)
+                           ? "\nVENDOR SPECIFIC DATA LENGTH : %d\n"
+                           : "\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS %d\n",
+                       VendorDataLength});
     PutVendorData("\nVENDOR SPECIFIC DATA", stPayload, VendorDataLength, VendorData);
 }
 

@@ -143,6 +143,12 @@ int32_t AskOption(const char *pcPrompt) {
 
 uint32_t AskUnsigned(const char *pcPrompt) { return static_cast<uint32_t>(AskOption(pcPrompt)); }
 
+void AskFields(ByteSpan stRecord, std::span<const Question> astQuestions) {
+    for (const Question &stQuestion : astQuestions) {
+        Put(stRecord, stQuestion.stField, AskUnsigned(stQuestion.pcPrompt));
+    }
+}
+
 uint32_t AskInteger(const char *pcPrompt, uint32_t u32Before) {
     PutText(pcPrompt);
     auto iValue = static_cast<int32_t>(u32Before);

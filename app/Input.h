@@ -5,6 +5,9 @@
 #define INPUT_H
 
 #include <cstdint>
+#include <span>
+
+#include "Wire.h"
 
 // One word ("%s") as a decimal number: 0 when it does not begin with one.
 int32_t ReadOption();
@@ -33,6 +36,12 @@ bool ReadIntegerOrDropWord(int32_t *piValue);
 int32_t AskOption(const char *pcPrompt);
 // The same for a field of a request, which takes the low bits that it has room for.
 uint32_t AskUnsigned(const char *pcPrompt);
+// Prompts whose answers are fields of one record, asked for in their order.
+struct Question {
+    const char *pcPrompt;
+    Field stField;
+};
+void AskFields(ByteSpan stRecord, std::span<const Question> astQuestions);
 // A field of a request that "%d" fills: stays as it was before when the answer
 // is no number.
 uint32_t AskInteger(const char *pcPrompt, uint32_t u32Before = 0);

@@ -82,18 +82,12 @@ uint32_t KeysOf(int32_t iID, std::span<const KeyRange> astRanges, KeyRange stFur
 
 // Asks for so many keys (two at most) and stores them with their count.
 void AskKeys(ByteSpan stRecord, uint32_t u32Keys) {
-    struct KeyQuestion {
-        const char *pcPrompt;
-        Field stKey;
-    };
-    constexpr KeyQuestion astQuestions[] = {
+    constexpr Question astQuestions[] = {
         {"\n Enter the key value: ", MIBRecord::Key1},
         {"\n Enter the 2nd key value: ", MIBRecord::Key2},
     };
     Put(stRecord, MIBRecord::KeyCount, u32Keys);
-    for (const KeyQuestion &stQuestion : std::span(astQuestions).first(u32Keys)) {
-        Put(stRecord, stQuestion.stKey, AskUnsigned(stQuestion.pcPrompt));
-    }
+    AskFields(stRecord, std::span(astQuestions).first(u32Keys));
 }
 
 // The record of a get request: the ID and its keys.

@@ -147,15 +147,18 @@ void PutElements(const char *pcText, ByteView stView, Field stFirst, uint32_t u3
 
 void PutString(ByteView stBytes) { PutText(TextOf(stBytes)); }
 
-bool PutVendorData(const char *pcHeading, ByteView stView, Field stLength, uint32_t u32Offset) {
+bool HasVendorData(ByteView stView, Field stLength) {
+    constexpr uint32_t u32Most = 255;
     const uint32_t u32Length = Get(stView, stLength);
-    if (u32Length < 1 || u32Length > 255) {
-        return false;
+    return u32Length >= 1 && u32Length <= u32Most;
+}
+
+void PutVendorData(const char *pcHeading, ByteView stView, Field stLength, uint32_t u32Offset) {
+    if (HasVendorData(stView, stLength)) {
+        PutLine(pcHeading);
+        PutEachByte("0x%02x ", stView.From(u32Offset, Get(stView, stLength)));
+        PutText("\n");
     }
-    PutLine(pcHeading);
-    PutEachByte("0x%02x ", stView.From(u32Offset, u32Length));
-    PutText("\n");
-    return true;
 }
 
 void PutClosingLine(const char *pcBanner) {

@@ -35,10 +35,12 @@ void PutElements(const char *pcText, ByteView stView, Field stFirst, uint32_t u3
 // The text that the bytes hold: it ends at a zero byte or with them.
 void PutString(ByteView stBytes);
 
-// Vendor-specific data: nothing unless the length field says 1 to 255; then the
-// heading with its line end, the bytes from u32Offset as far as they were
-// received, a line end. Returns false when it printed nothing.
-bool PutVendorData(const char *pcHeading, ByteView stView, Field stLength, uint32_t u32Offset);
+// True when the length field says that there are vendor-specific data: 1 to 255
+// bytes.
+bool HasVendorData(ByteView stView, Field stLength);
+// Vendor-specific data, if there are any: the heading with its line end, the
+// bytes from u32Offset as far as they were received, a line end.
+void PutVendorData(const char *pcHeading, ByteView stView, Field stLength, uint32_t u32Offset);
 
 // The line that closes a report or a menu whose banner is pcBanner: two line
 // ends, the banner's own character as often as the banner is long, a line end.

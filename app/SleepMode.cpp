@@ -1,7 +1,6 @@
 #include "SleepMode.h"
 
 #include <algorithm>
-#include <span>
 
 #include "Console.h"
 #include "Input.h"
@@ -31,11 +30,6 @@ constexpr FieldValue astDefaultDefinition[] = {
     {PSCDefinition::TIR, 1},
 };
 
-struct Question {
-    const char *pcPrompt;
-    Field stField;
-};
-
 constexpr Question astQuestionsBeforeCIDs[] = {
     {"\nENTER THE ACTIVITY: 0 - Defn, 1- Activation, 2- DeActivation, 3 - DefnAndActivation:  ",
      PSCDefinition::Activity},
@@ -57,12 +51,6 @@ constexpr Question astQuestionsAfterCIDs[] = {
 // it is and asks for nothing.
 int32_t AskCount(const char *pcPrompt, uint32_t u32Most) {
     return std::min(AskOption(pcPrompt), static_cast<int32_t>(u32Most));
-}
-
-void AskFields(ByteSpan stRecord, std::span<const Question> astQuestions) {
-    for (const Question &stQuestion : astQuestions) {
-        Put(stRecord, stQuestion.stField, AskUnsigned(stQuestion.pcPrompt));
-    }
 }
 
 void AskCIDs(ByteSpan stDefinition) {

@@ -14,12 +14,14 @@ inline constexpr Field NumRxGPIOs{0, FieldType::U32};
 inline constexpr Field NumTxGPIOs{4, FieldType::U32};
 inline constexpr Field RxGPIOs{8, FieldType::U32};
 inline constexpr Field TxGPIO{24, FieldType::U32};
-inline constexpr Field SetConfig{28, FieldType::U32}; // 0 read, 1 write
-inline constexpr Field Status{32, FieldType::U32};    // of the answer
+inline constexpr Field SetConfig{28, FieldType::U32};
+inline constexpr Field Status{32, FieldType::U32}; // of the answer
 inline constexpr uint32_t Size = 36;
 static_assert(EndOf(RxGPIOs) + (MaxRxGPIOs - 1) * 4 == TxGPIO.u16Offset);
 static_assert(EndOf(Status) == Size);
 
+inline constexpr uint32_t Read = 0; // values of SetConfig
+inline constexpr uint32_t Write = 1;
 inline constexpr uint32_t UnusedPin = 0xFFFFFFFF;
 } // namespace AntennaConfig
 
@@ -59,11 +61,14 @@ inline constexpr Field CurrentRSSIAnt2{688, FieldType::I32};
 inline constexpr Field CurrentCINRAnt2{692, FieldType::I32};
 inline constexpr Field Error{696, FieldType::U32};
 inline constexpr uint32_t Size = 700;
+static_assert(EndOf(RxGPIOPattern) + 3 * 4 == RSSIAnt1.u16Offset);
 static_assert(RSSIAnt1.u16Offset + MaxFrames * 4 == CINRAnt1.u16Offset);
 static_assert(CINRAnt1.u16Offset + MaxFrames * 4 == RSSIAnt2.u16Offset);
 static_assert(RSSIAnt2.u16Offset + MaxFrames * 4 == CINRAnt2.u16Offset);
 static_assert(CINRAnt2.u16Offset + MaxFrames * 4 == FrameNumber.u16Offset);
 static_assert(FrameNumber.u16Offset + MaxFrames * 4 == CurrentGPIOPattern.u16Offset);
+static_assert(EndOf(CurrentGPIOPattern) + 3 * 4 == CurrentRSSIAnt1.u16Offset);
+static_assert(EndOf(CurrentCINRAnt2) == Error.u16Offset);
 static_assert(EndOf(Error) == Size);
 } // namespace AntennaScan
 

@@ -54,6 +54,8 @@ inline constexpr Field CurrentPreambleID{22, FieldType::U32};
 inline constexpr Field LastPreambleID{26, FieldType::U32};
 inline constexpr Field VendorDataLength{30, FieldType::U32}; // 1 to 255
 inline constexpr uint32_t VendorData = 34;
+static_assert(CurrentBSID.u16Offset + 6 == LastBSID.u16Offset);
+static_assert(LastBSID.u16Offset + 6 == NumRangingFailures.u16Offset);
 static_assert(EndOf(VendorDataLength) == VendorData);
 } // namespace Handover
 

@@ -170,7 +170,7 @@ int32_t Antennas::Configure(ByteView stRequest) {
     Record<Size> stAnswer;
     PutBytes(stAnswer.Span(), 0, stRequest);
     Put(stAnswer.Span(), AntennaConfig::Status, Success);
-    if (Get(stRequest, SetConfig) == 0) {
+    if (Get(stRequest, SetConfig) == Read) {
         std::vector<uint32_t> au32Rx = m_stConfig.au32Rx;
         au32Rx.resize(MaxRxGPIOs, UnusedPin);
         Put(stAnswer.Span(), NumRxGPIOs, static_cast<uint32_t>(m_stConfig.au32Rx.size()));

@@ -224,6 +224,15 @@ TEST_F(AntennaSwitchingTest, AConfigurationThatWasWrittenIsReported) {
     EXPECT_EQ(ReportOf("28/1 | 3:4 1:4 | 00*20 | 1:4 12:4"),
               std::string(pcBanner) +
                   "\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!Error code returned: 12" + pcClosing);
+    // Whatever is not a read is a write.
+    EXPECT_EQ(ReportOf("28/1 | 3:4 1:4 | 00*20 | -1:4 0:4"),
+              std::string(pcBanner) +
+                  "\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!"
+                  "\n\nSetting the GPIO configuration from Host is Successfull !!" +
+                  pcClosing);
+    EXPECT_EQ(ReportOf("28/1 | 3:4 1:4 | 00*20 | 2:4 -7:4"),
+              std::string(pcBanner) +
+                  "\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!Error code returned: -7" + pcClosing);
 }
 
 TEST_F(AntennaSwitchingTest, AScanInFull) {
@@ -249,22 +258,22 @@ TEST_F(AntennaSwitchingTest, AScanInFull) {
 }
 
 TEST_F(AntennaSwitchingTest, AScanWithoutFramesHasItsTitles) {
-    EXPECT_EQ(ReportOf("28/2 | 7:4 0:4 00*692"), std::string(pcBanner) +
-                                                     "\n\tRECEIVED ANTENNA_SCANNING_RESPONSE !!"
-                                                     "\nScanning Status : 7"
-                                                     "\nAcual Frames Scanned : 0"
-                                                     "\nRx GPIO Pattern Infomation:  0 0 0"
-                                                     "\nRSSI Measurement of Antenna 1: "
-                                                     "\nCINR Measurement of Antenna 1: "
-                                                     "\nRSSI Measurement of Antenna 2: "
-                                                     "\nCINR Measurement of Antenna 2: "
-                                                     "\nActual Framer Numbers Scanned: "
-                                                     "\nCurrent GPIO Pattern:  0 0 0 0"
-                                                     "\nCurrent RSSI of Antenna 1: 0"
-                                                     "\nCurrent CINR of Antenna 1: 0"
-                                                     "\nCurrent RSSI of Antenna 2: 0"
-                                                     "\nCurrent CINR of Antenna 2: 0" +
-                                                     pcClosing);
+    EXPECT_EQ(ReportOf("28/2 | -7:4 0:4 00*692"), std::string(pcBanner) +
+                                                      "\n\tRECEIVED ANTENNA_SCANNING_RESPONSE !!"
+                                                      "\nScanning Status : -7"
+                                                      "\nAcual Frames Scanned : 0"
+                                                      "\nRx GPIO Pattern Infomation:  0 0 0"
+                                                      "\nRSSI Measurement of Antenna 1: "
+                                                      "\nCINR Measurement of Antenna 1: "
+                                                      "\nRSSI Measurement of Antenna 2: "
+                                                      "\nCINR Measurement of Antenna 2: "
+                                                      "\nActual Framer Numbers Scanned: "
+                                                      "\nCurrent GPIO Pattern:  0 0 0 0"
+                                                      "\nCurrent RSSI of Antenna 1: 0"
+                                                      "\nCurrent CINR of Antenna 1: 0"
+                                                      "\nCurrent RSSI of Antenna 2: 0"
+                                                      "\nCurrent CINR of Antenna 2: 0" +
+                                                      pcClosing);
 }
 
 TEST_F(AntennaSwitchingTest, AnAbortedScanSaysNothingElse) {
@@ -282,6 +291,11 @@ TEST_F(AntennaSwitchingTest, AScanWithAnErrorSaysNothingElse) {
               std::string(pcBanner) +
                   "\n\tRECEIVED ANTENNA_SCANNING_RESPONSE !!"
                   "\n\tError in Antenna Scanning Response :: 3" +
+                  pcClosing);
+    EXPECT_EQ(ReportOf("28/2 | 0:4 2:4 00*688 -3:4"),
+              std::string(pcBanner) +
+                  "\n\tRECEIVED ANTENNA_SCANNING_RESPONSE !!"
+                  "\n\tError in Antenna Scanning Response :: -3" +
                   pcClosing);
 }
 
@@ -327,6 +341,11 @@ TEST_F(AntennaSwitchingTest, TheStatusOfASelectionIsReported) {
                                           "\n\tRECEIVED ANTENNA_SELECTION_RESPONSE !!"
                                           "\n\tSuccesfully set the Rx/Tx Antennas !!" +
                                           pcClosing);
+    EXPECT_EQ(ReportOf("28/5 | 2:4"),
+              std::string(pcBanner) +
+                  "\n\tRECEIVED ANTENNA_SELECTION_RESPONSE !!"
+                  "\n\tFailed in Setting Rx/Tx Antennas: Error Received : 2" +
+                  pcClosing);
     EXPECT_EQ(ReportOf("28/5 | -2:4"),
               std::string(pcBanner) +
                   "\n\tRECEIVED ANTENNA_SELECTION_RESPONSE !!"

@@ -66,9 +66,11 @@ TEST_F(ChipsetControlTest, TheModemStatusIsInTheRequestsBuffer) {
 }
 
 TEST_F(ChipsetControlTest, AModemStatusThatCannotBeAskedForIsReported) {
-    FakeDevice::SetSendResult(-1);
-    EXPECT_EQ(PrintedBy([] { EXPECT_EQ(ChipsetControl(), 0U); }, "3\n"),
-              std::string(pcMenu) + "\nFailed to get the baseband modem status :-(!!");
+    for (const int32_t iResult : {-1, 1}) {
+        FakeDevice::SetSendResult(iResult);
+        EXPECT_EQ(PrintedBy([] { EXPECT_EQ(ChipsetControl(), 0U); }, "3\n"),
+                  std::string(pcMenu) + "\nFailed to get the baseband modem status :-(!!");
+    }
 }
 
 TEST_F(ChipsetControlTest, OtherChoicesDoNothing) {

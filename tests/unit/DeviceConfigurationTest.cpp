@@ -94,6 +94,11 @@ TEST_F(DeviceConfigurationTest, TheAnswerToAMACAddressIsReported) {
               "\nSTATUS : "
               "\nFAILURE, ERROR CODE : 7"
               "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
+    EXPECT_EQ(Report(MACSetResponse, "11/1 | 1:4"),
+              "\n~~~~~~~~~~~~~~ MAC ADDRESS SET RESPONSE ~~~~~~~~~~~~~~\n"
+              "\nSTATUS : "
+              "\nFAILURE, ERROR CODE : 1"
+              "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
     EXPECT_EQ(Report(MACSetResponse, "11/1 | ff"),
               "\n~~~~~~~~~~~~~~ MAC ADDRESS SET RESPONSE ~~~~~~~~~~~~~~\n"
               "\nSTATUS : "

@@ -31,6 +31,30 @@ TEST_F(DispatcherTest, TypesWithoutADecoderAreReported) {
     }
 }
 
+TEST_F(DispatcherTest, TypesReachTheirDecoders) {
+    const struct {
+        const char *pcMessage;
+        const char *pcFirstLine;
+    } astTypes[] = {
+        {"7/1", "\n~~~~~~~~~~~~~~~ SS INFO RESPONSE ~~~~~~~~~~~~~~\n"},
+        {"11/1", "\n~~~~~~~~~~~~~~ MAC ADDRESS SET RESPONSE ~~~~~~~~~~~~~~\n"},
+        {"12/2", "\n~~~~~~ DEVICE RESET_UNLOAD MESSAGE RECEIVED ~~~~~~\n"},
+        {"13/6", "\nIP Filtering Status received as : IP_FILTER_STATUS_INVALID(0)"},
+        {"16/1", "\n~~~~~~~~~~ RESET INDICATION RECEIVED ~~~~~~~~~~\n"},
+        {"17/1", "\n~~~~~~~~~~ BASEBAND STATISTICS RESPONSE ~~~~~~~~~~\n"},
+        {"23/1", "\n~~~~~~ HANDOVER RESPONSE MESSAGE ~~~~~~\n"},
+        {"24/1", "\n~~~~~~~~~~~~~~~ MIB MESSAGE RECEIVED ~~~~~~~~~~~~~~~\n"},
+        {"26/2", "\n~~~~~~ SLEEP MODE INDICATION MESSAGE ~~~~~~\n"},
+        {"28/1", "\n~~~~~~~~~~~~~~~ ANTENNA_SWITCHING_SELECTION MESSAGE RECEIVED "
+                 "~~~~~~~~~~~~~~~\n"},
+        {"34/1", "\n~~~~~~~~~~~~~~~ Security RESPONSE RECEIVED ~~~~~~~~~~~~~~~\n"},
+    };
+    for (const auto &stType : astTypes) {
+        const std::string strFirstLine = stType.pcFirstLine;
+        EXPECT_EQ(PrintedFor(stType.pcMessage).substr(0, strFirstLine.size()), strFirstLine);
+    }
+}
+
 TEST_F(DispatcherTest, BothBytesOfTheTypeCount) {
     EXPECT_EQ(PrintedFor("01 01 01 00"), UnknownType("257"));
 }

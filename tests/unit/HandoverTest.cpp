@@ -32,6 +32,24 @@ TEST_F(HandoverTest, ASuccessIsReportedInFull) {
                   pcClosing);
 }
 
+TEST_F(HandoverTest, AnyByteButZeroSaysYes) {
+    for (const char *pcYes : {"02", "80", "ff"}) {
+        EXPECT_EQ(
+            Report(HandOverResponse, std::string("23/1 | ") + pcYes + " " + pcYes + " 00*28 0:4"),
+            std::string(pcBanner) +
+                "\nHANDOFF SUCCESS!!\n"
+                "\nLast Preamble ID: 0\n"
+                "\nCurrent Preamble ID: 0\n"
+                "\nHand over latency: 0\n"
+                "\nNumber of Ranging Failures: 0\n"
+                "\nCurrent BSID: 00 00 00 00 00 00"
+                "\nLast BSID: 00 00 00 00 00 00"
+                "\nIP Refresh needs to be done\n"
+                "\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS 0\n" +
+                pcClosing);
+    }
+}
+
 TEST_F(HandoverTest, WithoutVendorDataItsLengthIsInvalid) {
     EXPECT_EQ(Report(HandOverResponse, Succeeded("00", "0:4")),
               std::string(pcBanner) + pcSuccess +

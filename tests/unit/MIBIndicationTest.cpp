@@ -110,6 +110,9 @@ TEST_F(MIBIndicationTest, AFailedGetOfASpecialAttributeIsNotDecoded) {
 TEST_F(MIBIndicationTest, ValuesEndWithThePayload) {
     EXPECT_EQ(Shown(GetText(3, 4294967295, "01 02")),
               GetOpening("3") + " 0x01 0x02\n" + strClosing);
+    // The stated length decides whether the bytes are a number.
+    EXPECT_EQ(Shown(GetText(3, 5, "01 02 03 04")),
+              GetOpening("3") + " 0x01 0x02 0x03 0x04\n" + strClosing);
     EXPECT_EQ(Shown("24/2 | 3:4"), GetOpening("3") + "\n" + strClosing);
     EXPECT_EQ(Shown("24/2"), GetOpening("0") + "\n" + strClosing);
 }
@@ -159,6 +162,9 @@ TEST_F(MIBIndicationTest, RecordsEndWithThePayload) {
     EXPECT_EQ(Shown("24/4 | ff ff " + RecordText(1, 1, "00", "07")), strOne + strClosing);
     EXPECT_EQ(Shown("24/4 | 2:2 " + RecordText(1, 1, "00", "07") + "02 00 00 00 00*21"),
               strOne + strClosing);
+    // A record that ends with its status.
+    EXPECT_EQ(Shown("24/4 | 2:2 " + RecordText(1, 1, "00", "07") + RecordText(2, 0, "fb", "")),
+              strOne + "\n MIB OID - 2 :  Error Code - (-5) \n" + strClosing);
     // A value that claims to be longer than everything.
     EXPECT_EQ(
         Shown("24/4 | 2:2 " + RecordText(1, 4294967295, "00", "07") + RecordText(2, 0, "00", "00")),

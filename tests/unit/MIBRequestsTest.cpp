@@ -54,7 +54,7 @@ class MIBRequestsTest : public ConsoleTest {
     static uint32_t LengthOf(size_t uSend) {
         return FakeDevice::SendArgumentsOfAll().at(uSend).u32Length;
     }
-    // The keys that the dialogue asks for, counted by its prompts.
+    // What the dialogue alone sends when the text is typed.
     static std::vector<std::string> SentBy(int32_t (*pfnDialogue)(), const std::string &strTyped) {
         FakeDevice::Reset();
         PrintedBy(pfnDialogue, strTyped);
@@ -343,7 +343,7 @@ TEST_F(MIBRequestsTest, AMultipleGetOfNothingSendsNothing) {
     EXPECT_EQ(gbInsideSubMenu, 1);
 }
 
-// The IDs 0 to iCount - 1 with a 7 in the place of the keys that are asked.
+// A count and so many IDs, none of which takes a key.
 std::string IDs(int32_t iCount) {
     std::string strTyped = std::to_string(iCount) + " ";
     for (int32_t i = 0; i < iCount; ++i) {
@@ -380,6 +380,22 @@ TEST_F(MIBRequestsTest, FiveMessagesAreSentBeforeASixthIsOpened) {
         Recorded(GetRecords(758, 379)),  Recorded(GetRecords(1137, 379)),
         Recorded(GetRecords(1516, 379)), Recorded(GetRecords(1895, 1))};
     EXPECT_EQ(Sent(), Expected);
+}
+
+TEST_F(MIBRequestsTest, FiveMessagesAreKept) {
+    // 1895 records fill five messages; the next one needs a sixth.
+    Type(std::string("1897 ") + IDs(1895).substr(5));
+    EndInput();
+    EXPECT_THROW(MultipleMIBGetRequest(), ClientEnd);
+    EXPECT_TRUE(Sent().empty());
+}
+
+TEST_F(MIBRequestsTest, FiveMessagesAreSentBeforeTheQuestionBehindTheSixth) {
+    Type(std::string("1897 ") + IDs(1896).substr(5));
+    EndInput();
+    EXPECT_THROW(MultipleMIBGetRequest(), ClientEnd);
+    ASSERT_EQ(Sent().size(), 5U);
+    EXPECT_EQ(Sent()[4], Recorded(GetRecords(1516, 379)));
 }
 
 TEST_F(MIBRequestsTest, AMultipleGetStopsWithoutMIBSupport) {
@@ -464,6 +480,18 @@ TEST_F(MIBRequestsTest, LongRecordsOfAMultipleSetStayWithinTheirMessage) {
         Recorded("24/3 | 1:2 5:4 00 00*16 8000:4 00 01 00*7999"),
         Recorded("24/3 | 2:2 6:4 00 00*16 4000:4 00 02 00*3999 7:4 00 00*16 1:4 00 03")};
     EXPECT_EQ(SentBy(MultipleMIBSetRequest, "3 5 8000 1 6 4000 2 7 1 3 "), Expected);
+}
+
+TEST_F(MIBRequestsTest, AMessageOfAMultipleSetIsClosedWhenTwentySevenBytesDoNotFit) {
+    // 10213 bytes are used: 27 more fill the message.
+    EXPECT_EQ(SentBy(MultipleMIBSetRequest, "2 5 10185 1 6 1 2 "),
+              Just("24/3 | 2:2 5:4 00 00*16 10185:4 00 01 00*10184 6:4 00 00*16 1:4 00 02"));
+    EXPECT_EQ(LengthOf(0), 10244U);
+    // 10214 bytes are used: closed, though the 26 bytes that follow would fit.
+    const std::vector<std::string> Expected = {
+        Recorded("24/3 | 1:2 5:4 00 00*16 10186:4 00 01 00*10185"),
+        Recorded("24/3 | 1:2 6:4 00 00*16 0:4 00")};
+    EXPECT_EQ(SentBy(MultipleMIBSetRequest, "2 5 10186 1 6 0 2 "), Expected);
 }
 
 TEST_F(MIBRequestsTest, RecordsOfAMultipleSetWithoutBytes) {

@@ -132,6 +132,8 @@ TEST_F(StatisticsTest, TheErrorRateIsOfUnsignedCountsInSinglePrecision) {
     EXPECT_EQ(RateLine("1", "3"), "\n\nFrame Error Rate\t: 0.333333");
     // In double precision this would be 33333.333333.
     EXPECT_EQ(RateLine("100000", "3"), "\n\nFrame Error Rate\t: 33333.332031");
+    // The counts are rounded before they are divided, not the quotient alone.
+    EXPECT_EQ(RateLine("16777217", "5"), "\n\nFrame Error Rate\t: 3355443.250000");
     EXPECT_EQ(RateLine("0", "5"), "\n\nFrame Error Rate\t: 0.000000");
     EXPECT_EQ(RateLine("5", "0"), "");
 }
