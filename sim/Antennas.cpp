@@ -270,9 +270,10 @@ void Antennas::ScanFrame() {
         TellScanError(NoStation);
         return;
     }
-    const uint32_t u32Pattern = m_u32NumPatterns != 0
-                                    ? m_au32Patterns[m_u64FramesDone % m_u32NumPatterns]
-                                    : m_au32Selected[0];
+    const uint32_t u32Pattern =
+        m_u32NumPatterns != 0
+            ? m_au32Patterns[static_cast<uint32_t>(m_u64FramesDone % m_u32NumPatterns)]
+            : m_au32Selected[0];
     m_astFrames.push_back({FrameNumber(), Measure(u32Pattern)});
     ++m_u64FramesDone;
     if (!m_bEndless && --m_u64FramesLeft == 0) {
