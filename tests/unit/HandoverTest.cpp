@@ -61,8 +61,8 @@ TEST_F(HandoverTest, TheLastValidLengthOfVendorDataIs255) {
     EXPECT_NE(strReport.find("\nVENDOR SPECIFIC DATA LENGTH : 255\n"), std::string::npos);
     EXPECT_EQ(strReport.size(), std::string(pcBanner).size() + std::string(pcSuccess).size() +
                                     std::string("\nVENDOR SPECIFIC DATA LENGTH : 255\n").size() +
-                                    std::string("\nVENDOR SPECIFIC DATA\n").size() + 255 * 5 + 1 +
-                                    std::string(pcClosing).size());
+                                    std::string("\nVENDOR SPECIFIC DATA\n").size() +
+                                    size_t{255} * 5 + 1 + std::string(pcClosing).size());
     EXPECT_EQ(Report(HandOverResponse, Succeeded("00", "256:4 5a*256")),
               std::string(pcBanner) + pcSuccess +
                   "\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS 256\n" + pcClosing);

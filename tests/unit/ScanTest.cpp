@@ -90,7 +90,7 @@ std::string Theirs(const Conversion<Value> &stConversion, const std::string &str
     while (fgetc(pstStream) != EOF) {
         ++uLeft;
     }
-    fclose(pstStream);
+    (void)fclose(pstStream);
     return Outcome(iConverted, TextOf(NewValue), strText.size() - uLeft);
 }
 #pragma GCC diagnostic pop
@@ -99,7 +99,7 @@ std::string Quoted(const std::string &strText) {
     std::string strQuoted;
     for (const char cChar : strText) {
         char acHex[8];
-        snprintf(acHex, sizeof acHex, "\\x%02x", static_cast<unsigned char>(cChar));
+        (void)snprintf(acHex, sizeof acHex, "\\x%02x", static_cast<unsigned char>(cChar));
         strQuoted += cChar > ' ' && cChar < 0x7F ? std::string(1, cChar) : acHex;
     }
     return strQuoted;
@@ -138,7 +138,7 @@ std::string RandomText(std::mt19937 *pstRandom) {
 }
 
 template <typename Value> void CompareRandomTexts(const Conversion<Value> &stConversion) {
-    std::mt19937 stRandom(20); // NOLINT: the same texts in every run
+    std::mt19937 stRandom(20);
     for (int i = 0; i < 50000 && !testing::Test::HasFailure(); ++i) {
         Compare(stConversion, RandomText(&stRandom));
     }
