@@ -316,6 +316,15 @@ TEST_F(ClassifierActionTest, DeletingAsksForNothingMore) {
     EXPECT_EQ(Filled(), RulesOfBoth("00*660 02 00*659 00*1320", "02"));
 }
 
+TEST_F(ClassifierActionTest, TheFirstRuleIsNumberOne) {
+    Act(1, "1 1 1 1 9 0 0 0 0 0 0 0\n");
+    EXPECT_EQ(iResult, 0);
+    EXPECT_EQ(Filled(), RulesOfBoth("01 00*9 09 00*649 00*1980", "01"));
+    Act(1, "1 2 1\n");
+    EXPECT_EQ(iResult, 0);
+    EXPECT_EQ(Filled(), RulesOfBoth("02 00*9 09 00*649 00*1980", "01"));
+}
+
 TEST_F(ClassifierActionTest, TheBitsOfTheActionDecide) {
     for (const char *pcAction : {"3", "5", "-1"}) {
         EXPECT_EQ(Act(0, std::string("1 ") + pcAction + " 1\n"),
