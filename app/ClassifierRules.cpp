@@ -13,38 +13,39 @@ struct MatchGroup {
     const char *pcQuestion;
     const char *pcLength;
     const char *pcElement;
-    int32_t iMostBytes;
+    uint32_t u32MostBytes;
     Field stLength;
     Field stBytes;
 };
 
-// The MAC addresses take four bytes at most, although twelve are offered and
-// have room.
+// A MAC address takes no more, although twelve bytes are offered and have room.
+constexpr uint32_t u32MostMacBytes = 4;
+
 constexpr MatchGroup astMatchGroups[] = {
     {"\nWould you like to enter  IP masked source address (1-Yes and 0-No)",
      "\nPlz enter length of IP masked source address <32 that you would like to enter",
-     "\nPlz enter the %d element of the IP Masked source address", 32, IPMaskedSrcAddrLength,
-     IPMaskedSrcAddr},
+     "\nPlz enter the %d element of the IP Masked source address", IPMaskedAddrSize,
+     IPMaskedSrcAddrLength, IPMaskedSrcAddr},
     {"\nWould you like to enter  IP Masked Destination Address (1-Yes and 0-No)",
      "\nPlz enter length of IP Masked Destination Address <32 that you would like to enter",
-     "Plz enter the %d element of the Masked Destination Address \n", 32, IPMaskedDestAddrLength,
-     IPMaskedDestAddr},
+     "Plz enter the %d element of the Masked Destination Address \n", IPMaskedAddrSize,
+     IPMaskedDestAddrLength, IPMaskedDestAddr},
     {"\nWould you like to enter  Protocol Source Port Range (1-Yes and 0-No)",
      "\nPlz enter length of Protocol Source Port Range <4 that you would like to enter",
-     "\nPlz enter the %d element of the Protocol Source Port Range", 4, SrcPortRangeLength,
-     SrcPortRange},
+     "\nPlz enter the %d element of the Protocol Source Port Range", PortRangeSize,
+     SrcPortRangeLength, SrcPortRange},
     {"\nWould you like to enter  Protocol Dest Port Range (1-Yes and 0-No)",
      "\nPlz enter length of Protocol Dest Port Range <4 that you would like to enter",
-     "\nPlz enter the %d element of the Protocol Dest Port Range", 4, DestPortRangeLength,
-     DestPortRange},
+     "\nPlz enter the %d element of the Protocol Dest Port Range", PortRangeSize,
+     DestPortRangeLength, DestPortRange},
     {"\nWould you like to enter  Ethernet Source MAC Address (1-Yes and 0-No)",
      "\nPlz enter length of Ethernet Source MAC Address <12 that you would like to enter",
-     "\nPlz enter the %d element of the Ethernet Source MAC Address", 4, EthSrcMacLength,
-     EthSrcMac},
+     "\nPlz enter the %d element of the Ethernet Source MAC Address", u32MostMacBytes,
+     EthSrcMacLength, EthSrcMac},
     {"\nWould you like to enter  Ethernet Dest Mac Address (1-Yes and 0-No)",
      "\nPlz enter length of Ethernet Dest Mac Address <12 that you would like to enter",
-     "\nPlz enter the %d element of the Ethernet Dest Mac Address", 4, EthDestMacLength,
-     EthDestMac},
+     "\nPlz enter the %d element of the Ethernet Dest Mac Address", u32MostMacBytes,
+     EthDestMacLength, EthDestMac},
 };
 
 constexpr uint32_t OffsetOfRule(uint32_t u32Rule) {
@@ -68,7 +69,7 @@ void EnterProtocol(const SelectedSets &stSets, uint32_t u32Rule, uint32_t u32Val
 // A negative length is stored, and no byte is asked for.
 void EnterMatchGroup(const SelectedSets &stSets, uint32_t u32Rule, const MatchGroup &stGroup) {
     const int32_t iLength = AskOption(stGroup.pcLength);
-    if (iLength > stGroup.iMostBytes) {
+    if (iLength > static_cast<int32_t>(stGroup.u32MostBytes)) {
         PutText("Value entered is out of range\n");
         return;
     }

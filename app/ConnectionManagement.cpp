@@ -1,5 +1,7 @@
 #include "ConnectionManagement.h"
 
+#include <iterator>
+
 #include "Console.h"
 #include "Input.h"
 #include "LinkRecords.h"

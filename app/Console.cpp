@@ -1,5 +1,6 @@
 #include "Console.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <csignal>

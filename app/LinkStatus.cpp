@@ -1,8 +1,6 @@
 #include "LinkStatus.h"
 
 #include <algorithm>
-#include <cstring>
-#include <iterator>
 
 #include "Console.h"
 #include "Message.h"

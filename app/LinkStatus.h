@@ -1,6 +1,6 @@
 // What the modem answers to search, synchronisation, network entry, shutdown
 // and half mini card requests. The decoders take the whole message and its
-// length and print; null messages and unknown subtypes print nothing.
+// length, print and return 0; null messages and unknown subtypes print nothing.
 #ifndef LINK_STATUS_H
 #define LINK_STATUS_H
 

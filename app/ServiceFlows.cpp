@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <span>
 
 #include "ClassifierRules.h"
@@ -116,8 +117,8 @@ uint32_t AskDirection() {
 }
 
 void WrapTID() {
-    constexpr int32_t iLastTID = 32767;
-    if (giGlobalTID == iLastTID) {
+    constexpr int32_t iTIDLimit = 32767; // the first number that no request takes
+    if (giGlobalTID == iTIDLimit) {
         giGlobalTID = 0;
     }
 }

@@ -6,8 +6,8 @@
 
 #include "ServiceFlowRecord.h"
 
-// The transaction ID that the next request takes, 0 to 32767. Read and written
-// by the menus only.
+// The transaction ID that the next request takes, 0 to 32766; 32767 stands for
+// 0. Read and written by the menus only.
 extern int32_t giGlobalTID;
 
 // Room for 16 add indications (ServiceFlowRecord). Nothing is kept there yet.

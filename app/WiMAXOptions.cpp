@@ -86,6 +86,9 @@ constexpr const char *pcMCSPrompt = "\nSet the MIB Write Flag: [Valid values 1 (
 constexpr const char *pcHARQPrompt = "\nSet the HARQ MIB Write Flag: [Valid values 1 (Enable HARQ "
                                      "MIB Writable) - 0(Disable HARQ MIB From Writable) ]";
 
+constexpr uint32_t u32MostPagingCycle = 15; // seconds
+constexpr uint32_t u32MostFlag = 1;
+
 // Asks until the answer, taken as unsigned, is u32Most or less.
 uint32_t AskUpTo(uint32_t u32Most, const char *pcPrompt, const char *pcPromptAgain) {
     PutLine(pcPrompt);
@@ -98,15 +101,17 @@ uint32_t AskUpTo(uint32_t u32Most, const char *pcPrompt, const char *pcPromptAga
 }
 
 uint32_t AskPayloadBitmap(uint32_t u32Bitmap, const char *pcExitLine) {
+    constexpr int32_t iLastBitLine = 4;
+    constexpr int32_t iExitLine = 5;
     for (;;) {
         PutTexts(apcBitmapLines);
         PutLine(pcExitLine);
         PutLine("\nEnter the option: ");
         const int32_t iChoice = ReadOption();
-        if (iChoice == 5) {
+        if (iChoice == iExitLine) {
             return u32Bitmap;
         }
-        if (iChoice < 1 || iChoice > 4) {
+        if (iChoice < 1 || iChoice > iLastBitLine) {
             PutText("\nInvalid Option");
             continue;
         }
@@ -126,7 +131,7 @@ uint32_t AskPayloadBitmap(uint32_t u32Bitmap, const char *pcExitLine) {
 }
 
 uint32_t AskEEPROMFlag() {
-    return AskUpTo(1,
+    return AskUpTo(u32MostFlag,
                    "\nSet the EEPROM flag: [Valid values 0 (Enable EEPROM Writes) - 1(Disable "
                    "EEPROM Writes) ]",
                    "\nSet the EEPROM flag: [Valid values 0(Enable EEPROM Writes) - 1(Disable "
@@ -134,12 +139,13 @@ uint32_t AskEEPROMFlag() {
 }
 
 uint32_t AskMIBWriteFlags() {
-    const uint32_t u32MCS = AskUpTo(1, pcMCSPrompt, pcMCSPrompt);
-    return u32MCS | AskUpTo(1, pcHARQPrompt, pcHARQPrompt) << 1;
+    const uint32_t u32MCS = AskUpTo(u32MostFlag, pcMCSPrompt, pcMCSPrompt);
+    return u32MCS | AskUpTo(u32MostFlag, pcHARQPrompt, pcHARQPrompt) << 1;
 }
 
 bool AskSecuritySupport() {
-    return AskUpTo(1, "\nEnter the value for Bit 4(Security Level support): [Valid values 1/0]",
+    return AskUpTo(u32MostFlag,
+                   "\nEnter the value for Bit 4(Security Level support): [Valid values 1/0]",
                    "\nEnter the value for Bit 3: [Valid values 1/0]") == 1;
 }
 
@@ -161,7 +167,8 @@ Setting AskSetting(int32_t iLine, uint32_t u32Bitmap, const char *pcBitmapExitLi
         return {SpecifierOf(PayloadBitmap), PayloadBitmap,
                 AskPayloadBitmap(u32Bitmap, pcBitmapExitLine)};
     case 2:
-        return {SpecifierOf(PagingCycle), PagingCycle, AskUpTo(15, pcPagingPrompt, pcPagingPrompt)};
+        return {SpecifierOf(PagingCycle), PagingCycle,
+                AskUpTo(u32MostPagingCycle, pcPagingPrompt, pcPagingPrompt)};
     case 3:
         return {SpecifierOf(EEPROMWrites), EEPROMWrites, AskEEPROMFlag()};
     case 4:

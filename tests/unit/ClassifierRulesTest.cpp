@@ -194,6 +194,19 @@ TEST_F(ClassifierRulesTest, FiveBytesOfPortsAndAWholeMacAddressAreOutOfRange) {
     EXPECT_EQ(Filled(), Message("00*8472"));
 }
 
+TEST_F(ClassifierRulesTest, FiveBytesOfAMacAddressAreOutOfRangeAlready) {
+    const std::string strPrinted = EnterRule(0, 1, true, "0 0 0 0 0 0 5 5 1 1 1 1 1 1\n");
+    EXPECT_NE(
+        strPrinted.find(
+            "\nPlz enter length of Ethernet Source MAC Address <12 that you would like to enter"
+            "Value entered is out of range\n"
+            "\nPlz enter length of Ethernet Dest Mac Address <12 that you would like to enter"
+            "Value entered is out of range\n"),
+        std::string::npos);
+    EXPECT_EQ(Unread(), " 1 1 1 1 1 1\n");
+    EXPECT_EQ(Filled(), Message("00*8472"));
+}
+
 TEST_F(ClassifierRulesTest, ALengthOfZeroReplacesTheOldOneAndAsksNothing) {
     stRecord.aucBytes[8 + 176 + 16] = 7;
     EnterRule(0, 1, false, "0 0 1 0 0 0 0 0 0\n");
@@ -211,6 +224,12 @@ TEST_F(ClassifierRulesTest, AnElementThatIsNoNumberRepeatsTheOneBefore) {
     EnterRule(0, 1, false, "0 0 1 3 a1 zz 0 0 0 0\n");
     EXPECT_EQ(Unread(), "\n");
     EXPECT_EQ(Filled(), Message("00*8 00*176 00*16 03 a1*3 00*640 00*1980 00*5648"));
+}
+
+TEST_F(ClassifierRulesTest, AFirstElementThatIsNoNumberIsZero) {
+    stRecord.aucBytes[8 + 176 + 17] = 0x77;
+    EnterRule(0, 1, false, "0 0 1 1 zz 0 0 0 0\n");
+    EXPECT_EQ(Filled(), Message("00*8 00*176 00*16 01 00*643 00*1980 00*5648"));
 }
 
 TEST_F(ClassifierRulesTest, TheRuleOfAnAddRequestAsksForThePagingPreferenceInBetween) {
@@ -295,6 +314,15 @@ TEST_F(ClassifierActionTest, DeletingAsksForNothingMore) {
     EXPECT_EQ(Act(2, "1 2 2\n"), std::string(pcRuleQuestion) + pcActionQuestion + pcDeleteQuestion);
     EXPECT_EQ(iResult, 0);
     EXPECT_EQ(Filled(), RulesOfBoth("00*660 02 00*659 00*1320", "02"));
+}
+
+TEST_F(ClassifierActionTest, TheFirstRuleIsNumberOne) {
+    Act(1, "1 1 1 1 9 0 0 0 0 0 0 0\n");
+    EXPECT_EQ(iResult, 0);
+    EXPECT_EQ(Filled(), RulesOfBoth("01 00*9 09 00*649 00*1980", "01"));
+    Act(1, "1 2 1\n");
+    EXPECT_EQ(iResult, 0);
+    EXPECT_EQ(Filled(), RulesOfBoth("02 00*9 09 00*649 00*1980", "01"));
 }
 
 TEST_F(ClassifierActionTest, TheBitsOfTheActionDecide) {

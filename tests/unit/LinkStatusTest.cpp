@@ -573,11 +573,13 @@ TEST_F(LinkStatusTest, AHalfMiniCardResponseIsAnsweredASecondLater) {
     gbInsideSubMenu = 1;
     FakeDevice::SetSendResult(-5);
     const auto Begin = std::chrono::steady_clock::now();
+    auto SentAt = Begin;
+    FakeDevice::OnSend([&](size_t, auto) { SentAt = std::chrono::steady_clock::now(); });
     EXPECT_EQ(Report(ProcessHalfMiniCardResponse, "36/2"),
               "\n~~~~~~~~~~ HALF MINI CARD RESPONSE RECEIVED~~~~~~~~~~\n"
               "\nApplication will send HMC Status message after interval of 1 second"
               "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
-    EXPECT_GE(std::chrono::steady_clock::now() - Begin, std::chrono::seconds(1));
+    EXPECT_GE(SentAt - Begin, std::chrono::seconds(1));
     EXPECT_EQ(FakeDevice::Sent(), std::vector<std::string>{"36/1"});
     EXPECT_EQ(FakeDevice::SendArgumentsOfAll(), (std::vector<FakeDevice::SendArguments>{{1, 4}}));
     EXPECT_EQ(gbInsideSubMenu, 0);

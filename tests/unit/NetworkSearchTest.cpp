@@ -1,5 +1,6 @@
 #include "NetworkSearch.h"
 
+#include "Console.h"
 #include "LinkStatus.h"
 #include "Message.h"
 #include "TestConsole.h"
@@ -143,6 +144,15 @@ TEST_F(NetworkSearchTest, TheMenuReturnsTheSendResultOrMinusOne) {
     EXPECT_TRUE(FakeDevice::Sent().empty());
 }
 
+TEST_F(NetworkSearchTest, AnswersAreDroppedUntilASearchIsBuilt) {
+    gbInsideSubMenu = 1;
+    Type("3  10 1  2530.0 2540.0 500  0\n");
+    EndInput();
+    EXPECT_THROW(NetworkSearchOptions(), ClientEnd);
+    EXPECT_EQ(gbInsideSubMenu, 1);
+    EXPECT_TRUE(FakeDevice::Sent().empty());
+}
+
 // Search by network service provider.
 
 const std::string strTwoStations =
@@ -232,6 +242,15 @@ TEST_F(NetworkSearchTest, ThresholdsAreAskedForAndSent) {
     PrintedBy([&] { iResult = SetCinrRssiForNetworkSearchRequest(); }, "x y\n");
     EXPECT_EQ(iResult, -300);
     EXPECT_EQ(FakeDevice::Sent()[1], Recorded("13/5 | 00*8"));
+}
+
+TEST_F(NetworkSearchTest, AnswersAreLetThroughWhileThresholdsAreAskedFor) {
+    gbInsideSubMenu = 1;
+    Type("5\n");
+    EndInput();
+    EXPECT_THROW(SetCinrRssiForNetworkSearchRequest(), ClientEnd);
+    EXPECT_EQ(gbInsideSubMenu, 0);
+    EXPECT_TRUE(FakeDevice::Sent().empty());
 }
 
 TEST_F(NetworkSearchTest, ThresholdsThatWereSetArePrinted) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "Console.h"
 #include "Message.h"
 #include "SFIDTable.h"
 #include "TestConsole.h"
@@ -187,6 +188,15 @@ TEST_F(ServiceFlowsTest, AnswersAreLetThroughOnceTheAddRequestIsBuilt) {
     gbInsideSubMenu = 1;
     PrintedBy(SendDSARequest, pcPlainAddTyped);
     EXPECT_EQ(gbInsideSubMenu, 0);
+}
+
+TEST_F(ServiceFlowsTest, AnswersAreDroppedWhileTheAddRequestIsTyped) {
+    gbInsideSubMenu = 1;
+    Type("0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n");
+    EndInput();
+    EXPECT_THROW(SendDSARequest(), ClientEnd);
+    EXPECT_EQ(gbInsideSubMenu, 1);
+    EXPECT_TRUE(FakeDevice::Sent().empty());
 }
 
 TEST_F(ServiceFlowsTest, TIDsAreCountedOverAllRequests) {

@@ -1,5 +1,6 @@
 #include "WiMAXOptions.h"
 
+#include "Console.h"
 #include "Message.h"
 #include "TestConsole.h"
 
@@ -191,6 +192,15 @@ TEST_F(WiMAXOptionsTest, SetAllSendsWhatWasSetLastAndAllBits) {
     EXPECT_EQ(SentFor("2  5 0 2  6\n"), Sends("29/2 | 0:4 00*4 00*16 2:4 00*12"));
     EXPECT_EQ(SentFor("2  7 0 -1 x  6\n"), Sends("29/2 | 00*40"));
     EXPECT_EQ(g_SetWimaxOptionsFlag, 0U);
+}
+
+TEST_F(WiMAXOptionsTest, AnswersAreLetThroughWhileOptionsAreTyped) {
+    gbInsideSubMenu = 1;
+    Type("2 2 11\n");
+    EndInput();
+    EXPECT_THROW(FillSetWiMAXOptions(), ClientEnd);
+    EXPECT_EQ(gbInsideSubMenu, 0);
+    EXPECT_TRUE(FakeDevice::Sent().empty());
 }
 
 TEST_F(WiMAXOptionsTest, ValuesOutOfRangeAreAskedForAgain) {
