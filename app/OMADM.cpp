@@ -154,9 +154,7 @@ void Run(const SetAndReadTest &stTest) {
         PutFormat(pcErrorReceived, iResult);
     }
     const ByteView stRead = ByteView(PayloadOf(stMessage)).From(Value, stNode.u32Size);
-    const bool bSame = std::equal(stRead.pucData, stRead.pucData + stRead.u32Length,
-                                  stWritten.pucData, stWritten.pucData + stWritten.u32Length);
-    PutText(bSame ? stTest.pcSame : stTest.pcDifferent);
+    PutText(SameBytes(stRead, stWritten) ? stTest.pcSame : stTest.pcDifferent);
     PutDump(stRead, "\n : ");
 }
 
@@ -383,8 +381,8 @@ void OMADM_TestMenu() {
             PutText(stTest.pcText);
         }
         PutText("\n-1. Return to previous menu");
-        const int32_t iChoice = AskOption("\nENTER OPTION : ");
-        if (iChoice == -1) {
+        const int32_t iChoice = AskOption(pcMenuPrompt);
+        if (iChoice == iLeaveMenu) {
             return;
         }
         if (iChoice >= 1 && iChoice <= std::ssize(astTests)) {
@@ -400,7 +398,7 @@ void OMADMRequest() {
     for (;;) {
         const int32_t iChoice = AskMenu(stMenu);
         switch (iChoice) {
-        case -1:
+        case iLeaveMenu:
             return;
         case 1:
             iResult = OMADMGetVersion();
