@@ -110,7 +110,8 @@ SizedNode AskSize(OMADMNodes astPath, const char *pcFailure = pcNoSize) {
 }
 
 // Reads or writes the node. The message carries as many value bytes as the node
-// has; u32Excess more are claimed. The answer is left in *pstMessage.
+// has, stValue (never longer) and zeroes; u32ClaimedMore are claimed on top. The answer is left in
+// *pstMessage.
 int32_t AccessNode(WiMAXMessage *pstMessage, uint32_t u32SubType, const SizedNode &stNode,
                    ByteView stValue = {}, uint32_t u32ClaimedMore = 0) {
     using namespace OMADMParameter;
@@ -119,7 +120,7 @@ int32_t AccessNode(WiMAXMessage *pstMessage, uint32_t u32SubType, const SizedNod
     const ByteSpan stPayload = PayloadOf(*pstMessage);
     Put(stPayload, ValueSize, stNode.u32Size + u32ClaimedMore);
     PutPath(stPayload, Path, NumElements, stNode.astPath);
-    PutBytes(stPayload, Value, stValue.From(0, stNode.u32Size));
+    PutBytes(stPayload, Value, stValue);
     return SendMessage(pstMessage, u32Length);
 }
 

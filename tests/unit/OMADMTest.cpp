@@ -381,6 +381,12 @@ TEST_F(OMADMTest, ACallersRecordThatNoMessageHoldsIsCut) {
     EXPECT_EQ(FakeDevice::Sent(), RecordedAll({"33/2 | 10150:4 00*81 1:4 77*10150 00"}));
 }
 
+TEST_F(OMADMTest, ACallersRecordHasTenElements) {
+    const Bytes aucRecord = Message("1:4 ee 11*8 22*64 33*8 10:4 44");
+    SetOmaParam({aucRecord.data(), static_cast<uint32_t>(aucRecord.size())});
+    EXPECT_EQ(FakeDevice::Sent(), RecordedAll({"33/2 | 1:4 00 11*8 22*64 33*8 10:4 44 00"}));
+}
+
 TEST_F(OMADMTest, ACallersGetRequestIsItsFirstNinetyBytes) {
     const Bytes aucRecord = Message("5:4 00*81 1:4 01 02 03 04 05");
     FakeDevice::SetSendResult(-1);
