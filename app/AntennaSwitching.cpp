@@ -15,7 +15,6 @@
 namespace {
 
 constexpr const char *pcMenuClosing = "\n\n************************************";
-constexpr const char *pcOptionPrompt = "\nENTER OPTION : ";
 constexpr const char *pcInvalidOption = "\nSORRY! INVALID OPTION SELECTED!";
 
 constexpr const char *apcMenuLines[] = {
@@ -274,7 +273,7 @@ int32_t SendAntennaConfigRequest() {
     constexpr int32_t iSet = 2;
     PutTexts(apcConfigLines);
     PutLine(pcMenuClosing);
-    const int32_t iChoice = AskOption(pcOptionPrompt);
+    const int32_t iChoice = AskOption(pcMenuPrompt);
     if (iChoice < 1 || iChoice > iSet) {
         PutLine(pcInvalidOption);
         return 0;

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr int32_t iLeave = -1;
-
 constexpr const char *apcMenuLines[] = {
     "\n 1. GPIO SET REQUEST",
     "\n 2. GPIO UN-SET REQUEST",
@@ -109,7 +107,7 @@ int32_t AskLED() {
 void AskLEDs(ByteSpan stEntries) {
     PutTexts(apcPolarityLines);
     const bool bReversePolarity = AskOption("\nEnter the option : ") == 2;
-    for (int32_t iLED = AskLED(); iLED != iLeave; iLED = AskLED()) {
+    for (int32_t iLED = AskLED(); iLED != iLeaveMenu; iLED = AskLED()) {
         if (iLED < 1 || iLED > static_cast<int32_t>(LEDEntry::Count)) {
             continue;
         }
@@ -200,7 +198,7 @@ int32_t SetDriverStateInformation(uint32_t u32LED, bool bReversePolarity, ByteSp
     Put(stEntry, LEDEntry::Type, u32LED | (bReversePolarity ? LEDEntry::ReversePolarity : 0));
     Put(stEntry, LEDEntry::OnState, 0);
     Put(stEntry, LEDEntry::BlinkState, 0);
-    for (int32_t iState = AskDriverState(pcName); iState != iLeave;
+    for (int32_t iState = AskDriverState(pcName); iState != iLeaveMenu;
          iState = AskDriverState(pcName)) {
         if (iState < 1 || iState > iDriverStates) {
             continue;
@@ -211,7 +209,7 @@ int32_t SetDriverStateInformation(uint32_t u32LED, bool bReversePolarity, ByteSp
         const bool bSet = AskOption("\nEnter 1 to set and 0 to unset ") != 0;
         Put(stEntry, stMask, bSet ? u32Others | u32Bit : u32Others);
     }
-    return iLeave;
+    return iLeaveMenu;
 }
 
 uint32_t GetLEDStateInformation() {

@@ -7,6 +7,7 @@
 
 namespace {
 
+// Pins 0 to 15. The GPIO menu takes bits 0 to 16: the two ranges differ.
 constexpr uint32_t u32Pins = 16;
 
 bool IsAssigned(ByteView stList, uint32_t u32Pin) {

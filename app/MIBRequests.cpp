@@ -16,7 +16,6 @@ namespace {
 
 constexpr int32_t iNoMIBSupport = -27;
 constexpr int32_t iMRUTableEmpty = -76;
-constexpr int32_t iLeave = -1;
 constexpr int32_t iAutomatedTest = 999; // typed in place of an ID
 constexpr int32_t iGetEveryMIB = 5;     // not listed
 constexpr uint32_t u32EveryMIB = 100;
@@ -360,7 +359,7 @@ int32_t MIBRequest() {
     int32_t iResult = 0; // of the last dialogue: reported after every choice
     for (;;) {
         const int32_t iChoice = AskMenu(stMenu);
-        if (iChoice == iLeave) {
+        if (iChoice == iLeaveMenu) {
             return 0;
         }
         if (iChoice >= 1 && iChoice <= std::ssize(apfnActions)) {

@@ -13,6 +13,7 @@
 #include "Logging.h"
 #include "MACManagement.h"
 #include "MIBRequests.h"
+#include "Menu.h"
 #include "Message.h"
 #include "OMADM.h"
 #include "RegisterTest.h"
@@ -25,7 +26,6 @@
 
 namespace {
 
-constexpr int32_t iLeave = -1;
 // The extended entries are listed behind the last entry, but looked up from
 // another base: 21 and 22 are shown and refused.
 constexpr int32_t iLastListed = 20;
@@ -91,7 +91,7 @@ int32_t AskMainMenu() {
     DisplayExMenu(iLastListed);
     PutText("\n-1. EXIT FROM APPLICATION");
     PutLine("\n\n****************************");
-    return AskOption("\nENTER OPTION : ");
+    return AskOption(pcMenuPrompt);
 }
 
 void HandleChoice(int32_t iChoice) {
@@ -117,7 +117,7 @@ void RunMainMenu() {
         if (iChoice != 0) {
             gbInsideSubMenu = 1;
         }
-        if (iChoice == iLeave) {
+        if (iChoice == iLeaveMenu) {
             return;
         }
         HandleChoice(iChoice);

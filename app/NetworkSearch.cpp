@@ -93,7 +93,7 @@ uint32_t AskReportType() {
     PutText("\nENTER OPTION FOR REPORT TYPE: ");
     PutText("\n 1. SEARCH FOR BS by BS LIST ");
     PutText("\n 2. SEARCH REQUEST FOR CONSOLIDATED LIST");
-    return AskUnsigned("\nENTER OPTION : ");
+    return AskUnsigned(pcMenuPrompt);
 }
 
 void AskBandwidths(ByteSpan stRequest, const BandwidthPrompts &stPrompts) {

@@ -110,7 +110,8 @@ SizedNode AskSize(OMADMNodes astPath, const char *pcFailure = pcNoSize) {
 }
 
 // Reads or writes the node. The message carries as many value bytes as the node
-// has; u32Excess more are claimed. The answer is left in *pstMessage.
+// has, stValue (never longer) and zeroes; u32ClaimedMore are claimed on top. The answer is left in
+// *pstMessage.
 int32_t AccessNode(WiMAXMessage *pstMessage, uint32_t u32SubType, const SizedNode &stNode,
                    ByteView stValue = {}, uint32_t u32ClaimedMore = 0) {
     using namespace OMADMParameter;
@@ -119,7 +120,7 @@ int32_t AccessNode(WiMAXMessage *pstMessage, uint32_t u32SubType, const SizedNod
     const ByteSpan stPayload = PayloadOf(*pstMessage);
     Put(stPayload, ValueSize, stNode.u32Size + u32ClaimedMore);
     PutPath(stPayload, Path, NumElements, stNode.astPath);
-    PutBytes(stPayload, Value, stValue.From(0, stNode.u32Size));
+    PutBytes(stPayload, Value, stValue);
     return SendMessage(pstMessage, u32Length);
 }
 
@@ -154,9 +155,7 @@ void Run(const SetAndReadTest &stTest) {
         PutFormat(pcErrorReceived, iResult);
     }
     const ByteView stRead = ByteView(PayloadOf(stMessage)).From(Value, stNode.u32Size);
-    const bool bSame = std::equal(stRead.pucData, stRead.pucData + stRead.u32Length,
-                                  stWritten.pucData, stWritten.pucData + stWritten.u32Length);
-    PutText(bSame ? stTest.pcSame : stTest.pcDifferent);
+    PutText(SameBytes(stRead, stWritten) ? stTest.pcSame : stTest.pcDifferent);
     PutDump(stRead, "\n : ");
 }
 
@@ -383,8 +382,8 @@ void OMADM_TestMenu() {
             PutText(stTest.pcText);
         }
         PutText("\n-1. Return to previous menu");
-        const int32_t iChoice = AskOption("\nENTER OPTION : ");
-        if (iChoice == -1) {
+        const int32_t iChoice = AskOption(pcMenuPrompt);
+        if (iChoice == iLeaveMenu) {
             return;
         }
         if (iChoice >= 1 && iChoice <= std::ssize(astTests)) {
@@ -400,7 +399,7 @@ void OMADMRequest() {
     for (;;) {
         const int32_t iChoice = AskMenu(stMenu);
         switch (iChoice) {
-        case -1:
+        case iLeaveMenu:
             return;
         case 1:
             iResult = OMADMGetVersion();

@@ -12,7 +12,7 @@
 
 namespace {
 
-enum Option : int32_t { Leave = -1, Read = 1, Write = 2, RepeatedRead = 3, RepeatedWrite = 4 };
+enum Option : int32_t { Read = 1, Write = 2, RepeatedRead = 3, RepeatedWrite = 4 };
 
 constexpr const char *apcMenuLines[] = {
     "\n 1. READ REGISTER",
@@ -202,7 +202,7 @@ int32_t TestRDMWRM() {
     Settings stSettings;
     for (;;) {
         const int32_t iChoice = AskMenu(stMenu);
-        if (iChoice == Leave) {
+        if (iChoice == iLeaveMenu) {
             return 1;
         }
         const OptionRow *pstOption = FindOption(iChoice);

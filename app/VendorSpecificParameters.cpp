@@ -12,8 +12,6 @@ SharedBytes<VendorRegion::ATRLock.u16Size> gaucRespATRLock;
 
 namespace {
 
-constexpr const char *pcPrompt = "\nENTER OPTION : ";
-
 constexpr const char *apcMenuLines[] = {
     "\n 1. VSA READ REQUEST",
     "\n 2. VSA WRITE REQUEST",
@@ -34,7 +32,7 @@ int32_t AskEntry(ByteSpan stHead, const char *pcBanner, const char *pcEntry,
     PutLine(pcBanner);
     PutText(pcEntry);
     PutClosingLine(pcBanner);
-    if (AskOption(pcPrompt) != 1) {
+    if (AskOption(pcMenuPrompt) != 1) {
         PutText("SORRY!! INVALID OPTION SELECTED!!");
         return -1;
     }

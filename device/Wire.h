@@ -121,6 +121,11 @@ inline void PutBytes(ByteSpan stSpan, uint32_t u32Offset, ByteView stFrom) {
     }
 }
 
+inline bool SameBytes(ByteView stFirst, ByteView stSecond) {
+    return std::equal(stFirst.pucData, stFirst.pucData + stFirst.u32Length, stSecond.pucData,
+                      stSecond.pucData + stSecond.u32Length);
+}
+
 // A record of u32Size bytes, all zero, that a request is built in.
 template <uint32_t u32Size> struct Record {
     uint8_t aucBytes[u32Size] = {};

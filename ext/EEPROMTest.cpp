@@ -3,7 +3,6 @@
 #include <cinttypes>
 #include <cstdarg>
 #include <cstdlib>
-#include <cstring>
 #include <ctime>
 #include <string>
 #include <string_view>
@@ -20,6 +19,8 @@ FILE *gpEEPROMLogFile = nullptr;
 namespace {
 
 constexpr const char *pcLogFile = "EEPROMTestLog.txt";
+constexpr const char *pcRoundRule =
+    "\r\n==================================================================================";
 
 // Two data bytes; the request for them, and the write, go out with one.
 constexpr uint32_t u32ATRLockSize = VendorRegion::ATRLock.u16Size;
@@ -42,11 +43,6 @@ void PutRandomBytes(ByteSpan stBytes) {
         // NOLINTNEXTLINE(cert-msc50-cpp): a test pattern, no secret
         stBytes.Set(i, static_cast<uint8_t>(std::rand() % 255));
     }
-}
-
-bool SameBytes(ByteView stFirst, ByteView stSecond) {
-    return stFirst.u32Length == stSecond.u32Length &&
-           std::memcmp(stFirst.pucData, stSecond.pucData, stFirst.u32Length) == 0;
 }
 
 // Flushed each time, so that a kill loses nothing. A log that cannot be written
@@ -104,7 +100,7 @@ void RunRound(uint64_t u64Round) {
     SendRequest(TYPE_AUTHENTICATION, SUBTYPE_AUTH_PARAM_READ, stRead.View());
 
     EEPROMTestLog("\r\n\r\n\r\n\t\t Test - %" PRIu64, u64Round);
-    EEPROMTestLog("\r\n%s", std::string(82, '=').c_str());
+    EEPROMTestLog("%s", pcRoundRule);
     const ByteView stPseudonym = stWrite.View().From(Pseudonym, u32PseudonymSize);
     Compare(stPseudonymItem, stPseudonym, gaucRespSEC_SNYMID_ID.Load().View(), stPseudonym);
     const ByteView stSQNMS = stWrite.View().From(SQNMS, u32SQNMSSize);

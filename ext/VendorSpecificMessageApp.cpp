@@ -9,6 +9,7 @@
 #include "Console.h"
 #include "EEPROMTest.h"
 #include "Input.h"
+#include "Menu.h"
 #include "Message.h"
 #include "Report.h"
 
@@ -24,7 +25,6 @@ constexpr ExtendedEntry astEntries[] = {
     {"\n%d. TEST EEPROM", [] { EEPROMTest(); }},
 };
 
-constexpr int32_t iLeave = -1;
 constexpr int32_t iFirstEntryBase = 0;
 
 } // namespace
@@ -59,8 +59,8 @@ void RunExtendedMenu() {
         DisplayExMenu(iFirstEntryBase);
         PutText("\n-1. EXIT FROM APPLICATION");
         PutLine("\n\n*******************************");
-        const int32_t iChoice = AskOption("\nENTER OPTION : ");
-        if (iChoice == iLeave) {
+        const int32_t iChoice = AskOption(pcMenuPrompt);
+        if (iChoice == iLeaveMenu) {
             return;
         }
         gbInsideSubMenu = 1;

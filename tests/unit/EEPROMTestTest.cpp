@@ -3,6 +3,7 @@
 #include <array>
 #include <csignal>
 #include <cstdlib>
+#include <ctime>
 #include <fstream>
 #include <iterator>
 
@@ -18,16 +19,20 @@
 
 namespace {
 
-// The next number that the C library's generator gives, and how often it was
-// seeded.
+// The next number that the C library's generator gives, how often it was
+// seeded, and with what.
 int giNextRandom = 0;
 int giSeeded = 0;
+unsigned guSeed = 0;
 
 } // namespace
 
 // In place of the C library's generator: counts.
 extern "C" int rand() noexcept { return giNextRandom++; }
-extern "C" void srand(unsigned) noexcept { ++giSeeded; }
+extern "C" void srand(unsigned uSeed) noexcept {
+    ++giSeeded;
+    guSeed = uSeed;
+}
 
 namespace {
 
@@ -113,6 +118,14 @@ TEST_F(EEPROMTestTest, ARoundWritesAndReadsBack) {
                   "4/3 | 00",
                   "10/1 | e1 00 02 00 00",
               }));
+}
+
+TEST_F(EEPROMTestTest, TheSeedIsTheTime) {
+    const time_t iBefore = std::time(nullptr);
+    PrintedBy(EEPROMTest, "x");
+    EXPECT_EQ(giSeeded, 1);
+    EXPECT_GE(guSeed, static_cast<unsigned>(iBefore));
+    EXPECT_LE(guSeed, static_cast<unsigned>(std::time(nullptr)));
 }
 
 TEST_F(EEPROMTestTest, ARandomByteIsNever255) {

@@ -162,7 +162,9 @@ TEST_F(LoggingTest, BandwidthEntries) {
 }
 
 TEST_F(LoggingTest, OnlyBothIdentifiersTogetherMeanPadding) {
-    EXPECT_EQ(Log("4 | 32:2 | 00*4 bb aa dd cc 00*8 | 00*4 dd cc bc aa 00*8").find("Padding"),
+    EXPECT_EQ(Log("4 | 64:2 | 00*4 bb aa dd cc 00*8 | 00*4 dd cc bc aa 00*8"
+                  " | 00*4 dc cc bb aa 00*8 | 00*4 00 00 bb aa dd cc 00*6")
+                  .find("Padding"),
               std::string::npos);
 }
 

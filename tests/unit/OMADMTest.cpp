@@ -1,10 +1,12 @@
 #include "OMADM.h"
 
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -280,6 +282,13 @@ TEST_F(OMADMTest, ARefusedReadSaysBoth) {
                                              "\nSUCCESSFULLY received MAC address Parameters");
 }
 
+// Behind a get only a negative result is an error.
+TEST_F(OMADMTest, APositiveResultOfAReadIsNoError) {
+    AnswerSends({{"33/4 | 00*85 2:4"}, {"", 8}});
+    EXPECT_EQ(PrintedBy(OMADMGetMACAddress), "\n Parameter size get returned [2]\n"
+                                             "\nSUCCESSFULLY received MAC address Parameters");
+}
+
 TEST_F(OMADMTest, AllFiveNetworkParametersAreReadWhateverHappens) {
     AnswerSends({{"33/4 | 00*85 1:4"},
                  {""},
@@ -372,6 +381,12 @@ TEST_F(OMADMTest, ACallersRecordThatNoMessageHoldsIsCut) {
     EXPECT_EQ(FakeDevice::Sent(), RecordedAll({"33/2 | 10150:4 00*81 1:4 77*10150 00"}));
 }
 
+TEST_F(OMADMTest, ACallersRecordHasTenElements) {
+    const Bytes aucRecord = Message("1:4 ee 11*8 22*64 33*8 10:4 44");
+    SetOmaParam({aucRecord.data(), static_cast<uint32_t>(aucRecord.size())});
+    EXPECT_EQ(FakeDevice::Sent(), RecordedAll({"33/2 | 1:4 00 11*8 22*64 33*8 10:4 44 00"}));
+}
+
 TEST_F(OMADMTest, ACallersGetRequestIsItsFirstNinetyBytes) {
     const Bytes aucRecord = Message("5:4 00*81 1:4 01 02 03 04 05");
     FakeDevice::SetSendResult(-1);
@@ -418,6 +433,32 @@ TEST_F(OMADMTest, AReadPastTheArrayOughtToFail) {
     EXPECT_EQ(PrintedBy(OMADMOutOfBoundArrayAccessTest),
               "\n Parameter size get returned [4]\n"
               "\nOut of bound array read is not checked !!!");
+}
+
+TEST_F(OMADMTest, APositiveResultIsARefusalToo) {
+    AnswerSends({{"33/4 | 00*85 4:4"}, {"", 5}});
+    EXPECT_EQ(PrintedBy(OMADMReadOverflowProtectionTest),
+              "\n Parameter size get returned [4]\n"
+              "\nGetting the parameter is NOT successful. Return Value : [5]\n");
+    FakeDevice::Reset();
+    AnswerSends({{"33/4 | 00*85 4:4"}, {"", 5}});
+    EXPECT_EQ(PrintedBy(OMADMWriteOverflowProtectionTest),
+              "\n Parameter size get returned [4]\n"
+              "\nGetting the parameter size was NOT successful. Return Value  5");
+    FakeDevice::Reset();
+    AnswerSends({{"33/4 | 00*85 4:4"}, {"", 5}});
+    EXPECT_EQ(PrintedBy(OMADMOutOfBoundArrayAccessTest), "\n Parameter size get returned [4]\n");
+    FakeDevice::Reset();
+    FakeDevice::SetSendResult(5);
+    EXPECT_EQ(PrintedBy([] { SetOmaParam({}); }),
+              "\nGetting the parameter is NOT successful. Return Value : [5]\n");
+    EXPECT_EQ(PrintedBy(GetIMEIData), "\n--------------IMEI data Read---------------------- "
+                                      "IMEI Read request returned 5\n"
+                                      "IMEI Read FAILED");
+    EXPECT_EQ(PrintedBy(OMADMGetVersion),
+              "\n Application is using Major Ver 3 and Minor Ver 0 of OMA-DM API\n"
+              "\n Library is compatible with Major Ver 3 and Minor Ver 0 of OMA-DM API\n"
+              "OMA-DM APIs are NOT compatible with the version library and Application");
 }
 
 TEST_F(OMADMTest, TheVersionFits) {
@@ -486,6 +527,20 @@ TEST_F(OMADMFileTest, ATreeImageThatCannotBeWrittenIsNotSent) {
     EXPECT_EQ(FakeDevice::Sent().size(), 0U);
 }
 
+// What is left in the stream's buffer has to reach the file too.
+TEST_F(OMADMFileTest, ATreeImageWhoseEndDoesNotFitIsNotSent) {
+    rlimit stBefore{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &stBefore), 0);
+    const auto pfnBefore = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit stSmall{13543, stBefore.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &stSmall), 0);
+    const std::string strPrinted = PrintedBy(UpdateOMADMTree);
+    setrlimit(RLIMIT_FSIZE, &stBefore);
+    std::signal(SIGXFSZ, pfnBefore);
+    EXPECT_EQ(strPrinted, "\nCould not write to file");
+    EXPECT_EQ(FakeDevice::Sent().size(), 0U);
+}
+
 constexpr const char *pcMenu = "\n\n*********** OMA DM/Security Request ***********\n"
                                "\n 1. OMA DM Get Version info"
                                "\n 2. OMA DM Few Tests Menu"
@@ -531,6 +586,42 @@ TEST_F(OMADMTest, AnErrorIsPrintedAgainBehindTheTestsOnly) {
                   "IMEI Read FAILED" +
                   strMenu + "\nSORRY! INVALID OPTION SELECTED!" + strMenu + pcTestMenu +
                   "\n Error : -30" + strMenu);
+}
+
+TEST_F(OMADMFileTest, AnErrorIsNotPrintedAgainBehindTheTreeUpdate) {
+    FakeDevice::QueueSendResult(-30);
+    const std::string strMenu = pcMenu;
+    EXPECT_EQ(PrintedBy(OMADMRequest, "1 7 -1\n"),
+              strMenu +
+                  "\n Application is using Major Ver 3 and Minor Ver 0 of OMA-DM API\n"
+                  "\n Library is compatible with Major Ver 3 and Minor Ver 0 of OMA-DM API\n"
+                  "OMA-DM APIs are NOT compatible with the version library and Application"
+                  "\n Error : -30" +
+                  strMenu + "\nOMADM tree update is successful!!" + strMenu);
+}
+
+TEST_F(OMADMTest, TheSecurityRequestsHaveTheirChoicesAndResults) {
+    const std::string strMenu = pcMenu;
+    const std::string strAskID = "\nEnter the Security Parameter ID "
+                                 "\n["
+                                 "\n  Security Parameters (0 - 10)"
+                                 "\n]";
+    for (const int32_t iResult : {-6, 7, -27}) {
+        FakeDevice::QueueSendResult(iResult);
+    }
+    EXPECT_EQ(PrintedBy(OMADMRequest, "4 3 1 9 5 3 3 3 2 -1 -1\n"),
+              strMenu +
+                  "\nSecurity Parameters : (0 - 10)\nEnter the Security Parameter ID : "
+                  "\nEnter the number of data bytes : "
+                  "\nEnter the data : "
+                  "\n Error : -6" +
+                  strMenu + strAskID + "\n Error : 7" + strMenu + strAskID +
+                  "\nError Received as: [-27]\n" + strMenu + pcTestMenu + strMenu);
+    std::vector<std::string> strCodes;
+    for (const std::string &strMessage : FakeDevice::Sent()) {
+        strCodes.push_back(strMessage.substr(0, 4));
+    }
+    EXPECT_EQ(strCodes, (std::vector<std::string>{"34/1", "34/3", "34/2"}));
 }
 
 TEST_F(OMADMTest, ASuccessForgetsTheError) {

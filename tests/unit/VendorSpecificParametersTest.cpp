@@ -84,6 +84,14 @@ TEST_F(VendorSpecificTest, AWriteLargerThanAMessageIsCutAndAllThatWasTypedIsRead
     EXPECT_EQ(Unread(), "\nrest");
 }
 
+TEST_F(VendorSpecificTest, AWriteLargerThanTheRecordIsCut) {
+    Record<7> stRecord;
+    Type("225 5 1 2 3 4 5\nrest");
+    EXPECT_EQ(SendVendorSpecificParamRequest(stRecord.Span(), 3), 0);
+    EXPECT_EQ(FakeDevice::Sent(), OneSent("10/3 | e1 00 02 00 01 02 00"));
+    EXPECT_EQ(Unread(), "\nrest");
+}
+
 TEST_F(VendorSpecificTest, AReadLargerThanAMessageIsCut) {
     PrintedBy(SendVSAReadRequest, "7 -1\n");
     EXPECT_EQ(FakeDevice::Sent(), OneSent("10/1 | 07 00 fb 27 00*10236"));

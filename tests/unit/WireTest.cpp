@@ -80,6 +80,20 @@ TEST(WireTest, NoMoreRecordsThanArePresent) {
     EXPECT_EQ(RecordsPresent(stBytes, 0, 2, int32_t{-1}), 0U);
 }
 
+TEST(WireTest, BytesAreTheSameInNumberAndInValue) {
+    constexpr uint8_t aucFirst[] = {1, 2, 3};
+    constexpr uint8_t aucSecond[] = {1, 2, 4};
+    const ByteView stFirst{aucFirst, 3};
+    const ByteView stSecond{aucSecond, 3};
+    EXPECT_TRUE(SameBytes(stFirst, {aucFirst, 3}));
+    EXPECT_FALSE(SameBytes(stFirst, stSecond));
+    EXPECT_TRUE(SameBytes(stFirst.From(0, 2), stSecond.From(0, 2)));
+    EXPECT_FALSE(SameBytes(stFirst, stFirst.From(0, 2)));
+    EXPECT_FALSE(SameBytes(stFirst.From(0, 2), stFirst));
+    EXPECT_TRUE(SameBytes({}, {}));
+    EXPECT_FALSE(SameBytes({}, stFirst));
+}
+
 TEST(WireTest, AMessageIsSeenAsFarAsItWasReceived) {
     WiMAXMessage stMessage{};
     const uint8_t aucHeader[] = {0x13, 0x01, 0x07, 0x02, 0xAA, 0xBB};
