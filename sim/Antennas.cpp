@@ -6,6 +6,7 @@
 
 #include "AntennaRecords.h"
 #include "Link.h"
+#include "MIBStore.h"
 
 namespace {
 
@@ -19,7 +20,7 @@ enum Status : uint32_t {
     NoSuchPin = 2,
     PinUsedTwice = 3,
     BadPattern = 4, // needs a pin that is not configured
-    BadSetting = 5, // of the transmit antenna, or of the scan
+    BadSetting = 5, // of configuration, transmit antenna or scan
     ScanRunning = 6,
     NoScanRunning = 7,
     NoStation = 8,
@@ -34,6 +35,19 @@ constexpr uint32_t u32ScanGoesOn = 2;
 constexpr uint32_t u32FirstManualSetting = 1;
 constexpr uint32_t u32LastManualSetting = 2;
 constexpr uint32_t u32LastAutoSetting = 4;
+enum AutoSetting : uint32_t { Better = 0, Second = 2, FirstIfBetter = 3 };
+
+// Averaging parameters and thresholds (dB) beyond these make no sense.
+constexpr uint32_t u32MostAveraging = 512; // the new value alone: 512 parts of 512
+constexpr int32_t iMostThreshold = 100;
+
+// How the transmit antenna is chosen.
+struct TxChoice {
+    bool bAuto = true;
+    uint32_t u32Setting = Better;
+    std::array<uint32_t, 2> au32Averaging{128, 128}; // parts of 512
+    std::array<int32_t, 2> aiThresholds{3, 3};       // dB
+};
 
 struct PinConfig {
     std::vector<uint32_t> au32Rx;
@@ -90,7 +104,9 @@ class Antennas : public Subsystem {
     int32_t Scan(ByteView stRequest);
     uint32_t JudgeScan(ByteView stRequest) const;
     int32_t Select(ByteView stRequest);
+    void Transmit(const TxChoice &stTx);
     uint32_t JudgeSelection(ByteView stRequest) const;
+    static bool JudgeSwitching(ByteView stRequest);
     bool PatternPossible(uint32_t u32Pattern) const;
     bool WithStation() const;
     void ScanFrame();
@@ -98,6 +114,9 @@ class Antennas : public Subsystem {
     void TellScan(uint32_t u32ScanStatus);
     void TellScanError(uint32_t u32Error);
     std::array<Levels, 2> Measure(uint32_t u32Pattern);
+    double PatternGain(uint32_t u32Pattern) const;
+    uint32_t TransmitAntenna() const;
+    std::vector<uint8_t> SwitchInformation() const;
     uint32_t FrameNumber() const;
 
     Modem &m_stModem;
@@ -110,6 +129,7 @@ class Antennas : public Subsystem {
     Random m_stRandom;
     PinConfig m_stConfig;
     Patterns m_au32Selected{};
+    TxChoice m_stTx;
     Patterns m_au32Patterns{}; // of the scan
     uint32_t m_u32NumPatterns = 0;
     uint64_t m_u64FramesLeft = 0; // unless it has no end
@@ -136,6 +156,8 @@ Antennas::Antennas(Modem &stModem)
                [this](const Request &stRequest) { return Scan(stRequest.stPayload); });
     stModem.On(TYPE_ANTENNA, SUBTYPE_ANTENNA_SELECTION, Exactly(AntennaSelection::Size),
                [this](const Request &stRequest) { return Select(stRequest.stPayload); });
+    stModem.TheMIBs().Provide(MIBAttribute::AntennaSwitch, [this] { return SwitchInformation(); });
+    Transmit({});
 }
 
 PinConfig Antennas::ReadConfig(const Section &stSettings) {
@@ -163,6 +185,52 @@ void Antennas::Start() {
     m_au32Selected = {};
     m_astFrames.clear();
     m_stFrame.Stop();
+    Transmit({});
+}
+
+void Antennas::Transmit(const TxChoice &stTx) {
+    m_stTx = stTx;
+    m_stModem.Air().SetTransmitGain(m_afGains[TransmitAntenna()]);
+}
+
+// The antenna that transmits, 0 or 1. Chosen automatically, it is the one to begin with,
+// until the other one is better by that one's threshold. What is better does not change:
+// the antennas hear the same, but for their gains.
+uint32_t Antennas::TransmitAntenna() const {
+    const double fLead = m_afGains[0] - m_afGains[1]; // of the first one, dB
+    if (!m_stTx.bAuto) {
+        return m_stTx.u32Setting - u32FirstManualSetting;
+    }
+    switch (m_stTx.u32Setting) {
+    case Better:
+        return fLead >= 0 ? 0 : 1;
+    case Second:
+    case FirstIfBetter:
+        return fLead > m_stTx.aiThresholds[0] ? 0 : 1;
+    default: // the first one, or the second one if it is better
+        return -fLead > m_stTx.aiThresholds[1] ? 1 : 0;
+    }
+}
+
+// Attribute 1631.
+std::vector<uint8_t> Antennas::SwitchInformation() const {
+    using namespace MIBAntennaSwitch;
+    constexpr double fSixteenths = 16;
+    Record<Size> stValue;
+    const ByteSpan stTo = stValue.Span();
+    Put(stTo, Filtering1, m_stTx.au32Averaging[0]);
+    Put(stTo, Filtering2, m_stTx.au32Averaging[1]);
+    Put(stTo, Margin1, static_cast<uint32_t>(m_stTx.aiThresholds[0]));
+    Put(stTo, Margin2, static_cast<uint32_t>(m_stTx.aiThresholds[1]));
+    if (const Station *pstServing = m_stLink.Serving()) {
+        const double fRSSI = m_stModem.Air().Measure(*pstServing, m_stModem.Now()).fRSSI +
+                             PatternGain(m_au32Selected[0]);
+        Put(stTo, SmoothRSSI1, Rounded((fRSSI + m_afGains[0]) * fSixteenths));
+        Put(stTo, SmoothRSSI2, Rounded((fRSSI + m_afGains[1]) * fSixteenths));
+    }
+    Put(stTo, SelectionMode, m_stTx.bAuto ? 1 : 0);
+    Put(stTo, CurrentAntenna, TransmitAntenna() + 1);
+    return {std::begin(stValue.aucBytes), std::end(stValue.aucBytes)};
 }
 
 int32_t Antennas::Configure(ByteView stRequest) {
@@ -177,6 +245,8 @@ int32_t Antennas::Configure(ByteView stRequest) {
         Put(stAnswer.Span(), NumTxGPIOs, static_cast<uint32_t>(m_stConfig.au32Tx.size()));
         PutWords(stAnswer.Span(), RxGPIOs, au32Rx);
         Put(stAnswer.Span(), TxGPIO, m_stConfig.au32Tx.empty() ? UnusedPin : m_stConfig.au32Tx[0]);
+    } else if (Get(stRequest, SetConfig) != Write) {
+        Put(stAnswer.Span(), AntennaConfig::Status, BadSetting);
     } else {
         const uint32_t u32Rx = Get(stRequest, NumRxGPIOs);
         const uint32_t u32Tx = Get(stRequest, NumTxGPIOs);
@@ -298,15 +368,17 @@ uint32_t Antennas::FrameNumber() const {
     return static_cast<uint32_t>(m_stModem.Now() / i64Frame % i64Count);
 }
 
+double Antennas::PatternGain(uint32_t u32Pattern) const {
+    return u32Pattern < m_aiPatternGains.size() ? static_cast<double>(m_aiPatternGains[u32Pattern])
+                                                : 0;
+}
+
 std::array<Antennas::Levels, 2> Antennas::Measure(uint32_t u32Pattern) {
     const Measurement stMeasurement = m_stModem.Air().Measure(*m_stLink.Serving(), m_stModem.Now());
-    const double fPatternGain = u32Pattern < m_aiPatternGains.size()
-                                    ? static_cast<double>(m_aiPatternGains[u32Pattern])
-                                    : 0;
     std::array<Levels, 2> astLevels{};
     for (size_t i = 0; i < astLevels.size(); ++i) {
         const double fChange =
-            m_afGains[i] + fPatternGain + m_fVariation * (2 * m_stRandom.Uniform() - 1);
+            m_afGains[i] + PatternGain(u32Pattern) + m_fVariation * (2 * m_stRandom.Uniform() - 1);
         astLevels[i] = {Rounded(stMeasurement.fRSSI + fChange),
                         Rounded(stMeasurement.fCINR + fChange)};
     }
@@ -359,11 +431,21 @@ uint32_t Antennas::JudgeSelection(ByteView stRequest) const {
         const bool bAuto = Get(stRequest, TxAutoSelection) != 0;
         const uint32_t u32Setting = Get(stRequest, TxAntennaSetting);
         const bool bGood =
-            bAuto ? u32Setting <= u32LastAutoSetting
+            bAuto ? u32Setting <= u32LastAutoSetting && JudgeSwitching(stRequest)
                   : u32Setting >= u32FirstManualSetting && u32Setting <= u32LastManualSetting;
         return bGood ? Success : BadSetting;
     }
     return Success;
+}
+
+bool Antennas::JudgeSwitching(ByteView stRequest) {
+    using namespace AntennaSelection;
+    const auto Sensible = [&](Field stThreshold) {
+        return std::abs(int64_t{GetSigned(stRequest, stThreshold)}) <= iMostThreshold;
+    };
+    return Get(stRequest, IIRAvgAnt1) <= u32MostAveraging &&
+           Get(stRequest, IIRAvgAnt2) <= u32MostAveraging && Sensible(HysThreshAnt1) &&
+           Sensible(HysThreshAnt2);
 }
 
 int32_t Antennas::Select(ByteView stRequest) {
@@ -373,6 +455,17 @@ int32_t Antennas::Select(ByteView stRequest) {
         for (uint32_t i = 0; i < RxSettings; ++i) {
             m_au32Selected[i] = Get(stRequest, RxAntennaSetting, i * u32WordSize);
         }
+    }
+    if (u32Status == Success && Get(stRequest, TxSelectionValid) != 0) {
+        TxChoice stTx = m_stTx;
+        stTx.bAuto = Get(stRequest, TxAutoSelection) != 0;
+        stTx.u32Setting = Get(stRequest, TxAntennaSetting);
+        if (stTx.bAuto) {
+            stTx.au32Averaging = {Get(stRequest, IIRAvgAnt1), Get(stRequest, IIRAvgAnt2)};
+            stTx.aiThresholds = {GetSigned(stRequest, HysThreshAnt1),
+                                 GetSigned(stRequest, HysThreshAnt2)};
+        }
+        Transmit(stTx);
     }
     Record<StatusWord::Size> stAnswer;
     Put(stAnswer.Span(), StatusWord::Value, u32Status);

@@ -23,8 +23,10 @@ std::optional<uint32_t> Optional(const Section &stSection, const char *pcKey, ui
 
 } // namespace
 
-Faults::Faults(const Section &stRoot, uint64_t u64Seed, Scheduler &stScheduler, Deliver pfnDeliver)
-    : m_stScheduler(stScheduler), m_pfnDeliver(std::move(pfnDeliver)), m_stHoldLimit(stScheduler) {
+Faults::Faults(const Section &stRoot, uint64_t u64Seed, Scheduler &stScheduler, Deliver pfnDeliver,
+               Deliver pfnLose)
+    : m_stScheduler(stScheduler), m_pfnDeliver(std::move(pfnDeliver)),
+      m_pfnLose(std::move(pfnLose)), m_stHoldLimit(stScheduler) {
     for (const Section &stSection : stRoot.Tables("fault")) {
         m_astFaults.push_back(Read(stSection, u64Seed, m_astFaults.size()));
     }
@@ -116,6 +118,7 @@ void Faults::PassFrom(size_t uFirst, MessageBytes aucMessage) {
         }
         switch (stFault.u32Kind) {
         case Drop:
+            m_pfnLose(std::move(aucMessage));
             return;
         case Delay:
             m_stScheduler.After(stFault.iDelay,

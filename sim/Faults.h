@@ -19,8 +19,9 @@ class Faults {
   public:
     using Deliver = std::function<void(MessageBytes)>;
 
-    // Reads [[fault]]. What gets through is handed to pfnDeliver.
-    Faults(const Section &stRoot, uint64_t u64Seed, Scheduler &stScheduler, Deliver pfnDeliver);
+    // Reads [[fault]]. What gets through is handed to pfnDeliver, what is lost to pfnLose.
+    Faults(const Section &stRoot, uint64_t u64Seed, Scheduler &stScheduler, Deliver pfnDeliver,
+           Deliver pfnLose);
 
     // The code that a send of this request has to fail with.
     std::optional<int32_t> SendFailure(uint32_t u32Type, uint32_t u32SubType);
@@ -56,6 +57,7 @@ class Faults {
 
     Scheduler &m_stScheduler;
     Deliver m_pfnDeliver;
+    Deliver m_pfnLose;
     std::vector<Fault> m_astFaults;
     // Reordered messages wait here for the next one to overtake them.
     std::vector<MessageBytes> m_astHeldBack;

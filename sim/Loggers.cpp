@@ -19,11 +19,6 @@ constexpr size_t uMostBytes = 8192;
 constexpr ModemTime iCQICHPeriod = 8 * i64Frame;
 constexpr uint64_t u64PacketsPerRequest = 4;
 
-// Of an uplink burst, 16-QAM 1/2.
-constexpr uint32_t u32SlotBytes = 12;
-// Header and checksum of a MAC PDU.
-constexpr uint32_t u32PDUOverhead = 10;
-
 class Loggers : public Subsystem {
   public:
     explicit Loggers(Modem &stModem);
@@ -169,7 +164,8 @@ void Loggers::LogPower(const PowerChange &stChange) {
         stEntry.View());
 }
 
-// A packet goes out in an allocation of whole slots; what it leaves of them is padding.
+// A packet goes out in an allocation of whole slots, or in as many grants as it takes;
+// what it leaves of them is padding.
 void Loggers::LogPacket(uint64_t u64Queue) {
     using namespace BandwidthLogEntry;
     const std::vector<Connection> &astConnections = m_stSignalling.Connections();
@@ -178,7 +174,9 @@ void Loggers::LogPacket(uint64_t u64Queue) {
                      [](const Connection &stOne) { return stOne.bUplink && stOne.u32SFID != 0; });
     const bool bFlow = pstFlow != astConnections.end();
     const uint32_t u32PDU = m_u32PacketSize + u32PDUOverhead;
-    const uint32_t u32Allocation = (u32PDU + u32SlotBytes - 1) / u32SlotBytes * u32SlotBytes;
+    const uint32_t u32Grant = bFlow ? pstFlow->u32Grant : 0;
+    const uint32_t u32Unit = u32Grant != 0 ? u32Grant : u32SlotBytes;
+    const uint32_t u32Allocation = (u32PDU + u32Unit - 1) / u32Unit * u32Unit;
     const uint64_t u64Depth = u64Queue * u32PDU;
     Record<Size> stEntry;
     const ByteSpan stTo = stEntry.Span();
@@ -187,7 +185,8 @@ void Loggers::LogPacket(uint64_t u64Queue) {
     Put(stTo, VCID, bFlow ? pstFlow->u32VCID : 0);
     Put(stTo, CID, bFlow ? pstFlow->u32CID : m_stSignalling.DefaultUplinkCID());
     Put(stTo, QueueDepth, static_cast<uint32_t>(std::min<uint64_t>(u64Depth, UINT16_MAX)));
-    Put(stTo, BandwidthRequest, u64Queue != 0 ? 1 : 0);
+    // Grants come without being asked for.
+    Put(stTo, BandwidthRequest, u64Queue != 0 && u32Grant == 0 ? 1 : 0);
     Put(stTo, SchedulingType, bFlow ? pstFlow->u32SchedulingType : SFParamSet::BE);
     Put(stTo, FrameNumber, m_stSignalling.Frame());
     Log(SUBTYPE_LOG_BANDWIDTH, stEntry.View());

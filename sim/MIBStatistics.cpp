@@ -17,26 +17,6 @@ using CounterGroup = std::array<uint32_t, MIBCounterGroup::Count>;
 
 constexpr ModemTime i64Sampling = i64Second;
 
-// Which modulation and coding scheme carries the traffic, by CINR.
-
-struct SchemeRow {
-    double fCINR; // dB, from which on it is used
-    uint32_t u32Counter;
-};
-
-// Turbo codes only; their counters are the last eleven of a group.
-constexpr SchemeRow astSchemes[] = {{24, 20}, {21, 19}, {19, 18}, {17, 17}, {14, 16},  {11, 15},
-                                    {8, 14},  {5, 10},  {3, 11},  {0, 12},  {-200, 13}};
-
-uint32_t SchemeAt(double fCINR) {
-    for (const SchemeRow &stRow : astSchemes) {
-        if (fCINR >= stRow.fCINR) {
-            return stRow.u32Counter;
-        }
-    }
-    return std::end(astSchemes)[-1].u32Counter;
-}
-
 // The uplink gets through with so much less than the downlink.
 constexpr double fUplinkLoss = 6; // dB
 
@@ -68,12 +48,49 @@ void PutGroup(ByteSpan stTo, uint32_t u32Offset, const CounterGroup &au32Group) 
     }
 }
 
-// What both neighbour lists are made of.
-
 // Numbers of 1/65536, as the measured list carries them: without a sign.
 uint32_t Sixteenth(double fValue) { return Rounded(std::max(fValue, 0.0) * 65536); }
 
 constexpr double fTriggerMargin = 3; // dB
+
+// The counters of lost messages, in the order of the attribute.
+enum DropCounter : uint32_t {
+    Responses,
+    ServiceFlowResponses,
+    LinkControl,
+    StatusResponses,
+    StatisticsReports,
+    IdleMode,
+    Authentication,
+    LowPriority,
+    DropCounters
+};
+
+DropCounter DropCounterOf(uint32_t u32Type) {
+    switch (u32Type) {
+    case TYPE_SERVICE_FLOW:
+        return ServiceFlowResponses;
+    case TYPE_NETWORK_ENTRY:
+        return LinkControl;
+    case TYPE_CHIPSET:
+    case TYPE_SHUTDOWN:
+    case TYPE_HALF_MINI_CARD:
+        return StatusResponses;
+    case TYPE_STATISTICS:
+        return StatisticsReports;
+    case TYPE_IDLE_MODE:
+        return IdleMode;
+    case TYPE_AUTHENTICATION:
+        return Authentication;
+    case TYPE_START_LOGGER:
+    case TYPE_MAC_MGMT:
+    case TYPE_MAC_LOGGING:
+    case TYPE_PHY_LOGGING:
+        return LowPriority;
+    default:
+        return Responses;
+    }
+}
 
 constexpr size_t uMostMRUEntries = 10;
 constexpr const char *pcStateSection = "mib-mru";
@@ -102,12 +119,12 @@ class MIBStatistics : public Subsystem {
     Bytes ZoneStatistics();
     Bytes NetworkEntryTiming() const;
     Bytes MRUTable() const;
-    Bytes AntennaSwitch() const;
     Bytes TriggerStatus() const;
     uint8_t Trigger(bool bSameFrequency) const;
     Bytes Attempts(bool bDownlink);
     Bytes BurstErrorRate() const;
     Bytes SubmapErrors();
+    Bytes MessagesDropped() const;
     Bytes StrengthOf(double Measurement::*pfMember, double Measurement::*pfLess) const;
 
     Modem &m_stModem;
@@ -148,16 +165,14 @@ MIBStatistics::MIBStatistics(Modem &stModem)
     stMIBs.Provide(MIBAttribute::ZoneStatistics, [this] { return ZoneStatistics(); });
     stMIBs.Provide(MIBAttribute::NetworkEntryTiming, [this] { return NetworkEntryTiming(); });
     stMIBs.Provide(MIBAttribute::MRUTable, [this] { return MRUTable(); });
-    stMIBs.Provide(MIBAttribute::AntennaSwitch, [this] { return AntennaSwitch(); });
     stMIBs.Provide(MIBAttribute::TriggerStatus, [this] { return TriggerStatus(); });
     stMIBs.Provide(PerAttemptReceived, [this] { return Attempts(true); });
     stMIBs.Provide(PerAttemptCompleted, [this] { return Attempts(false); });
     stMIBs.Provide(MIBAttribute::BurstErrorRate, [this] { return BurstErrorRate(); });
     stMIBs.Provide(MIBAttribute::SubmapErrors, [this] { return SubmapErrors(); });
-    // No sounding is asked for.
+    // No sounding is asked for: no map has a zone for it.
     stMIBs.Provide(SoundingType, [] { return Words({0, 0, 0, 0}); });
-    // The application takes every control message.
-    stMIBs.Provide(ControlMessagesDropped, [] { return Words({0, 0, 0, 0, 0, 0, 0, 0}); });
+    stMIBs.Provide(ControlMessagesDropped, [this] { return MessagesDropped(); });
     // Both without their minus sign: the signal, and what it has to stand out from.
     stMIBs.Provide(Negated1467, [this] { return StrengthOf(&Measurement::fRSSI, nullptr); });
     stMIBs.Provide(Negated1468,
@@ -275,8 +290,9 @@ void MIBStatistics::Sample() {
         const auto u32Bursts = static_cast<uint32_t>(std::min(u64Packets, u64Frames));
         if (u32Bursts != 0) {
             pstZone->u32LastFrame = Frame();
-            pstZone->au32Bursts[ePattern][SchemeAt(fCINR)] += u32Bursts;
-            pstZone->au32Pdus[ePattern][SchemeAt(fCINR)] += static_cast<uint32_t>(u64Packets);
+            pstZone->au32Bursts[ePattern][ProfileAt(fCINR).u32Counter] += u32Bursts;
+            pstZone->au32Pdus[ePattern][ProfileAt(fCINR).u32Counter] +=
+                static_cast<uint32_t>(u64Packets);
         }
         return u32Bursts;
     };
@@ -440,25 +456,6 @@ Bytes MIBStatistics::List(uint32_t u32EntrySize, Entry pfnPutEntry) const {
     return aucValue;
 }
 
-Bytes MIBStatistics::AntennaSwitch() const {
-    using namespace MIBAntennaSwitch;
-    Record<Size> stValue;
-    const ByteSpan stTo = stValue.Span();
-    for (const Field stField : {Filtering1, Filtering2}) {
-        Put(stTo, stField, 128); // a quarter
-    }
-    for (const Field stField : {Margin1, Margin2}) {
-        Put(stTo, stField, 3);
-    }
-    if (m_stLink.Serving() != nullptr) {
-        const double fRSSI = m_stModem.Air().Measure(*m_stLink.Serving(), m_stModem.Now()).fRSSI;
-        Put(stTo, SmoothRSSI1, Rounded(fRSSI * 16));
-        Put(stTo, SmoothRSSI2, Rounded((fRSSI - 2) * 16)); // the second one is the worse
-    }
-    Put(stTo, CurrentAntenna, 1);
-    return BytesIn(stValue);
-}
-
 uint8_t MIBStatistics::Trigger(bool bSameFrequency) const {
     const Station &stServing = *m_stLink.Serving();
     const auto RSSI = [this](const Station &stStation) {
@@ -510,6 +507,20 @@ Bytes MIBStatistics::BurstErrorRate() const {
 Bytes MIBStatistics::SubmapErrors() {
     Sample();
     return Words({m_u32SubmapErrors, 0, 0, 0});
+}
+
+// What the client never got.
+Bytes MIBStatistics::MessagesDropped() const {
+    std::array<uint32_t, DropCounters> au32Dropped{};
+    for (const auto &[u32Type, u32Count] : m_stModem.LostMessages()) {
+        au32Dropped[DropCounterOf(u32Type)] += u32Count;
+    }
+    Bytes aucValue;
+    for (const uint32_t u32Dropped : au32Dropped) {
+        const Bytes aucWord = Words({u32Dropped});
+        aucValue.insert(aucValue.end(), aucWord.begin(), aucWord.end());
+    }
+    return aucValue;
 }
 
 Bytes MIBStatistics::StrengthOf(double Measurement::*pfMember, double Measurement::*pfLess) const {

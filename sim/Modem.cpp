@@ -41,8 +41,10 @@ Modem::Modem(Scenario stScenario)
           static_cast<uint32_t>(Settings("device").Integer("failed-opens", 0, UINT32_MAX, 0))),
       m_iAnswerDelay(Settings("device").Seconds("answer-delay", 0, 1000, 0.02)),
       m_stStateFile(Root()), m_stRadio(Root(), m_u64Seed), m_stTraffic(Root(), m_stScheduler),
-      m_stFaults(Root(), m_u64Seed, m_stScheduler,
-                 [this](MessageBytes aucMessage) { Queue(std::move(aucMessage)); }),
+      m_stFaults(
+          Root(), m_u64Seed, m_stScheduler,
+          [this](MessageBytes aucMessage) { Queue(std::move(aucMessage)); },
+          [this](const MessageBytes &aucMessage) { Lose(aucMessage); }),
       m_pstOptions(std::make_unique<Options>(*this)), m_pstLink(std::make_unique<Link>(*this)),
       m_pstSignalling(std::make_unique<Signalling>(*this)),
       m_pstMIBs(std::make_unique<MIBStore>(*this)),
@@ -179,9 +181,16 @@ void Modem::TellBytes(MessageBytes aucMessage) {
 }
 
 void Modem::Queue(MessageBytes aucMessage) {
-    if (!m_bUnloaded && m_astOutbox.size() < uMostMessages) {
+    if (m_bUnloaded || m_astOutbox.size() >= uMostMessages) {
+        Lose(aucMessage);
+    } else {
         m_astOutbox.push_back(std::move(aucMessage));
     }
+}
+
+void Modem::Lose(const MessageBytes &aucMessage) {
+    const ByteView stBytes{aucMessage.data(), static_cast<uint32_t>(aucMessage.size())};
+    ++m_au32Lost[Get(stBytes, MessageHeader::Type)];
 }
 
 bool Modem::TakeMessage(MessageBytes *paucMessage) {
@@ -195,6 +204,7 @@ bool Modem::TakeMessage(MessageBytes *paucMessage) {
 
 void Modem::Restart() {
     m_bHalted = false;
+    m_au32Lost.clear();
     m_stTraffic.Reset();
     m_pstOptions->Start();
     m_pstLink->Start();

@@ -6,6 +6,7 @@
 #include <array>
 #include <deque>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -132,6 +133,8 @@ class Modem {
         ModemTime iProvisioning = 0; // of the service flows
     };
     EntryHistory &History() { return m_stHistory; }
+    // How many messages of each type the client never got, since the last restart.
+    const std::map<uint32_t, uint32_t> &LostMessages() const { return m_au32Lost; }
     // The identifiers of the transport connections that there are now.
     std::vector<uint32_t> TransportCIDs() const {
         return m_pfnTransportCIDs ? m_pfnTransportCIDs() : std::vector<uint32_t>{};
@@ -168,6 +171,7 @@ class Modem {
     const Row *RowOf(uint32_t u32Type, uint32_t u32SubType) const;
     void ReadEvents();
     void Queue(MessageBytes aucMessage);
+    void Lose(const MessageBytes &aucMessage);
 
     Scenario m_stScenario;
     uint64_t m_u64Seed;
@@ -192,6 +196,7 @@ class Modem {
     MemoryWriter m_pfnWriteMemory;
     std::function<std::vector<uint32_t>()> m_pfnTransportCIDs;
     std::deque<MessageBytes> m_astOutbox;
+    std::map<uint32_t, uint32_t> m_au32Lost; // by type
     std::unique_ptr<Options> m_pstOptions;
     std::unique_ptr<Link> m_pstLink;
     std::unique_ptr<Signalling> m_pstSignalling;

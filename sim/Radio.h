@@ -59,6 +59,15 @@ struct Measurement {
 // To the nearest whole number, as the messages carry it.
 uint32_t Rounded(double fValue);
 
+// Modulation and coding, turbo codes only: from which CINR on it carries the traffic, the
+// air interface's code for it, and its counter in groups of counters by modulation.
+struct BurstProfile {
+    double fCINR; // dB, at least
+    uint32_t u32FEC;
+    uint32_t u32Counter;
+};
+const BurstProfile &ProfileAt(double fCINR);
+
 class Radio {
   public:
     // Reads [radio], [[nsp]] and [[station]].
@@ -83,6 +92,11 @@ class Radio {
     // iDuration.
     static void Fade(Station &stStation, double fLoss, ModemTime iNow, ModemTime iDuration);
 
+    // Of the modem's transmit antenna, against one of 0 dB: the louder the modem has to
+    // send for the same effect, the less it is.
+    double TransmitGain() const { return m_fTransmitGain; }
+    void SetTransmitGain(double fGain) { m_fTransmitGain = fGain; }
+
     // Its record, as search answers and wake-up indications carry it.
     void PutStation(ByteSpan stRecord, const Station &stStation, ModemTime iNow) const;
 
@@ -94,6 +108,7 @@ class Radio {
     double m_fSensitivity;
     double m_fEntryRSSI;
     double m_fEntryCINR;
+    double m_fTransmitGain = 0; // dB
     std::deque<Station> m_astStations;
 };
 

@@ -40,11 +40,17 @@ constexpr Field astRates[] = {SFParamSet::MaxSustainedTrafficRate,
                               SFParamSet::MinReservedTrafficRate, SFParamSet::ToleratedJitter,
                               SFParamSet::MaximumLatency};
 
+// Unsolicited grants come every 20 ms.
+constexpr uint64_t u64GrantsPerSecond = 50;
+// A grant is an allocation, which is counted in 16 bits: whole slots.
+constexpr uint32_t u32LargestGrant = UINT16_MAX / u32SlotBytes * u32SlotBytes;
+
 struct Flow {
     uint32_t u32SFID;
     uint32_t u32CID;
     uint32_t u32Direction;
-    FlowBytes stRecord; // its sets
+    FlowBytes stRecord;          // its sets
+    uint64_t u64GrantedRate = 0; // bits a second, of a grant that was changed
 };
 
 // A flow that the network sets up by itself.
@@ -86,8 +92,9 @@ uint64_t ReservedRate(ByteView stSet) {
 }
 
 // What a flow takes of the capacity: a set that is only provisioned takes nothing.
-uint64_t Demand(const FlowBytes &stRecord) {
-    uint64_t u64Most = 0;
+uint64_t Demand(const Flow &stFlow) {
+    const FlowBytes &stRecord = stFlow.stRecord;
+    uint64_t u64Most = stFlow.u64GrantedRate;
     for (const ServiceFlowRecord::SetOfBit &stSet : ServiceFlowRecord::Sets) {
         if (stSet.u32Bit != ServiceFlowRecord::Provisioned &&
             Present(stRecord.View(), stSet.u32Offset)) {
@@ -95,6 +102,13 @@ uint64_t Demand(const FlowBytes &stRecord) {
         }
     }
     return u64Most;
+}
+
+// Whether the flow gets unsolicited grants of a size that can be changed.
+bool TakesGrants(const Flow &stFlow) {
+    return stFlow.u32Direction == ServiceFlowRecord::Uplink &&
+           Get(SetOf(stFlow.stRecord, ServiceFlowRecord::ActiveSet), SFParamSet::SchedulingType) ==
+               SFParamSet::ERTPS;
 }
 
 // A range of four bytes, two port numbers in network order, that ends before it begins.
@@ -233,6 +247,7 @@ class ServiceFlows : public Subsystem {
     void FinishChange(ByteView stRequest);
     void FinishDelete(ByteView stRequest) { Delete(stRequest, false); }
     void Delete(ByteView stRequest, bool bByStation);
+    Flow *FlowOfConnection(uint32_t u32Connection);
     int32_t ChangeGrant(const Request &stRequest);
     Confirmation JudgeAdd(ByteView stRequest) const;
     Confirmation Change(ByteView stRequest, Flow *pstFlow) const;
@@ -427,13 +442,13 @@ Confirmation ServiceFlows::Admit(const Flow &stFlow) const {
     for (const Flow &stOther : m_astFlows) {
         if (stOther.u32SFID != stFlow.u32SFID) {
             ++u32Others;
-            u64Taken += stOther.u32Direction == stFlow.u32Direction ? Demand(stOther.stRecord) : 0;
+            u64Taken += stOther.u32Direction == stFlow.u32Direction ? Demand(stOther) : 0;
         }
     }
     if (u32Others >= m_u32MostFlows) {
         return TooManyFlows;
     }
-    const uint64_t u64Demand = Demand(stFlow.stRecord);
+    const uint64_t u64Demand = Demand(stFlow);
     return u64Demand != 0 && u64Taken + u64Demand > m_au64Capacity[stFlow.u32Direction]
                ? NoResources
                : Accepted;
@@ -505,6 +520,7 @@ Confirmation ServiceFlows::Change(ByteView stRequest, Flow *pstFlow) const {
             const ByteSpan stSet = stRecord.From(u32Offset, SFParamSet::Size);
             std::fill_n(stSet.pucData, stSet.u32Length, uint8_t{0});
         }
+        pstFlow->u64GrantedRate = 0;
         return Accepted;
     }
     const FlowBytes stBefore = pstFlow->stRecord;
@@ -524,6 +540,9 @@ Confirmation ServiceFlows::Change(ByteView stRequest, Flow *pstFlow) const {
             return eCode;
         }
     }
+    if (!TakesGrants(*pstFlow)) {
+        pstFlow->u64GrantedRate = 0;
+    }
     return Admit(*pstFlow);
 }
 
@@ -542,6 +561,9 @@ void ServiceFlows::FinishChange(ByteView stRequest) {
         if (eCode == Accepted) {
             *pstFlow = stChanged;
             stAnswer = stChanged.stRecord;
+            if (stChanged.u64GrantedRate == 0) {
+                m_stModem.TheSignalling().FlowGranted(stChanged.u32SFID, 0);
+            }
         }
         m_stModem.TheSignalling().FlowChanged(SaidOf(stChanged), eCode);
     }
@@ -568,15 +590,45 @@ void ServiceFlows::Delete(const Flow *pstFlow) {
                                   [&](const Flow &stFlow) { return &stFlow == pstFlow; }));
 }
 
-// Nothing answers it: the flow's sets are as they were.
+// The flow of a connection, which hosts know by the modem's number for it, as the log of
+// connections has it, or by its CID, as the flow's record has it.
+Flow *ServiceFlows::FlowOfConnection(uint32_t u32Connection) {
+    for (const Connection &stConnection : m_stModem.TheSignalling().Connections()) {
+        if (stConnection.u32VCID == u32Connection && stConnection.u32SFID != 0) {
+            return FlowWith(&Flow::u32SFID, stConnection.u32SFID);
+        }
+    }
+    return FlowWith(&Flow::u32CID, u32Connection);
+}
+
+// Nothing answers it, and the flow's sets are as they were: the packets go out in other
+// allocations from now on, and the station keeps the capacity for them free.
 int32_t ServiceFlows::ChangeGrant(const Request &stRequest) {
-    const Flow *pstFlow =
-        FlowWith(&Flow::u32CID, Get(stRequest.stPayload, GrantChangeRequest::VCID));
-    const bool bGood =
-        pstFlow != nullptr && LinkUp() && pstFlow->u32Direction == ServiceFlowRecord::Uplink &&
-        Get(SetOf(pstFlow->stRecord, ServiceFlowRecord::ActiveSet), SFParamSet::SchedulingType) ==
-            SFParamSet::ERTPS;
-    return bGood ? 0 : LibraryError::BadValue;
+    const ByteView stPayload = stRequest.stPayload;
+    const uint32_t u32Bytes = Get(stPayload, GrantChangeRequest::PayloadBytesPerUGI);
+    const uint32_t u32SDUs = Get(stPayload, GrantChangeRequest::SDUsPerUGI);
+    Flow *pstFlow = FlowOfConnection(Get(stPayload, GrantChangeRequest::VCID));
+    if (pstFlow == nullptr || !LinkUp() || !TakesGrants(*pstFlow)) {
+        return LibraryError::BadValue;
+    }
+    Flow stChanged = *pstFlow;
+    stChanged.u64GrantedRate = u64GrantsPerSecond * 8 * u32Bytes;
+    const uint64_t u64MostRate = Get(SetOf(stChanged.stRecord, ServiceFlowRecord::ActiveSet),
+                                     SFParamSet::MaxSustainedTrafficRate);
+    const bool bTooFast = u64MostRate != 0 && stChanged.u64GrantedRate > u64MostRate;
+    if ((u32Bytes != 0 && (u32SDUs == 0 || u32SDUs > u32Bytes)) || bTooFast ||
+        Admit(stChanged) != Accepted) {
+        return LibraryError::BadValue;
+    }
+    *pstFlow = stChanged;
+    // The headers of the packets, and whole slots.
+    const uint64_t u64Grant =
+        u32Bytes == 0 ? 0 : uint64_t{u32Bytes} + uint64_t{u32SDUs} * u32PDUOverhead;
+    m_stModem.TheSignalling().FlowGranted(
+        stChanged.u32SFID,
+        static_cast<uint32_t>(std::min<uint64_t>(
+            (u64Grant + u32SlotBytes - 1) / u32SlotBytes * u32SlotBytes, u32LargestGrant)));
+    return 0;
 }
 
 // Sends the record as the answer in the request's transaction, which stands at the

@@ -21,6 +21,10 @@ constexpr double fWantedPower = -90; // dBm, at the station
 constexpr double fLeastPower = -40;
 constexpr double fMostPower = 23;
 constexpr double fQuarters = 4;
+constexpr auto iLeastPower = static_cast<int32_t>(fLeastPower * fQuarters);
+constexpr auto iMostPower = static_cast<int32_t>(fMostPower * fQuarters);
+// So far the station's corrections may take the modem from its own measurement.
+constexpr int32_t iMostCorrection = 32; // quarter dB
 
 constexpr uint32_t u32ModemTransactions = 0x0000;
 constexpr uint32_t u32StationTransactions = 0x8000;
@@ -57,6 +61,8 @@ void Signalling::Start() {
     m_pstTarget = nullptr;
     m_bToldToIdle = false;
     m_astConnections.clear();
+    m_iPower = 0;
+    m_iOpenLoopPower = 0;
     if (m_stLink.Registered()) {
         AdjustOpenLoop(*m_stLink.Serving());
         MakeConnections();
@@ -345,11 +351,15 @@ void Signalling::AnswerCode(RangingStatus eStatus) {
         return static_cast<int32_t>(m_stRandom.Below(2 * u32Steps + 1)) -
                static_cast<int32_t>(u32Steps);
     };
-    const Corrections stCorrections{Error(4 * u32Spread), Error(u32Spread), Error(30 * u32Spread)};
+    Corrections stCorrections{Error(4 * u32Spread), Error(u32Spread), Error(30 * u32Spread)};
+    const int32_t iPower = std::clamp(m_iPower + stCorrections.iPower,
+                                      std::max(iLeastPower, m_iOpenLoopPower - iMostCorrection),
+                                      std::min(iMostPower, m_iOpenLoopPower + iMostCorrection));
+    stCorrections.iPower = iPower - m_iPower;
     Say(MessageCode::RNGRSP, bDown, WellKnownCID::InitialRanging,
         RNGRSPBody(m_stSignal, stCorrections, eStatus));
     if (stCorrections.iPower != 0) {
-        m_iPower += stCorrections.iPower;
+        m_iPower = iPower;
         for (const auto &pfnObserver : m_apfnOnPower) {
             pfnObserver({true, stCorrections.iPower, 1, Frame(), m_iPower});
         }
@@ -358,14 +368,18 @@ void Signalling::AnswerCode(RangingStatus eStatus) {
 
 void Signalling::AdjustOpenLoop(const Station &stStation) {
     const double fRSSI = m_stModem.Air().Measure(stStation, m_stModem.Now()).fRSSI;
-    const double fPower = std::clamp(fWantedPower + iStationEIRP - fRSSI, fLeastPower, fMostPower);
+    const double fPathLoss = iStationEIRP - fRSSI;
+    const double fPower = std::clamp(fWantedPower + fPathLoss - m_stModem.Air().TransmitGain(),
+                                     fLeastPower, fMostPower);
     const auto iWanted = static_cast<int32_t>(std::lround(fPower * fQuarters));
-    const int32_t iAdjustment = iWanted - m_iOpenLoopPower;
+    const int32_t iPower =
+        std::clamp(m_iPower + iWanted - m_iOpenLoopPower, iLeastPower, iMostPower);
+    const int32_t iAdjustment = iPower - m_iPower;
+    m_iOpenLoopPower = iWanted;
     if (iAdjustment == 0) {
         return;
     }
-    m_iOpenLoopPower = iWanted;
-    m_iPower += iAdjustment;
+    m_iPower = iPower;
     for (const auto &pfnObserver : m_apfnOnPower) {
         pfnObserver({false, iAdjustment, 0, Frame(), m_iPower});
     }
@@ -413,13 +427,19 @@ void Signalling::MakeConnections() {
     }
     for (const Connection &stFlow : astFlows) {
         Connect(stFlow.u32CID, stFlow.bUplink, stFlow.u32SFID, stFlow.u32SchedulingType);
+        FlowGranted(stFlow.u32SFID, stFlow.u32Grant);
     }
 }
 
 void Signalling::Connect(uint32_t u32CID, bool bUplink, uint32_t u32SFID,
                          uint32_t u32SchedulingType) {
-    m_astConnections.push_back({static_cast<uint32_t>(m_astConnections.size()) + 1, u32CID, bUplink,
-                                false, u32SFID, u32SchedulingType});
+    // The lowest number that is free: connections go in any order.
+    uint32_t u32VCID = 1;
+    const auto IsTaken = [&](const Connection &stOne) { return stOne.u32VCID == u32VCID; };
+    while (std::any_of(m_astConnections.begin(), m_astConnections.end(), IsTaken)) {
+        ++u32VCID;
+    }
+    m_astConnections.push_back({u32VCID, u32CID, bUplink, false, u32SFID, u32SchedulingType});
     const Connection stConnection = m_astConnections.back();
     for (const auto &pfnObserver : m_apfnOnConnection) {
         pfnObserver(stConnection);
@@ -647,5 +667,13 @@ void Signalling::FlowDeleted(uint32_t u32SFID, uint32_t u32Confirmation, bool bB
         std::erase_if(m_astConnections, [&](const Connection &stConnection) {
             return stConnection.u32SFID == u32SFID;
         });
+    }
+}
+
+void Signalling::FlowGranted(uint32_t u32SFID, uint32_t u32Bytes) {
+    for (Connection &stConnection : m_astConnections) {
+        if (stConnection.u32SFID == u32SFID) {
+            stConnection.u32Grant = u32Bytes;
+        }
     }
 }

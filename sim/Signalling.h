@@ -41,6 +41,7 @@ struct Connection {
     bool bARQ;
     uint32_t u32SFID;           // 0: not of a service flow
     uint32_t u32SchedulingType; // 0 for management connections
+    uint32_t u32Grant = 0;      // bytes of every allocation, 0: as a packet needs it
 };
 
 class Signalling : public Subsystem {
@@ -96,6 +97,9 @@ class Signalling : public Subsystem {
     void FlowThere(const FlowParameters &stFlow);
     void FlowChanged(const FlowParameters &stFlow, uint32_t u32Confirmation);
     void FlowDeleted(uint32_t u32SFID, uint32_t u32Confirmation, bool bByStation);
+    // From now on the flow's allocations have so many bytes; 0: as a packet needs it.
+    // No management message says so: the packets themselves do.
+    void FlowGranted(uint32_t u32SFID, uint32_t u32Bytes);
 
   private:
     using Step = std::function<void()>;

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "Link.h"
+#include "Signalling.h"
 #include "StationRecords.h"
 
 namespace {
@@ -20,36 +21,6 @@ constexpr ModemTime i64ShortestInterval = i64Frame;
 // fewer.
 constexpr double fHalfLostCINR = 2;
 constexpr double fErrorSlope = 1.2;
-
-// Power that the station wants to receive, so that far modems send louder.
-constexpr double fWantedPower = -50; // dBm
-constexpr double fLeastPower = -40;
-constexpr double fMostPower = 23;
-
-// The burst profile that a CINR allows: convolutional turbo codes, as the air
-// interface numbers them.
-struct BurstProfile {
-    double fCINR; // dB, at least
-    uint32_t u32FEC;
-};
-constexpr std::array astBurstProfiles{
-    BurstProfile{24, 21},   // 64-QAM 5/6
-    BurstProfile{21, 20},   // 64-QAM 3/4
-    BurstProfile{18, 18},   // 64-QAM 1/2
-    BurstProfile{15, 17},   // 16-QAM 3/4
-    BurstProfile{11, 16},   // 16-QAM 1/2
-    BurstProfile{7, 15},    // QPSK 3/4
-    BurstProfile{-100, 13}, // QPSK 1/2
-};
-
-uint32_t FECFor(double fCINR) {
-    for (const BurstProfile &stProfile : astBurstProfiles) {
-        if (fCINR >= stProfile.fCINR) {
-            return stProfile.u32FEC;
-        }
-    }
-    return astBurstProfiles.back().u32FEC;
-}
 
 class StatisticsReports : public Subsystem {
   public:
@@ -204,11 +175,11 @@ void StatisticsReports::PutStation(ByteSpan stTo) const {
     Put(stTo, Statistics::RSSI, Rounded(stMeasurement.fRSSI));
     Put(stTo, Statistics::CINR, Rounded(stMeasurement.fCINR));
     PutBytes(stTo, Statistics::BSID.u16Offset, {m_pstServing->aucBSID.data(), u32BSIDSize});
-    Put(stTo, Statistics::BurstFEC, FECFor(stMeasurement.fCINR));
+    Put(stTo, Statistics::BurstFEC, ProfileAt(stMeasurement.fCINR).u32FEC);
     Put(stTo, Statistics::CenterFrequency, m_pstServing->u32Frequency);
     if (m_stLink.State() != LinkState::Synchronised) {
-        Put(stTo, Statistics::TxPower,
-            Rounded(std::clamp(fWantedPower - stMeasurement.fRSSI, fLeastPower, fMostPower)));
+        constexpr double fQuarters = 4;
+        Put(stTo, Statistics::TxPower, Rounded(m_stModem.TheSignalling().Power() / fQuarters));
     }
 }
 

@@ -8,6 +8,11 @@
 #include "Scenario.h"
 #include "Scheduler.h"
 
+// Of an uplink burst, 16-QAM 1/2.
+inline constexpr uint32_t u32SlotBytes = 12;
+// Header and checksum of a MAC PDU.
+inline constexpr uint32_t u32PDUOverhead = 10;
+
 // Since the modem was started.
 struct TrafficTotals {
     uint64_t u64DownlinkBytes = 0;

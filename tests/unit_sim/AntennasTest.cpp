@@ -217,6 +217,107 @@ TEST(Antennas, BadSelectionsAreRefused) {
     }
 }
 
+// Attribute 1631, byte by byte: averaging, margins, both levels, mode, antenna.
+std::string SwitchInformation(ModemBench &stBench) {
+    EXPECT_EQ(stBench.Send(24, 2, "5F 06 00*25"), 0);
+    const std::vector<uint8_t> aucAnswer = BytesOfHex(stBench.Messages().at(0).substr(6));
+    EXPECT_EQ(aucAnswer.size(), 58U);
+    std::string strHex;
+    for (size_t i = 26; i < aucAnswer.size(); ++i) {
+        strHex += (strHex.empty() ? "" : " ") + HexOf({aucAnswer[i]});
+    }
+    return strHex;
+}
+
+const std::string strTxOnly = "00*4 01 00 00 00 00*16 ";
+
+TEST(Antennas, TheTransmitAntennaIsTheOneThatWasSelected) {
+    ModemBench stBench(strLinkUp + "pattern-gains = [0, 7]\n");
+    const std::string strLevels = "60 FC FF FF 20 FC FF FF"; // -58 and -62 dBm
+    EXPECT_EQ(SwitchInformation(stBench), "80 00 00 00 80 00 00 00 03 00 00 00 03 00 00 00 " +
+                                              strLevels + " 01 00 00 00 01 00 00 00");
+    // By hand: what was set for the automatic choice stays.
+    EXPECT_EQ(stBench.Send(28, 5, strTxOnly + "00*4 02 00 00 00 FF*16"), 0);
+    EXPECT_EQ(stBench.Messages(), Told({"28/5: 00*4"}));
+    EXPECT_EQ(SwitchInformation(stBench), "80 00 00 00 80 00 00 00 03 00 00 00 03 00 00 00 " +
+                                              strLevels + " 00 00 00 00 02 00 00 00");
+    // Automatically, the second one first: the first one is better by 4 dB, not by 5.
+    EXPECT_EQ(stBench.Send(28, 5,
+                           strTxOnly + "01 00 00 00 02 00 00 00 40 00 00 00 20 00 00 00"
+                                       " 05 00 00 00 06 00 00 00"),
+              0);
+    EXPECT_EQ(stBench.Messages(), Told({"28/5: 00*4"}));
+    EXPECT_EQ(SwitchInformation(stBench), "40 00 00 00 20 00 00 00 05 00 00 00 06 00 00 00 " +
+                                              strLevels + " 01 00 00 00 02 00 00 00");
+    // The receive pattern lifts both.
+    EXPECT_EQ(stBench.Send(28, 5, "01 00 00 00 00*4 01 00 00 00 00*36"), 0);
+    stBench.Messages();
+    EXPECT_EQ(SwitchInformation(stBench).substr(48, 23), "D0 FC FF FF 90 FC FF FF");
+}
+
+TEST(Antennas, TheAutomaticChoiceFollowsItsThresholds) {
+    ModemBench stBench(strLinkUp);
+    struct {
+        const char *pcSetting;
+        const char *pcThresholds;
+        char cAntenna;
+    } const astCases[] = {
+        {"00", "64 00 00 00 64 00 00 00", '1'}, // the better one
+        {"01", "03 00 00 00 03 00 00 00", '1'},
+        {"01", "03 00 00 00 FB FF FF FF", '2'}, // better than 5 dB below the first one
+        {"02", "03 00 00 00 03 00 00 00", '1'}, // 4 dB are more than 3
+        {"02", "04 00 00 00 03 00 00 00", '2'},
+        {"03", "03 00 00 00 03 00 00 00", '1'},
+        {"03", "04 00 00 00 03 00 00 00", '2'},
+        {"04", "03 00 00 00 03 00 00 00", '1'},
+        {"04", "03 00 00 00 FB FF FF FF", '2'},
+    };
+    for (const auto &stCase : astCases) {
+        EXPECT_EQ(stBench.Send(28, 5,
+                               strTxOnly + "01 00 00 00 " + stCase.pcSetting + " 00 00 00 00*8 " +
+                                   stCase.pcThresholds),
+                  0);
+        stBench.Messages();
+        const std::string strInformation = SwitchInformation(stBench);
+        EXPECT_EQ(strInformation[28 * 3 + 1], stCase.cAntenna)
+            << stCase.pcSetting << " " << stCase.pcThresholds;
+    }
+    // Averaging of more than everything, thresholds that no signals differ by.
+    for (const char *pcBad : {"01 02 00 00 00*12", "00*4 01 02 00 00 00*8", "00*8 65 00 00 00 00*4",
+                              "00*12 9B FF FF FF"}) {
+        EXPECT_EQ(stBench.Send(28, 5, strTxOnly + "01 00 00 00 00*4 " + pcBad), 0);
+        EXPECT_EQ(stBench.Messages(), Told({"28/5: 05 00 00 00"})) << pcBad;
+    }
+}
+
+// Transmit power in quarter dBm, as the register has it.
+int32_t Power(ModemBench &stBench) {
+    uint8_t aucPower[4] = {};
+    EXPECT_EQ(stBench.TheModem().ReadMemory(0x0F00001C, {aucPower, 4}), 0);
+    return static_cast<int8_t>(aucPower[0]);
+}
+
+TEST(Antennas, AWorseTransmitAntennaHasToSendLouder) {
+    ModemBench stFirst(strLinkUp);
+    ModemBench stSecond(strLinkUp);
+    EXPECT_EQ(stSecond.Send(28, 5, strTxOnly + "00*4 02 00 00 00 00*16"), 0);
+    EXPECT_EQ(Power(stFirst), 44); // 11 dBm for a loss of 101 dB
+    EXPECT_EQ(Power(stSecond), 44);
+    stFirst.RunUntil(2.5); // a periodic ranging
+    stSecond.RunUntil(2.5);
+    EXPECT_EQ(Power(stSecond) - Power(stFirst), 16);
+}
+
+TEST(Antennas, AConfigurationThatIsNeitherReadNorWrittenIsRefused) {
+    ModemBench stBench(strLinkUp);
+    EXPECT_EQ(stBench.Send(28, 1, "01 00 00 00 00*4 02 00*19 02 00 00 00 00*4"), 0);
+    EXPECT_EQ(stBench.Messages(),
+              Told({"28/1: 01 00 00 00 00*4 02 00*19 02 00 00 00 05 00 00 00"}));
+    EXPECT_EQ(stBench.Send(28, 1, "00*36"), 0);
+    EXPECT_EQ(stBench.Messages(), Told({"28/1: 03 00 00 00 01 00 00 00 04 00 00 00 05 00 00 00"
+                                        " 06 00 00 00 FF FF FF FF 07 00 00 00 00*8"}));
+}
+
 TEST(Antennas, LengthsAreThoseOfTheRequests) {
     ModemBench stBench("");
     EXPECT_EQ(stBench.Send(28, 1, "00*35"), -4);

@@ -106,10 +106,11 @@ TEST(Statistics, AreReportedOnce) {
     EXPECT_EQ(stBench.Send(17, 1, "00*4"), 0);
     stBench.RunUntil(200);
     // 20000 frames; 10 in error, 2 of them in the header; 4000 packets, 2 of them
-    // damaged; 2500 reports of the channel's quality; 50 bandwidth requests.
+    // damaged; 2500 reports of the channel's quality; 50 bandwidth requests; 11 dBm for
+    // a path loss of 101 dB.
     EXPECT_EQ(stBench.Messages(),
               Told({"17/1: B8 03 00 00 20 4E 00 00 0A 00 00 00 02 00 00 00 02 00 00 00"
-                    " C4 09 00 00 C6 FF FF FF 1C 00 00 00 00*24 32 00 00 00 00*4 00*170 08 00*9"
+                    " C4 09 00 00 C6 FF FF FF 1C 00 00 00 00*24 32 00 00 00 00*4 00*170 0B 00*9"
                     " 00 12 0A 01 02 03 00*279 15 00*418 6C 7B 27 00"}));
 }
 
@@ -118,6 +119,36 @@ TEST(Statistics, AreEmptyWithoutAStation) {
     stBench.RunUntil(100);
     EXPECT_EQ(stBench.Send(17, 1, "00*4"), 0);
     EXPECT_EQ(stBench.Messages(), Told({"17/1: B8 03 00 00 00*948"}));
+}
+
+TEST(Statistics, NameTheBurstProfileThatTheCountersCount) {
+    // 28 dB and less, with the FEC code and the counter of attribute 1608 that grows.
+    struct {
+        const char *pcBy;
+        uint32_t u32FEC;
+        uint32_t u32Counter;
+    } const astCases[] = {{"0", 21, 20},    {"4.1", 20, 19},  {"7.1", 19, 18},  {"9.1", 18, 17},
+                          {"11.1", 17, 16}, {"14.1", 16, 15}, {"17.1", 15, 14}, {"20.1", 13, 10},
+                          {"23.1", 13, 11}, {"25.1", 13, 12}, {"28.1", 13, 13}};
+    for (const auto &stCase : astCases) {
+        ModemBench stBench(strLinkUp +
+                           "[handover]\nlook-period = 0\n[[event]]\nat = 0\n"
+                           "kind = \"fade\"\nstation = \"00120A010203\"\nby = " +
+                           stCase.pcBy + "\n");
+        stBench.RunUntil(10);
+        EXPECT_EQ(ReportOf(stBench).aucPayload.at(529), stCase.u32FEC) << stCase.pcBy;
+        EXPECT_EQ(stBench.Send(24, 2, "48 06 00*25"), 0);
+        const std::string strText = stBench.Messages().at(0);
+        const std::vector<uint8_t> aucMIB = BytesOfHex(strText.substr(strText.find(':') + 1));
+        uint32_t u32Grown = 0;
+        for (uint32_t i = 26; i < aucMIB.size(); i += 4) {
+            const bool bGrown = aucMIB[i] != 0 || aucMIB[i + 1] != 0;
+            u32Grown += bGrown ? 1 : 0;
+            EXPECT_TRUE(!bGrown || (i - 26) / 4 % 21 == stCase.u32Counter)
+                << stCase.pcBy << ": " << (i - 26) / 4 % 21;
+        }
+        EXPECT_EQ(u32Grown, 1U) << stCase.pcBy;
+    }
 }
 
 TEST(Statistics, ErrorsGrowWithAWorseningLink) {

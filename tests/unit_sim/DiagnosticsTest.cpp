@@ -141,6 +141,29 @@ TEST(Loggers, PowerFollowsTheStationAndThePathLoss) {
     EXPECT_EQ(Part(aucLog, 0, 12), "10 00*7 20 03 00 00");
 }
 
+TEST(Loggers, PowerStaysWithinItsLimitsForHours) {
+    // 84 dB weaker than the station sends: 20 dBm, and 3 more are possible.
+    ModemBench stBench(strStations + pcLinkUp +
+                       "[handover]\nlook-period = 0\n"
+                       "[[event]]\nat = 0\nkind = \"fade\"\n"
+                       "station = \"00 12 0A 01 02 03\"\nby = 9\n"
+                       "[signalling]\nranging-period = 0.1\n");
+    EXPECT_EQ(stBench.Send(8, 5), 0);
+    int32_t iHighest = -1000;
+    int32_t iLowest = 1000;
+    for (int iSecond = 1; iSecond <= 600; ++iSecond) {
+        stBench.RunUntil(iSecond);
+        uint8_t u8Power = 0;
+        EXPECT_EQ(stBench.TheModem().ReadMemory(0x0F00001C, {&u8Power, 1}), 0);
+        iHighest = std::max<int32_t>(iHighest, static_cast<int8_t>(u8Power));
+        iLowest = std::min<int32_t>(iLowest, static_cast<int8_t>(u8Power));
+    }
+    // Quarters: 23 dBm at most, and 8 dB below the modem's own measurement at least.
+    EXPECT_LE(iHighest, 92);
+    EXPECT_GE(iLowest, 48);
+    EXPECT_GT(iHighest, iLowest);
+}
+
 TEST(LogData, PHYBlocksSayHowTheStationIsReceived) {
     ModemBench stBench(strLinkUp);
     EXPECT_EQ(stBench.Send(31, 2), 0);

@@ -1,6 +1,8 @@
 // Requests of random bytes: whatever a client sends, the modem stays sane.
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "ModemBench.h"
 #include "TestScenarios.h"
 
@@ -56,6 +58,87 @@ TEST(HostileRequests, RandomBytesDoNoHarm) {
     stBench.Messages();
     EXPECT_EQ(stBench.Send(34, 3, "FF FF FF FF"), 0);
     EXPECT_EQ(stBench.Messages(), Told({"34/3: FF FF FF FF 00*4 FF 00"}));
+}
+
+// What each type takes: its subtypes with the lengths that are not refused.
+struct Door {
+    uint32_t u32Type;
+    uint32_t u32SubType;
+    std::vector<uint32_t> au32Lengths;
+};
+
+int32_t SendZeroes(ModemBench &stBench, uint32_t u32Type, uint32_t u32SubType, uint32_t u32Length) {
+    WiMAXMessage stMessage{};
+    Put(BytesOf(stMessage), MessageHeader::Type, u32Type);
+    Put(BytesOf(stMessage), MessageHeader::SubType, u32SubType);
+    return stBench.TheModem().Send(BytesOf(stMessage).pucData, MessageHeader::Size + u32Length);
+}
+
+std::vector<Door> Doors(const std::string &strScenario) {
+    constexpr uint32_t u32Types = 64;
+    constexpr uint32_t u32SubTypes = 32;
+    std::vector<Door> astDoors;
+    for (uint32_t u32Type = 0; u32Type < u32Types; ++u32Type) {
+        // A fresh one: a reset takes requests without looking at them.
+        ModemBench stBench(strScenario);
+        for (uint32_t u32SubType = 0; u32SubType < u32SubTypes; ++u32SubType) {
+            Door stDoor{u32Type, u32SubType, {}};
+            if (SendZeroes(stBench, u32Type, u32SubType, 0) == -5) {
+                continue;
+            }
+            for (uint32_t u32Length = 0; u32Length <= WIMAX_DATA_SIZE; ++u32Length) {
+                if (SendZeroes(stBench, u32Type, u32SubType, u32Length) != -4) {
+                    stDoor.au32Lengths.push_back(u32Length);
+                }
+            }
+            astDoors.push_back(stDoor);
+        }
+    }
+    return astDoors;
+}
+
+// In every state of the link: whatever stands in a request of a length that is taken,
+// the modem refuses it or answers it, and lives on.
+TEST(HostileRequests, EveryRequestTakesAnythingInEveryState) {
+    const std::string strStations = pcFourStations;
+    const std::vector<Door> astDoors = Doors(strStations);
+    EXPECT_EQ(astDoors.size(), 88U);
+    const std::string strStart = strStations + "[start]\nstation = \"00120A010203\"\nstate = ";
+    const std::array astrScenarios{strStations, strStart + "\"synchronised\"\n",
+                                   strStart + "\"link-up\"\n", strStart + "\"idle\"\n",
+                                   strStations + "[start]\nstate = \"shutdown\"\n"};
+    Random stRandom(7, "every request");
+    for (const std::string &strScenario : astrScenarios) {
+        for (const Door &stDoor : astDoors) {
+            ModemBench stBench(strScenario + "[trace]\non = true\n");
+            for (uint32_t i = 0; i < 40; ++i) {
+                const uint32_t u32Length = stDoor.au32Lengths[stRandom.Below(
+                    static_cast<uint32_t>(stDoor.au32Lengths.size()))];
+                const uint32_t u32Most = stRandom.Below(3) == 0 ? 256 : 4;
+                const uint32_t u32Sparse = 1 + stRandom.Below(20);
+                WiMAXMessage stMessage{};
+                const ByteSpan stBytes = BytesOf(stMessage);
+                for (uint32_t k = 0; k < u32Length; ++k) {
+                    if (stRandom.Below(u32Sparse) == 0) {
+                        stBytes.Set(MessageHeader::Size + k,
+                                    static_cast<uint8_t>(stRandom.Below(u32Most)));
+                    }
+                }
+                Put(stBytes, MessageHeader::Type, stDoor.u32Type);
+                Put(stBytes, MessageHeader::SubType, stDoor.u32SubType);
+                const int32_t iResult =
+                    stBench.TheModem().Send(stBytes.pucData, MessageHeader::Size + u32Length);
+                // A list of attributes also has to be as long as its count says.
+                EXPECT_TRUE(iResult <= 0 && iResult != -5 &&
+                            (iResult != -4 || stDoor.u32Type == 24))
+                    << stDoor.u32Type << "/" << stDoor.u32SubType << ": " << iResult;
+                stBench.RunUntil(0.05 * i);
+            }
+            // The state is told at once, whatever it is.
+            stBench.RunUntil(10);
+            EXPECT_EQ(stBench.Send(16, 3, "00"), 0);
+        }
+    }
 }
 
 } // namespace

@@ -378,4 +378,71 @@ TEST_F(Library, ASendFromTheCallbackDoesNotWait) {
     EXPECT_EQ(WaitForMessages(2).size(), 2U);
 }
 
+TEST_F(Library, CloseLetsGoOfASenderThatWaits) {
+    UseScenario("[device]\nanswer-delay = 0.5\n");
+    const uint32_t hDevice = OpenAndRegister();
+    std::atomic<bool> bReturned{false};
+    std::thread stSender([&] {
+        EXPECT_EQ(AskForFlows(hDevice), 0);
+        bReturned = true;
+    });
+    std::this_thread::sleep_for(100ms);
+    EXPECT_FALSE(bReturned);
+    const auto stBegan = std::chrono::steady_clock::now();
+    EXPECT_EQ(CloseWiMAXDevice(), 0);
+    stSender.join();
+    EXPECT_LT(std::chrono::steady_clock::now() - stBegan, 300ms);
+    EXPECT_EQ(MessagesSoFar(), 0U);
+}
+
+TEST_F(Library, AnswersThatAreStillComingAreGoneWithTheDevice) {
+    UseScenario("[device]\nanswer-delay = 0.05\n");
+    for (int i = 0; i < 10; ++i) {
+        const uint32_t hDevice = OpenAndRegister();
+        EXPECT_EQ(Send(hDevice, 36, 1), 0);
+        EXPECT_EQ(Send(hDevice, 30, 5), 0);
+        EXPECT_EQ(CloseWiMAXDevice(), 0);
+    }
+    std::this_thread::sleep_for(100ms);
+    EXPECT_EQ(MessagesSoFar(), 0U);
+    // Not those of the device that was there before.
+    EXPECT_EQ(Send(OpenAndRegister(), 36, 1), 0);
+    EXPECT_EQ(WaitForMessages(1), std::vector<std::string>{"24 00 02 00"});
+}
+
+// Senders, readers of memory and callbacks' changes of several threads, while the device
+// is opened and closed under them.
+TEST_F(Library, ThreadsMayDoAnythingAtAnyTime) {
+    UseScenario("time-scale = 100\n[device]\nanswer-delay = 0\n[trace]\non = true\n");
+    std::atomic<bool> bEnd{false};
+    std::atomic<uint32_t> u32Accepted{0};
+    std::vector<std::thread> astThreads;
+    for (int i = 0; i < 4; ++i) {
+        astThreads.emplace_back([&, i] {
+            while (!bEnd) {
+                uint32_t u32Register = 0;
+                (void)rdm(0x0F000000, &u32Register, 4);
+                (void)RegisterCallback(1, i == 0 ? nullptr : Receive, 0);
+                (void)SendWiMAXMessage(1, nullptr, 4);
+                u32Accepted += Send(1, 36, 1) == 0 ? 1 : 0;
+                u32Accepted += Send(1, 16, 1) == 0 ? 1 : 0;
+                (void)AskForFlows(1);
+            }
+        });
+    }
+    const auto stEnd = std::chrono::steady_clock::now() + 500ms;
+    while (std::chrono::steady_clock::now() < stEnd) {
+        EXPECT_EQ(OpenWiMAXDevice(), 1U);
+        std::this_thread::sleep_for(5ms);
+        EXPECT_EQ(CloseWiMAXDevice(), 0);
+    }
+    bEnd = true;
+    for (std::thread &stThread : astThreads) {
+        stThread.join();
+    }
+    EXPECT_GT(u32Accepted, 0U);
+    EXPECT_LE(g_iMostInside, 1);
+    EXPECT_EQ(Send(1, 36, 1), -1);
+}
+
 } // namespace

@@ -470,7 +470,7 @@ TEST(MIB, SignalsAgreeWithTheRadio) {
     EXPECT_EQ(HexOfValue(&stBench, 1467), "3A 00 00 00"); // -58 dBm
     EXPECT_EQ(HexOfValue(&stBench, 1468), "56 00 00 00"); // 28 dB below
     EXPECT_EQ(HexOfValue(&stBench, 1631),
-              "80 00 00 00 80 00 00 00 03 00 00 00 03 00 00 00 60 FC FF FF 40 FC FF FF 00 00 00 00"
+              "80 00 00 00 80 00 00 00 03 00 00 00 03 00 00 00 60 FC FF FF 20 FC FF FF 01 00 00 00"
               " 01 00 00 00");
     // The serving station is good, a neighbour on its frequency is not better, none on
     // another one.
@@ -484,6 +484,55 @@ TEST(MIB, SignalsAgreeWithTheRadio) {
     ModemBench stWithoutLink(pcFourStations);
     EXPECT_EQ(HexOfValue(&stWithoutLink, 1467), "00 00 00 00");
     EXPECT_EQ(HexOfValue(&stWithoutLink, 1633), "03 03 03");
+}
+
+TEST(MIB, MessagesThatTheClientNeverGotAreCounted) {
+    const auto Drop = [](const char *pcType) {
+        return "[[fault]]\nkind = \"drop\"\ntype = " + std::string(pcType) + "\n";
+    };
+    ModemBench stBench(strLinkUp + "[chipset]\nreset-time = 0\n" + Drop("2") + Drop("4") +
+                       Drop("6") + Drop("7") + Drop("11") + Drop("17") + Drop("19") + Drop("30") +
+                       "count = 1\n" + Drop("27"));
+    EXPECT_EQ(HexOfValue(&stBench, 1654), "00*32");
+    EXPECT_EQ(stBench.Send(7, 1), 0);
+    EXPECT_EQ(stBench.Send(11, 1, "02 00*5"), 0);
+    EXPECT_EQ(stBench.Send(6, 2, "11 00 07 00 09 00 00 00"), 0);
+    stBench.RunUntil(0.2);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(stBench.Send(2, 3), 0);
+    }
+    EXPECT_EQ(stBench.Send(30, 5), 0);
+    EXPECT_EQ(stBench.Send(30, 5), 0); // this one gets through
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(stBench.Send(17, 1, "00*4"), 0);
+    }
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(stBench.Send(19, 2), 0);
+    }
+    EXPECT_EQ(stBench.Send(4, 1), 0);
+    EXPECT_EQ(stBench.Send(27, 2), 0);
+    stBench.RunUntil(2.5); // two blocks
+    EXPECT_EQ(stBench.Messages(), Told({"30/5: 01 00 00 00"}));
+    EXPECT_EQ(HexOfValue(&stBench, 1654), "02 00 00 00 01 00 00 00 03 00 00 00 01 00 00 00"
+                                          " 04 00 00 00 05 00 00 00 01 00 00 00 02 00 00 00");
+    // A reset begins anew.
+    EXPECT_EQ(stBench.Send(16, 1), 0);
+    stBench.RunUntil(2.6);
+    stBench.Messages();
+    EXPECT_EQ(HexOfValue(&stBench, 1654), "00*32");
+}
+
+TEST(MIB, MessagesThatNobodyTakesAreLostBeyondTheQueue) {
+    ModemBench stBench(strLinkUp);
+    uint8_t aucStatus[WIMAX_MESSAGE_SIZE] = {2, 0, 3, 0};
+    for (uint32_t i = 0; i < 65536 + 10; ++i) {
+        ASSERT_EQ(stBench.TheModem().Send(aucStatus, 4), 0);
+        stBench.TheModem().AdvanceTo(i);
+    }
+    // Taken at last, all at once.
+    EXPECT_EQ(stBench.Send(30, 5), 0);
+    EXPECT_EQ(stBench.Messages().size(), 65536U);
+    EXPECT_EQ(HexOfValue(&stBench, 1654), "00*8 0A 00 00 00 01 00*19");
 }
 
 TEST(MIB, OtherStatisticsGrowWithTheTrafficToo) {

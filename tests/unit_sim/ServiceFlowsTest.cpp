@@ -406,6 +406,101 @@ TEST(ServiceFlows, AGrantChangeNeedsAnUplinkFlowOfThatType) {
     EXPECT_EQ(stBench.Messages(), std::vector<std::string>{});
 }
 
+std::string GrantChange(uint32_t u32Connection, uint32_t u32Bytes, uint32_t u32SDUs) {
+    return "00 00" + Number(u32Connection, 2) + Number(u32Bytes, 4) + Number(u32SDUs, 4);
+}
+
+TEST(ServiceFlows, AGrantThatWasChangedTakesItsCapacity) {
+    ModemBench stBench(strLinkUp + "[service-flows]\ntransaction-time = 0\n"
+                                   "uplink-capacity = 100000\n");
+    EXPECT_EQ(CodeOfAdd(&stBench, 1, {.iType = iERTPS, .u32Max = 80000}), 0U);
+    // 200 bytes fifty times a second are 80000 bits a second: the flow's most.
+    EXPECT_EQ(stBench.Send(6, 4, GrantChange(4096, 201, 1)), -6);
+    EXPECT_EQ(stBench.Send(6, 4, GrantChange(4096, 0xFFFFFFFF, 1)), -6);
+    EXPECT_EQ(stBench.Send(6, 4, GrantChange(4096, 100, 0)), -6);   // bytes of no packet
+    EXPECT_EQ(stBench.Send(6, 4, GrantChange(4096, 100, 101)), -6); // packets of no byte
+    EXPECT_EQ(CodeOfAdd(&stBench, 1, {.iType = iRTPS, .u32Min = 30000}), 0U);
+    EXPECT_EQ(stBench.Send(6, 4, GrantChange(4096, 176, 2)), -6); // 70400 besides 30000
+    EXPECT_EQ(stBench.Send(6, 4, GrantChange(4096, 175, 2)), 0);  // all that is left
+    EXPECT_EQ(CodeOfAdd(&stBench, 1, {.iType = iRTPS, .u32Min = 1}), 3U);
+    EXPECT_EQ(stBench.Send(6, 4, GrantChange(4096, 0, 0)), 0);
+    EXPECT_EQ(CodeOfAdd(&stBench, 1, {.iType = iRTPS, .u32Min = 70000}), 0U);
+    EXPECT_EQ(stBench.Send(6, 4, GrantChange(4096, 10, 1)), -6);
+}
+
+TEST(ServiceFlows, AGrantEndsWithTheSetThatTakesIt) {
+    ModemBench stBench(strLinkUp + "[service-flows]\ntransaction-time = 0\n"
+                                   "uplink-capacity = 80000\n");
+    EXPECT_EQ(CodeOfAdd(&stBench, 1, {.iType = iERTPS}), 0U);
+    EXPECT_EQ(stBench.Send(6, 4, GrantChange(4096, 200, 2)), 0);
+    EXPECT_EQ(CodeOfAdd(&stBench, 1, {.iType = iRTPS, .u32Min = 1}), 3U);
+    // Without a set in the request only the provisioned one stays.
+    EXPECT_EQ(CodeOfChange(&stBench, "0E 01 09 00 00 10 00 00 00*8464"), 0U);
+    EXPECT_EQ(stBench.Send(6, 4, GrantChange(4096, 10, 1)), -6);
+    EXPECT_EQ(CodeOfAdd(&stBench, 1, {.iType = iRTPS, .u32Min = 80000}), 0U);
+}
+
+TEST(ServiceFlows, AGrantChangeKnowsTheModemsOwnNumberOfTheConnection) {
+    ModemBench stBench(strFlows);
+    EXPECT_EQ(CodeOfAdd(&stBench, 1, {.iType = iRTPS}), 0U);
+    EXPECT_EQ(CodeOfAdd(&stBench, 1, {.iType = iERTPS}), 0U);
+    // 1 and 2 are the basic and the primary connection.
+    EXPECT_EQ(stBench.Send(6, 4, GrantChange(1, 100, 1)), -6);
+    EXPECT_EQ(stBench.Send(6, 4, GrantChange(3, 100, 1)), -6);
+    EXPECT_EQ(stBench.Send(6, 4, GrantChange(4, 100, 1)), 0);
+    EXPECT_EQ(stBench.Send(6, 4, GrantChange(5, 100, 1)), -6);
+}
+
+TEST(ServiceFlows, PacketsGoOutInTheGrant) {
+    ModemBench stBench(strFlows + "[traffic]\nuplink-rate = 6000\npacket-size = 600\n");
+    EXPECT_EQ(CodeOfAdd(&stBench, 1, {.iType = iERTPS}), 0U);
+    // 200 bytes and two headers of 10 bytes are 19 slots of 12 bytes: a packet of 610
+    // bytes takes three such grants of 228.
+    EXPECT_EQ(stBench.Send(6, 4, GrantChange(3, 200, 2)), 0);
+    EXPECT_EQ(stBench.Send(8, 4), 0);
+    stBench.RunUntil(0.5);
+    EXPECT_EQ(stBench.Send(9, 4), 0);
+    const std::vector<std::string> astrMessages = stBench.Messages();
+    ASSERT_FALSE(astrMessages.empty());
+    EXPECT_EQ(astrMessages.back().substr(0, 43), "8/4: 80 00 62 02 AC 02 03 00 00 10 00 00 00");
+    // The padding packet behind it: 74 of 684 bytes.
+    const std::vector<uint8_t> aucLog = BytesOfHex(astrMessages.back().substr(5));
+    EXPECT_EQ(HexOf({aucLog.begin() + 18, aucLog.begin() + 26}), "4A 00 AC 02 DD CC BB AA");
+    // Packets as they come, again.
+    EXPECT_EQ(stBench.Send(6, 4, GrantChange(3, 0, 0)), 0);
+    EXPECT_EQ(stBench.Send(8, 4), 0);
+    stBench.RunUntil(1);
+    EXPECT_EQ(stBench.Send(9, 4), 0);
+    EXPECT_EQ(stBench.Messages().back().substr(11, 11), "62 02 64 02");
+}
+
+// The last connections of the log: modem's number, CID.
+std::string LoggedConnections(ModemBench &stBench) {
+    EXPECT_EQ(stBench.Send(8, 7), 0);
+    EXPECT_EQ(stBench.Send(9, 7), 0);
+    const Answer stLog = AnswerOf(&stBench);
+    std::string strConnections;
+    // Behind the length and the two management connections.
+    for (size_t i = 18; i < stLog.aucBytes.size(); i += 8) {
+        strConnections += (i == 18 ? "" : " ") + std::to_string(stLog.At(i, 2)) + ":" +
+                          std::to_string(stLog.At(i + 2, 2));
+    }
+    return strConnections;
+}
+
+TEST(ServiceFlows, NoTwoConnectionsHaveTheSameNumber) {
+    ModemBench stBench(strFlows);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(CodeOfAdd(&stBench, 1, {}), 0U);
+    }
+    EXPECT_EQ(LoggedConnections(stBench), "3:4096 4:4097 5:4098");
+    EXPECT_EQ(stBench.Send(6, 2, DeleteRequest(1)), 0);
+    EXPECT_EQ(AnswerOf(&stBench).Code(), 0U);
+    EXPECT_EQ(LoggedConnections(stBench), "4:4097 5:4098");
+    EXPECT_EQ(CodeOfAdd(&stBench, 0, {}), 0U);
+    EXPECT_EQ(LoggedConnections(stBench), "4:4097 5:4098 3:8192");
+}
+
 TEST(ServiceFlows, WrongLengthsAreRefused) {
     ModemBench stBench(strFlows);
     EXPECT_EQ(stBench.Send(6, 1, "00*2827"), -4);
