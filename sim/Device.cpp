@@ -11,6 +11,9 @@ using RealClock = std::chrono::steady_clock;
 constexpr std::chrono::seconds stLongestWait(3);
 // A sender that waits for its answer waits no longer than this.
 constexpr std::chrono::seconds stLongestHold(1);
+// The modem lives at most so long at a time. A scenario whose time runs faster than it can
+// be lived slips behind, instead of keeping everybody waiting.
+constexpr std::chrono::milliseconds stLongestCatchUp(20);
 // The longest sleep at a time, far within what the clock can count.
 constexpr std::chrono::hours stLongestSleep(1);
 
@@ -96,9 +99,20 @@ void Device::Stop() {
 }
 
 void Device::CatchUp() {
-    const auto fReal =
-        std::chrono::duration<double, std::micro>(RealClock::now() - m_stOpened).count();
-    m_pstModem->AdvanceTo(static_cast<ModemTime>(fReal * m_pstModem->TimeScale()));
+    const RealClock::time_point stNow = RealClock::now();
+    const auto fReal = std::chrono::duration<double, std::micro>(stNow - m_stOpened).count();
+    const auto iUntil = static_cast<ModemTime>(fReal * m_pstModem->TimeScale());
+    for (auto iDue = m_pstModem->NextDue(); iDue && *iDue <= iUntil; iDue = m_pstModem->NextDue()) {
+        m_pstModem->AdvanceTo(*iDue);
+        const RealClock::time_point stThen = RealClock::now();
+        if (stThen - stNow > stLongestCatchUp) {
+            const std::chrono::duration<double, std::micro> stLived(static_cast<double>(*iDue) /
+                                                                    m_pstModem->TimeScale());
+            m_stOpened = stThen - std::chrono::duration_cast<RealClock::duration>(stLived);
+            return;
+        }
+    }
+    m_pstModem->AdvanceTo(iUntil);
 }
 
 RealClock::time_point Device::RealTimeOf(ModemTime iTime) const {

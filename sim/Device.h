@@ -34,7 +34,8 @@ class Device : public std::enable_shared_from_this<Device> {
     void CatchUp();
     std::chrono::steady_clock::time_point RealTimeOf(ModemTime iTime) const;
 
-    const std::chrono::steady_clock::time_point m_stOpened = std::chrono::steady_clock::now();
+    // When modem time 0 was; later when the modem could not keep up.
+    std::chrono::steady_clock::time_point m_stOpened = std::chrono::steady_clock::now();
     std::mutex m_stMutex; // guards all below but the thread
     std::condition_variable m_stWork;
     std::condition_variable m_stEnded;

@@ -445,4 +445,19 @@ TEST_F(Library, ThreadsMayDoAnythingAtAnyTime) {
     EXPECT_EQ(Send(1, 36, 1), -1);
 }
 
+TEST_F(Library, TimeThatRunsTooFastSlipsBehind) {
+    // Two hundred million maps a second are wanted.
+    UseScenario("time-scale = 1000000\n[device]\nanswer-delay = 0\n[trace]\non = true\n"
+                "[signalling]\nmap-period = 0.005\n" +
+                std::string(pcFourStations) + pcLinkUp);
+    const auto stBegan = std::chrono::steady_clock::now();
+    const uint32_t hDevice = OpenWiMAXDevice();
+    for (int i = 0; i < 5; ++i) {
+        std::this_thread::sleep_for(50ms);
+        EXPECT_EQ(Send(hDevice, 2, 3), 0);
+    }
+    EXPECT_EQ(CloseWiMAXDevice(), 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - stBegan, 10s);
+}
+
 } // namespace
