@@ -33,7 +33,7 @@ test_preset() {
     check configure "$1" ON && check cmake --build "build/$1" -j "$jobs" || return
     log=build/$1/test.log
     # Most sessions wait for something most of the time, so more of them than processors run.
-    ctest --preset "$1" -j $((jobs + 2)) | tee "$log"
+    ctest --preset "$1" -j $((jobs * 4)) | tee "$log"
     of=$(sed -n 's/.*, \([0-9]*\) tests failed out of \([0-9]*\)$/\1 \2/p' "$log" | tail -1)
     if [ -z "$of" ]; then
         failed=$((failed + 1))

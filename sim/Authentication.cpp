@@ -10,9 +10,6 @@
 
 namespace {
 
-constexpr const char *pcStateSection = "authentication";
-constexpr const char *pcStateKey = "eap-aka";
-
 constexpr uint8_t u8Acknowledged = 1;
 
 // RFC 3748: a packet that asks for the identity.
@@ -32,6 +29,9 @@ class Authentication : public Subsystem {
     void Start() override;
 
   private:
+    static constexpr const char *pcStateSection = "authentication";
+    static constexpr const char *pcStateKey = "eap-aka";
+
     int32_t TellStatus();
     int32_t ReadParameters(const Request &stRequest);
     int32_t WriteParameters(const Request &stRequest);

@@ -176,7 +176,6 @@ void IdleMode::TellWord(uint32_t u32SubType, uint32_t u32Value) {
 }
 
 void IdleMode::TellIndication(uint32_t u32StateWord) {
-    constexpr double fQuarters = 4;
     const Station &stStation = *m_stLink.Serving();
     const Measurement stMeasurement = m_stModem.Air().Measure(stStation, m_stModem.Now());
     const auto u32Vendor = static_cast<uint32_t>(stStation.aucVendorData.size());

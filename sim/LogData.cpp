@@ -35,7 +35,6 @@ constexpr uint32_t Size = 12;
 
 constexpr uint32_t u32MACRecords = (u32MACLogSize - u32Records) / MACRecord::Size;
 constexpr uint32_t u32PHYRecords = (u32PHYLogSize - u32Records) / PHYRecord::Size;
-constexpr double fQuarters = 4;
 
 class LogData : public Subsystem {
   public:

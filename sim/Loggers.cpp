@@ -154,7 +154,6 @@ void Loggers::LogRanging(uint32_t u32Kind, const RangingSignal &stSignal) {
 
 void Loggers::LogPower(const PowerChange &stChange) {
     using namespace PowerLogEntry;
-    constexpr double fQuarters = 4;
     Record<Size> stEntry;
     Put(stEntry.Span(), Adjustment, static_cast<uint32_t>(stChange.iAdjustment));
     Put(stEntry.Span(), FrameOffset, stChange.u32FrameOffset);

@@ -93,8 +93,6 @@ DropCounter DropCounterOf(uint32_t u32Type) {
 }
 
 constexpr size_t uMostMRUEntries = 10;
-constexpr const char *pcStateSection = "mib-mru";
-constexpr const char *pcStateKey = "table";
 
 class MIBStatistics : public Subsystem {
   public:
@@ -102,6 +100,9 @@ class MIBStatistics : public Subsystem {
     void Start() override;
 
   private:
+    static constexpr const char *pcStateSection = "mib-mru";
+    static constexpr const char *pcStateKey = "table";
+
     struct MRUEntry {
         uint32_t u32Bandwidth; // kHz
         std::vector<uint32_t> au32Frequencies;

@@ -95,8 +95,6 @@ std::string NameOf(const std::array<uint32_t, 3> &u32Place) {
            std::to_string(u32Place[2]);
 }
 
-constexpr const char *pcStateSection = "mib";
-
 } // namespace
 
 MIBStore::MIBStore(Modem &stModem) : m_stModem(stModem) {

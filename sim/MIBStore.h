@@ -40,6 +40,8 @@ class MIBStore : public Subsystem {
     void OnWrite(uint32_t u32AttributeID, Writer pfnWrite);
 
   private:
+    static constexpr const char *pcStateSection = "mib";
+
     using Place = std::array<uint32_t, 3>; // attribute ID, first key, second key
 
     struct Outcome {

@@ -319,7 +319,7 @@ BitWriter RNGRSPBody(const RangingSignal &stSignal, const Corrections &stCorrect
         .TLV(RNGRSPTLV::Timing, 4, static_cast<uint32_t>(stCorrections.iTiming))
         .TLV(RNGRSPTLV::Power, 1, static_cast<uint32_t>(stCorrections.iPower))
         .TLV(RNGRSPTLV::Frequency, 4, static_cast<uint32_t>(stCorrections.iFrequency))
-        .TLV(RNGRSPTLV::Status, 1, eStatus)
+        .TLV(RNGRSPTLV::Status, 1, static_cast<uint32_t>(eStatus))
         .TLV(RNGRSPTLV::Code, stCode);
     return stBody;
 }
@@ -327,8 +327,10 @@ BitWriter RNGRSPBody(const RangingSignal &stSignal, const Corrections &stCorrect
 BitWriter RNGRSPBody(RangingPurpose ePurpose, RangingStatus eStatus, const MACAddressBytes &aucMAC,
                      uint32_t u32BasicCID, uint32_t u32PrimaryCID) {
     BitWriter stBody;
-    stBody.U8(0).TLV(RNGRSPTLV::Status, 1, eStatus).TLV(RNGRSPTLV::MACAddress, ViewOf(aucMAC));
-    if (eStatus == Success) {
+    stBody.U8(0)
+        .TLV(RNGRSPTLV::Status, 1, static_cast<uint32_t>(eStatus))
+        .TLV(RNGRSPTLV::MACAddress, ViewOf(aucMAC));
+    if (eStatus == RangingStatus::Success) {
         stBody.TLV(RNGRSPTLV::BasicCID, 2, u32BasicCID)
             .TLV(RNGRSPTLV::PrimaryCID, 2, u32PrimaryCID);
         if (ePurpose != RangingPurpose::Entry) {

@@ -104,7 +104,7 @@ BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants);
 enum class RangingPurpose : uint8_t { Entry, Handover, IdleReentry };
 BitWriter RNGREQBody(RangingPurpose ePurpose, const MACAddressBytes &aucMAC,
                      const Station *pstFormer);
-enum RangingStatus : uint32_t { Continue = 1, Abort = 2, Success = 3 };
+enum class RangingStatus : uint8_t { Continue = 1, Abort = 2, Success = 3 };
 struct Corrections {
     int32_t iTiming;    // samples
     int32_t iPower;     // quarter dB

@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr const char *pcStateSection = "oma-dm";
-
 struct Element {
     uint32_t u32Class;
     uint32_t u32Number;
@@ -89,6 +87,8 @@ class OMADMTree : public Subsystem {
     void Start() override;
 
   private:
+    static constexpr const char *pcStateSection = "oma-dm";
+
     Node *Find(const Path &astPath);
     ByteView ValueOf(const Node &stNode) const;
     int32_t CheckVersion(const Request &stRequest) const;

@@ -56,6 +56,9 @@ struct Measurement {
     double fCINRDeviation;
 };
 
+// Levels and powers in messages are often quarters of a dB.
+constexpr double fQuarters = 4;
+
 // To the nearest whole number, as the messages carry it.
 uint32_t Rounded(double fValue);
 

@@ -24,13 +24,13 @@ enum Status : int32_t {
     NotKept = -7, // the state file cannot be written
 };
 
-enum class Access : uint8_t { ReadAndWrite, Read, Write };
+enum class ParameterAccess : uint8_t { ReadAndWrite, Read, Write };
 
 // A parameter: how many bytes its value may have, and for numbers the most.
 struct ParameterRow {
     uint32_t u32Least;
     uint32_t u32Most;
-    Access eAccess;
+    ParameterAccess eAccess;
     uint32_t u32MostValue;
     const char *pcDefault; // text, or null for a number, 0, of u32Least bytes
 };
@@ -38,21 +38,20 @@ struct ParameterRow {
 constexpr uint32_t u32AnyValue = UINT32_MAX;
 
 constexpr std::array<ParameterRow, SecurityRecord::LastParameter + 1> astParameters{{
-    {4, 4, Access::ReadAndWrite, 7, nullptr},               // authentication methods, bits
-    {2, 2, Access::ReadAndWrite, u32AnyValue, nullptr},     // seconds to wait for an answer
-    {1, 1, Access::ReadAndWrite, 1, nullptr},               // check the network's certificate
-    {0, 128, Access::ReadAndWrite, u32AnyValue, "modem"},   // outer identity
-    {0, 128, Access::ReadAndWrite, u32AnyValue, "example"}, // realm
-    {0, 128, Access::ReadAndWrite, u32AnyValue, "modem"},   // inner identity
-    {0, 128, Access::Write, u32AnyValue, ""},               // password
-    {16, 16, Access::Write, u32AnyValue, nullptr},          // shared key
-    {4, 4, Access::ReadAndWrite, 604800, nullptr},          // lifetime of keys, seconds
-    {2, 2, Access::ReadAndWrite, 16, nullptr},              // attempts before the modem gives up
-    {20, 20, Access::Read, u32AnyValue, nullptr},           // fingerprint of its certificate
+    {4, 4, ParameterAccess::ReadAndWrite, 7, nullptr},           // authentication methods, bits
+    {2, 2, ParameterAccess::ReadAndWrite, u32AnyValue, nullptr}, // seconds to wait for an answer
+    {1, 1, ParameterAccess::ReadAndWrite, 1, nullptr},           // check the network's certificate
+    {0, 128, ParameterAccess::ReadAndWrite, u32AnyValue, "modem"},   // outer identity
+    {0, 128, ParameterAccess::ReadAndWrite, u32AnyValue, "example"}, // realm
+    {0, 128, ParameterAccess::ReadAndWrite, u32AnyValue, "modem"},   // inner identity
+    {0, 128, ParameterAccess::Write, u32AnyValue, ""},               // password
+    {16, 16, ParameterAccess::Write, u32AnyValue, nullptr},          // shared key
+    {4, 4, ParameterAccess::ReadAndWrite, 604800, nullptr},          // lifetime of keys, seconds
+    {2, 2, ParameterAccess::ReadAndWrite, 16, nullptr},    // attempts before the modem gives up
+    {20, 20, ParameterAccess::Read, u32AnyValue, nullptr}, // fingerprint of its certificate
 }};
 
 constexpr uint32_t u32Fingerprint = 10;
-constexpr const char *pcStateSection = "security";
 // More than one message could carry back is no value.
 constexpr size_t uLongestValue = 128;
 
@@ -62,6 +61,8 @@ class SecurityParameters : public Subsystem {
     void Start() override;
 
   private:
+    static constexpr const char *pcStateSection = "security";
+
     int32_t Set(const Request &stRequest);
     int32_t Get(const Request &stRequest);
     int32_t GetSize(const Request &stRequest);
@@ -123,7 +124,7 @@ void SecurityParameters::Start() {
 
 Status SecurityParameters::Write(uint32_t u32ID, ByteView stValue) {
     const ParameterRow &stRow = astParameters[u32ID];
-    if (stRow.eAccess == Access::Read) {
+    if (stRow.eAccess == ParameterAccess::Read) {
         return ReadOnly;
     }
     if (stValue.u32Length < stRow.u32Least || stValue.u32Length > stRow.u32Most) {
@@ -165,7 +166,7 @@ int32_t SecurityParameters::Get(const Request &stRequest) {
     const uint32_t u32ID = ::Get(stRequest.stPayload, SecurityRecord::ParameterID);
     if (u32ID > SecurityRecord::LastParameter) {
         Answer(SUBTYPE_SECURITY_GET, u32ID, UnknownParameter, 0);
-    } else if (astParameters[u32ID].eAccess == Access::Write) {
+    } else if (astParameters[u32ID].eAccess == ParameterAccess::Write) {
         Answer(SUBTYPE_SECURITY_GET, u32ID, WriteOnly, 0);
     } else {
         const Bytes &aucValue = m_aaucValues[u32ID];

@@ -20,7 +20,6 @@ constexpr uint32_t u32BasicCIDs = 511;
 constexpr double fWantedPower = -90; // dBm, at the station
 constexpr double fLeastPower = -40;
 constexpr double fMostPower = 23;
-constexpr double fQuarters = 4;
 constexpr auto iLeastPower = static_cast<int32_t>(fLeastPower * fQuarters);
 constexpr auto iMostPower = static_cast<int32_t>(fMostPower * fQuarters);
 // So far the station's corrections may take the modem from its own measurement.
@@ -278,8 +277,9 @@ void Signalling::FailStage(uint32_t u32Reason) {
     switch (u32Reason) {
     case LinkReason::RangingFailure:
         if (m_stLink.Serving()->u32EntryFailure == u32Reason) {
-            SayLater(MessageCode::RNGRSP, bDown, WellKnownCID::InitialRanging,
-                     RNGRSPBody(RangingPurpose::Entry, Abort, m_stModem.Address(), 0, 0));
+            SayLater(
+                MessageCode::RNGRSP, bDown, WellKnownCID::InitialRanging,
+                RNGRSPBody(RangingPurpose::Entry, RangingStatus::Abort, m_stModem.Address(), 0, 0));
         }
         break;
     case LinkReason::PKMFailure:
@@ -316,10 +316,10 @@ void Signalling::Range(const Station &stStation, RangingPurpose ePurpose) {
         return;
     }
     if (ePurpose == RangingPurpose::Entry) {
-        Later([this] { AnswerCode(Continue); });
+        Later([this] { AnswerCode(RangingStatus::Continue); });
         Later([this, &stGroup] { SendCode(stGroup, RangingKind::Initial); });
     }
-    Later([this] { AnswerCode(Success); });
+    Later([this] { AnswerCode(RangingStatus::Success); });
     Later([this, &stStation] {
         Say(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast,
             ULMAPBody(stStation, {m_stSignal, std::nullopt}));
@@ -346,7 +346,7 @@ void Signalling::SendCode(const CodeGroup &stGroup, RangingKind eKind) {
 // The station measures timing, power and frequency; what is still wrong becomes less
 // with every answer.
 void Signalling::AnswerCode(RangingStatus eStatus) {
-    const uint32_t u32Spread = eStatus == Continue ? 8 : 1;
+    const uint32_t u32Spread = eStatus == RangingStatus::Continue ? 8 : 1;
     const auto Error = [&](uint32_t u32Steps) {
         return static_cast<int32_t>(m_stRandom.Below(2 * u32Steps + 1)) -
                static_cast<int32_t>(u32Steps);
@@ -390,7 +390,8 @@ void Signalling::AnswerRNGREQ(RangingPurpose ePurpose) {
         MakeConnections();
     }
     Say(MessageCode::RNGRSP, bDown, WellKnownCID::InitialRanging,
-        RNGRSPBody(ePurpose, Success, m_stModem.Address(), m_u32BasicCID, m_u32PrimaryCID),
+        RNGRSPBody(ePurpose, RangingStatus::Success, m_stModem.Address(), m_u32BasicCID,
+                   m_u32PrimaryCID),
         ePurpose == RangingPurpose::Entry ? Protection::None : Protection::Tuple);
 }
 
@@ -402,7 +403,7 @@ void Signalling::RangePeriodically() {
         }
         SendCode(RangingCodes::Periodic, RangingKind::Periodic);
     });
-    Later([this] { AnswerCode(Success); });
+    Later([this] { AnswerCode(RangingStatus::Success); });
 }
 
 void Signalling::Report() {

@@ -11,8 +11,6 @@
 namespace {
 
 constexpr uint32_t u32WordSize = 4;
-constexpr const char *pcStateSection = "station-information";
-constexpr const char *pcStateKey = "mac-address";
 
 // Status of a new MAC address.
 enum AddressStatus : uint32_t {
@@ -106,6 +104,9 @@ class StationInformation : public Subsystem {
     explicit StationInformation(Modem &stModem);
 
   private:
+    static constexpr const char *pcStateSection = "station-information";
+    static constexpr const char *pcStateKey = "mac-address";
+
     void ReadIdentity();
     void Adopt(ByteView stAddress);
     int32_t TellIdentity();

@@ -178,7 +178,6 @@ void StatisticsReports::PutStation(ByteSpan stTo) const {
     Put(stTo, Statistics::BurstFEC, ProfileAt(stMeasurement.fCINR).u32FEC);
     Put(stTo, Statistics::CenterFrequency, m_pstServing->u32Frequency);
     if (m_stLink.State() != LinkState::Synchronised) {
-        constexpr double fQuarters = 4;
         Put(stTo, Statistics::TxPower, Rounded(m_stModem.TheSignalling().Power() / fQuarters));
     }
 }

@@ -10,8 +10,6 @@ namespace {
 constexpr uint32_t u32RegionSize = 512;
 constexpr size_t uIMEIDigits = 15;
 constexpr const char *pcDefaultIMEI = "490154203237518";
-constexpr const char *pcStateSection = "vendor-region";
-constexpr const char *pcStateKey = "bytes";
 
 struct Range {
     uint32_t u32First;

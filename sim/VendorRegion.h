@@ -20,6 +20,9 @@ class VendorRegionStore : public Subsystem {
     ByteView PackedIMEI() const;
 
   private:
+    static constexpr const char *pcStateSection = "vendor-region";
+    static constexpr const char *pcStateKey = "bytes";
+
     int32_t Read(const Request &stRequest);
     int32_t Write(const Request &stRequest);
     int32_t TellSize();
