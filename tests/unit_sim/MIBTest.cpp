@@ -60,7 +60,7 @@ int StatusOf(ModemBench *pstBench, uint32_t u32SubType, const std::string &strRe
 }
 
 std::string TemporaryFile(const char *pcName) {
-    const std::string strFile =
+    std::string strFile =
         (std::filesystem::temp_directory_path() / (pcName + std::to_string(::getpid()))).string();
     std::filesystem::remove(strFile);
     return strFile;

@@ -1,5 +1,6 @@
 #include "ModemBench.h"
 
+#include <cmath>
 #include <cstdio>
 #include <sstream>
 
@@ -82,7 +83,7 @@ int32_t ModemBench::Send(uint32_t u32Type, uint32_t u32SubType, const std::strin
 }
 
 void ModemBench::RunUntil(double fSeconds) {
-    const auto iEnd = static_cast<ModemTime>(fSeconds * 1e6 + 0.5);
+    const auto iEnd = static_cast<ModemTime>(std::llround(fSeconds * 1e6));
     for (auto iDue = m_stModem.NextDue(); iDue && *iDue <= iEnd; iDue = m_stModem.NextDue()) {
         m_stModem.AdvanceTo(*iDue);
         Collect();
