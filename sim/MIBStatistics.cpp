@@ -42,9 +42,14 @@ Pattern PatternAt(double fCINR) {
 
 constexpr std::array<uint32_t, Patterns> au32ZoneOfPattern{1, 2, 0};
 
-void PutGroup(ByteSpan stTo, uint32_t u32Offset, const CounterGroup &au32Group) {
-    for (uint32_t i = 0; i < MIBCounterGroup::Count; ++i) {
-        Put(stTo, MIBCounterGroup::First, au32Group[i], u32Offset + 4 * i);
+// The groups of all patterns, one behind the other.
+void PutGroups(ByteSpan stTo, uint32_t u32Offset,
+               const std::array<CounterGroup, Patterns> &aau32Groups) {
+    for (const CounterGroup &au32Group : aau32Groups) {
+        for (uint32_t i = 0; i < MIBCounterGroup::Count; ++i) {
+            Put(stTo, MIBCounterGroup::First, au32Group[i], u32Offset + 4 * i);
+        }
+        u32Offset += MIBCounterGroup::Size;
     }
 }
 
@@ -319,9 +324,7 @@ Bytes MIBStatistics::ZoneBursts() {
     Record<Count * Size> stValue;
     for (uint32_t i = 0; i < Count; ++i) {
         const ByteSpan stZone = stValue.Span().From(i * Size, Size);
-        PutGroup(stZone, MatrixA, m_astDLZones[i].au32Bursts[PatternA]);
-        PutGroup(stZone, MatrixB, m_astDLZones[i].au32Bursts[PatternB]);
-        PutGroup(stZone, NonMIMO, m_astDLZones[i].au32Bursts[NoPattern]);
+        PutGroups(stZone, MatrixA, m_astDLZones[i].au32Bursts);
     }
     return BytesIn(stValue);
 }
@@ -343,24 +346,16 @@ Bytes MIBStatistics::ZoneStatistics() {
             Put(stZone, PCINRFrame, stCounters.u32LastFrame);
             Put(stZone, ECINRFrame, stCounters.u32LastFrame);
         }
-        PutGroup(stZone, BurstsMatrixA, stCounters.au32Bursts[PatternA]);
-        PutGroup(stZone, BurstsMatrixB, stCounters.au32Bursts[PatternB]);
-        PutGroup(stZone, BurstsNonMIMO, stCounters.au32Bursts[NoPattern]);
-        PutGroup(stZone, PdusMatrixA, stCounters.au32Pdus[PatternA]);
-        PutGroup(stZone, PdusMatrixB, stCounters.au32Pdus[PatternB]);
-        PutGroup(stZone, PdusNonMIMO, stCounters.au32Pdus[NoPattern]);
+        PutGroups(stZone, BurstsMatrixA, stCounters.au32Bursts);
+        PutGroups(stZone, PdusMatrixA, stCounters.au32Pdus);
     }
     for (uint32_t i = 0; i < MIBZoneStatistics::NumULZones; ++i) {
         using namespace MIBULZone;
         const ByteSpan stZone = stValue.Span().From(MIBZoneStatistics::ULZones + i * Size, Size);
         const Zone &stCounters = m_astULZones[i];
         Put(stZone, FrameNumber, stCounters.u32LastFrame);
-        PutGroup(stZone, BurstsPilotA, stCounters.au32Bursts[PatternA]);
-        PutGroup(stZone, BurstsPilotB, stCounters.au32Bursts[PatternB]);
-        PutGroup(stZone, BurstsNonCSM, stCounters.au32Bursts[NoPattern]);
-        PutGroup(stZone, PdusPilotA, stCounters.au32Pdus[PatternA]);
-        PutGroup(stZone, PdusPilotB, stCounters.au32Pdus[PatternB]);
-        PutGroup(stZone, PdusNonCSM, stCounters.au32Pdus[NoPattern]);
+        PutGroups(stZone, BurstsPilotA, stCounters.au32Bursts);
+        PutGroups(stZone, PdusPilotA, stCounters.au32Pdus);
     }
     return BytesIn(stValue);
 }

@@ -21,6 +21,16 @@ constexpr Kind astKinds[] = {
     {34, 1, 0, 0},    {34, 2, 10, 0}, {34, 3, 4, 0},
 };
 
+// One byte of u32Sparse gets a random value below u32Most.
+void PutRandomPayload(ByteSpan stBytes, uint32_t u32Length, uint32_t u32Sparse, uint32_t u32Most,
+                      Random *pstRandom) {
+    for (uint32_t i = 0; i < u32Length; ++i) {
+        if (pstRandom->Below(u32Sparse) == 0) {
+            stBytes.Set(MessageHeader::Size + i, static_cast<uint8_t>(pstRandom->Below(u32Most)));
+        }
+    }
+}
+
 TEST(HostileRequests, RandomBytesDoNoHarm) {
     ModemBench stBench(std::string(pcFourStations) + pcLinkUp +
                        "[service-flows]\ntransaction-time = 0\n");
@@ -35,12 +45,7 @@ TEST(HostileRequests, RandomBytesDoNoHarm) {
             const uint32_t u32Sparse = 1 + stRandom.Below(100);
             WiMAXMessage stMessage{};
             const ByteSpan stBytes = BytesOf(stMessage);
-            for (uint32_t k = 0; k < u32Length; ++k) {
-                if (stRandom.Below(u32Sparse) == 0) {
-                    stBytes.Set(MessageHeader::Size + k,
-                                static_cast<uint8_t>(stRandom.Below(u32Most)));
-                }
-            }
+            PutRandomPayload(stBytes, u32Length, u32Sparse, u32Most, &stRandom);
             Put(stBytes, MessageHeader::Type, stKind.u32Type);
             Put(stBytes, MessageHeader::SubType, stKind.u32SubType);
             if (stKind.u32MsgCode != 0) {
@@ -118,12 +123,7 @@ TEST(HostileRequests, EveryRequestTakesAnythingInEveryState) {
                 const uint32_t u32Sparse = 1 + stRandom.Below(20);
                 WiMAXMessage stMessage{};
                 const ByteSpan stBytes = BytesOf(stMessage);
-                for (uint32_t k = 0; k < u32Length; ++k) {
-                    if (stRandom.Below(u32Sparse) == 0) {
-                        stBytes.Set(MessageHeader::Size + k,
-                                    static_cast<uint8_t>(stRandom.Below(u32Most)));
-                    }
-                }
+                PutRandomPayload(stBytes, u32Length, u32Sparse, u32Most, &stRandom);
                 Put(stBytes, MessageHeader::Type, stDoor.u32Type);
                 Put(stBytes, MessageHeader::SubType, stDoor.u32SubType);
                 const int32_t iResult =
