@@ -312,11 +312,11 @@ int32_t SendAntennaSelectionRequest() {
     return SendRequest(TYPE_ANTENNA, SUBTYPE_ANTENNA_SELECTION, stRequest.View());
 }
 
-uint32_t AntennaSwitchingAndSelectionResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t AntennaSwitchingAndSelectionResponse(const WiMAXMessage *pstMessage) {
     if (pstMessage == nullptr) {
         return 1;
     }
-    const Received stReceived = View(pstMessage, u32Length);
+    const Received stReceived = View(pstMessage);
     PutLine("\n~~~~~~~~~~~~~~~ ANTENNA_SWITCHING_SELECTION MESSAGE RECEIVED ~~~~~~~~~~~~~~~");
     switch (stReceived.u32SubType) {
     case SUBTYPE_ANTENNA_CONFIG:

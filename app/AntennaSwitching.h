@@ -16,6 +16,6 @@ int32_t SendAntennaScanningRequest();
 int32_t SendAntennaSelectionRequest();
 
 // Decodes type 28. Returns 1.
-uint32_t AntennaSwitchingAndSelectionResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t AntennaSwitchingAndSelectionResponse(const WiMAXMessage *pstMessage);
 
 #endif

@@ -122,8 +122,8 @@ uint32_t ChipsetControl() {
     }
 }
 
-uint32_t ChipsetResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
-    const Received stReceived = View(pstMessage, u32Length);
+uint32_t ChipsetResponse(const WiMAXMessage *pstMessage) {
+    const Received stReceived = View(pstMessage);
     switch (stReceived.u32SubType) {
     case SUBTYPE_CHIPSET_RESET:
         PutLine("\n~~~~~~~~~~ RESET INDICATION RECEIVED ~~~~~~~~~~");

@@ -21,6 +21,6 @@ uint32_t ChipsetControl();
 uint32_t FirmwareDownload();
 
 // Decodes type 16; a null message prints nothing. Returns 0.
-uint32_t ChipsetResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t ChipsetResponse(const WiMAXMessage *pstMessage);
 
 #endif

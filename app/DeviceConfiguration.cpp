@@ -73,11 +73,11 @@ uint32_t SetMACAddress() {
         SendRequest(TYPE_MAC_ADDRESS, SUBTYPE_SET_MAC_ADDRESS, stRequest.View()));
 }
 
-uint32_t DeviceConfigResp(const WiMAXMessage *pstMessage, uint32_t u32Length) {
-    const Received stReceived = View(pstMessage, u32Length);
+uint32_t DeviceConfigResp(const WiMAXMessage *pstMessage) {
+    const Received stReceived = View(pstMessage);
     switch (stReceived.u32SubType) {
     case SUBTYPE_CINR_RSSI_THRESHOLD:
-        return static_cast<uint8_t>(SetCinrRssiForNetworkSearchResponse(pstMessage, u32Length));
+        return static_cast<uint8_t>(SetCinrRssiForNetworkSearchResponse(pstMessage));
     case SUBTYPE_IP_FILTER_STATUS_IND: {
         const uint32_t u32Status = Get(stReceived.stPayload, IPFilterStatus::Status);
         PutNumber(NameOf(astIPFilterTexts, u32Status, "\nIP Filtering Status received as %d"),
@@ -89,8 +89,8 @@ uint32_t DeviceConfigResp(const WiMAXMessage *pstMessage, uint32_t u32Length) {
     }
 }
 
-uint32_t MACSetResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
-    const Received stReceived = View(pstMessage, u32Length);
+uint32_t MACSetResponse(const WiMAXMessage *pstMessage) {
+    const Received stReceived = View(pstMessage);
     if (stReceived.u32SubType != SUBTYPE_SET_MAC_ADDRESS) {
         return 0;
     }
@@ -105,11 +105,11 @@ uint32_t MACSetResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
     return 0;
 }
 
-uint32_t DeviceUnloadIndication(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t DeviceUnloadIndication(const WiMAXMessage *pstMessage) {
     if (pstMessage == nullptr) {
         return 0;
     }
-    const Received stReceived = View(pstMessage, u32Length);
+    const Received stReceived = View(pstMessage);
     if (stReceived.u32Type != TYPE_DEVICE_UNLOAD) {
         PutLine("\nINVALID MESSAGE TYPE!");
         return 0;

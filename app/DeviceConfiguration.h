@@ -14,12 +14,12 @@ uint32_t DeviceConfigRequest();
 uint32_t SetMACAddress();
 
 // Decodes type 13. Returns 1.
-uint32_t DeviceConfigResp(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t DeviceConfigResp(const WiMAXMessage *pstMessage);
 
 // Decodes type 11; null messages and unknown subtypes print nothing. Returns 0.
-uint32_t MACSetResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t MACSetResponse(const WiMAXMessage *pstMessage);
 
 // Decodes type 12. Returns 1, or 0 for another type.
-uint32_t DeviceUnloadIndication(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t DeviceUnloadIndication(const WiMAXMessage *pstMessage);
 
 #endif

@@ -24,21 +24,21 @@
 
 namespace {
 
-using Decoder = uint32_t (*)(const WiMAXMessage *pstMessage, uint32_t u32Length);
+using Decoder = uint32_t (*)(const WiMAXMessage *pstMessage);
 
-uint32_t Ignore(const WiMAXMessage * /*pstMessage*/, uint32_t /*u32Length*/) { return 0; }
+uint32_t Ignore(const WiMAXMessage * /*pstMessage*/) { return 0; }
 
-uint32_t DecodeIdleMode(const WiMAXMessage *pstMessage, uint32_t u32Length) {
-    const uint32_t u32SubType = View(pstMessage, u32Length).u32SubType;
+uint32_t DecodeIdleMode(const WiMAXMessage *pstMessage) {
+    const uint32_t u32SubType = View(pstMessage).u32SubType;
     switch (u32SubType) {
     case SUBTYPE_IDLE_MODE:
-        return IdleModeIndication(pstMessage, u32Length);
+        return IdleModeIndication(pstMessage);
     case SUBTYPE_IDLE_MODE_STATUS:
-        return IdleModeStatusResponse(pstMessage, u32Length);
+        return IdleModeStatusResponse(pstMessage);
     case SUBTYPE_IDLE_MODE_INACTIVITY_TIMER:
-        return IdleModeInactivityTImerResponse(pstMessage, u32Length);
+        return IdleModeInactivityTImerResponse(pstMessage);
     case SUBTYPE_IDLE_MODE_WAKE_UP:
-        return IdleModeWakeupResponse(pstMessage, u32Length);
+        return IdleModeWakeupResponse(pstMessage);
     default:
         PutNumber("\nUNKNOWN sub-type in IDLE Mode in Callback func (%d)!!!", u32SubType);
         return 0;
@@ -54,7 +54,6 @@ constexpr DecoderRow astDecoders[] = {
     {TYPE_NETWORK_SEARCH, NetEntrySearchResponse},
     {TYPE_NETWORK_ENTRY, NetEntryExitResponse},
     {TYPE_AUTHENTICATION, EAPResponse},
-    {TYPE_SERVICE_FLOW, ServiceFlowResponse},
     {TYPE_SS_INFO, SSInfoResponse},
     {TYPE_START_LOGGER, LogIndication},
     {TYPE_VENDOR_SPECIFIC, DisplayVendorSpecificParamInfo},
@@ -96,13 +95,16 @@ uint32_t Decode(const WiMAXMessage *pstMessage, uint32_t u32Length) {
     if (gbInsideSubMenu != 0) {
         return 0;
     }
-    const uint32_t u32Type = View(pstMessage, u32Length).u32Type;
+    const uint32_t u32Type = View(pstMessage).u32Type;
+    if (u32Type == TYPE_SERVICE_FLOW) {
+        return ServiceFlowResponse(pstMessage, u32Length);
+    }
     const Decoder pfnDecode = DecoderOf(u32Type);
     if (pfnDecode == nullptr) {
         PutNumber("\nUNKNOWN type of message received in Callback func (%d)!!!", u32Type);
         return 0;
     }
-    return pfnDecode(pstMessage, u32Length);
+    return pfnDecode(pstMessage);
 }
 
 } // namespace

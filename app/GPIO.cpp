@@ -216,11 +216,11 @@ uint32_t GetLEDStateInformation() {
     return static_cast<uint8_t>(SendRequest(TYPE_GPIO, SUBTYPE_GET_LED_STATE));
 }
 
-uint32_t GPIOIndication(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t GPIOIndication(const WiMAXMessage *pstMessage) {
     if (pstMessage == nullptr) {
         return 1;
     }
-    const Received stReceived = View(pstMessage, u32Length);
+    const Received stReceived = View(pstMessage);
     PutLine("\n~~~~~~ GPIO INDICATION ~~~~~~");
     switch (stReceived.u32SubType) {
     case SUBTYPE_GPIO_STATUS:

@@ -27,6 +27,6 @@ int32_t SetDriverStateInformation(uint32_t u32LED, bool bReversePolarity, ByteSp
 uint32_t GetLEDStateInformation();
 
 // Decodes type 22. Returns 1.
-uint32_t GPIOIndication(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t GPIOIndication(const WiMAXMessage *pstMessage);
 
 #endif

@@ -31,12 +31,12 @@ void PutSuccess(ByteView stPayload) {
 
 } // namespace
 
-uint32_t HandOverResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t HandOverResponse(const WiMAXMessage *pstMessage) {
     if (pstMessage == nullptr) {
         PutText("\nINVALID WIMAX MESSAGE!!");
         return 0;
     }
-    const Received stReceived = View(pstMessage, u32Length);
+    const Received stReceived = View(pstMessage);
     if (stReceived.u32SubType != SUBTYPE_HANDOVER_IND) {
         PutText("\nUNKNOWN HANDOFF INDICATION TYPE!!");
         return 0;
@@ -51,10 +51,10 @@ uint32_t HandOverResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
     return 1;
 }
 
-uint32_t ProcessNetworkLayerControlMessage(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t ProcessNetworkLayerControlMessage(const WiMAXMessage *pstMessage) {
     if (pstMessage == nullptr) {
         PutLine("\nINVALID WIMAX MESSAGE!!");
-    } else if (View(pstMessage, u32Length).u32SubType == NetworkLayerControl::DHCPRefresh) {
+    } else if (View(pstMessage).u32SubType == NetworkLayerControl::DHCPRefresh) {
         PutLine("\nDHCP REFRESH MESSAGE");
     } else {
         PutLine("\nMessage with unknown SUBTYPE received for TYPE_NETWORK_LAYER_CONTROL");

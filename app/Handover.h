@@ -7,10 +7,10 @@
 #include "WiMAXDevice.h"
 
 // Decodes type 23. Returns 1 for a handover indication, else 0.
-uint32_t HandOverResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t HandOverResponse(const WiMAXMessage *pstMessage);
 
 // Decodes network layer control messages. No message type leads here: it is not
 // known which one carries them. Returns 0.
-uint32_t ProcessNetworkLayerControlMessage(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t ProcessNetworkLayerControlMessage(const WiMAXMessage *pstMessage);
 
 #endif

@@ -40,11 +40,10 @@ constexpr ReportRow astIndicationRows[] = {
 };
 
 // A report of one word.
-uint32_t PutWordReport(const WiMAXMessage *pstMessage, uint32_t u32Length, const char *pcBanner,
-                       const char *pcText) {
+uint32_t PutWordReport(const WiMAXMessage *pstMessage, const char *pcBanner, const char *pcText) {
     if (pstMessage != nullptr) {
         PutLine(pcBanner);
-        PutRow(View(pstMessage, u32Length).stPayload, {pcText, StatusWord::Value});
+        PutRow(View(pstMessage).stPayload, {pcText, StatusWord::Value});
         PutLine(pcIndicationClosing);
     }
     return 0;
@@ -99,12 +98,12 @@ int32_t SendIdleModeMsg() {
     return 0;
 }
 
-uint32_t IdleModeIndication(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t IdleModeIndication(const WiMAXMessage *pstMessage) {
     using namespace IdleIndication;
     if (pstMessage == nullptr) {
         return 0;
     }
-    const ByteView stPayload = View(pstMessage, u32Length).stPayload;
+    const ByteView stPayload = View(pstMessage).stPayload;
     PutLine("\n~~~~~~~~~~ IDLE MODE INDICATION ~~~~~~~~~~");
     if (Get(stPayload, State) != 0) {
         PutLine("\n MODEM IS GOING INTO IDLE MODE.");
@@ -120,23 +119,22 @@ uint32_t IdleModeIndication(const WiMAXMessage *pstMessage, uint32_t u32Length) 
     return 0;
 }
 
-uint32_t IdleModeStatusResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
-    return PutWordReport(pstMessage, u32Length,
-                         "\n~~~~~~~~~~ IDLE MODE STATUS RESPONSE ~~~~~~~~~~\n",
+uint32_t IdleModeStatusResponse(const WiMAXMessage *pstMessage) {
+    return PutWordReport(pstMessage, "\n~~~~~~~~~~ IDLE MODE STATUS RESPONSE ~~~~~~~~~~\n",
                          "IDLE MODE STATUS : %d \n");
 }
 
-uint32_t IdleModeInactivityTImerResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
-    return PutWordReport(pstMessage, u32Length,
+uint32_t IdleModeInactivityTImerResponse(const WiMAXMessage *pstMessage) {
+    return PutWordReport(pstMessage,
                          "\n~~~~~~~~~~ IDLE MODE INACTIVITY TIMER RESPONSE ~~~~~~~~~~\n",
                          "IDLE MODE INACTIVITY TIMER RETURN STATUS : %d \n");
 }
 
-uint32_t IdleModeWakeupResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t IdleModeWakeupResponse(const WiMAXMessage *pstMessage) {
     if (pstMessage == nullptr) {
         return 0;
     }
-    const bool bSuccess = Get(View(pstMessage, u32Length).stPayload, StatusWord::Value) != 0;
+    const bool bSuccess = Get(View(pstMessage).stPayload, StatusWord::Value) != 0;
     PutLine("\n~~~~~~~~~~ IDLE MODE WAKEUP RESPONSE ~~~~~~~~~~\n");
     PutText("IDLE MODE WAKEUP RESPONSE RECEIVED AS ");
     PutLine(bSuccess ? "SUCCESS" : "FAILURE");

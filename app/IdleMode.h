@@ -16,9 +16,9 @@ int32_t SendIdleModeInactivityTimerRequest();
 int32_t SendIdleModeWakeupRequest();
 
 // The decoders, one a subtype; a null message prints nothing.
-uint32_t IdleModeIndication(const WiMAXMessage *pstMessage, uint32_t u32Length);
-uint32_t IdleModeStatusResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
-uint32_t IdleModeInactivityTImerResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
-uint32_t IdleModeWakeupResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t IdleModeIndication(const WiMAXMessage *pstMessage);
+uint32_t IdleModeStatusResponse(const WiMAXMessage *pstMessage);
+uint32_t IdleModeInactivityTImerResponse(const WiMAXMessage *pstMessage);
+uint32_t IdleModeWakeupResponse(const WiMAXMessage *pstMessage);
 
 #endif

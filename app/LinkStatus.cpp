@@ -201,10 +201,7 @@ void PutDiscoveryResponse(ByteView stPayload) {
         PutNumbers("\nNSPLIST Entry %u of total %d", au32Entry);
         PutNSPEntry(stPayload.From(NSPs + i * NSPEntry::Size, NSPEntry::Size));
     }
-    // What was not received counts as zero, as it was printed.
-    Record<Size> stCopy;
-    PutBytes(stCopy.Span(), 0, stPayload);
-    g_BSNSPLIST.Store(0, stCopy.View());
+    g_BSNSPLIST.Store(0, stPayload.From(0, Size));
 }
 
 void PutLowPowerScanResponse(ByteView stPayload) {
@@ -304,8 +301,8 @@ void DisplayBaseInfo(ByteView stBaseInformation) {
     }
 }
 
-uint32_t NetEntrySearchResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
-    const Received stReceived = View(pstMessage, u32Length);
+uint32_t NetEntrySearchResponse(const WiMAXMessage *pstMessage) {
+    const Received stReceived = View(pstMessage);
     switch (stReceived.u32SubType) {
     case SUBTYPE_NETWORK_SEARCH:
         PutSearchResponse(stReceived.stPayload);
@@ -322,8 +319,8 @@ uint32_t NetEntrySearchResponse(const WiMAXMessage *pstMessage, uint32_t u32Leng
     return 0;
 }
 
-uint32_t NetEntryExitResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
-    const Received stReceived = View(pstMessage, u32Length);
+uint32_t NetEntryExitResponse(const WiMAXMessage *pstMessage) {
+    const Received stReceived = View(pstMessage);
     switch (stReceived.u32SubType) {
     case SUBTYPE_SYNC_STATUS_RESP:
         PutSyncStatus(stReceived.stPayload);
@@ -337,8 +334,8 @@ uint32_t NetEntryExitResponse(const WiMAXMessage *pstMessage, uint32_t u32Length
     return 0;
 }
 
-uint32_t ShutDownResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
-    const Received stReceived = View(pstMessage, u32Length);
+uint32_t ShutDownResponse(const WiMAXMessage *pstMessage) {
+    const Received stReceived = View(pstMessage);
     switch (stReceived.u32SubType) {
     case SUBTYPE_SHUTDOWN:
         PutShutdownState("\n\n~~~~~~~~~~ SHUTDOWN RESPONSE RECEIVED ~~~~~~~~~~",
@@ -365,8 +362,8 @@ uint32_t ShutDownResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
     return 0;
 }
 
-uint32_t ProcessHalfMiniCardResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
-    const Received stReceived = View(pstMessage, u32Length);
+uint32_t ProcessHalfMiniCardResponse(const WiMAXMessage *pstMessage) {
+    const Received stReceived = View(pstMessage);
     if (stReceived.u32SubType == SUBTYPE_HALF_MINI_CARD_RESP) {
         PutHalfMiniCardResponse();
     } else if (stReceived.u32SubType == SUBTYPE_HALF_MINI_CARD_WAKE_UP_IND) {

@@ -18,11 +18,11 @@ extern std::atomic<uint32_t> g_u32NAPID;
 // The payload of the last successful NSP discovery.
 extern SharedBytes<NSPDiscovery::Size> g_BSNSPLIST;
 
-uint32_t NetEntrySearchResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
-uint32_t NetEntryExitResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
-uint32_t ShutDownResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t NetEntrySearchResponse(const WiMAXMessage *pstMessage);
+uint32_t NetEntryExitResponse(const WiMAXMessage *pstMessage);
+uint32_t ShutDownResponse(const WiMAXMessage *pstMessage);
 // Answers a half mini card response with the next status request, a second later.
-uint32_t ProcessHalfMiniCardResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t ProcessHalfMiniCardResponse(const WiMAXMessage *pstMessage);
 
 // Prints the name of a link reason code, without a line end.
 void DisplayLinkStatus(uint32_t u32Reason);

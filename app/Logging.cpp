@@ -32,14 +32,11 @@ uint32_t ControlLogging(const Menu &stMenu, uint32_t u32Type, const char *pcFail
     return 1;
 }
 
-template <uint32_t u32Size>
-void PutLogData(const WiMAXMessage *pstMessage, uint32_t u32MessageLength) {
+void PutLogData(const WiMAXMessage *pstMessage, uint32_t u32Size) {
     if (pstMessage == nullptr) {
         return;
     }
-    Record<u32Size> stData;
-    PutBytes(stData.Span(), 0, View(pstMessage, u32MessageLength).stPayload);
-    PutEachByte(" 0x%02x", stData.View());
+    PutEachByte(" 0x%02x", View(pstMessage).stPayload.From(0, u32Size));
     PutText("\n");
 }
 
@@ -194,21 +191,21 @@ uint32_t ControlPHYLogging() {
                           "\nFailed to send the PHY LOG REQUEST Message to device!!");
 }
 
-uint32_t ProcessMACLOggingInfo(const WiMAXMessage *pstMessage, uint32_t u32Length) {
-    PutLogData<u32MACLogSize>(pstMessage, u32Length);
+uint32_t ProcessMACLOggingInfo(const WiMAXMessage *pstMessage) {
+    PutLogData(pstMessage, u32MACLogSize);
     return 0;
 }
 
-uint32_t ProcessPHYLOggingInfo(const WiMAXMessage *pstMessage, uint32_t u32Length) {
-    PutLogData<u32PHYLogSize>(pstMessage, u32Length);
+uint32_t ProcessPHYLOggingInfo(const WiMAXMessage *pstMessage) {
+    PutLogData(pstMessage, u32PHYLogSize);
     return 0;
 }
 
-uint32_t LogIndication(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t LogIndication(const WiMAXMessage *pstMessage) {
     if (pstMessage == nullptr) {
         return 0;
     }
-    const Received stReceived = View(pstMessage, u32Length);
+    const Received stReceived = View(pstMessage);
     if (stReceived.u32Type != TYPE_START_LOGGER) {
         PutLine("\nINVALID MESSAGE TYPE!");
         return 0;

@@ -10,14 +10,13 @@
 uint32_t ControlMACLogging();
 uint32_t ControlPHYLogging();
 
-// Print log data, 1500 or 200 bytes whatever was received: a byte that was not
-// prints as 0. Return 0.
-uint32_t ProcessMACLOggingInfo(const WiMAXMessage *pstMessage, uint32_t u32Length);
-uint32_t ProcessPHYLOggingInfo(const WiMAXMessage *pstMessage, uint32_t u32Length);
+// Print log data, 1500 or 200 bytes. Return 0.
+uint32_t ProcessMACLOggingInfo(const WiMAXMessage *pstMessage);
+uint32_t ProcessPHYLOggingInfo(const WiMAXMessage *pstMessage);
 
 // Decodes type 8. Returns 0 for a null message and for one of another type,
 // else 1.
-uint32_t LogIndication(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t LogIndication(const WiMAXMessage *pstMessage);
 
 // Print one log of u16Length bytes, as many of its entries as stData holds. A
 // length from 0x8000 on is negative: no entries.

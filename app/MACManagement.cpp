@@ -174,8 +174,8 @@ void GetMACMessageName(uint32_t u32Code, char *pcBuffer, int32_t iSize) {
     std::memcpy(pcBuffer, acUnknownMessage, sizeof acUnknownMessage);
 }
 
-uint32_t MACMgmtMessage(const WiMAXMessage *pstMessage, uint32_t u32Length) {
-    const Received stReceived = View(pstMessage, u32Length);
+uint32_t MACMgmtMessage(const WiMAXMessage *pstMessage) {
+    const Received stReceived = View(pstMessage);
     switch (stReceived.u32SubType) {
     case SUBTYPE_MAC_MGMT_TRACE_IND:
         PutTraceRecord(stReceived.stPayload);

@@ -28,6 +28,6 @@ uint32_t MACMgmtMessageRequest();
 void GetMACMessageName(uint32_t u32Code, char *pcBuffer, int32_t iSize);
 
 // Decodes type 21. Returns 0.
-uint32_t MACMgmtMessage(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t MACMgmtMessage(const WiMAXMessage *pstMessage);
 
 #endif

@@ -19,8 +19,8 @@ struct MIBAnswer {
     uint32_t u32AttributeID;
     int32_t iStatus;
     uint32_t u32DataLength;
-    ByteView stValue;  // the value's bytes, as many as stated and received
-    ByteView stLayout; // all that was received from the value on: for fixed layouts
+    ByteView stValue;  // the value's bytes, as many as stated and in the payload
+    ByteView stLayout; // all of the payload from the value on: for fixed layouts
     ByteView stNext;   // the records behind this one
 };
 
@@ -447,11 +447,11 @@ void PutRecords(ByteView stPayload, void (*pfnPut)(const MIBAnswer &stAnswer)) {
 
 } // namespace
 
-uint32_t MIBIndication(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t MIBIndication(const WiMAXMessage *pstMessage) {
     if (pstMessage == nullptr) {
         return 1;
     }
-    const Received stReceived = View(pstMessage, u32Length);
+    const Received stReceived = View(pstMessage);
     PutLine("\n~~~~~~~~~~~~~~~ MIB MESSAGE RECEIVED ~~~~~~~~~~~~~~~");
     switch (stReceived.u32SubType) {
     case SUBTYPE_MIB_SET:

@@ -291,10 +291,10 @@ int32_t SetCinrRssiForNetworkSearchRequest() {
     return SendMessage(&stMessage, u32Length);
 }
 
-uint32_t SetCinrRssiForNetworkSearchResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t SetCinrRssiForNetworkSearchResponse(const WiMAXMessage *pstMessage) {
     if (pstMessage != nullptr) {
         constexpr const char *pcBanner = "\n~~~~~~ SET CINR RSSI RESPONSE RECEIVED ~~~~~~";
-        const ByteView stPayload = View(pstMessage, u32Length).stPayload;
+        const ByteView stPayload = View(pstMessage).stPayload;
         PutLine(pcBanner);
         PutRow(stPayload, {"CINR Value Set : %d\n", CinrRssiThreshold::CINR});
         PutRow(stPayload, {"RSSI Value Set : %d\n", CinrRssiThreshold::RSSI});

@@ -16,6 +16,6 @@ int32_t NetworkSearchOptions();
 int32_t SetCinrRssiForNetworkSearchRequest();
 
 // Decodes type 13, subtype 5. Returns 1.
-uint32_t SetCinrRssiForNetworkSearchResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t SetCinrRssiForNetworkSearchResponse(const WiMAXMessage *pstMessage);
 
 #endif

@@ -139,8 +139,8 @@ void PutReal(double dValue) {
 
 void PutElements(const char *pcText, ByteView stView, Field stFirst, uint32_t u32Count) {
     const uint32_t u32Width = WidthOf(stFirst.eType);
-    const uint32_t u32Received = stView.From(stFirst.u16Offset).u32Length;
-    for (uint32_t i = 0; i < u32Count && (i + 1) * u32Width <= u32Received; ++i) {
+    const uint32_t u32Present = stView.From(stFirst.u16Offset).u32Length;
+    for (uint32_t i = 0; i < u32Count && (i + 1) * u32Width <= u32Present; ++i) {
         PutNumber(pcText, Get(stView, stFirst, i * u32Width));
     }
 }

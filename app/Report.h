@@ -30,7 +30,7 @@ void PutNumbers(const char *pcText, std::span<const uint32_t> au32Values);
 // the point.
 void PutReal(double dValue);
 // Every element of an array by the same text: u32Count of them from stFirst on,
-// as far as they were received.
+// as far as the view has them.
 void PutElements(const char *pcText, ByteView stView, Field stFirst, uint32_t u32Count);
 // The text that the bytes hold: it ends at a zero byte or with them.
 void PutString(ByteView stBytes);
@@ -39,7 +39,7 @@ void PutString(ByteView stBytes);
 // bytes.
 bool HasVendorData(ByteView stView, Field stLength);
 // Vendor-specific data, if there are any: the heading with its line end, the
-// bytes from u32Offset as far as they were received, a line end.
+// bytes from u32Offset as far as the view has them, a line end.
 void PutVendorData(const char *pcHeading, ByteView stView, Field stLength, uint32_t u32Offset);
 
 // The line that closes a report or a menu whose banner is pcBanner: two line

@@ -134,11 +134,11 @@ int32_t SendSecGetRequest(ByteView stRecord) {
     return SendRequest(TYPE_SECURITY, SUBTYPE_SECURITY_GET, stRecord.From(0, SecurityRecord::Size));
 }
 
-uint32_t ProcessSecResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t ProcessSecResponse(const WiMAXMessage *pstMessage) {
     if (pstMessage == nullptr) {
         return 1;
     }
-    const Received stReceived = View(pstMessage, u32Length);
+    const Received stReceived = View(pstMessage);
     PutLine("\n~~~~~~~~~~~~~~~ Security RESPONSE RECEIVED ~~~~~~~~~~~~~~~");
     if (PutAnswer(stReceived.u32SubType, stReceived.stPayload)) {
         PutLine("\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~");

@@ -19,6 +19,6 @@ int32_t SecGetParamSize();
 int32_t SendSecGetRequest(ByteView stRecord);
 
 // Prints an answer of type 34. Returns 1.
-uint32_t ProcessSecResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t ProcessSecResponse(const WiMAXMessage *pstMessage);
 
 #endif

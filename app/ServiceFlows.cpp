@@ -496,11 +496,11 @@ int32_t ServiceFlowRequest() {
     }
 }
 
-uint32_t ServiceFlowResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t ServiceFlowResponse(const WiMAXMessage *pstMessage, uint32_t /*u32Length*/) {
     if (pstMessage == nullptr) {
         return 0;
     }
-    const Received stReceived = View(pstMessage, u32Length);
+    const Received stReceived = View(pstMessage);
     PutLine("\n~~~~~~ SERVICE FLOW RESPONSE MESSAGE ~~~~~~");
     bool bComplete = true;
     switch (stReceived.u32SubType) {

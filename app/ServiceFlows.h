@@ -36,8 +36,8 @@ int32_t SendeRTPSChangeRequest();
 // there are. Returns 0, or -1 when it refused the answer.
 int32_t EnterClassifierAction(ByteSpan stRecord, uint32_t u32QoSBits);
 
-// The decoder. Returns 0 after a refusal and for a null message, which prints
-// nothing, else 1.
+// The decoder; the received length is not used. Returns 0 after a refusal and
+// for a null message, which prints nothing, else 1.
 uint32_t ServiceFlowResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
 
 #endif

@@ -104,12 +104,12 @@ int32_t SendSleepPSCDefinitionMsg() {
     return SendRequest(TYPE_SLEEP_MODE, SUBTYPE_SLEEP_PSC_DEFINITION, stRequest.View());
 }
 
-uint32_t SleepModeIndication(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t SleepModeIndication(const WiMAXMessage *pstMessage) {
     if (pstMessage == nullptr) {
         PutText("\nINVALID WIMAX MESSAGE!!");
         return 0;
     }
-    const Received stReceived = View(pstMessage, u32Length);
+    const Received stReceived = View(pstMessage);
     if (stReceived.u32SubType != SUBTYPE_SLEEP_MODE_IND) {
         PutLine("\nUNKNOWN SLEEP MODE INDICATION TYPE!!");
         return 0;

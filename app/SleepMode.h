@@ -11,6 +11,6 @@
 int32_t SendSleepPSCDefinitionMsg();
 
 // Decodes type 26. Returns 1 for an indication, else 0.
-uint32_t SleepModeIndication(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t SleepModeIndication(const WiMAXMessage *pstMessage);
 
 #endif

@@ -123,8 +123,8 @@ uint32_t GetSSInfoRequest() {
     return static_cast<uint8_t>(SendRequest(TYPE_SS_INFO, u32SubType));
 }
 
-uint32_t SSInfoResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
-    const Received stReceived = View(pstMessage, u32Length);
+uint32_t SSInfoResponse(const WiMAXMessage *pstMessage) {
+    const Received stReceived = View(pstMessage);
     if (stReceived.u32Type != TYPE_SS_INFO) {
         return 0;
     }

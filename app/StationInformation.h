@@ -11,6 +11,6 @@
 uint32_t GetSSInfoRequest();
 
 // Decodes type 7; a message of another type prints nothing. Returns 0.
-uint32_t SSInfoResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t SSInfoResponse(const WiMAXMessage *pstMessage);
 
 #endif

@@ -136,11 +136,11 @@ uint32_t StatisticsResetControlResponse(uint32_t u32Status) {
     return 1;
 }
 
-uint32_t GetStatisticsResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t GetStatisticsResponse(const WiMAXMessage *pstMessage) {
     if (pstMessage == nullptr) {
         return 0;
     }
-    const Received stReceived = View(pstMessage, u32Length);
+    const Received stReceived = View(pstMessage);
     switch (stReceived.u32SubType) {
     case SUBTYPE_STATISTICS:
         PutStatistics(stReceived.stPayload);

@@ -15,7 +15,7 @@ uint32_t GetStatisticsRequest();
 int32_t StatisticsResetControlRequest();
 
 // Decodes type 17. Returns 1, or 0 for an unknown subtype.
-uint32_t GetStatisticsResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t GetStatisticsResponse(const WiMAXMessage *pstMessage);
 
 // Prints the status of a reset control request. Returns 1.
 uint32_t StatisticsResetControlResponse(uint32_t u32Status);

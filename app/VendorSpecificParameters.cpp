@@ -138,11 +138,11 @@ void DisplayVendorSpecificParamData(ByteView stRecord) {
     PutText("\n");
 }
 
-uint32_t DisplayVendorSpecificParamInfo(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t DisplayVendorSpecificParamInfo(const WiMAXMessage *pstMessage) {
     if (pstMessage == nullptr) {
         return 0;
     }
-    const Received stReceived = View(pstMessage, u32Length);
+    const Received stReceived = View(pstMessage);
     if (stReceived.u32Type != TYPE_VENDOR_SPECIFIC) {
         PutText("\nINVALID MESSAGE TYPE!");
         return 0;

@@ -31,9 +31,9 @@ int32_t GetVSROParam(ByteSpan stHead);
 int32_t GetVSRWParam(ByteSpan stHead);
 
 // Decodes type 10. Returns 1, or 0 for any other type.
-uint32_t DisplayVendorSpecificParamInfo(const WiMAXMessage *pstMessage, uint32_t u32Length);
-// Prints the data bytes of a record, as far as they were received; nothing for
-// a null record or a size of 0.
+uint32_t DisplayVendorSpecificParamInfo(const WiMAXMessage *pstMessage);
+// Prints the data bytes of a record, as far as the view has them; nothing for a
+// null record or a size of 0.
 void DisplayVendorSpecificParamData(ByteView stRecord);
 
 #endif

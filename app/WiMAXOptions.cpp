@@ -274,12 +274,12 @@ int32_t FillSetWiMAXOptions() {
     }
 }
 
-uint32_t ProcessWiMAXOptionsResp(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t ProcessWiMAXOptionsResp(const WiMAXMessage *pstMessage) {
     if (pstMessage == nullptr) {
         PutLine("\nINVALID WIMAX MESSAGE!!");
         return 0;
     }
-    const Received stReceived = View(pstMessage, u32Length);
+    const Received stReceived = View(pstMessage);
     switch (stReceived.u32SubType) {
     case SUBTYPE_OPTION_SET:
         PutOneOption(stReceived.stPayload);

@@ -15,6 +15,6 @@ extern std::atomic<uint32_t> g_SetWimaxOptionsFlag;
 int32_t FillSetWiMAXOptions();
 
 // Decodes type 29. Returns 0 for a null message or a non-zero status, else 1.
-uint32_t ProcessWiMAXOptionsResp(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t ProcessWiMAXOptionsResp(const WiMAXMessage *pstMessage);
 
 #endif

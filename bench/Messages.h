@@ -12,7 +12,9 @@ struct BenchMessage {
     uint32_t u32Length = 0; // header included
     std::vector<PlainBlock> astPlain;
 
-    ByteView Payload() const { return View(&stMessage, u32Length).stPayload; }
+    ByteView Payload() const {
+        return View(&stMessage).stPayload.From(0, u32Length - MessageHeader::Size);
+    }
 };
 
 // At least one message of every type that prints something without waiting.

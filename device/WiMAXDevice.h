@@ -27,7 +27,9 @@ typedef struct WiMAXMessage {
 } WiMAXMessage;
 
 /* Called by the library, on its own thread, with the context word given at
- * registration, the message and its length in bytes (header included). */
+ * registration, the message and its length in bytes (header included). The
+ * message is a whole record, however short its length: what the modem has not
+ * filled of it can be read. */
 typedef uint32_t (*WiMAXCallback)(uint32_t u32Context, const WiMAXMessage *pstMessage,
                                   uint32_t u32Length);
 

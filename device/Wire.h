@@ -38,7 +38,7 @@ constexpr uint32_t WidthOf(FieldType eType) {
 // Offset of the first byte behind a field.
 constexpr uint32_t EndOf(Field stField) { return stField.u16Offset + WidthOf(stField.eType); }
 
-// Received bytes. Reads past the end give zero.
+// Bytes to be read. Reads past the end give zero.
 struct ByteView {
     const uint8_t *pucData = nullptr;
     uint32_t u32Length = 0;
@@ -155,20 +155,19 @@ inline ByteSpan BytesOf(WiMAXMessage &stMessage) {
 
 inline ByteSpan PayloadOf(WiMAXMessage &stMessage) { return {stMessage.aucData, WIMAX_DATA_SIZE}; }
 
-// A received message: its codes, and its payload as far as it was received.
+// A received message: its codes, and its payload: the whole data area.
 struct Received {
     uint32_t u32Type = 0;
     uint32_t u32SubType = 0;
     ByteView stPayload;
 };
 
-// u32Length counts the header. A null message is empty and of type 0.
-inline Received View(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+// A null message is empty and of type 0.
+inline Received View(const WiMAXMessage *pstMessage) {
     if (pstMessage == nullptr) {
         return {};
     }
-    const ByteView stBytes{reinterpret_cast<const uint8_t *>(pstMessage),
-                           std::min<uint32_t>(u32Length, WIMAX_MESSAGE_SIZE)};
+    const ByteView stBytes{reinterpret_cast<const uint8_t *>(pstMessage), WIMAX_MESSAGE_SIZE};
     return {Get(stBytes, MessageHeader::Type), Get(stBytes, MessageHeader::SubType),
             stBytes.From(MessageHeader::Size)};
 }

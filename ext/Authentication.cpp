@@ -150,20 +150,16 @@ uint32_t WriteTestPattern() {
     return Send(SUBTYPE_AUTH_PARAM_WRITE, stRequest.View());
 }
 
-// What was received of each field; a field that was not received at all prints
-// nothing.
 void DumpFields(ByteView stPayload, std::span<const DumpedField> astFields) {
     for (const DumpedField &stField : astFields) {
         DebugDump(stField.pcTitle, stPayload.From(stField.u32Offset, stField.u32Size));
     }
 }
 
-// The bytes of a table that an indication fills; what was not received is zero.
+// The bytes of a table that an indication fills.
 template <uint32_t u32Size>
 void Keep(SharedBytes<u32Size> &stTable, ByteView stPayload, uint32_t u32Offset) {
-    Record<u32Size> stBytes;
-    PutBytes(stBytes.Span(), 0, stPayload.From(u32Offset, u32Size));
-    stTable.Store(0, stBytes.View());
+    stTable.Store(0, stPayload.From(u32Offset, u32Size));
 }
 
 void PutParameterIndication(ByteView stPayload) {
@@ -241,11 +237,11 @@ uint32_t AuthRequest() {
     }
 }
 
-uint32_t EAPResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t EAPResponse(const WiMAXMessage *pstMessage) {
     if (pstMessage == nullptr) {
         return 0;
     }
-    const Received stReceived = View(pstMessage, u32Length);
+    const Received stReceived = View(pstMessage);
     PutLine("\n~~~~~~ EAP RESPONSE MESSAGE ~~~~~~");
     switch (stReceived.u32SubType) {
     case SUBTYPE_EAP_TRANSFER_IND:
@@ -257,16 +253,16 @@ uint32_t EAPResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
     default:
         break;
     }
-    AuthenticationResponse(pstMessage, u32Length);
+    AuthenticationResponse(pstMessage);
     PutLine(pcClosing);
     return 0;
 }
 
-uint32_t AuthenticationResponse(const WiMAXMessage *pstMessage, uint32_t u32Length) {
+uint32_t AuthenticationResponse(const WiMAXMessage *pstMessage) {
     if (pstMessage == nullptr) {
         return 0;
     }
-    const Received stReceived = View(pstMessage, u32Length);
+    const Received stReceived = View(pstMessage);
     PutLine("\n~~~~~~ AUTHENTICATION RESPONSE MESSAGE ~~~~~~");
     switch (stReceived.u32SubType) {
     case SUBTYPE_AUTH_STATUS_RESP:

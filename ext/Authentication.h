@@ -25,7 +25,7 @@ uint32_t GetCompleteRequestData(ByteSpan stBuffer);
 
 // Decodes type 4: the EAP part, around what AuthenticationResponse prints of
 // the same message. Both return 0; a null message prints nothing.
-uint32_t EAPResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
-uint32_t AuthenticationResponse(const WiMAXMessage *pstMessage, uint32_t u32Length);
+uint32_t EAPResponse(const WiMAXMessage *pstMessage);
+uint32_t AuthenticationResponse(const WiMAXMessage *pstMessage);
 
 #endif

@@ -1,7 +1,6 @@
 // Messages from a hostile modem. The bytes are messages one after the other,
 // each behind its length in two bytes, little-endian; the same bytes are what
 // is typed for decoders that wait for a key.
-#include <algorithm>
 #include <memory>
 
 #include "Dispatcher.h"
@@ -14,10 +13,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *pucBytes, size_t uCount) {
         constexpr Field stLength{0, FieldType::U16};
         const ByteView stMessage = stRest.From(2, Get(stRest, stLength));
         stRest = stRest.From(2 + stMessage.u32Length);
-        // A block of exactly the message's size shows every byte read behind it.
-        const auto aucBlock = std::make_unique<uint8_t[]>(stMessage.u32Length);
-        std::copy_n(stMessage.pucData, stMessage.u32Length, aucBlock.get());
-        TVLCallback(0, reinterpret_cast<const WiMAXMessage *>(aucBlock.get()), stMessage.u32Length);
+        // A block of exactly a record's size shows every byte read behind it.
+        const auto pstRecord = std::make_unique<WiMAXMessage>();
+        PutBytes(BytesOf(*pstRecord), 0, stMessage);
+        TVLCallback(0, pstRecord.get(), stMessage.u32Length);
     }
     return 0;
 }

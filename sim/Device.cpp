@@ -1,7 +1,6 @@
 #include "Device.h"
 
 #include <csignal>
-#include <cstring>
 
 namespace {
 
@@ -149,13 +148,12 @@ void Device::Deliver(std::unique_lock<std::mutex> &stLock, const MessageBytes &a
     const uint32_t u32Context = m_u32Context;
     stLock.unlock();
     {
-        // A block of exactly the message's size: memory checkers then see every access
-        // behind its end.
-        const std::unique_ptr<uint8_t[]> pucCopy(new uint8_t[aucMessage.size()]);
-        std::memcpy(pucCopy.get(), aucMessage.data(), aucMessage.size());
-        const void *pvCopy = pucCopy.get();
-        pfnCallback(u32Context, static_cast<const WiMAXMessage *>(pvCopy),
-                    static_cast<uint32_t>(aucMessage.size()));
+        // A block of its own, of exactly a record's size: memory checkers then see every
+        // access behind its end.
+        const auto pstRecord = std::make_unique<WiMAXMessage>();
+        const auto u32Length = static_cast<uint32_t>(aucMessage.size());
+        PutBytes(BytesOf(*pstRecord), 0, {aucMessage.data(), u32Length});
+        pfnCallback(u32Context, pstRecord.get(), u32Length);
     }
     stLock.lock();
     m_bDelivering = false;

@@ -1,7 +1,9 @@
 #include "Bytes.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <cstring>
 
 namespace {
 
@@ -163,4 +165,10 @@ std::string FormatMessage(const uint8_t *pucBytes, size_t uCount) {
         strText += " | " + FormatBytes(pucBytes + uHeader, uCount - uHeader);
     }
     return strText;
+}
+
+std::unique_ptr<WiMAXMessage> RecordOf(const Bytes &aucMessage) {
+    auto pstRecord = std::make_unique<WiMAXMessage>();
+    std::memcpy(pstRecord.get(), aucMessage.data(), std::min(aucMessage.size(), sizeof *pstRecord));
+    return pstRecord;
 }

@@ -1,5 +1,6 @@
 // A device library that does what a script says and records what it is asked.
 // README.md in tests/ describes the commands and the record.
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
@@ -15,12 +16,11 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "Bytes.h"
 // The device library's functions are all that this one exports.
 #pragma GCC visibility push(default)
 #include "WiMAXDevice.h"
 #pragma GCC visibility pop
-#include "Wire.h"
+#include "Bytes.h"
 
 namespace {
 
@@ -33,7 +33,6 @@ constexpr std::chrono::seconds CloseWait{5};
 struct Delivery {
     Bytes aucMessage;
     bool bNull = false;
-    bool bWholeBuffer = false;
     std::optional<uint32_t> u32StatedLength;
     std::string strAcknowledge; // recorded once the callback has returned
 };
@@ -60,7 +59,6 @@ struct Library {
     std::deque<PlannedSend> stSends;
     std::deque<PlannedRead> stReads;
     std::deque<int32_t> iWriteResults;
-    bool bWholeBuffer = false;
     std::optional<uint32_t> u32NextLength;
 
     WiMAXCallback pfnCallback = nullptr;
@@ -147,24 +145,14 @@ void Queue(Library &stLibrary, Delivery stDelivery) {
     stLibrary.Changed.notify_all();
 }
 
-// Calls the callback with the message in a heap block of its own.
+// Calls the callback with the message in a record of its own.
 uint32_t CallBack(WiMAXCallback pfnCallback, uint32_t u32Context, const Delivery &stDelivery) {
     const uint32_t u32Length =
         stDelivery.u32StatedLength.value_or(static_cast<uint32_t>(stDelivery.aucMessage.size()));
     if (stDelivery.bNull) {
         return pfnCallback(u32Context, nullptr, u32Length);
     }
-    size_t uBlock = stDelivery.aucMessage.size();
-    if (stDelivery.bWholeBuffer) {
-        uBlock = std::max<size_t>(uBlock, WIMAX_MESSAGE_SIZE);
-    }
-    void *pvBlock = std::calloc(1, uBlock);
-    std::copy(stDelivery.aucMessage.begin(), stDelivery.aucMessage.end(),
-              static_cast<uint8_t *>(pvBlock));
-    const uint32_t u32Result =
-        pfnCallback(u32Context, static_cast<const WiMAXMessage *>(pvBlock), u32Length);
-    std::free(pvBlock);
-    return u32Result;
+    return pfnCallback(u32Context, RecordOf(stDelivery.aucMessage).get(), u32Length);
 }
 
 // The library's own thread: one message after the other.
@@ -237,10 +225,10 @@ bool ReadBytes(const Library &stLibrary, const std::string &strText, Bytes *pByt
 
 std::optional<Delivery> MakeDelivery(Library &stLibrary, const std::string &strText) {
     Delivery stDelivery;
-    if (!ReadBytes(stLibrary, strText, &stDelivery.aucMessage)) {
+    if (!ReadBytes(stLibrary, strText, &stDelivery.aucMessage) ||
+        stDelivery.aucMessage.size() > WIMAX_MESSAGE_SIZE) {
         return std::nullopt;
     }
-    stDelivery.bWholeBuffer = stLibrary.bWholeBuffer;
     stDelivery.u32StatedLength = std::exchange(stLibrary.u32NextLength, std::nullopt);
     return stDelivery;
 }
@@ -343,16 +331,6 @@ Done DoNull(Library &stLibrary, const Command &stCommand) {
     return Done::Later;
 }
 
-Done DoExact(Library &stLibrary, const Command & /*stCommand*/) {
-    stLibrary.bWholeBuffer = false;
-    return Done::Yes;
-}
-
-Done DoWhole(Library &stLibrary, const Command & /*stCommand*/) {
-    stLibrary.bWholeBuffer = true;
-    return Done::Yes;
-}
-
 Done DoLength(Library &stLibrary, const Command &stCommand) {
     std::deque<uint32_t> u32Lengths;
     if (!QueueNumbers(stCommand.strRest, &u32Lengths)) {
@@ -370,8 +348,7 @@ struct CommandRow {
 constexpr CommandRow astCommands[] = {
     {"open", DoOpen},     {"register", DoRegister}, {"close", DoClose},     {"send", DoSend},
     {"answer", DoAnswer}, {"reply", DoReply},       {"message", DoMessage}, {"post", DoPost},
-    {"null", DoNull},     {"rdm", DoRead},          {"wrm", DoWrite},       {"exact", DoExact},
-    {"whole", DoWhole},   {"length", DoLength},
+    {"null", DoNull},     {"rdm", DoRead},          {"wrm", DoWrite},       {"length", DoLength},
 };
 
 void RunCommand(Library &stLibrary, const std::string &strLine) {

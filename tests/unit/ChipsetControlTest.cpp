@@ -173,7 +173,7 @@ TEST_F(ChipsetControlTest, APathEndsWithTheMessage) {
 
 TEST_F(ChipsetControlTest, OtherMessagesPrintNothing) {
     EXPECT_EQ(ReportOf("16/3 | 00"), "");
-    EXPECT_EQ(PrintedBy([] { ChipsetResponse(nullptr, 0); }), "");
+    EXPECT_EQ(PrintedBy([] { ChipsetResponse(nullptr); }), "");
 }
 
 } // namespace

@@ -105,7 +105,7 @@ TEST_F(DeviceConfigurationTest, TheAnswerToAMACAddressIsReported) {
               "\nFAILURE, ERROR CODE : 255"
               "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
     EXPECT_EQ(Report(MACSetResponse, "11/2 | 7:4"), "");
-    EXPECT_EQ(PrintedBy([] { MACSetResponse(nullptr, 0); }), "");
+    EXPECT_EQ(PrintedBy([] { MACSetResponse(nullptr); }), "");
 }
 
 TEST_F(DeviceConfigurationTest, TheIPFilterStatusIsReported) {
@@ -129,7 +129,7 @@ TEST_F(DeviceConfigurationTest, TheSearchThresholdsAreReported) {
 
 TEST_F(DeviceConfigurationTest, OtherDeviceConfigurationsPrintNothing) {
     EXPECT_EQ(Report(DeviceConfigResp, "13/7 | 1:4"), "");
-    EXPECT_EQ(PrintedBy([] { DeviceConfigResp(nullptr, 0); }), "");
+    EXPECT_EQ(PrintedBy([] { DeviceConfigResp(nullptr); }), "");
     EXPECT_EQ(FakeDevice::Deliver(Message("13/7")), 1U);
     EXPECT_EQ(FakeDevice::Deliver(Message("13/5 | 00*8")), 1U);
 }
@@ -148,7 +148,7 @@ TEST_F(DeviceConfigurationTest, AnUnloadedDeviceIsReported) {
 
 TEST_F(DeviceConfigurationTest, AnotherTypeIsNoUnloadIndication) {
     EXPECT_EQ(Report(DeviceUnloadIndication, "13/2"), "\nINVALID MESSAGE TYPE!\n");
-    EXPECT_EQ(PrintedBy([] { EXPECT_EQ(DeviceUnloadIndication(nullptr, 0), 0U); }), "");
+    EXPECT_EQ(PrintedBy([] { EXPECT_EQ(DeviceUnloadIndication(nullptr), 0U); }), "");
 }
 
 } // namespace

@@ -82,8 +82,35 @@ TEST_F(DispatcherTest, ANullMessageIsReportedEvenWhileAChoiceIsBeingHandled) {
     EXPECT_EQ(Printed(), "\nAppcallback called with null buffer !!!");
 }
 
-TEST_F(DispatcherTest, ShortMessagesAreReadNoFurtherThanTheyGo) {
-    EXPECT_EQ(PrintedFor("03"), UnknownType("3"));
+TEST_F(DispatcherTest, AWrongLengthChangesNothing) {
+    const struct {
+        const char *pcMessage;
+        std::string strPrinted;
+    } astMessages[] = {
+        {"03 02", UnknownType("515")},
+        {"19/7 | 01", "\nUNKNOWN sub-type in IDLE Mode in Callback func (7)!!!"},
+        {"19/2 | 77:4", "\n~~~~~~~~~~ IDLE MODE STATUS RESPONSE ~~~~~~~~~~\n\n"
+                        "IDLE MODE STATUS : 77 \n"
+                        "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n"},
+        {"6/1 | 00 02 00*6 01 00 4097:4 00*165 513:2 00*8293",
+         "\n~~~~~~ SERVICE FLOW RESPONSE MESSAGE ~~~~~~\n"
+         "\nSF ADD INDICATION RESPONSE MESSAGE RECEIVED.\n"
+         "\nService flow added with confirmation code : 0\n"
+         "\nDirection of Service Flow                 : 2\n"
+         "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n"},
+        {"24/2 | 7:4 00*17 2:4 00 05 06",
+         "\n~~~~~~~~~~~~~~~ MIB MESSAGE RECEIVED ~~~~~~~~~~~~~~~\n"
+         "\nGet Response received"
+         "\n MIB OID - 7 :  0x05 0x06\n"
+         "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n"},
+        {"25/1 | 01", ""},
+    };
+    for (const auto &stMessage : astMessages) {
+        for (const uint32_t u32Length : {0U, 3U, 4U, 20000U}) {
+            FakeDevice::Deliver(Message(stMessage.pcMessage), u32Length);
+            EXPECT_EQ(Printed(), stMessage.strPrinted) << u32Length;
+        }
+    }
 }
 
 TEST_F(DispatcherTest, ReportsReachTheOutputWhenTheCallbackReturns) {

@@ -44,17 +44,14 @@ template <typename Value> void Set(Value State::*pMember, Value NewValue) {
     gstState.*pMember = std::move(NewValue);
 }
 
-uint32_t CallBack(const void *pvMessage, uint32_t u32Length) {
+uint32_t CallBack(const WiMAXMessage *pstMessage, uint32_t u32Length) {
     WiMAXCallback pfnCallback = Locked(&State::pfnCallback);
     const uint32_t u32Context = Locked(&State::u32Context);
     if (pfnCallback == nullptr) {
         pfnCallback = TVLCallback;
     }
     uint32_t u32Result = 0;
-    std::thread([&] {
-        u32Result =
-            pfnCallback(u32Context, static_cast<const WiMAXMessage *>(pvMessage), u32Length);
-    }).join();
+    std::thread([&] { u32Result = pfnCallback(u32Context, pstMessage, u32Length); }).join();
     return u32Result;
 }
 
@@ -115,11 +112,11 @@ void FakeDevice::QueueAnswer(const Bytes &aucMessage) {
 }
 
 uint32_t FakeDevice::Deliver(const Bytes &aucMessage) {
-    void *pvBlock = std::malloc(aucMessage.size());
-    std::copy(aucMessage.begin(), aucMessage.end(), static_cast<uint8_t *>(pvBlock));
-    const uint32_t u32Result = CallBack(pvBlock, static_cast<uint32_t>(aucMessage.size()));
-    std::free(pvBlock);
-    return u32Result;
+    return Deliver(aucMessage, static_cast<uint32_t>(aucMessage.size()));
+}
+
+uint32_t FakeDevice::Deliver(const Bytes &aucMessage, uint32_t u32StatedLength) {
+    return CallBack(RecordOf(aucMessage).get(), u32StatedLength);
 }
 
 uint32_t FakeDevice::DeliverNull() { return CallBack(nullptr, 0); }

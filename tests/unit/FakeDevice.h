@@ -58,9 +58,10 @@ using SendHook =
 void OnSend(SendHook Hook);
 
 // Calls the registered callback (the client's own when none is registered) on
-// another thread with the message in a heap block of exactly its size, and
-// waits until it has returned. Returns its result.
+// another thread with the message in a record of its own, and waits until it
+// has returned. Returns its result. The length is the message's own, or stated.
 uint32_t Deliver(const Bytes &aucMessage);
+uint32_t Deliver(const Bytes &aucMessage, uint32_t u32StatedLength);
 uint32_t DeliverNull();
 
 } // namespace FakeDevice

@@ -233,7 +233,7 @@ TEST_F(GPIOTest, OtherSubtypesPrintTheBannersOnly) {
 }
 
 TEST_F(GPIOTest, ANullMessagePrintsNothing) {
-    EXPECT_EQ(PrintedBy([] { EXPECT_EQ(GPIOIndication(nullptr, 0), 1U); }), "");
+    EXPECT_EQ(PrintedBy([] { EXPECT_EQ(GPIOIndication(nullptr), 1U); }), "");
 }
 
 } // namespace

@@ -264,7 +264,7 @@ TEST_F(NetworkSearchTest, ThresholdsThatWereSetArePrinted) {
               "CINR Value Set : 0\n"
               "RSSI Value Set : 65441\n"
               "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
-    EXPECT_EQ(PrintedBy([] { SetCinrRssiForNetworkSearchResponse(nullptr, 0); }), "");
+    EXPECT_EQ(PrintedBy([] { SetCinrRssiForNetworkSearchResponse(nullptr); }), "");
 }
 
 } // namespace

@@ -34,14 +34,6 @@ constexpr const char *pcAfterCIDs = "\nENTER THE ListenWindow: [1 Byte Value] "
                                     "\nENTER THE TTWF: [Valid values : 0/1] "
                                     "\nENTER THE TIR: [Valid values : 0/1] ";
 
-std::string Times(uint32_t u32Count, const char *pcText) {
-    std::string strTexts;
-    for (uint32_t i = 0; i < u32Count; ++i) {
-        strTexts += pcText;
-    }
-    return strTexts;
-}
-
 TEST_F(SleepModeTest, TheDefaultDefinitionIsSentWhenNothingIsEntered) {
     EXPECT_EQ(Typed("0\n"), pcQuestion);
     EXPECT_EQ(FakeDevice::Sent(),
@@ -73,7 +65,7 @@ TEST_F(SleepModeTest, FiveDefinitionsBecomeThree) {
     const std::string strPrinted =
         Typed("1 5 0 1 1 0 0 1 2 3 4 0 0 0 1 1 0 0 1 2 3 4 0 0 0 1 1 0 0 1 2 3 4 0 0 99\n");
     EXPECT_EQ(strPrinted, pcQuestion + std::string(pcCount) +
-                              Times(3, (pcBeforeCIDs + std::string(pcAfterCIDs)).c_str()));
+                              Times(pcBeforeCIDs + std::string(pcAfterCIDs), 3));
     EXPECT_EQ(FakeDevice::Sent().at(0).substr(0, 19), "26/1 | 03 00 00 00 ");
     EXPECT_EQ(Unread(), " 99\n");
 }
@@ -82,7 +74,7 @@ TEST_F(SleepModeTest, TwentyCIDsBecomeSixteen) {
     const std::string strPrinted =
         Typed("1 1 0 255 1 0 20 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 32 8 4 5 1 1 99\n");
     EXPECT_EQ(strPrinted,
-              pcQuestion + std::string(pcCount) + pcBeforeCIDs + Times(16, pcCID) + pcAfterCIDs);
+              pcQuestion + std::string(pcCount) + pcBeforeCIDs + Times(pcCID, 16) + pcAfterCIDs);
     EXPECT_EQ(FakeDevice::Sent(),
               SentOf("26/1 | 01 00 00 00  ff 01 00 08 05 20 04 00 01 01 00 00"
                      "  1:2 2:2 3:2 4:2 5:2 6:2 7:2 8:2 9:2 10:2 11:2 12:2 13:2 14:2 15:2 16:2"
@@ -129,7 +121,7 @@ TEST_F(SleepModeTest, OtherSubtypesAreUnknown) {
 }
 
 TEST_F(SleepModeTest, ANullMessageIsInvalid) {
-    EXPECT_EQ(PrintedBy([] { EXPECT_EQ(SleepModeIndication(nullptr, 0), 0U); }),
+    EXPECT_EQ(PrintedBy([] { EXPECT_EQ(SleepModeIndication(nullptr), 0U); }),
               "\nINVALID WIMAX MESSAGE!!");
 }
 

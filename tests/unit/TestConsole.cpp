@@ -94,13 +94,17 @@ std::string ConsoleTest::Printed() {
     }
 }
 
-std::string ConsoleTest::Report(uint32_t (*pfnDecode)(const WiMAXMessage *, uint32_t),
+std::string ConsoleTest::Report(uint32_t (*pfnDecode)(const WiMAXMessage *),
                                 std::string_view strMessage) {
     Printed();
-    const Bytes aucMessage = Message(strMessage);
-    void *pvBlock = std::malloc(aucMessage.size());
-    std::copy(aucMessage.begin(), aucMessage.end(), static_cast<uint8_t *>(pvBlock));
-    pfnDecode(static_cast<const WiMAXMessage *>(pvBlock), static_cast<uint32_t>(aucMessage.size()));
-    std::free(pvBlock);
+    pfnDecode(RecordOf(Message(strMessage)).get());
     return Printed();
+}
+
+std::string Times(std::string_view strText, uint32_t u32Times) {
+    std::string strAll;
+    for (uint32_t i = 0; i < u32Times; ++i) {
+        strAll += strText;
+    }
+    return strAll;
 }

@@ -39,9 +39,12 @@ class ConsoleTest : public testing::Test {
     }
 
     // What a decoder prints for a message such as "2/1 | 00*48", on this thread,
-    // in a heap block of exactly the message's size.
-    static std::string Report(uint32_t (*pfnDecode)(const WiMAXMessage *, uint32_t),
+    // in a record of its own.
+    static std::string Report(uint32_t (*pfnDecode)(const WiMAXMessage *),
                               std::string_view strMessage);
 };
+
+// A text so many times.
+std::string Times(std::string_view strText, uint32_t u32Times);
 
 #endif

@@ -1,6 +1,7 @@
 // The device library's functions, with their thread and in real time.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -30,6 +31,7 @@ struct Client {
 };
 Client g_stClient;
 std::atomic<bool> g_bRelease{false};
+std::atomic<bool> g_bZeroBehind{false};
 std::atomic<int> g_iInside{0};
 std::atomic<int> g_iMostInside{0};
 
@@ -170,6 +172,20 @@ TEST_F(Library, ModemTimeIsScaled) {
     const auto stTook = std::chrono::steady_clock::now() - stBefore;
     EXPECT_GE(stTook, 59ms);
     EXPECT_LT(stTook, 8s);
+}
+
+TEST_F(Library, AMessageComesInAWholeRecordZeroBehindIt) {
+    UseScenario("[device]\nanswer-delay = 0\n[[event]]\nat = 0\n"
+                "kind = \"message\"\nbytes = \"03000200aabb\"\n");
+    g_stClient.pfnInCallback = [](const WiMAXMessage *pstMessage, uint32_t u32Length) {
+        const auto *pucBytes = reinterpret_cast<const uint8_t *>(pstMessage);
+        g_bZeroBehind = u32Length == 6 && std::all_of(pucBytes + u32Length, pucBytes + 10244,
+                                                      [](uint8_t u8Byte) { return u8Byte == 0; });
+    };
+    OpenAndRegister();
+    EXPECT_EQ(WaitForMessages(1), std::vector<std::string>{"03 00 02 00 aa bb"});
+    CloseWiMAXDevice(); // waits for the callback
+    EXPECT_TRUE(g_bZeroBehind);
 }
 
 TEST_F(Library, ARequestCanBeSentFromTheCallback) {
