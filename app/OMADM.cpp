@@ -393,9 +393,7 @@ void OMADM_TestMenu() {
 }
 
 void OMADMRequest() {
-    // Kept from one choice to the next: behind the tests an older error is
-    // printed again.
-    int32_t iResult = 0;
+    int32_t iResult = 0; // of the last request: reported after every choice
     for (;;) {
         const int32_t iChoice = AskMenu(stMenu);
         switch (iChoice) {
@@ -418,13 +416,13 @@ void OMADMRequest() {
             break;
         case 6:
             GetIMEIData();
-            continue;
+            break;
         case 7:
             UpdateOMADMTree();
-            continue;
+            break;
         default:
             PutText("\nSORRY! INVALID OPTION SELECTED!");
-            continue;
+            break;
         }
         if (iResult != 0) {
             PutFormat("\n Error : %d", iResult);

@@ -570,7 +570,7 @@ TEST_F(OMADMTest, OtherChoicesAreRefusedAndTheMenuComesAgain) {
               strMenu + strRefused + strMenu + strRefused + strMenu + strRefused + strMenu);
 }
 
-TEST_F(OMADMTest, AnErrorIsPrintedAgainBehindTheTestsOnly) {
+TEST_F(OMADMTest, AnErrorIsPrintedAgainBehindEveryChoice) {
     FakeDevice::QueueSendResult(-30);
     FakeDevice::QueueSendResult(-11);
     const std::string strMenu = pcMenu;
@@ -583,12 +583,13 @@ TEST_F(OMADMTest, AnErrorIsPrintedAgainBehindTheTestsOnly) {
                   strMenu +
                   "\n--------------IMEI data Read---------------------- "
                   "IMEI Read request returned -11\n"
-                  "IMEI Read FAILED" +
-                  strMenu + "\nSORRY! INVALID OPTION SELECTED!" + strMenu + pcTestMenu +
-                  "\n Error : -30" + strMenu);
+                  "IMEI Read FAILED"
+                  "\n Error : -30" +
+                  strMenu + "\nSORRY! INVALID OPTION SELECTED!\n Error : -30" + strMenu +
+                  pcTestMenu + "\n Error : -30" + strMenu);
 }
 
-TEST_F(OMADMFileTest, AnErrorIsNotPrintedAgainBehindTheTreeUpdate) {
+TEST_F(OMADMFileTest, AnErrorIsPrintedAgainBehindTheTreeUpdate) {
     FakeDevice::QueueSendResult(-30);
     const std::string strMenu = pcMenu;
     EXPECT_EQ(PrintedBy(OMADMRequest, "1 7 -1\n"),
@@ -597,7 +598,7 @@ TEST_F(OMADMFileTest, AnErrorIsNotPrintedAgainBehindTheTreeUpdate) {
                   "\n Library is compatible with Major Ver 3 and Minor Ver 0 of OMA-DM API\n"
                   "OMA-DM APIs are NOT compatible with the version library and Application"
                   "\n Error : -30" +
-                  strMenu + "\nOMADM tree update is successful!!" + strMenu);
+                  strMenu + "\nOMADM tree update is successful!!\n Error : -30" + strMenu);
 }
 
 TEST_F(OMADMTest, TheSecurityRequestsHaveTheirChoicesAndResults) {
