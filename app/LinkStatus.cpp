@@ -273,13 +273,10 @@ void PutHalfMiniCardResponse() {
     constexpr const char *pcBanner = "\n~~~~~~~~~~ HALF MINI CARD RESPONSE RECEIVED~~~~~~~~~~";
     PutLine(pcBanner);
     PutText("\nApplication will send HMC Status message after interval of 1 second");
+    FlushOutput(); // seen while the pause lasts
     PauseMicroseconds(u32HalfMiniCardPause);
     if (!IsEnding()) {
-        // Sent without showing the output first: the report stays in one piece.
-        WiMAXMessage stMessage;
-        const uint32_t u32Length =
-            FillWiMAXMsg(&stMessage, TYPE_HALF_MINI_CARD, SUBTYPE_HALF_MINI_CARD_STATUS, 0);
-        SendWiMAXMessage(g_hDevice, &stMessage, u32Length);
+        SendRequest(TYPE_HALF_MINI_CARD, SUBTYPE_HALF_MINI_CARD_STATUS);
     }
     PutClosingLine(pcBanner);
 }

@@ -1,6 +1,9 @@
 #include "LinkStatus.h"
 
 #include <chrono>
+#include <thread>
+
+#include <unistd.h>
 
 #include "Message.h"
 #include "TestConsole.h"
@@ -492,6 +495,34 @@ TEST_F(LinkStatusTest, AHalfMiniCardResponseIsAnsweredASecondLater) {
     EXPECT_EQ(FakeDevice::Sent(), std::vector<std::string>{"36/1"});
     EXPECT_EQ(FakeDevice::SendArgumentsOfAll(), (std::vector<FakeDevice::SendArguments>{{1, 4}}));
     EXPECT_EQ(gbInsideSubMenu, 0);
+}
+
+TEST_F(LinkStatusTest, AHalfMiniCardResponseIsSeenBeforeThePauseAndClosedBehindTheSend) {
+    const std::string strBegin =
+        "\n~~~~~~~~~~ HALF MINI CARD RESPONSE RECEIVED~~~~~~~~~~\n"
+        "\nApplication will send HMC Status message after interval of 1 second";
+    // What has reached the output so far.
+    const auto Seen = [] {
+        std::string strSeen(1000, '\0');
+        strSeen.resize(static_cast<size_t>(pread(STDOUT_FILENO, strSeen.data(), 1000, 0)));
+        return strSeen;
+    };
+    std::string strSeenAtSend;
+    auto SentAt = std::chrono::steady_clock::time_point::max();
+    FakeDevice::OnSend([&](size_t, auto) {
+        strSeenAtSend = Seen();
+        SentAt = std::chrono::steady_clock::now();
+    });
+    std::thread Library([] { FakeDevice::Deliver(Message("36/2")); });
+    const auto Limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (Seen() != strBegin && std::chrono::steady_clock::now() < Limit) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    const auto SeenAt = std::chrono::steady_clock::now();
+    Library.join();
+    EXPECT_GE(SentAt - SeenAt, std::chrono::milliseconds(100));
+    EXPECT_EQ(strSeenAtSend, strBegin);
+    EXPECT_EQ(Printed(), strBegin + "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
 }
 
 TEST_F(LinkStatusTest, AHalfMiniCardWakeUpIsReported) {
