@@ -103,7 +103,7 @@ uint32_t FirmwareDownload() {
     SendFile(DownloadFile::Configuration, strConfigurationFile);
     while (iFWDlFlag != 0) {
         PauseMicroseconds(u32PollInterval);
-        EndIfSignalled();
+        EndIfTold();
     }
     SendFile(DownloadFile::Firmware, strFirmwareFile);
     return 0;

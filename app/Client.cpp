@@ -1,5 +1,7 @@
 #include "Client.h"
 
+#include <new>
+
 #include "Console.h"
 #include "Dispatcher.h"
 #include "Message.h"
@@ -14,7 +16,7 @@ bool OpenDevice() {
     for (int i = 0; i < iRetries && g_hDevice == WIMAX_NO_DEVICE; ++i) {
         if (i > 0) {
             PauseMicroseconds(u32RetryPause);
-            EndIfSignalled();
+            EndIfTold();
         }
         PutText("\n Opening device handle... ");
         FlushOutput();
@@ -37,6 +39,9 @@ template <typename Step> int StatusOf(Step RunStep) {
         return RunStep();
     } catch (const ClientEnd &stEnd) {
         return stEnd.iExitStatus;
+    } catch (const std::bad_alloc &) {
+        EndWithoutMemory();
+        return EndStatus();
     }
 }
 
@@ -54,8 +59,10 @@ int RunClient(void (*pfnRunMenus)()) {
             pfnRunMenus();
             return 0;
         });
+        FlushOutput();
         BeginLeaving();
         CloseWiMAXDevice();
     }
-    return EndingSignal() != 0 ? 128 + EndingSignal() : iStatus;
+    CloseConsole();
+    return EndStatus() != 0 ? EndStatus() : iStatus;
 }

@@ -5,7 +5,8 @@
 // Opens the device (one silent try and up to 20 reported ones, a second apart),
 // registers the callback and runs the menus until they return or the client has
 // to end; then closes the device. Returns the exit status: 0, -1 without a
-// device, 128 + the number of the signal that ended it.
+// device, 1 when memory has run out, 128 + the number of the signal that ended
+// it (SIGPIPE when nobody reads the output).
 int RunClient(void (*pfnRunMenus)());
 
 // The main menu, until choice -1.

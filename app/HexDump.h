@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 
 #include "Wire.h"
 
@@ -46,14 +45,18 @@ template <uint8_t u8Digits> struct HexText {
 using HexByte = HexText<2>;
 using HexAddress = HexText<8>;
 
-// Appends each byte by the same text.
-void AppendEachByte(std::string &strOutput, const HexByte &stByte, ByteView stBytes);
-// The same in lines of eight bytes, each behind the address of its first one;
-// u32Address is that of byte 0.
-void AppendHexLines(std::string &strOutput, const HexAddress &stLine, uint32_t u32Address,
-                    const HexByte &stByte, ByteView stBytes);
+// Writes each byte by the same text, at most HexByte::Size characters each and
+// never more than as many behind the last one's end; returns where that is.
+char *WriteEachByte(char *pcTo, const HexByte &stByte, ByteView stBytes);
+// A line of a dump: eight bytes behind the address of the first one.
+inline constexpr uint32_t u32BytesALine = 8;
+inline constexpr size_t uMostHexLine = HexAddress::Size + (u32BytesALine + 1) * HexByte::Size;
+// Writes the line of stBytes, eight of them at most; the same room.
+char *WriteHexLine(char *pcTo, const HexAddress &stLine, uint32_t u32Address, const HexByte &stByte,
+                   ByteView stBytes);
 
-// Both, to the console.
+// To the console: each byte; all of them in lines, u32Address being that of
+// byte 0.
 void PutEachByte(const HexByte &stByte, ByteView stBytes);
 void PutHexLines(const HexAddress &stLine, uint32_t u32Address, const HexByte &stByte,
                  ByteView stBytes);

@@ -73,16 +73,13 @@ Block AllocateBlock(uint32_t u32Count) {
 void PutFailedRead() { PutText("\nERROR!! RDM FAILED!!"); }
 void PutFailedWrite() { PutText("\nERROR!! WRM FAILED!!"); }
 
-// In pieces, so that a large read does not need memory for all of its text at
-// once and can be interrupted.
+// One report, however long. In pieces, so that it ends soon when the client has
+// to.
 void PutMemory(uint32_t u32Address, ByteView stBytes) {
-    constexpr uint32_t u32Piece = 1U << 20;
+    constexpr uint32_t u32Piece = 1U << 16;
     for (uint32_t i = 0; i < stBytes.u32Length; i += u32Piece) {
-        if (i != 0) {
-            FlushOutput();
-            EndIfSignalled();
-        }
         PutHexLines("\n 0x%08x : ", u32Address + i, " 0x%02x", stBytes.From(i, u32Piece));
+        EndIfOutputClosed();
     }
 }
 
@@ -116,7 +113,7 @@ bool WriteOnce(Settings &stSettings) {
 void PauseBetweenRepetitions() {
     FlushOutput();
     PauseMicroseconds(u32RepetitionPause);
-    EndIfSignalled();
+    EndIfTold();
 }
 
 bool ReadRepeatedly(Settings &stSettings) {

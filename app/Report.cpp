@@ -1,9 +1,9 @@
 #include "Report.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <iterator>
-#include <string>
 
 #include "Console.h"
 
@@ -48,8 +48,7 @@ double RealOf(const Number &stNumber) {
     return dValue / stNumber.u32Divisor;
 }
 
-void AppendConverted(std::string &strOutput, const Conversion &stConversion,
-                     const Number &stNumber) {
+void PutConverted(const Conversion &stConversion, const Number &stNumber) {
     if (stConversion.cKind == 'f') {
         PutReal(RealOf(stNumber));
         return;
@@ -68,31 +67,31 @@ void AppendConverted(std::string &strOutput, const Conversion &stConversion,
     const auto u32Count = static_cast<uint32_t>(std::end(acDigits) - pcFirst);
     const uint32_t u32Used = u32Count + (bNegative ? 1 : 0);
     const uint32_t u32Fill = stConversion.u32Width > u32Used ? stConversion.u32Width - u32Used : 0;
+    char *pcTo = OutputRoom(u32Fill + u32Used);
     if (!stConversion.bZeroFilled) {
-        strOutput.append(u32Fill, ' ');
+        pcTo = std::fill_n(pcTo, u32Fill, ' ');
     }
     if (bNegative) {
-        strOutput += '-';
+        *pcTo++ = '-';
     }
     if (stConversion.bZeroFilled) {
-        strOutput.append(u32Fill, '0');
+        pcTo = std::fill_n(pcTo, u32Fill, '0');
     }
-    strOutput.append(pcFirst, u32Count);
+    EndOutputAt(std::copy_n(pcFirst, u32Count, pcTo));
 }
 
-// Appends the text, taking the number of each conversion from NextNumber().
-template <typename NumberSource> void PutConverted(const char *pcText, NumberSource NextNumber) {
-    std::string &strOutput = PendingOutput();
+// Puts the text, taking the number of each conversion from NextNumber().
+template <typename NumberSource> void PutConversions(const char *pcText, NumberSource NextNumber) {
     for (;;) {
         const char *pcPercent = std::strchr(pcText, '%');
         if (pcPercent == nullptr) {
-            strOutput += pcText;
+            PutText(pcText);
             return;
         }
-        strOutput.append(pcText, pcPercent);
+        PutText({pcText, static_cast<size_t>(pcPercent - pcText)});
         Conversion stConversion;
         pcText = ParseConversion(pcPercent + 1, &stConversion);
-        AppendConverted(strOutput, stConversion, NextNumber());
+        PutConverted(stConversion, NextNumber());
     }
 }
 
@@ -106,7 +105,7 @@ void PutRow(ByteView stView, const ReportRow &stRow, uint32_t u32Base) {
     const FieldType eType = stRow.stField.eType;
     const bool bSigned =
         eType == FieldType::I8 || eType == FieldType::I16 || eType == FieldType::I32;
-    PutConverted(stRow.pcText, [&] {
+    PutConversions(stRow.pcText, [&] {
         const Number stNumber{Get(stView, stRow.stField, u32Base), bSigned, stRow.u32Divisor};
         u32Base += WidthOf(eType);
         return stNumber;
@@ -126,15 +125,15 @@ void PutNumber(const char *pcText, uint32_t u32Value) {
 
 void PutNumbers(const char *pcText, std::span<const uint32_t> au32Values) {
     size_t uNext = 0;
-    PutConverted(pcText,
-                 [&] { return Number{uNext < au32Values.size() ? au32Values[uNext++] : 0}; });
+    PutConversions(pcText,
+                   [&] { return Number{uNext < au32Values.size() ? au32Values[uNext++] : 0}; });
 }
 
 void PutReal(double dValue) {
     char acReal[32]; // ten digits, a sign, a point and six decimals at most
     const std::to_chars_result stEnd =
         std::to_chars(acReal, std::end(acReal), dValue, std::chars_format::fixed, 6);
-    PendingOutput().append(acReal, stEnd.ptr);
+    PutText({acReal, static_cast<size_t>(stEnd.ptr - acReal)});
 }
 
 void PutElements(const char *pcText, ByteView stView, Field stFirst, uint32_t u32Count) {
@@ -163,7 +162,10 @@ void PutVendorData(const char *pcHeading, ByteView stView, Field stLength, uint3
 
 void PutClosingLine(const char *pcBanner) {
     const char *pcFirst = pcBanner + std::strspn(pcBanner, "\n");
-    PendingOutput().append("\n\n").append(std::strlen(pcFirst), *pcFirst) += '\n';
+    const size_t uLength = std::strlen(pcFirst);
+    PutText("\n\n");
+    EndOutputAt(std::fill_n(OutputRoom(uLength), uLength, *pcFirst));
+    PutText("\n");
 }
 
 const char *NameOf(std::span<const CodeName> astNames, uint32_t u32Code, const char *pcOther) {

@@ -48,7 +48,7 @@ void BeginRun(ByteView stTyped) {
     }
     lseek(iInput, 0, SEEK_SET);
     Replace(STDIN_FILENO, iInput);
-    PendingOutput().clear();
+    DropPendingOutput();
     OpenConsole();
     SetDeviceBytes({});
     g_hDevice = 1;

@@ -2,6 +2,7 @@
 
 #include <numeric>
 
+#include "Console.h"
 #include "TestConsole.h"
 
 namespace {
@@ -39,11 +40,18 @@ TEST_F(HexDumpTest, NothingPrintsNothing) {
 }
 
 TEST_F(HexDumpTest, WhatStoodBeforeStays) {
-    std::string strOutput = "before:";
-    AppendEachByte(strOutput, " %02x", stBytes.From(0, 2));
-    EXPECT_EQ(strOutput, "before: 00 09");
-    AppendHexLines(strOutput, "\r\n  %08x : ", 8, "%02x ", stBytes.From(2, 1));
-    EXPECT_EQ(strOutput, "before: 00 09\r\n  00000008 : 0a ");
+    EXPECT_EQ(PrintedBy([] {
+                  PutText("before:");
+                  PutEachByte(" %02x", stBytes.From(0, 2));
+                  PutHexLines("\r\n  %08x : ", 8, "%02x ", stBytes.From(2, 1));
+              }),
+              "before: 00 09\r\n  00000008 : 0a ");
+}
+
+TEST_F(HexDumpTest, ALineIsWrittenWithoutTheConsole) {
+    char acLine[uMostHexLine];
+    const char *pcEnd = WriteHexLine(acLine, "\r\n  %08x : ", 8, "%02x ", stBytes.From(2, 1));
+    EXPECT_EQ(std::string(acLine, static_cast<size_t>(pcEnd - acLine)), "\r\n  00000008 : 0a ");
 }
 
 TEST_F(HexDumpTest, EightBytesALineBehindTheirAddress) {

@@ -46,7 +46,7 @@ void ReplaceOutput() {
 void ConsoleTest::SetUp() {
     ReplaceInput();
     ReplaceOutput();
-    PendingOutput().clear();
+    DropPendingOutput();
     OpenConsole();
     FakeDevice::Reset();
     g_hDevice = 1;

@@ -1,0 +1,226 @@
+#include "Output.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdarg>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+
+#include <poll.h>
+#include <unistd.h>
+
+#include "Descriptors.h"
+#include "Ending.h"
+
+constinit thread_local OutputBuffer *gpstOutput = nullptr;
+
+namespace {
+
+// The menus, the library's thread, and some more for a library with several.
+// Who comes when all are taken waits for the end of a report.
+OutputBuffer gastBuffers[8];
+
+// Turns at the output, in the order of asking.
+std::atomic<uint32_t> gu32NextTurn{0};
+std::atomic<uint32_t> gu32Turn{0};
+
+// The exit status when nobody reads the output.
+constexpr int iOutputGone = 128 + SIGPIPE;
+
+// Reports of the library's threads under way.
+std::atomic<uint32_t> gu32Reports{0};
+std::atomic<bool> gbClosed{false};
+
+void WaitAMillisecond() { poll(nullptr, 0, 1); }
+
+OutputBuffer *TakeBuffer() {
+    for (;;) {
+        for (OutputBuffer &stBuffer : gastBuffers) {
+            if (!stBuffer.Taken.test_and_set(std::memory_order_acquire)) {
+                return &stBuffer;
+            }
+        }
+        WaitAMillisecond();
+    }
+}
+
+// False when the client ends before it is this thread's turn; nobody gets one
+// any more then.
+bool TakeOutput(OutputBuffer *pstBuffer) {
+    if (!pstBuffer->bHasOutput) {
+        const uint32_t u32Mine = gu32NextTurn++;
+        while (gu32Turn.load(std::memory_order_acquire) != u32Mine) {
+            if (TimeLeft() == 0) {
+                return false;
+            }
+            WaitAMillisecond();
+        }
+        pstBuffer->bHasOutput = true;
+    }
+    return true;
+}
+
+void LeaveOutput(OutputBuffer *pstBuffer) {
+    if (pstBuffer->bHasOutput) {
+        pstBuffer->bHasOutput = false;
+        gu32Turn.fetch_add(1, std::memory_order_release);
+    }
+}
+
+// Waits until the output takes something; false when the client ends first.
+bool WaitForRoom() {
+    const int iTimeLeft = TimeLeft();
+    if (iTimeLeft == 0) {
+        return false;
+    }
+    pollfd astPoll[] = {{OutputDescriptor(), POLLOUT, 0}, {EndEvent(), POLLIN, 0}};
+    if (iTimeLeft > 0) {
+        poll(astPoll, 1, iTimeLeft);
+    } else if (IsEnding()) {
+        poll(astPoll, 1, iLookAgain); // the limit may come yet
+    } else {
+        poll(astPoll, 2, IdleLimit());
+    }
+    return true;
+}
+
+// Writes all of it, or as much as the output takes until the client ends.
+void WriteWhole(std::string_view strText) {
+    bool bJustWaited = false;
+    while (!strText.empty()) {
+        const ssize_t iWritten = WriteOutput(strText.data(), strText.size());
+        if (iWritten >= 0) {
+            strText.remove_prefix(static_cast<size_t>(iWritten));
+            bJustWaited = false;
+        } else if (errno == EAGAIN) {
+            if (bJustWaited) {
+                WaitAMillisecond(); // room for less than the smallest piece
+            }
+            if (!WaitForRoom()) {
+                return;
+            }
+            bJustWaited = true;
+        } else if (errno != EINTR) {
+            EndClient(iOutputGone);
+            return;
+        }
+    }
+}
+
+void WritePending(OutputBuffer *pstBuffer) {
+    if (TakeOutput(pstBuffer)) {
+        WriteWhole({pstBuffer->acText, pstBuffer->uUsed});
+    }
+    pstBuffer->uUsed = 0;
+}
+
+} // namespace
+
+void MakeOutputRoom() {
+    if (gpstOutput == nullptr) {
+        gpstOutput = TakeBuffer();
+    } else {
+        WritePending(gpstOutput);
+    }
+}
+
+void PutText(std::string_view strText) {
+    while (!strText.empty()) {
+        const size_t uCount = std::min(strText.size(), uMostRoom);
+        char *pcRoom = OutputRoom(uCount);
+        std::memcpy(pcRoom, strText.data(), uCount);
+        EndOutputAt(pcRoom + uCount);
+        strText.remove_prefix(uCount);
+    }
+}
+
+void PutLine(std::string_view strText) {
+    PutText(strText);
+    PutText("\n");
+}
+
+void PutFormat(const char *pcFormat, ...) {
+    constexpr size_t uMost = 512;
+    char *pcRoom = OutputRoom(uMost);
+    va_list stArguments;
+    va_start(stArguments, pcFormat);
+    const int iLength = vsnprintf(pcRoom, uMost, pcFormat, stArguments);
+    va_end(stArguments);
+    if (iLength > 0) {
+        EndOutputAt(pcRoom + std::min<size_t>(static_cast<size_t>(iLength), uMost - 1));
+    }
+}
+
+void FlushOutput() {
+    if (gpstOutput != nullptr) {
+        if (gpstOutput->uUsed != 0) {
+            WritePending(gpstOutput);
+        }
+        DropPendingOutput();
+    }
+}
+
+std::string_view PendingOutput() {
+    if (gpstOutput == nullptr) {
+        return {};
+    }
+    return {gpstOutput->acText, gpstOutput->uUsed};
+}
+
+void DropPendingOutput() {
+    OutputBuffer *pstBuffer = gpstOutput;
+    if (pstBuffer != nullptr) {
+        LeaveOutput(pstBuffer);
+        pstBuffer->uUsed = 0;
+        gpstOutput = nullptr;
+        pstBuffer->Taken.clear(std::memory_order_release);
+    }
+}
+
+void HeedOutput(int iEvents) {
+    if ((iEvents & (POLLERR | POLLHUP)) != 0) {
+        EndClient(iOutputGone);
+    }
+}
+
+void LookAtOutput() {
+    pollfd stPoll{STDOUT_FILENO, 0, 0};
+    poll(&stPoll, 1, 0);
+    HeedOutput(stPoll.revents);
+}
+
+void EndIfOutputClosed() {
+    if (TimeLeft() == 0 || EndStatus() == iOutputGone) {
+        EndIfTold();
+    }
+}
+
+bool BeginReport() {
+    ++gu32Reports;
+    if (gbClosed) {
+        --gu32Reports;
+        return false;
+    }
+    return true;
+}
+
+void EndReport() { --gu32Reports; }
+
+void CloseOutput() {
+    LimitLastReport();
+    gbClosed = true;
+    while (gu32Reports != 0 && TimeLeft() != 0) {
+        WaitAMillisecond();
+    }
+    EndLastReport();
+}
+
+void OpenOutput() {
+    DropPendingOutput();
+    gu32NextTurn = 0;
+    gu32Turn = 0;
+    gu32Reports = 0;
+    gbClosed = false;
+}
