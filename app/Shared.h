@@ -9,8 +9,9 @@
 
 #include "Wire.h"
 
-// A byte table with one writer. A reader always gets the bytes of whole writes:
-// it looks again when a write came in between.
+// A byte table. A reader always gets the bytes of whole writes: it looks again
+// when a write came in between. Writers, should a library have several threads,
+// take turns.
 template <uint32_t u32Size> struct SharedBytes {
     std::atomic<uint32_t> u32Writes{0}; // odd while a write is going on
     // The bytes in the order of memory, four at a time.
@@ -18,7 +19,10 @@ template <uint32_t u32Size> struct SharedBytes {
 
     // Stores what fits of stFrom at u32Offset, a multiple of four.
     void Store(uint32_t u32Offset, ByteView stFrom) {
-        ++u32Writes;
+        uint32_t u32Before = u32Writes;
+        while (u32Before % 2 != 0 || !u32Writes.compare_exchange_weak(u32Before, u32Before + 1)) {
+            u32Before = u32Writes;
+        }
         const uint32_t u32Count =
             std::min(stFrom.u32Length, u32Size - std::min(u32Offset, u32Size));
         for (uint32_t i = 0; i < u32Count; i += 4) {

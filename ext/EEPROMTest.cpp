@@ -1,16 +1,20 @@
 #include "EEPROMTest.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <cinttypes>
 #include <cstdarg>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
-#include <string>
 #include <string_view>
 
 #include "Authentication.h"
 #include "Console.h"
+#include "Descriptors.h"
 #include "HexDump.h"
 #include "Message.h"
+#include "Scan.h"
 #include "VendorSpecificMessageApp.h"
 #include "VendorSpecificParameters.h"
 
@@ -45,11 +49,35 @@ void PutRandomBytes(ByteSpan stBytes) {
     }
 }
 
-// Flushed each time, so that a kill loses nothing. A log that cannot be written
-// does not stop the test.
+// What the log has lost: a full disk, say. It is said once, and what comes next
+// begins a new line.
+bool gbLogTorn = false;
+bool gbLossSaid = false;
+
+void SayLogLoss(const char *pcWhat) {
+    char acLine[160];
+    const int iLength =
+        std::snprintf(acLine, sizeof acLine, "%s: %s: %s", pcLogFile, std::strerror(errno), pcWhat);
+    Complain({acLine, static_cast<size_t>(std::max(iLength, 0))});
+}
+
+bool WriteLogPiece(std::string_view strText) {
+    return std::fwrite(strText.data(), 1, strText.size(), gpEEPROMLogFile) == strText.size();
+}
+
+// The stream has no buffer, so that a kill loses nothing. A log that cannot be
+// written does not stop the test.
 void WriteLog(std::string_view strText) {
-    (void)std::fwrite(strText.data(), 1, strText.size(), gpEEPROMLogFile);
-    (void)std::fflush(gpEEPROMLogFile);
+    if ((!gbLogTorn || WriteLogPiece("\r\n")) && WriteLogPiece(strText)) {
+        gbLogTorn = false;
+        return;
+    }
+    gbLogTorn = true;
+    if (!gbLossSaid) {
+        gbLossSaid = true;
+        SayLogLoss("a part of the log is lost");
+    }
+    std::clearerr(gpEEPROMLogFile);
 }
 
 void DumpView(const char *pcTitle, ByteView stBytes) {
@@ -114,10 +142,35 @@ void RunRound(uint64_t u64Round) {
 
 // Closes the log also when the client ends in the middle of the test.
 struct OpenLog {
-    OpenLog() { Init_EEPROMTestLog(pcLogFile); }
+    OpenLog() {
+        Init_EEPROMTestLog(pcLogFile);
+        if (gpEEPROMLogFile == nullptr) {
+            SayLogLoss("nothing is logged");
+        }
+    }
     ~OpenLog() { Close_EEPROMTestLog(); }
     OpenLog(const OpenLog &) = delete;
     OpenLog &operator=(const OpenLog &) = delete;
+};
+
+// Blanks behind the choice, as far as its line goes, are no key.
+struct KeyWatch {
+    bool bOnChoiceLine = PushedBackInputChar() != '\n' && IsSpace(PushedBackInputChar());
+
+    bool IsPressed() {
+        while (bOnChoiceLine) {
+            const int iChar = TakeInputChar();
+            if (iChar == iNoInputChar) {
+                return false;
+            }
+            bOnChoiceLine = iChar != '\n';
+            if (!IsSpace(iChar)) {
+                PushBackInputChar(iChar);
+                return true;
+            }
+        }
+        return MyKbHit() != 0;
+    }
 };
 
 } // namespace
@@ -126,10 +179,12 @@ int32_t EEPROMTest() {
     // NOLINTNEXTLINE(cert-msc51-cpp): a test pattern, no secret
     std::srand(static_cast<unsigned>(std::time(nullptr)));
     const OpenLog stLog;
-    for (uint64_t u64Round = 1; MyKbHit() == 0; ++u64Round) {
+    KeyWatch stKeys;
+    for (uint64_t u64Round = 1; !stKeys.IsPressed(); ++u64Round) {
         RunRound(u64Round);
         FlushOutput();
-        EndIfSignalled();
+        LookAtOutput();
+        EndIfTold();
     }
     return 0;
 }
@@ -137,6 +192,11 @@ int32_t EEPROMTest() {
 void Init_EEPROMTestLog(const char *pcPath) {
     if (pcPath != nullptr) {
         gpEEPROMLogFile = std::fopen(pcPath, "a+");
+    }
+    if (gpEEPROMLogFile != nullptr) {
+        (void)std::setvbuf(gpEEPROMLogFile, nullptr, _IONBF, 0);
+        gbLogTorn = false;
+        gbLossSaid = false;
     }
 }
 
@@ -164,11 +224,16 @@ int32_t EEPROMTestLog_Dump(const char *pcTitle, const uint8_t *pucData, int32_t 
     if (gpEEPROMLogFile == nullptr || pucData == nullptr || iLength <= 0) {
         return 0;
     }
-    WriteLog(std::string("\r\n================= ") + pcTitle + " =================\r\n");
-    std::string strLines;
-    AppendHexLines(strLines, "\r\n  %08x : ", 0, "%02x ",
-                   {pucData, static_cast<uint32_t>(iLength)});
-    WriteLog(strLines);
+    WriteLog("\r\n================= ");
+    WriteLog(pcTitle);
+    WriteLog(" =================\r\n");
+    const ByteView stBytes{pucData, static_cast<uint32_t>(iLength)};
+    for (uint32_t i = 0; i < stBytes.u32Length; i += u32BytesALine) {
+        char acLine[uMostHexLine];
+        const char *pcEnd =
+            WriteHexLine(acLine, "\r\n  %08x : ", i, "%02x ", stBytes.From(i, u32BytesALine));
+        WriteLog({acLine, static_cast<size_t>(pcEnd - acLine)});
+    }
     WriteLog("\r\n================================================\r\n");
     return 0;
 }
