@@ -183,7 +183,7 @@ TEST_F(Library, AMessageComesInAWholeRecordZeroBehindIt) {
                                                       [](uint8_t u8Byte) { return u8Byte == 0; });
     };
     OpenAndRegister();
-    EXPECT_EQ(WaitForMessages(1), std::vector<std::string>{"03 00 02 00 aa bb"});
+    EXPECT_EQ(WaitForMessages(1), std::vector<std::string>{"03 00 02 00 AA BB"});
     CloseWiMAXDevice(); // waits for the callback
     EXPECT_TRUE(g_bZeroBehind);
 }
