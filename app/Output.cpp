@@ -49,13 +49,16 @@ OutputBuffer *TakeBuffer() {
 // False when the client ends before it is this thread's turn; nobody gets one
 // any more then.
 bool TakeOutput(OutputBuffer *pstBuffer) {
+    if (TimeLeft() == 0) {
+        return false;
+    }
     if (!pstBuffer->bHasOutput) {
         const uint32_t u32Mine = gu32NextTurn++;
         while (gu32Turn.load(std::memory_order_acquire) != u32Mine) {
+            WaitAMillisecond();
             if (TimeLeft() == 0) {
                 return false;
             }
-            WaitAMillisecond();
         }
         pstBuffer->bHasOutput = true;
     }

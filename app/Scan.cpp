@@ -1,8 +1,10 @@
 #include "Scan.h"
 
+#include <algorithm>
+#include <cinttypes>
+#include <cstdio>
 #include <cstdlib>
 #include <limits>
-#include <string>
 
 namespace {
 
@@ -57,16 +59,24 @@ ScanResult ScanDigits(const CharSource &stSource, uint32_t u32Base, Digits *pstD
     return bAnyDigit ? ScanResult::Converted : ScanResult::NotConverted;
 }
 
-// Collects the characters of a floating-point number.
-struct FloatText {
+// A floating-point number while its characters come, however many: so many
+// digits that no further one changes a float, and where the point stands.
+struct FloatNumber {
+    // The longest number between two floats has 113 digits.
+    static constexpr uint32_t MostDigits = 120;
+    static constexpr int64_t MostExponent = 1000000;
+
     const CharSource &stSource;
     int iChar;
-    std::string strText;
+    bool bNegative = false;
+    bool bHexadecimal = false;
+    char acDigits[MostDigits] = {};
+    uint32_t u32Digits = 0;
+    bool bMore = false;    // a digit that is left out is not zero
+    int64_t iScale = 0;    // the digits count this power of their base
+    int64_t iExponent = 0; // typed, of 10 or of 2
 
-    void Take() {
-        strText += static_cast<char>(iChar);
-        iChar = Next(stSource);
-    }
+    void Take() { iChar = Next(stSource); }
     // Takes the letters of pcWord, in either case, as far as they are there.
     bool TakeWord(const char *pcWord) {
         for (; *pcWord != '\0'; ++pcWord) {
@@ -78,50 +88,84 @@ struct FloatText {
         return true;
     }
     bool IsSign() const { return iChar == '-' || iChar == '+'; }
+    bool TakeSign() {
+        const bool bMinus = iChar == '-';
+        if (IsSign()) {
+            Take();
+        }
+        return bMinus;
+    }
+    void TakeDigit(bool bBehindPoint) {
+        const bool bLeft = u32Digits == MostDigits;
+        if (bLeft) {
+            bMore = bMore || iChar != '0';
+        } else if (u32Digits != 0 || iChar != '0') {
+            acDigits[u32Digits++] = static_cast<char>(iChar);
+        }
+        iScale += (bLeft ? 1 : 0) - (bBehindPoint ? 1 : 0);
+        Take();
+    }
+    void TakeExponent() {
+        const bool bMinus = TakeSign();
+        for (; DigitOf(iChar) < 10; Take()) {
+            iExponent = std::min(iExponent * 10 + DigitOf(iChar), MostExponent);
+        }
+        iExponent = bMinus ? -iExponent : iExponent;
+    }
+
+    float Value() const {
+        char acText[MostDigits + 40];
+        const int64_t iPower =
+            std::clamp(iExponent + iScale * (bHexadecimal ? 4 : 1), -MostExponent, MostExponent);
+        (void)std::snprintf(acText, sizeof acText, "%s%s%.*s%s%c%" PRId64, bNegative ? "-" : "",
+                            bHexadecimal ? "0x" : "", static_cast<int>(u32Digits), acDigits,
+                            bMore ? ".1" : (u32Digits == 0 ? "0" : ""), bHexadecimal ? 'p' : 'e',
+                            iPower);
+        return std::strtof(acText, nullptr);
+    }
 };
 
 // Takes mantissa and exponent; false when there is no number.
-bool TakeFloatDigits(FloatText &stText) {
-    uint32_t u32Base = 10;
-    char cExponent = 'e';
+bool TakeFloatDigits(FloatNumber &stNumber) {
     bool bAnyDigit = false;
-    if (stText.iChar == '0') {
-        stText.Take();
+    if (stNumber.iChar == '0') {
+        stNumber.Take();
         bAnyDigit = true;
-        if (ToLower(stText.iChar) == 'x') {
-            stText.Take();
-            u32Base = 16;
-            cExponent = 'p';
+        if (ToLower(stNumber.iChar) == 'x') {
+            stNumber.Take();
+            stNumber.bHexadecimal = true;
             bAnyDigit = false;
         }
     }
+    const uint32_t u32Base = stNumber.bHexadecimal ? 16 : 10;
     bool bPoint = false;
-    bool bExponent = false;
     for (;;) {
-        if (DigitOf(stText.iChar) < (bExponent ? 10 : u32Base)) {
+        if (DigitOf(stNumber.iChar) < u32Base) {
             bAnyDigit = true;
-            stText.Take();
-        } else if (!bPoint && !bExponent && stText.iChar == '.') {
+            stNumber.TakeDigit(bPoint);
+        } else if (!bPoint && stNumber.iChar == '.') {
             bPoint = true;
-            stText.Take();
-        } else if (bAnyDigit && !bExponent && ToLower(stText.iChar) == cExponent) {
-            bExponent = true;
-            stText.Take();
-            if (stText.IsSign()) {
-                stText.Take();
-            }
+            stNumber.Take();
         } else {
-            return bAnyDigit || (u32Base == 16 && bPoint); // "0x." is a zero to the C library
+            break;
         }
     }
+    if (bAnyDigit && ToLower(stNumber.iChar) == (stNumber.bHexadecimal ? 'p' : 'e')) {
+        stNumber.Take();
+        stNumber.TakeExponent();
+    }
+    return bAnyDigit || (stNumber.bHexadecimal && bPoint); // "0x." is a zero to the C library
 }
 
 // Takes "nan", "inf" or "infinity"; false when the word breaks off.
-bool TakeFloatWord(FloatText &stText) {
-    if (ToLower(stText.iChar) == 'n') {
-        return stText.TakeWord("nan");
+bool TakeFloatWord(FloatNumber &stNumber, float *pfValue) {
+    if (ToLower(stNumber.iChar) == 'n') {
+        *pfValue = std::numeric_limits<float>::quiet_NaN();
+        return stNumber.TakeWord("nan");
     }
-    return stText.TakeWord("inf") && (ToLower(stText.iChar) != 'i' || stText.TakeWord("inity"));
+    *pfValue = std::numeric_limits<float>::infinity();
+    return stNumber.TakeWord("inf") &&
+           (ToLower(stNumber.iChar) != 'i' || stNumber.TakeWord("inity"));
 }
 
 } // namespace
@@ -164,27 +208,27 @@ ScanResult ScanHexadecimal(const CharSource &stSource, uint32_t *pu32Value) {
 }
 
 ScanResult ScanFloat(const CharSource &stSource, float *pfValue) {
-    FloatText stText{stSource, SkipSpace(stSource), {}};
-    if (stText.iChar < 0) {
+    FloatNumber stNumber{stSource, SkipSpace(stSource)};
+    if (stNumber.iChar < 0) {
         return ScanResult::Ended;
     }
-    if (stText.IsSign()) {
-        stText.Take();
-    }
-    const int iFirst = ToLower(stText.iChar);
+    stNumber.bNegative = stNumber.TakeSign();
+    const int iFirst = ToLower(stNumber.iChar);
     if (iFirst == 'n' || iFirst == 'i') {
+        float fValue = 0;
         // The C library does not give the character back that breaks such a word.
-        if (!TakeFloatWord(stText)) {
+        if (!TakeFloatWord(stNumber, &fValue)) {
             return ScanResult::NotConverted;
         }
-        PushBack(stSource, stText.iChar);
-    } else {
-        const bool bNumber = TakeFloatDigits(stText);
-        PushBack(stSource, stText.iChar);
-        if (!bNumber) {
-            return ScanResult::NotConverted;
-        }
+        PushBack(stSource, stNumber.iChar);
+        *pfValue = stNumber.bNegative ? -fValue : fValue;
+        return ScanResult::Converted;
     }
-    *pfValue = std::strtof(stText.strText.c_str(), nullptr);
+    const bool bNumber = TakeFloatDigits(stNumber);
+    PushBack(stSource, stNumber.iChar);
+    if (!bNumber) {
+        return ScanResult::NotConverted;
+    }
+    *pfValue = stNumber.Value();
     return ScanResult::Converted;
 }

@@ -4,8 +4,10 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <new>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -174,6 +176,21 @@ class PauseTest : public ConsoleTest {
 
 TEST_F(PauseTest, APauseLasts) { EXPECT_GE(SecondsOf(50000), 0.05); }
 
+TEST_F(PauseTest, APauseGoesOnAfterASignalThatSomebodyElseHandles) {
+    struct sigaction stHandled {};
+    stHandled.sa_handler = [](int) {};
+    sigaction(SIGUSR1, &stHandled, nullptr);
+    const pthread_t Sleeper = pthread_self();
+    std::thread Other([Sleeper] {
+        for (int i = 0; i < 5; ++i) {
+            poll(nullptr, 0, 10);
+            pthread_kill(Sleeper, SIGUSR1);
+        }
+    });
+    EXPECT_GE(SecondsOf(200000), 0.2);
+    Other.join();
+}
+
 TEST_F(PauseTest, APauseEndsWithTheClient) {
     std::thread Leaving([] {
         poll(nullptr, 0, 20);
@@ -248,6 +265,181 @@ TEST_F(OutputTest, AReaderThatGoesAwayEndsTheClientWithStatus141) {
     EXPECT_EQ(FakeDevice::Calls().back(), "CloseWiMAXDevice");
 }
 
+// A pipe in the place of the output; the test is its reader.
+class PipeTest : public ConsoleTest {
+  protected:
+    void SetUp() override {
+        ConsoleTest::SetUp();
+        int aiPipe[2];
+        ASSERT_EQ(pipe2(aiPipe, O_CLOEXEC), 0);
+        ASSERT_EQ(dup2(aiPipe[1], STDOUT_FILENO), STDOUT_FILENO);
+        close(aiPipe[1]);
+        iReader = aiPipe[0];
+        OpenConsole();
+    }
+    void TearDown() override {
+        close(iReader);
+        ConsoleTest::TearDown();
+    }
+    std::string Read(size_t uCount) const {
+        std::string strRead(uCount, '\0');
+        size_t uRead = 0;
+        while (uRead < uCount) {
+            const ssize_t iCount = read(iReader, strRead.data() + uRead, uCount - uRead);
+            if (iCount <= 0) {
+                break;
+            }
+            uRead += static_cast<size_t>(iCount);
+        }
+        strRead.resize(uRead);
+        return strRead;
+    }
+    static void PutMany(char cFill, size_t uCount) {
+        for (size_t i = 0; i < uCount; i += 1000) {
+            PutText(std::string(1000, cFill));
+        }
+    }
+
+    int iReader = -1;
+};
+
+// Much more than the buffer holds.
+constexpr size_t uLongReport = 500000;
+
+TEST_F(PipeTest, AReportLongerThanTheBufferStaysInOnePiece) {
+    std::thread Long([] {
+        PutMany('a', uLongReport);
+        FlushOutput();
+    });
+    std::string strRead = Read(1000); // the long one has the output
+    std::thread Short([] {
+        PutText("b");
+        FlushOutput();
+    });
+    strRead += Read(uLongReport - 1000);
+    EXPECT_EQ(strRead, std::string(uLongReport, 'a'));
+    EXPECT_EQ(Read(1), "b");
+    Long.join();
+    Short.join();
+}
+
+// One thread always has the next report ready; the other one asks once.
+TEST_F(PipeTest, WhoeverAsksWaitsForOneReportAtMost) {
+    constexpr size_t uReport = 100000;
+    std::atomic<bool> bStop{false};
+    std::atomic<bool> bAsked{false};
+    std::thread Flood([&] {
+        while (!bStop) {
+            PutMany('a', uReport);
+            FlushOutput();
+        }
+    });
+    Read(uReport / 2);
+    std::thread Menu([&] {
+        PutText("b");
+        bAsked = true;
+        FlushOutput();
+    });
+    while (!bAsked) {
+        poll(nullptr, 0, 1);
+    }
+    poll(nullptr, 0, 20);
+    const std::string strRead = Read(2 * uReport);
+    EXPECT_NE(strRead.find('b'), std::string::npos);
+    bStop = true;
+    std::thread Rest([&] {
+        while (Read(1000).size() == 1000) {
+        }
+    });
+    Menu.join();
+    Flood.join();
+    ASSERT_EQ(dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO), STDOUT_FILENO);
+    OpenConsole(); // closes the writing end
+    Rest.join();
+}
+
+TEST_F(PipeTest, MoreThreadsThanBuffersAllGetThrough) {
+    std::vector<std::thread> Threads;
+    for (int i = 0; i < 20; ++i) {
+        Threads.emplace_back([] {
+            PutText(std::string(10, 'a'));
+            poll(nullptr, 0, 5);
+            FlushOutput();
+        });
+    }
+    for (std::thread &Thread : Threads) {
+        Thread.join();
+    }
+    EXPECT_EQ(Read(200), std::string(200, 'a'));
+}
+
+TEST_F(PipeTest, ASignalFreesAWriterThatNobodyReads) {
+    std::thread Writer([] {
+        PutMany('a', uLongReport);
+        FlushOutput();
+    });
+    Read(1);
+    raise(SIGTERM);
+    Writer.join();
+    EXPECT_EQ(EndStatus(), 143);
+    PutText("nothing is written any more");
+    FlushOutput();
+    EXPECT_EQ(PendingOutput(), "");
+}
+
+TEST_F(PipeTest, ClosingWaitsForAReportUnderWay) {
+    ASSERT_TRUE(BeginReport());
+    std::atomic<bool> bWritten{false};
+    std::thread Library([&] {
+        poll(nullptr, 0, 50);
+        PutText("the last report");
+        FlushOutput();
+        bWritten = true;
+        EndReport();
+    });
+    CloseOutput();
+    EXPECT_TRUE(bWritten);
+    EXPECT_FALSE(BeginReport());
+    Library.join();
+    EXPECT_EQ(Read(15), "the last report");
+    PutText("too late");
+    FlushOutput();
+    pollfd stPoll{iReader, POLLIN, 0};
+    EXPECT_EQ(poll(&stPoll, 1, 0), 0);
+}
+
+TEST_F(PipeTest, ClosingDoesNotWaitForeverForAReportUnderWay) {
+    ASSERT_TRUE(BeginReport());
+    CloseOutput();
+    EXPECT_EQ(TimeLeft(), 0);
+}
+
+TEST_F(PipeTest, AReaderThatGoesAwayEndsAWaitForAKey) {
+    std::atomic<int> iKey{0};
+    std::thread Decoder([&] { iKey = WaitForKey(); });
+    poll(nullptr, 0, 20);
+    ASSERT_EQ(dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), iReader), iReader);
+    Decoder.join();
+    EXPECT_EQ(iKey, -1);
+    EXPECT_EQ(EndStatus(), 141);
+}
+
+TEST_F(PipeTest, AReaderThatGoesAwayEndsAPromptBehindAWaitForAKey) {
+    const KeyTurn stTurn; // the decoder's, between two keys
+    int iStatus = 0;
+    std::thread Menu([&] {
+        try {
+            ReadOption();
+        } catch (const ClientEnd &stEnd) {
+            iStatus = stEnd.iExitStatus;
+        }
+    });
+    poll(nullptr, 0, 20);
+    ASSERT_EQ(dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), iReader), iReader);
+    Menu.join();
+    EXPECT_EQ(iStatus, 141);
+}
+
 class ClientTest : public ConsoleTest {};
 
 TEST_F(ClientTest, TheMenusRunOnAnOpenRegisteredDevice) {
@@ -264,6 +456,21 @@ TEST_F(ClientTest, TheMenusRunOnAnOpenRegisteredDevice) {
 TEST_F(ClientTest, TheEndOfTheInputClosesTheDevice) {
     EndInput();
     EXPECT_EQ(RunClient(RunMainMenu), 0);
+    EXPECT_EQ(FakeDevice::Calls().back(), "CloseWiMAXDevice");
+}
+
+TEST_F(ClientTest, SignalsThatWereIgnoredStayIgnored) {
+    std::signal(SIGHUP, SIG_IGN);
+    OpenConsole();
+    raise(SIGHUP);
+    EXPECT_EQ(EndStatus(), 0);
+    std::signal(SIGHUP, SIG_DFL);
+}
+
+TEST_F(ClientTest, LackOfMemoryInTheMenusClosesTheDevice) {
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(RunClient([] { throw std::bad_alloc(); }), 1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "unit_tests: out of memory\n");
     EXPECT_EQ(FakeDevice::Calls().back(), "CloseWiMAXDevice");
 }
 

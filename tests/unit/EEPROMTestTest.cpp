@@ -7,6 +7,8 @@
 #include <fstream>
 #include <iterator>
 
+#include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -69,6 +71,14 @@ class EEPROMTestTest : public ConsoleTest {
         return {std::istreambuf_iterator<char>(File), {}};
     }
 
+    // The next word of the input.
+    static std::string ReadWordBehind() {
+        Type("\n");
+        char acWord[16];
+        ReadWord(acWord, sizeof acWord);
+        return acWord;
+    }
+
     // Presses a key during the last send of a round, the fourth one.
     static void StopAfterRounds(size_t uRounds) {
         FakeDevice::OnSend([uRounds](size_t uSend, auto) {
@@ -89,6 +99,89 @@ TEST_F(EEPROMTestTest, AKeyBeforeTheFirstRoundLeavesAnEmptyLogAndSendsNothing) {
     EXPECT_EQ(FakeDevice::Sent().size(), 0U);
     EXPECT_EQ(gpEEPROMLogFile, nullptr);
     EXPECT_EQ(Unread(), "x");
+}
+
+// What is typed behind the choice, as the menu leaves it.
+TEST_F(EEPROMTestTest, BlanksAndTheLineEndBehindTheChoiceAreNoKey) {
+    for (const char *pcChoice : {"2 \t\n", "2\r\n", "2 \r\n", "2\n", "2"}) {
+        FakeDevice::Reset();
+        Type(pcChoice);
+        if (pcChoice[1] == '\0') {
+            Type(" "); // ends the word; its line end comes during the first round
+        }
+        EXPECT_EQ(ReadOption(), 2);
+        FakeDevice::OnSend([pcChoice](size_t uSend, auto) {
+            if (uSend == 1 && pcChoice[1] == '\0') {
+                Type(" \n");
+            }
+            if (uSend == 8) {
+                Type("x");
+            }
+        });
+        PrintedBy(EEPROMTest);
+        EXPECT_EQ(FakeDevice::Sent().size(), 8U) << pcChoice;
+        EXPECT_EQ(ReadWordBehind(), "x") << pcChoice;
+    }
+}
+
+TEST_F(EEPROMTestTest, ACharacterBehindTheChoiceIsAKey) {
+    Type("2 x");
+    EXPECT_EQ(ReadOption(), 2);
+    PrintedBy(EEPROMTest);
+    EXPECT_EQ(FakeDevice::Sent().size(), 0U);
+    EXPECT_EQ(Unread(), "x");
+}
+
+TEST_F(EEPROMTestTest, ALogThatCannotBeOpenedIsSaidAndTheTestRuns) {
+    ASSERT_EQ(mkdir(pcLog, 0700), 0);
+    StopAfterRounds(2);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(PrintedBy(EEPROMTest), "");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "unit_tests: EEPROMTestLog.txt: Is a directory: nothing is logged\n");
+    EXPECT_EQ(FakeDevice::Sent().size(), 8U);
+}
+
+TEST_F(EEPROMTestTest, WhatTheLogCouldNotTakeIsSaidOnceAndTheLogGoesOnWithANewLine) {
+    Init_EEPROMTestLog(pcLog);
+    rlimit stBefore{};
+    getrlimit(RLIMIT_FSIZE, &stBefore);
+    std::signal(SIGXFSZ, SIG_IGN);
+    const std::string strTaken(1000, 't');
+    EEPROMTestLog("%s", strTaken.c_str());
+    const rlimit stFull{1002, stBefore.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &stFull);
+    testing::internal::CaptureStderr();
+    EEPROMTestLog("%s", "torn off");
+    EEPROMTestLog("%s", "lost");
+    const std::string strSaid = testing::internal::GetCapturedStderr();
+    setrlimit(RLIMIT_FSIZE, &stBefore);
+    EEPROMTestLog("%s", "taken again");
+    EEPROMTestLog("%s", ", and more");
+    Close_EEPROMTestLog();
+    EXPECT_EQ(strSaid,
+              "unit_tests: EEPROMTestLog.txt: File too large: a part of the log is lost\n");
+    EXPECT_EQ(Log(), strTaken + "to\r\ntaken again, and more");
+    EXPECT_EQ(Printed(), strTaken + "torn offlosttaken again, and more");
+}
+
+TEST_F(EEPROMTestTest, AReaderThatHasGoneEndsItAlsoWithoutALog) {
+    ASSERT_EQ(mkdir(pcLog, 0700), 0);
+    int aiPipe[2];
+    ASSERT_EQ(pipe2(aiPipe, O_CLOEXEC), 0);
+    ASSERT_EQ(dup2(aiPipe[1], STDOUT_FILENO), STDOUT_FILENO);
+    close(aiPipe[1]);
+    OpenConsole();
+    FakeDevice::OnSend([&](size_t uSend, auto) {
+        if (uSend == 8) {
+            close(aiPipe[0]);
+        }
+    });
+    testing::internal::CaptureStderr();
+    EXPECT_THROW(EEPROMTest(), ClientEnd);
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(EndStatus(), 141);
+    EXPECT_EQ(FakeDevice::Sent().size(), 8U);
 }
 
 TEST_F(EEPROMTestTest, TheEndOfTheInputStopsItToo) {

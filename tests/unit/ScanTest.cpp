@@ -152,6 +152,24 @@ TEST(ScanTest, HexadecimalNumbersAreTakenAsTheCLibraryTakesThem) {
 
 TEST(ScanTest, FloatingPointNumbersAreTakenAsTheCLibraryTakesThem) { CompareRandomTexts(stFloat); }
 
+TEST(ScanTest, NumbersOfAnyLengthHaveTheValueOfAllTheirDigits) {
+    const std::string strZeros(5000, '0');
+    const std::string strDigits(5000, '7');
+    // Halfway between 1 and the next float: one more digit, however far behind, decides.
+    const std::string strHalfway = "1.000000059604644775390625";
+    for (const std::string &strText :
+         {strZeros + "2.5", "2." + strZeros + "5", "0." + strZeros + "25e5001",
+          strDigits + "e-4990", "-" + strDigits + "." + strDigits + "e-4999", "1" + strZeros,
+          "1e" + strDigits, "1e-" + strDigits, strHalfway, strHalfway + strZeros,
+          strHalfway + strZeros + "1", "0x" + strZeros + "1.8", "0x1." + strZeros + "8",
+          "0x1" + strZeros + "p-20000", "0x1.000001" + strZeros + "1", "0x" + strDigits + "p-19990",
+          "0x0." + strZeros + "1p20004"}) {
+        Compare(stFloat, strText);
+    }
+    EXPECT_EQ(Ours(stFloat, strHalfway), "1 1065353216 taken 26");
+    EXPECT_EQ(Ours(stFloat, strHalfway + strZeros + "1"), "1 1065353217 taken 5027");
+}
+
 TEST(ScanTest, WhatADecimalNumberLeaves) {
     EXPECT_EQ(Ours(stDecimal, "12abc"), "1 12 taken 2");
     EXPECT_EQ(Ours(stDecimal, " \n-7 "), "1 -7 taken 4");
