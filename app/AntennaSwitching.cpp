@@ -51,9 +51,9 @@ struct PinGroup {
 };
 
 constexpr PinGroup astPinGroups[] = {
-    {AntennaConfig::NumRxGPIOs, AntennaConfig::RxGPIOs, AntennaConfig::MaxRxGPIOs,
+    {AntennaConfig::u32NumRxGPIOs, AntennaConfig::au32RxGPIO, AntennaConfig::MaxRxGPIOs,
      "\nEnter the Number of Rx GPIOs [Max: 4]: ", "\nEnter the Rx GPIO Number %d out of %d: "},
-    {AntennaConfig::NumTxGPIOs, AntennaConfig::TxGPIO, AntennaConfig::MaxTxGPIOs,
+    {AntennaConfig::u32NumTxGPIOs, AntennaConfig::u32TxGPIO, AntennaConfig::MaxTxGPIOs,
      "\nEnter the Number of Tx GPIOs [Max: 1]: ", "\nEnter the Tx GPIO Number %d out of %d: "},
 };
 
@@ -88,27 +88,27 @@ void AskConfig(ByteSpan stConfig) {
     for (const PinGroup &stGroup : astPinGroups) {
         AskPins(stConfig, stGroup);
     }
-    Put(stConfig, AntennaConfig::SetConfig, AntennaConfig::Write);
+    Put(stConfig, AntennaConfig::u32SetConfig, AntennaConfig::Write);
 }
 
 void AskScan(ByteSpan stRequest) {
     using namespace AntennaScanRequest;
-    Put(stRequest, Iterations, AskUnsigned("\nEnter the Iterations for scanning : "));
-    Put(stRequest, NumGPIOPatterns, AskUnsigned("\nEnter the number of GPIO patterns : "));
+    Put(stRequest, u32Iterations, AskUnsigned("\nEnter the Iterations for scanning : "));
+    Put(stRequest, u32NumGPIOPatterns, AskUnsigned("\nEnter the number of GPIO patterns : "));
     PutLine("\nEnter the GPIO Pattern Info : ");
     // The fourth pattern is announced, but never asked for.
     for (uint32_t i = 0; i < MaxGPIOPatterns - 1; ++i) {
         const uint32_t au32Numbers[] = {i + 1, MaxGPIOPatterns};
         PutNumbers("\n\tEntering GPIO pattern %d of %d :: ", au32Numbers);
-        Put(stRequest, GPIOPatterns, AskUnsigned(""), i * WidthOf(GPIOPatterns.eType));
+        Put(stRequest, au32GPIOPattern, AskUnsigned(""), i * WidthOf(au32GPIOPattern.eType));
     }
     PutLine("\nEnter the Scan Duration Interleaving Interval: ");
-    Put(stRequest, InterleaveInterval, AskUnsigned(""));
+    Put(stRequest, u32ScanInterleaveInterval, AskUnsigned(""));
 }
 
 constexpr Question astSelectionChoices[] = {
-    {"\nEnter the Rx Antenna Selction Choice : ", AntennaSelection::RxSelectionValid},
-    {"\nEnter the Tx Antenna Selction Choice : ", AntennaSelection::TxSelectionValid},
+    {"\nEnter the Rx Antenna Selction Choice : ", AntennaSelection::u32RxSelectionValid},
+    {"\nEnter the Tx Antenna Selction Choice : ", AntennaSelection::u32TxSelectionValid},
 };
 
 constexpr const char *apcAutomaticSettings[] = {
@@ -127,12 +127,12 @@ constexpr const char *apcFixedSettings[] = {
 };
 
 constexpr Question astAutomaticQuestions[] = {
-    {"\nEnter the IIR Averaging Parameter for Antenna 1 : ", AntennaSelection::IIRAvgAnt1},
+    {"\nEnter the IIR Averaging Parameter for Antenna 1 : ", AntennaSelection::u32IIRAvgAnt1},
     {"\nEnter the Switching Threshold Parameter for Antenna 1 (dB) : ",
-     AntennaSelection::HysThreshAnt1},
-    {"\nEnter the IIR Averaging Parameter for Antenna 2 : ", AntennaSelection::IIRAvgAnt2},
+     AntennaSelection::s32HysThreshAnt1},
+    {"\nEnter the IIR Averaging Parameter for Antenna 2 : ", AntennaSelection::u32IIRAvgAnt2},
     {"\nEnter the Switching Threshold Parameter for Antenna 2 (dB) : ",
-     AntennaSelection::HysThreshAnt2},
+     AntennaSelection::s32HysThreshAnt2},
 };
 
 void AskRxSettings(ByteSpan stRequest) {
@@ -141,7 +141,8 @@ void AskRxSettings(ByteSpan stRequest) {
     for (uint32_t i = 0; i < RxSettings; ++i) {
         const uint32_t au32Numbers[] = {i + 1, RxSettings};
         PutNumbers("\n\tEntering %d of %d :: ", au32Numbers);
-        Put(stRequest, RxAntennaSetting, AskUnsigned(""), i * WidthOf(RxAntennaSetting.eType));
+        Put(stRequest, au32RxAntennaSetting, AskUnsigned(""),
+            i * WidthOf(au32RxAntennaSetting.eType));
     }
 }
 
@@ -150,22 +151,22 @@ void AskTxSettings(ByteSpan stRequest) {
     PutText("\nEnter the Tx Auto Selction Choice :");
     PutText("\nValues [0 - Disable Auto Tx Selection");
     const bool bAutomatic = AskWithin("\n        1 - Auto Tx Selection ] : ", 0, 1) == 1;
-    Put(stRequest, TxAutoSelection, bAutomatic ? 1 : 0);
+    Put(stRequest, u32TxAutoSelection, bAutomatic ? 1 : 0);
     PutText("\nEnter the Tx Antenna Setting Info:");
     if (!bAutomatic) {
         PutTexts(apcFixedSettings);
-        Put(stRequest, TxAntennaSetting, AskUnsigned(""));
+        Put(stRequest, u32TxAntennaSetting, AskUnsigned(""));
         return;
     }
     PutTexts(apcAutomaticSettings);
-    Put(stRequest, TxAntennaSetting, AskUnsigned(""));
+    Put(stRequest, u32TxAntennaSetting, AskUnsigned(""));
     AskFields(stRequest, astAutomaticQuestions);
 }
 
 constexpr ReportRow stRxTotal = {"\nTotal Number of Rx GPIO's to be used: %d",
-                                 AntennaConfig::NumRxGPIOs};
+                                 AntennaConfig::u32NumRxGPIOs};
 constexpr ReportRow stTxTotal = {"\nTotal Number of Tx GPIO's to be used: %d",
-                                 AntennaConfig::NumTxGPIOs};
+                                 AntennaConfig::u32NumTxGPIOs};
 
 // The pins of a configuration that was read: as many as the count says and the
 // record has room for.
@@ -178,19 +179,19 @@ void PutPins(ByteView stPayload, const ReportRow &stTotal, const char *pcHeading
 
 void PutConfigResponse(ByteView stPayload) {
     using namespace AntennaConfig;
-    const bool bSuccess = Get(stPayload, Status) == 0;
+    const bool bSuccess = Get(stPayload, u32Status) == 0;
     PutText("\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!");
-    if (Get(stPayload, SetConfig) != Read) {
+    if (Get(stPayload, u32SetConfig) != Read) {
         PutRow(stPayload,
                bSuccess
                    ? ReportRow{"\n\nSetting the GPIO configuration from Host is Successfull !!"}
-                   : ReportRow{"Error code returned: %d", Status});
+                   : ReportRow{"Error code returned: %d", u32Status});
     } else if (bSuccess) {
-        PutPins(stPayload, stRxTotal, "\nList of Rx GPIO's are : ", RxGPIOs, MaxRxGPIOs);
-        PutPins(stPayload, stTxTotal, "\nList of Tx GPIO's are : ", TxGPIO, MaxTxGPIOs);
+        PutPins(stPayload, stRxTotal, "\nList of Rx GPIO's are : ", au32RxGPIO, MaxRxGPIOs);
+        PutPins(stPayload, stTxTotal, "\nList of Tx GPIO's are : ", u32TxGPIO, MaxTxGPIOs);
     } else {
         PutText("\n\tFailed in Getting the configuration from Firmware !!! ");
-        PutRow(stPayload, {"\n\tError Status Received :: %d", Status});
+        PutRow(stPayload, {"\n\tError Status Received :: %d", u32Status});
     }
 }
 
@@ -202,40 +203,40 @@ struct FrameRow {
 };
 
 constexpr FrameRow astFrameRows[] = {
-    {"\nRSSI Measurement of Antenna 1: ", " %d", AntennaScan::RSSIAnt1},
-    {"\nCINR Measurement of Antenna 1: ", " %d", AntennaScan::CINRAnt1},
-    {"\nRSSI Measurement of Antenna 2: ", " %d", AntennaScan::RSSIAnt2},
-    {"\nCINR Measurement of Antenna 2: ", " %d", AntennaScan::CINRAnt2},
-    {"\nActual Framer Numbers Scanned: ", " %u", AntennaScan::FrameNumber},
+    {"\nRSSI Measurement of Antenna 1: ", " %d", AntennaScan::as32RSSIAnt1},
+    {"\nCINR Measurement of Antenna 1: ", " %d", AntennaScan::as32CINRAnt1},
+    {"\nRSSI Measurement of Antenna 2: ", " %d", AntennaScan::as32RSSIAnt2},
+    {"\nCINR Measurement of Antenna 2: ", " %d", AntennaScan::as32CINRAnt2},
+    {"\nActual Framer Numbers Scanned: ", " %u", AntennaScan::au32FrameNumber},
 };
 
 constexpr ReportRow astScanRows[] = {
-    {"\nAcual Frames Scanned : %d", AntennaScan::FramesScanned},
-    {"\nRx GPIO Pattern Infomation:  %u %u %u", AntennaScan::RxGPIOPattern},
+    {"\nAcual Frames Scanned : %d", AntennaScan::u32FramesScanned},
+    {"\nRx GPIO Pattern Infomation:  %u %u %u", AntennaScan::au32RxGPIOPattern},
 };
 
 constexpr ReportRow astCurrentRows[] = {
-    {"\nCurrent GPIO Pattern:  %d %d %d %d", AntennaScan::CurrentGPIOPattern},
-    {"\nCurrent RSSI of Antenna 1: %d", AntennaScan::CurrentRSSIAnt1},
-    {"\nCurrent CINR of Antenna 1: %d", AntennaScan::CurrentCINRAnt1},
-    {"\nCurrent RSSI of Antenna 2: %d", AntennaScan::CurrentRSSIAnt2},
-    {"\nCurrent CINR of Antenna 2: %d", AntennaScan::CurrentCINRAnt2},
+    {"\nCurrent GPIO Pattern:  %d %d %d %d", AntennaScan::au32CurrentGPIOPattern},
+    {"\nCurrent RSSI of Antenna 1: %d", AntennaScan::s32CurrentRSSIAnt1},
+    {"\nCurrent CINR of Antenna 1: %d", AntennaScan::s32CurrentCINRAnt1},
+    {"\nCurrent RSSI of Antenna 2: %d", AntennaScan::s32CurrentRSSIAnt2},
+    {"\nCurrent CINR of Antenna 2: %d", AntennaScan::s32CurrentCINRAnt2},
 };
 
 void PutScanningResponse(ByteView stPayload) {
     using namespace AntennaScan;
     PutText("\n\tRECEIVED ANTENNA_SCANNING_RESPONSE !!");
-    if (Get(stPayload, Error) != 0) {
-        PutRow(stPayload, {"\n\tError in Antenna Scanning Response :: %d", Error});
+    if (Get(stPayload, u32ScanError) != 0) {
+        PutRow(stPayload, {"\n\tError in Antenna Scanning Response :: %d", u32ScanError});
         return;
     }
-    PutRow(stPayload, {"\nScanning Status : %d", Status});
-    if (Get(stPayload, Status) == 0) {
+    PutRow(stPayload, {"\nScanning Status : %d", u32ScanStatus});
+    if (Get(stPayload, u32ScanStatus) == 0) {
         PutLine("\n **************** Scan Aborted*****************");
         return;
     }
     PutRows(stPayload, astScanRows);
-    const uint32_t u32Frames = std::min(Get(stPayload, FramesScanned), MaxFrames);
+    const uint32_t u32Frames = std::min(Get(stPayload, u32FramesScanned), MaxFrames);
     for (const FrameRow &stRow : astFrameRows) {
         PutText(stRow.pcTitle);
         PutElements(stRow.pcValue, stPayload, stRow.stFirst, u32Frames);
@@ -245,9 +246,9 @@ void PutScanningResponse(ByteView stPayload) {
 
 void PutSelectionResponse(ByteView stPayload) {
     PutText("\n\tRECEIVED ANTENNA_SELECTION_RESPONSE !!");
-    if (Get(stPayload, StatusWord::Value) != 0) {
+    if (Get(stPayload, StatusWord::u32Value) != 0) {
         PutRow(stPayload,
-               {"\n\tFailed in Setting Rx/Tx Antennas: Error Received : %d", StatusWord::Value});
+               {"\n\tFailed in Setting Rx/Tx Antennas: Error Received : %d", StatusWord::u32Value});
     } else {
         PutText("\n\tSuccesfully set the Rx/Tx Antennas !!");
     }
@@ -293,7 +294,7 @@ int32_t SendAntennaScanningRequest() {
         au32Choices[AskWithin("\nEnter the Scan Choice : Values [0 - Abort Ongoing Scan or 1 - "
                               "Send Scan 2-Infinite Scanning]: ",
                               0, 2)];
-    Put(stRequest.Span(), ScanChoice, u32Choice);
+    Put(stRequest.Span(), u32ScanChoice, u32Choice);
     if (u32Choice != Abort) {
         AskScan(stRequest.Span());
     }

@@ -52,7 +52,7 @@ uint32_t CheckModemStatus() {
         return 0;
     }
     // The library has put the answer where the request was.
-    PutText(NameOf(astModemStates, Get(PayloadOf(stMessage), ModemStatus::State),
+    PutText(NameOf(astModemStates, Get(PayloadOf(stMessage), ModemStatus::u8State),
                    "\nMODEM STATUS: UNKNOWN"));
     return 1;
 }
@@ -60,33 +60,33 @@ uint32_t CheckModemStatus() {
 // Whether it could be sent does not matter: the modem's report decides.
 void SendFile(uint32_t u32FileType, std::string_view strPath) {
     Record<DownloadRequest::Size> stRequest;
-    Put(stRequest.Span(), DownloadRequest::FileType, u32FileType);
+    Put(stRequest.Span(), DownloadRequest::u32FileType, u32FileType);
     PutBytes(
-        stRequest.Span(), DownloadRequest::Path,
+        stRequest.Span(), DownloadRequest::acPath,
         {reinterpret_cast<const uint8_t *>(strPath.data()), static_cast<uint32_t>(strPath.size())});
     SendRequest(TYPE_CHIPSET, SUBTYPE_FIRMWARE_DOWNLOAD, stRequest.View());
 }
 
 void PutDownloadStatus(ByteView stPayload) {
     using namespace DownloadStatus;
-    const uint32_t u32FileType = Get(stPayload, FileType);
+    const uint32_t u32FileType = Get(stPayload, DownloadStatus::u32FileType);
     PutLine("\n~~~~~~~~~~ FIRMWARE DOWNLOAD STATUS RECEIVED ~~~~~~~~~~");
-    PutRow(stPayload, {"\n Firmware Download Status : %d", Status});
+    PutRow(stPayload, {"\n Firmware Download Status : %d", u32Status});
     switch (u32FileType) {
     case DownloadFile::Configuration:
         PutText("\n Configuration File : ");
-        PutString(stPayload.From(Path));
+        PutString(stPayload.From(acPath));
         break;
     case DownloadFile::Firmware:
         PutText("\n Firmware File : ");
-        PutString(stPayload.From(Path));
+        PutString(stPayload.From(acPath));
         break;
     default:
         PutText("\n Invalid file type set");
         break;
     }
     PutLine("\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~");
-    if (u32FileType == DownloadFile::Configuration && Get(stPayload, Status) == 0) {
+    if (u32FileType == DownloadFile::Configuration && Get(stPayload, u32Status) == 0) {
         // Shown first: the menu goes on as soon as the flag is clear.
         FlushOutput();
         iFWDlFlag = 0;

@@ -25,36 +25,36 @@ constexpr MatchGroup astMatchGroups[] = {
     {"\nWould you like to enter  IP masked source address (1-Yes and 0-No)",
      "\nPlz enter length of IP masked source address <32 that you would like to enter",
      "\nPlz enter the %d element of the IP Masked source address", IPMaskedAddrSize,
-     IPMaskedSrcAddrLength, IPMaskedSrcAddr},
+     u8IPMaskedSrcAddrLength, au8IPMaskedSrcAddr},
     {"\nWould you like to enter  IP Masked Destination Address (1-Yes and 0-No)",
      "\nPlz enter length of IP Masked Destination Address <32 that you would like to enter",
      "Plz enter the %d element of the Masked Destination Address \n", IPMaskedAddrSize,
-     IPMaskedDestAddrLength, IPMaskedDestAddr},
+     u8IPMaskedDestAddrLength, au8IPMaskedDestAddr},
     {"\nWould you like to enter  Protocol Source Port Range (1-Yes and 0-No)",
      "\nPlz enter length of Protocol Source Port Range <4 that you would like to enter",
      "\nPlz enter the %d element of the Protocol Source Port Range", PortRangeSize,
-     SrcPortRangeLength, SrcPortRange},
+     u8SrcPortRangeLength, au8SrcPortRange},
     {"\nWould you like to enter  Protocol Dest Port Range (1-Yes and 0-No)",
      "\nPlz enter length of Protocol Dest Port Range <4 that you would like to enter",
      "\nPlz enter the %d element of the Protocol Dest Port Range", PortRangeSize,
-     DestPortRangeLength, DestPortRange},
+     u8DestPortRangeLength, au8DestPortRange},
     {"\nWould you like to enter  Ethernet Source MAC Address (1-Yes and 0-No)",
      "\nPlz enter length of Ethernet Source MAC Address <12 that you would like to enter",
      "\nPlz enter the %d element of the Ethernet Source MAC Address", u32MostMacBytes,
-     EthSrcMacLength, EthSrcMac},
+     u8EthSrcMacLength, au8EthSrcMac},
     {"\nWould you like to enter  Ethernet Dest Mac Address (1-Yes and 0-No)",
      "\nPlz enter length of Ethernet Dest Mac Address <12 that you would like to enter",
      "\nPlz enter the %d element of the Ethernet Dest Mac Address", u32MostMacBytes,
-     EthDestMacLength, EthDestMac},
+     u8EthDestMacLength, au8EthDestMac},
 };
 
 constexpr uint32_t OffsetOfRule(uint32_t u32Rule) {
-    return SFParamSet::ClassifierRules + u32Rule * Size;
+    return SFParamSet::astClassifierRule + u32Rule * Size;
 }
 
 uint32_t EnterPriority(const SelectedSets &stSets, uint32_t u32Rule) {
     const uint32_t u32Priority = AskUnsigned("\nClassifier Rule priority (0-255): ");
-    PutInRule(stSets, u32Rule, Priority, u32Priority);
+    PutInRule(stSets, u32Rule, u8Priority, u32Priority);
     return u32Priority;
 }
 
@@ -63,7 +63,7 @@ void EnterProtocol(const SelectedSets &stSets, uint32_t u32Rule, uint32_t u32Val
     PutText("\nProtocol (Default - 0 UDP - 0x11 , TCP - 0x6 , ICMPv6 - 0x3a , Mobile Ipv6 - 0x87) "
             ": ");
     ReadHexNum(&u32Value);
-    PutInRule(stSets, u32Rule, Protocol, u32Value);
+    PutInRule(stSets, u32Rule, u8Protocol, u32Value);
 }
 
 // A negative length is stored, and no byte is asked for.
@@ -139,5 +139,5 @@ void EnterAddedClassifierRule(const SelectedSets &stSets, uint32_t u32RuleIndex)
 }
 
 void EnterPagingPreference(const SelectedSets &stSets) {
-    Put(stSets, SFParamSet::PagingPreference, AskUnsigned("\nPaging Preference (0 - 1): "));
+    Put(stSets, SFParamSet::u8PagingPreference, AskUnsigned("\nPaging Preference (0 - 1): "));
 }

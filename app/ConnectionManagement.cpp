@@ -54,13 +54,13 @@ uint32_t SearchNetwork() {
 uint32_t SyncUp() {
     using namespace SyncUpRequest;
     Record<Size> stRequest;
-    Put(stRequest.Span(), CenterFrequency,
+    Put(stRequest.Span(), u32CenterFrequency,
         AskFrequency("\nEnter the Center Frequency : [E.g: 3576.5/2670] "));
     PutLine("\n\nDo you want to enter the preamble ID\n");
     PutLine("\n1 - Enter the preamble ID, 0 - Don't enter the preamble ID ");
-    Put(stRequest.Span(), PreambleID,
+    Put(stRequest.Span(), u32PreambleID,
         ReadOption() == 1 ? AskInteger("\nEnter the preamble ID :") : AnyPreamble);
-    Put(stRequest.Span(), Bandwidth,
+    Put(stRequest.Span(), u32Bandwidth,
         AskInteger("\nEnter the Bandwidth to Sync: [E.g: 10000/7000] "));
     return LowByte(SendRequest(TYPE_NETWORK_ENTRY, SUBTYPE_SYNC_UP, stRequest.View()));
 }
@@ -74,8 +74,8 @@ uint32_t EnterNetworkByNSP() {
     using namespace NSPNetworkEntryRequest;
     Record<Size> stRequest;
     if (AskOption("\nDo you want to enter the NSP ID For network entry (1-Yes and 0-No) : ") == 1) {
-        Put(stRequest.Span(), NSPIDPresent, 1);
-        Put(stRequest.Span(), NSPID, AskUnsigned("\nEnter the NSP ID  : "));
+        Put(stRequest.Span(), u32NSPIDPresent, 1);
+        Put(stRequest.Span(), u32NSPID, AskUnsigned("\nEnter the NSP ID  : "));
     }
     return LowByte(SendRequest(TYPE_NETWORK_ENTRY, SUBTYPE_NSP_NETWORK_ENTRY, stRequest.View()));
 }
@@ -99,7 +99,7 @@ uint32_t SetLowPowerScanMode() {
         return 1;
     }
     Record<Size> stRequest;
-    Put(stRequest.Span(), Mode, FirstMode + static_cast<uint32_t>(iChoice) - 1);
+    Put(stRequest.Span(), u8Mode, FirstMode + static_cast<uint32_t>(iChoice) - 1);
     return LowByte(SendRequest(TYPE_NETWORK_SEARCH, SUBTYPE_LOW_POWER_SCAN, stRequest.View()));
 }
 
@@ -158,7 +158,7 @@ uint32_t FillDiscreteFrequencyInfo(ByteSpan stList) {
         PutLine(pcWrongValue);
         return 0;
     }
-    Put(stList, NumFrequencies, static_cast<uint32_t>(iCount));
+    Put(stList, u32NumFrequencies, static_cast<uint32_t>(iCount));
     PutFormat("\n*******ENTER THE %d NUMBER OF CENTER FREQS******", iCount);
     for (int32_t i = 1; i <= iCount; ++i) {
         PutFormat("\n*******ENTER THE %d CENTER FREQs (KHZ)******\n", i);
@@ -168,8 +168,8 @@ uint32_t FillDiscreteFrequencyInfo(ByteSpan stList) {
             PutBytes(stList, 0, Record<Size>{}.View());
             return 0;
         }
-        Put(stList, Frequencies, static_cast<uint32_t>(iFrequency),
-            static_cast<uint32_t>(i - 1) * WidthOf(Frequencies.eType));
+        Put(stList, au32Frequencies, static_cast<uint32_t>(iFrequency),
+            static_cast<uint32_t>(i - 1) * WidthOf(au32Frequencies.eType));
     }
     return 1;
 }

@@ -17,8 +17,8 @@ uint32_t SendHalfMiniCardStatusRequest();
 // A list of centre frequencies, as searches carry it.
 namespace DiscreteFrequencyList {
 inline constexpr uint32_t MaxFrequencies = 25;
-inline constexpr Field NumFrequencies{0, FieldType::U32};
-inline constexpr Field Frequencies{4, FieldType::U32}; // kHz
+inline constexpr Field u32NumFrequencies{0, FieldType::U32};
+inline constexpr Field au32Frequencies{4, FieldType::U32}; // kHz
 inline constexpr uint32_t Size = 104;
 } // namespace DiscreteFrequencyList
 

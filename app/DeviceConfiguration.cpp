@@ -42,7 +42,7 @@ bool ReadMACAddress(ByteSpan stOctets) {
                     &au32Octets[2], &au32Octets[3], &au32Octets[4], &au32Octets[5]);
     // NOLINTEND(cert-err34-c)
     for (uint32_t i = 0; i < MACAddressRecord::Size; ++i) {
-        Put(stOctets, MACAddressRecord::Octets, au32Octets[i], i);
+        Put(stOctets, MACAddressRecord::aucOctets, au32Octets[i], i);
     }
     return iConverted == static_cast<int>(MACAddressRecord::Size);
 }
@@ -79,7 +79,7 @@ uint32_t DeviceConfigResp(const WiMAXMessage *pstMessage) {
     case SUBTYPE_CINR_RSSI_THRESHOLD:
         return static_cast<uint8_t>(SetCinrRssiForNetworkSearchResponse(pstMessage));
     case SUBTYPE_IP_FILTER_STATUS_IND: {
-        const uint32_t u32Status = Get(stReceived.stPayload, IPFilterStatus::Status);
+        const uint32_t u32Status = Get(stReceived.stPayload, IPFilterStatus::u32Status);
         PutNumber(NameOf(astIPFilterTexts, u32Status, "\nIP Filtering Status received as %d"),
                   u32Status);
         return 1;
@@ -96,10 +96,10 @@ uint32_t MACSetResponse(const WiMAXMessage *pstMessage) {
     }
     PutLine("\n~~~~~~~~~~~~~~ MAC ADDRESS SET RESPONSE ~~~~~~~~~~~~~~");
     PutText("\nSTATUS : ");
-    if (Get(stReceived.stPayload, StatusWord::Value) == 0) {
+    if (Get(stReceived.stPayload, StatusWord::u32Value) == 0) {
         PutText(" SUCCESS");
     } else {
-        PutRow(stReceived.stPayload, {"\nFAILURE, ERROR CODE : %d", StatusWord::Value});
+        PutRow(stReceived.stPayload, {"\nFAILURE, ERROR CODE : %d", StatusWord::u32Value});
     }
     PutLine("\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~");
     return 0;

@@ -74,14 +74,14 @@ struct DriverState {
 };
 
 constexpr DriverState astDriverStates[] = {
-    {"\n1. Driver Initialization", LEDEntry::OnState},
-    {"\n2. Firmware Download", LEDEntry::BlinkState},
-    {"\n3. Firmware Download Done", LEDEntry::OnState},
-    {"\n4. On No-NetworkEntry", LEDEntry::OnState},
-    {"\n5. Transmit/Receive", LEDEntry::BlinkState},
-    {"\n6. On Idlemode Enter", LEDEntry::BlinkState},
-    {"\n7. On Idlemode Continue", LEDEntry::OnState},
-    {"\n8. On Idlemode Exit", LEDEntry::BlinkState},
+    {"\n1. Driver Initialization", LEDEntry::ucLedOnState},
+    {"\n2. Firmware Download", LEDEntry::ucLedBlinkState},
+    {"\n3. Firmware Download Done", LEDEntry::ucLedOnState},
+    {"\n4. On No-NetworkEntry", LEDEntry::ucLedOnState},
+    {"\n5. Transmit/Receive", LEDEntry::ucLedBlinkState},
+    {"\n6. On Idlemode Enter", LEDEntry::ucLedBlinkState},
+    {"\n7. On Idlemode Continue", LEDEntry::ucLedOnState},
+    {"\n8. On Idlemode Exit", LEDEntry::ucLedBlinkState},
 };
 constexpr int32_t iDriverStates = std::size(astDriverStates);
 
@@ -127,21 +127,21 @@ uint32_t AskSaveFlag() {
 }
 
 void PutBitState(ByteView stPayload) {
-    PutRow(stPayload, {"\n Bit %d : ", GPIOBit::Position});
-    PutText(Get(stPayload, GPIOBit::Value) != 0 ? "SET" : "UNSET");
+    PutRow(stPayload, {"\n Bit %d : ", GPIOBit::u32Position});
+    PutText(Get(stPayload, GPIOBit::u32Value) != 0 ? "SET" : "UNSET");
 }
 
 constexpr ReportRow astLEDEntryRows[] = {
-    {"StateInfo[%d].ucLedType = %x\n", LEDEntry::Type},
-    {"StateInfo[%d].ucLedOnState = %x\n", LEDEntry::OnState},
-    {"StateInfo[%d].ucLedBlinkState = %x\n", LEDEntry::BlinkState},
+    {"StateInfo[%d].ucLedType = %x\n", LEDEntry::ucLedType},
+    {"StateInfo[%d].ucLedOnState = %x\n", LEDEntry::ucLedOnState},
+    {"StateInfo[%d].ucLedBlinkState = %x\n", LEDEntry::ucLedBlinkState},
 };
 
 void PutLEDState(ByteView stPayload) {
     for (uint32_t i = 0; i < LEDEntry::Count; ++i) {
         for (const ReportRow &stRow : astLEDEntryRows) {
             const uint32_t au32Numbers[] = {
-                i, Get(stPayload, stRow.stField, LEDState::Entries + i * LEDEntry::Size)};
+                i, Get(stPayload, stRow.stField, LEDState::astEntries + i * LEDEntry::Size)};
             PutNumbers(stRow.pcText, au32Numbers);
         }
     }
@@ -176,8 +176,8 @@ uint32_t SendGPIOMsg(int32_t iChoice) {
     for (const BitRequest &stRequest : astBitRequests) {
         if (stRequest.iChoice == iChoice) {
             Record<GPIOBit::Size> stBit;
-            Put(stBit.Span(), GPIOBit::Position, static_cast<uint32_t>(iBit));
-            Put(stBit.Span(), GPIOBit::Value, stRequest.u32Value);
+            Put(stBit.Span(), GPIOBit::u32Position, static_cast<uint32_t>(iBit));
+            Put(stBit.Span(), GPIOBit::u32Value, stRequest.u32Value);
             return static_cast<uint8_t>(SendRequest(TYPE_GPIO, stRequest.u32SubType, stBit.View()));
         }
     }
@@ -186,18 +186,18 @@ uint32_t SendGPIOMsg(int32_t iChoice) {
 
 uint32_t SetLEDStateInformaton() {
     Record<LEDBehaviour::Size> stBehaviour;
-    const ByteSpan stEntries = stBehaviour.Span().From(LEDBehaviour::Entries);
+    const ByteSpan stEntries = stBehaviour.Span().From(LEDBehaviour::astEntries);
     std::memset(stEntries.pucData, LEDEntry::Untouched, stEntries.u32Length);
     AskLEDs(stEntries);
-    Put(stBehaviour.Span(), LEDBehaviour::Save, AskSaveFlag());
+    Put(stBehaviour.Span(), LEDBehaviour::u32Save, AskSaveFlag());
     return static_cast<uint8_t>(SendRequest(TYPE_GPIO, SUBTYPE_SET_LED_STATE, stBehaviour.View()));
 }
 
 int32_t SetDriverStateInformation(uint32_t u32LED, bool bReversePolarity, ByteSpan stEntry,
                                   const char *pcName) {
-    Put(stEntry, LEDEntry::Type, u32LED | (bReversePolarity ? LEDEntry::ReversePolarity : 0));
-    Put(stEntry, LEDEntry::OnState, 0);
-    Put(stEntry, LEDEntry::BlinkState, 0);
+    Put(stEntry, LEDEntry::ucLedType, u32LED | (bReversePolarity ? LEDEntry::ReversePolarity : 0));
+    Put(stEntry, LEDEntry::ucLedOnState, 0);
+    Put(stEntry, LEDEntry::ucLedBlinkState, 0);
     for (int32_t iState = AskDriverState(pcName); iState != iLeaveMenu;
          iState = AskDriverState(pcName)) {
         if (iState < 1 || iState > iDriverStates) {

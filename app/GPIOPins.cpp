@@ -12,12 +12,12 @@ constexpr uint32_t u32Pins = 16;
 
 bool IsAssigned(ByteView stList, uint32_t u32Pin) {
     using namespace AntennaConfig;
-    const uint32_t u32Width = WidthOf(RxGPIOs.eType);
+    const uint32_t u32Width = WidthOf(au32RxGPIO.eType);
     // The count is what somebody typed: the list has four places.
-    const uint32_t u32Count = std::min(Get(stList, NumRxGPIOs), MaxRxGPIOs);
-    const uint32_t u32Assigned = RecordsPresent(stList, RxGPIOs.u16Offset, u32Width, u32Count);
+    const uint32_t u32Count = std::min(Get(stList, u32NumRxGPIOs), MaxRxGPIOs);
+    const uint32_t u32Assigned = RecordsPresent(stList, au32RxGPIO.u16Offset, u32Width, u32Count);
     for (uint32_t i = 0; i < u32Assigned; ++i) {
-        if (Get(stList, RxGPIOs, i * u32Width) == u32Pin) {
+        if (Get(stList, au32RxGPIO, i * u32Width) == u32Pin) {
             return true;
         }
     }

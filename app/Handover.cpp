@@ -7,26 +7,27 @@
 namespace {
 
 constexpr ReportRow astSuccessRows[] = {
-    {"\nLast Preamble ID: %d\n", Handover::LastPreambleID},
-    {"\nCurrent Preamble ID: %d\n", Handover::CurrentPreambleID},
-    {"\nHand over latency: %d\n", Handover::Latency},
-    {"\nNumber of Ranging Failures: %d\n", Handover::NumRangingFailures},
-    {"\nCurrent BSID: %02x %02x %02x %02x %02x %02x", Handover::CurrentBSID},
-    {"\nLast BSID: %02x %02x %02x %02x %02x %02x", Handover::LastBSID},
+    {"\nLast Preamble ID: %d\n", Handover::u32LastPreambleID},
+    {"\nCurrent Preamble ID: %d\n", Handover::u32CurrentPreambleID},
+    {"\nHand over latency: %d\n", Handover::u32HOLatency},
+    {"\nNumber of Ranging Failures: %d\n", Handover::u32NumRangingFailures},
+    {"\nCurrent BSID: %02x %02x %02x %02x %02x %02x", Handover::au8CurrentBSID},
+    {"\nLast BSID: %02x %02x %02x %02x %02x %02x", Handover::au8LastBSID},
 };
 
 void PutSuccess(ByteView stPayload) {
     using namespace Handover;
     PutLine("\nHANDOFF SUCCESS!!");
     PutRows(stPayload, astSuccessRows);
-    if (Get(stPayload, IPRefreshNeeded) != 0) {
+    if (Get(stPayload, u8IPRefreshNeeded) != 0) {
         PutLine("\nIP Refresh needs to be done");
     }
-    PutRow(stPayload, {HasVendorData(stPayload, VendorDataLength)
+    PutRow(stPayload, {HasVendorData(stPayload, u32VendorSpecificDataLength)
                            ? "\nVENDOR SPECIFIC DATA LENGTH : %d\n"
                            : "\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS %d\n",
-                       VendorDataLength});
-    PutVendorData("\nVENDOR SPECIFIC DATA", stPayload, VendorDataLength, VendorData);
+                       u32VendorSpecificDataLength});
+    PutVendorData("\nVENDOR SPECIFIC DATA", stPayload, u32VendorSpecificDataLength,
+                  au8VendorSpecificData);
 }
 
 } // namespace
@@ -42,7 +43,7 @@ uint32_t HandOverResponse(const WiMAXMessage *pstMessage) {
         return 0;
     }
     PutLine("\n~~~~~~ HANDOVER RESPONSE MESSAGE ~~~~~~");
-    if (Get(stReceived.stPayload, Handover::Success) != 0) {
+    if (Get(stReceived.stPayload, Handover::u8HOSuccess) != 0) {
         PutSuccess(stReceived.stPayload);
     } else {
         PutLine("\nHANDOFF FALIED!!");

@@ -35,15 +35,15 @@ int32_t Send(uint32_t u32SubType, const char *pcFailure, ByteView stPayload = {}
 }
 
 constexpr ReportRow astIndicationRows[] = {
-    {"\n PREAMBLE ID  : %d", IdleIndication::PreambleID},
-    {"\n CINR MEAN : %d dB", IdleIndication::CINRMean},
+    {"\n PREAMBLE ID  : %d", IdleIndication::u32PreambleID},
+    {"\n CINR MEAN : %d dB", IdleIndication::u32CINRMean},
 };
 
 // A report of one word.
 uint32_t PutWordReport(const WiMAXMessage *pstMessage, const char *pcBanner, const char *pcText) {
     if (pstMessage != nullptr) {
         PutLine(pcBanner);
-        PutRow(View(pstMessage).stPayload, {pcText, StatusWord::Value});
+        PutRow(View(pstMessage).stPayload, {pcText, StatusWord::u32Value});
         PutLine(pcIndicationClosing);
     }
     return 0;
@@ -57,7 +57,7 @@ int32_t SendIdleModeStatusRequest() { return Send(SUBTYPE_IDLE_MODE_STATUS, pcId
 
 int32_t SendIdleModeInactivityTimerRequest() {
     Record<StatusWord::Size> stTimer;
-    Put(stTimer.Span(), StatusWord::Value,
+    Put(stTimer.Span(), StatusWord::u32Value,
         AskUnsigned("\nEnter the Idle Mode Inactivity Timer value (in secs) : "));
     return Send(SUBTYPE_IDLE_MODE_INACTIVITY_TIMER,
                 "\nFailed to send the IDLE MODE INACITIVITY TIMER REQUEST Message to device!!",
@@ -105,16 +105,16 @@ uint32_t IdleModeIndication(const WiMAXMessage *pstMessage) {
     }
     const ByteView stPayload = View(pstMessage).stPayload;
     PutLine("\n~~~~~~~~~~ IDLE MODE INDICATION ~~~~~~~~~~");
-    if (Get(stPayload, State) != 0) {
+    if (Get(stPayload, u32State) != 0) {
         PutLine("\n MODEM IS GOING INTO IDLE MODE.");
-        PutRow(stPayload, {"\n PLANNED IDLE MODE TIMEOUT : %d", State});
+        PutRow(stPayload, {"\n PLANNED IDLE MODE TIMEOUT : %d", u32State});
     } else {
         PutLine("\n MODEM HAS COME OUT FROM IDLE MODE.");
     }
     PutRows(stPayload, astIndicationRows);
-    PutNumber("\n RSSI MEAN: %d dB", static_cast<uint32_t>(GetSigned(stPayload, RSSIMean) / 4));
-    PutRow(stPayload, {"\n BS ID  :  %02X %02X %02X %02X %02X %02X", BSID});
-    PutVendorData("\n Vendor specific data ", stPayload, VendorDataLength, VendorData);
+    PutNumber("\n RSSI MEAN: %d dB", static_cast<uint32_t>(GetSigned(stPayload, s32RSSIMean) / 4));
+    PutRow(stPayload, {"\n BS ID  :  %02X %02X %02X %02X %02X %02X", aucBSID});
+    PutVendorData("\n Vendor specific data ", stPayload, s32VendorDataLength, aucVendorData);
     PutLine(pcIndicationClosing);
     return 0;
 }
@@ -134,7 +134,7 @@ uint32_t IdleModeWakeupResponse(const WiMAXMessage *pstMessage) {
     if (pstMessage == nullptr) {
         return 0;
     }
-    const bool bSuccess = Get(View(pstMessage).stPayload, StatusWord::Value) != 0;
+    const bool bSuccess = Get(View(pstMessage).stPayload, StatusWord::u32Value) != 0;
     PutLine("\n~~~~~~~~~~ IDLE MODE WAKEUP RESPONSE ~~~~~~~~~~\n");
     PutText("IDLE MODE WAKEUP RESPONSE RECEIVED AS ");
     PutLine(bSuccess ? "SUCCESS" : "FAILURE");

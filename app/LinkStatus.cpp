@@ -15,31 +15,32 @@ namespace {
 
 constexpr uint32_t u32HalfMiniCardPause = 1000000; // microseconds
 
-constexpr ReportRow stStationBSID = {"\nBS ID  :%02X %02X %02X %02X %02X %02X", BaseStation::BSID};
+constexpr ReportRow stStationBSID = {"\nBS ID  :%02X %02X %02X %02X %02X %02X",
+                                     BaseStation::aucBSID};
 constexpr const char *pcStationHeading = "\nBASE STATION : %d\n-------------------\n";
 constexpr const char *pcStationsFound = "\n%d BASE STATIONS FOUND.\n";
 
 constexpr ReportRow astStationRows[] = {
-    {"\nPreamble Index ID  :%d", BaseStation::PreambleIndex},
-    {"\nCenter Frequency : %d kHz", BaseStation::CenterFrequency},
-    {"\nBandwidth : %d kHz", BaseStation::Bandwidth},
-    {"\nRelative Signal Strength : %d dBm", BaseStation::SignalStrength},
-    {"\nCINR : %d dB", BaseStation::CINR},
-    {"\nDCD change count : %d ", BaseStation::DCDChangeCount},
-    {"\nNSP change count : %d ", BaseStation::NSPChangeCount},
+    {"\nPreamble Index ID  :%d", BaseStation::u32PreambleIndex},
+    {"\nCenter Frequency : %d kHz", BaseStation::u32CenterFrequency},
+    {"\nBandwidth : %d kHz", BaseStation::u32Bandwidth},
+    {"\nRelative Signal Strength : %d dBm", BaseStation::s32SignalStrength},
+    {"\nCINR : %d dB", BaseStation::s32CINR},
+    {"\nDCD change count : %d ", BaseStation::u32DCDChangeCount},
+    {"\nNSP change count : %d ", BaseStation::u32NSPChangeCount},
 };
 
 constexpr ReportRow stWakeUpBSID = {"\nBS ID  :%02X %02X %02X %02X %02X %02X %02X",
-                                    BaseStation::WakeUpBSID};
+                                    BaseStation::aucWakeUpBSID};
 
 constexpr ReportRow astWakeUpRows[] = {
-    {"\nPreamble Index ID  :%d", BaseStation::PreambleIndex},
-    {"\nCenter Frequency : %d kHz", BaseStation::CenterFrequency},
-    {"\nBandwidth : %d kHz", BaseStation::Bandwidth},
-    {"\nRelative Signal Strength : %d dBm", BaseStation::SignalStrength},
-    {"\nCINR : %d dB", BaseStation::CINR},
-    {"\nDcdChangeCount : %d", BaseStation::DCDChangeCount},
-    {"\nNspChangeCount : %d\n\n", BaseStation::NSPChangeCount},
+    {"\nPreamble Index ID  :%d", BaseStation::u32PreambleIndex},
+    {"\nCenter Frequency : %d kHz", BaseStation::u32CenterFrequency},
+    {"\nBandwidth : %d kHz", BaseStation::u32Bandwidth},
+    {"\nRelative Signal Strength : %d dBm", BaseStation::s32SignalStrength},
+    {"\nCINR : %d dB", BaseStation::s32CINR},
+    {"\nDcdChangeCount : %d", BaseStation::u32DCDChangeCount},
+    {"\nNspChangeCount : %d\n\n", BaseStation::u32NSPChangeCount},
 };
 
 constexpr CodeName astSearchStatus[] = {
@@ -57,48 +58,48 @@ constexpr CodeName astDiscoveryStatus[] = {
 };
 
 constexpr ReportRow astDiscoveryRows[] = {
-    {"\nBS ID  :%02X %02X %02X %02X %02X %02X", NSPDiscovery::BSID},
-    {"\nDCD change count : %d", NSPDiscovery::DCDChangeCount},
-    {"\nNSP change count : %d", NSPDiscovery::NSPChangeCount},
-    {"\nNumber of NSP entries: %d", NSPDiscovery::NumNSPs},
-    {"\nPID : %d", NSPDiscovery::PreambleIndex},
-    {"\nCF  : %d", NSPDiscovery::CenterFrequency},
-    {"\nBandwidth  : %d", NSPDiscovery::Bandwidth},
-    {"\nRSSI  : %d", NSPDiscovery::RSSI},
-    {"\nCINR  : %d", NSPDiscovery::CINR},
+    {"\nBS ID  :%02X %02X %02X %02X %02X %02X", NSPDiscovery::aucBSID},
+    {"\nDCD change count : %d", NSPDiscovery::u32DCDChangeCount},
+    {"\nNSP change count : %d", NSPDiscovery::u32NSPChangeCount},
+    {"\nNumber of NSP entries: %d", NSPDiscovery::s32NumNSPs},
+    {"\nPID : %d", NSPDiscovery::u32PID},
+    {"\nCF  : %d", NSPDiscovery::u32CF},
+    {"\nBandwidth  : %d", NSPDiscovery::u32Bandwidth},
+    {"\nRSSI  : %d", NSPDiscovery::u32RSSI},
+    {"\nCINR  : %d", NSPDiscovery::u32CINR},
 };
 
 constexpr ReportRow astLowPowerScanRows[] = {
-    {"\n Low power scan mode set for mode %d", LowPowerScanAnswer::Mode},
-    {"\n u32Rsvd1 %u", LowPowerScanAnswer::Reserved1},
-    {"\n u32Rsvd2 %u", LowPowerScanAnswer::Reserved2},
-    {"\n u32Rsvd3 %u", LowPowerScanAnswer::Reserved3},
+    {"\n Low power scan mode set for mode %d", LowPowerScanAnswer::u8Mode},
+    {"\n u32Rsvd1 %u", LowPowerScanAnswer::u32Rsvd1},
+    {"\n u32Rsvd2 %u", LowPowerScanAnswer::u32Rsvd2},
+    {"\n u32Rsvd3 %u", LowPowerScanAnswer::u32Rsvd3},
 };
 
 constexpr ReportRow astSyncStatusRows[] = {
-    {"\n BS ID  :%02X %02X %02X %02X %02X %02X", SyncStatus::BSID},
-    {"\n PREAMBLE ID  : %d", SyncStatus::PreambleID},
-    {"\n CINR MEAN : %d dB", SyncStatus::CINRMean},
-    {"\n CINR DEVIATION: %d dB", SyncStatus::CINRDeviation},
-    {"\n RSSI MEAN: %d dBm", SyncStatus::RSSIMean},
-    {"\n RSSI DEVIATION: %d dBm", SyncStatus::RSSIDeviation},
-    {"\n CENTER FREQUENCY: %d kHz", SyncStatus::CenterFrequency},
-    {"\n BANDWIDTH : %d kHz", SyncStatus::Bandwidth},
-    {"\n DCD change count : %d ", SyncStatus::DCDChangeCount},
-    {"\n NSP Change count : %d ", SyncStatus::NSPChangeCount},
+    {"\n BS ID  :%02X %02X %02X %02X %02X %02X", SyncStatus::aucBSID},
+    {"\n PREAMBLE ID  : %d", SyncStatus::u32PreambleID},
+    {"\n CINR MEAN : %d dB", SyncStatus::s32CINRMean},
+    {"\n CINR DEVIATION: %d dB", SyncStatus::s32CINRDeviation},
+    {"\n RSSI MEAN: %d dBm", SyncStatus::s32RSSIMean},
+    {"\n RSSI DEVIATION: %d dBm", SyncStatus::s32RSSIDeviation},
+    {"\n CENTER FREQUENCY: %d kHz", SyncStatus::u32CenterFrequency},
+    {"\n BANDWIDTH : %d kHz", SyncStatus::u32Bandwidth},
+    {"\n DCD change count : %d ", SyncStatus::u32DCDChangeCount},
+    {"\n NSP Change count : %d ", SyncStatus::u32NSPChangeCount},
 };
 
 constexpr ReportRow astBaseInformationRows[] = {
-    {"\n BASE ID :%02X %02X %02X %02X %02X %02X", BaseInformation::BSID},
-    {"\n PREAMBLE INDEX : %d", BaseInformation::PreambleIndex},
-    {"\n UL CELL ID : %d", BaseInformation::ULCellID},
-    {"\n CINR DEVIATION : %d dB", BaseInformation::CINRDeviation},
-    {"\n CINR MEAN : %d dB", BaseInformation::CINRMean},
-    {"\n DURATION : %d", BaseInformation::Duration},
-    {"\n MEAN RSSI REPORT : %d", BaseInformation::MeanRSSI},
-    {"\n STANDARD DEVIATION RSSI REPORT : 0x%X", BaseInformation::RSSIDeviation},
-    {"\n UL CENTER FREQUENCY : %d MHz", BaseInformation::ULCenterFrequency},
-    {"\n DL CENTER FREQUENCY : %d MHz", BaseInformation::DLCenterFrequency},
+    {"\n BASE ID :%02X %02X %02X %02X %02X %02X", BaseInformation::aucBSID},
+    {"\n PREAMBLE INDEX : %d", BaseInformation::u8PreambleIndex},
+    {"\n UL CELL ID : %d", BaseInformation::u8ULCellID},
+    {"\n CINR DEVIATION : %d dB", BaseInformation::s16CINRDeviation},
+    {"\n CINR MEAN : %d dB", BaseInformation::s16CINRMean},
+    {"\n DURATION : %d", BaseInformation::u32Duration},
+    {"\n MEAN RSSI REPORT : %d", BaseInformation::u32MeanRSSI},
+    {"\n STANDARD DEVIATION RSSI REPORT : 0x%X", BaseInformation::u32RSSIDeviation},
+    {"\n UL CENTER FREQUENCY : %d MHz", BaseInformation::u32ULCenterFrequency},
+    {"\n DL CENTER FREQUENCY : %d MHz", BaseInformation::u32DLCenterFrequency},
 };
 
 // Code 18 has no name.
@@ -138,34 +139,35 @@ void PutMapKind(ByteView stView, Field stCompressedMap) {
 
 // The upper 24 bits of the BS ID, which is sent first byte first.
 uint32_t NAPIDOf(ByteView stStation) {
-    const uint32_t u32First = BaseStation::BSID.u16Offset;
+    const uint32_t u32First = BaseStation::aucBSID.u16Offset;
     return static_cast<uint32_t>(stStation.At(u32First)) << 16 |
            static_cast<uint32_t>(stStation.At(u32First + 1)) << 8 | stStation.At(u32First + 2);
 }
 
 // One record of the list of stations that a search or a wake-up reports.
 ByteView StationAt(ByteView stPayload, uint32_t u32Index) {
-    return stPayload.From(StationList::Stations + u32Index * BaseStation::Size, BaseStation::Size);
+    return stPayload.From(StationList::astStations + u32Index * BaseStation::Size,
+                          BaseStation::Size);
 }
 
 uint32_t StationsPresent(ByteView stPayload) {
-    return RecordsPresent(stPayload, StationList::Stations, BaseStation::Size,
-                          Get(stPayload, StationList::NumStations));
+    return RecordsPresent(stPayload, StationList::astStations, BaseStation::Size,
+                          Get(stPayload, StationList::u32NumStations));
 }
 
 void PutSearchResponse(ByteView stPayload) {
     constexpr const char *pcBanner = "\n~~~~~~~~~~ NETWORK SEARCH RESPONSE RECEIVED ~~~~~~~~~~";
     PutLine(pcBanner);
-    PutRow(stPayload, {pcStationsFound, StationList::NumStations});
-    PutText(
-        NameOf(astSearchStatus, Get(stPayload, StationList::SearchStatus), "SEARCH TIMED OUT!!"));
+    PutRow(stPayload, {pcStationsFound, StationList::u32NumStations});
+    PutText(NameOf(astSearchStatus, Get(stPayload, StationList::u32SearchStatus),
+                   "SEARCH TIMED OUT!!"));
     // Twenty stations have room in the table, and those are shown.
     const uint32_t u32Stations = std::min(StationsPresent(stPayload), u32MaxBaseStations);
     for (uint32_t i = 0; i < u32Stations; ++i) {
         const ByteView stStation = StationAt(stPayload, i);
         PutNumber(pcStationHeading, i + 1);
         PutRow(stStation, stStationBSID);
-        PutMapKind(stStation, BaseStation::CompressedMap);
+        PutMapKind(stStation, BaseStation::u8CompressedMap);
         g_u32NAPID = NAPIDOf(stStation);
         PutNumber("\nNAPID  :%d", NAPIDOf(stStation));
         PutRows(stStation, astStationRows);
@@ -178,28 +180,29 @@ void PutSearchResponse(ByteView stPayload) {
 void PutNSPEntry(ByteView stEntry) {
     using namespace NSPDiscovery;
     // Whatever its length says, a name ends with its entry.
-    const ByteView stName = stEntry.From(NSPEntry::Name, Get(stEntry, NSPEntry::NameLength));
+    const ByteView stName = stEntry.From(NSPEntry::aucName, Get(stEntry, NSPEntry::u32NameLength));
     PutText("\nNSP Name is : ");
     PutString(stName);
-    PutRow(stEntry, {"\nNSP ID is : %d", NSPEntry::ID});
+    PutRow(stEntry, {"\nNSP ID is : %d", NSPEntry::u32ID});
 }
 
 void PutDiscoveryResponse(ByteView stPayload) {
     using namespace NSPDiscovery;
     PutText("\n--------received SUBTYPE_NETWORK_DISCOVERY_RESP-----------");
-    PutRow(stPayload, {"\nNSP discovery complete : %d", Complete});
+    PutRow(stPayload, {"\nNSP discovery complete : %d", u32Complete});
     PutText("\nBSINFO Response status is :");
-    PutText(NameOf(astDiscoveryStatus, Get(stPayload, Status), ""));
-    if (Get(stPayload, Status) != Success) {
+    PutText(NameOf(astDiscoveryStatus, Get(stPayload, u8Status), ""));
+    if (Get(stPayload, u8Status) != Success) {
         return;
     }
     PutRows(stPayload, astDiscoveryRows);
     const uint32_t u32Entries = std::min(
-        RecordsPresent(stPayload, NSPs, NSPEntry::Size, GetSigned(stPayload, NumNSPs)), MaxNSPs);
+        RecordsPresent(stPayload, astNSPs, NSPEntry::Size, GetSigned(stPayload, s32NumNSPs)),
+        MaxNSPs);
     for (uint32_t i = 0; i < u32Entries; ++i) {
-        const uint32_t au32Entry[] = {i + 1, Get(stPayload, NumNSPs)};
+        const uint32_t au32Entry[] = {i + 1, Get(stPayload, s32NumNSPs)};
         PutNumbers("\nNSPLIST Entry %u of total %d", au32Entry);
-        PutNSPEntry(stPayload.From(NSPs + i * NSPEntry::Size, NSPEntry::Size));
+        PutNSPEntry(stPayload.From(astNSPs + i * NSPEntry::Size, NSPEntry::Size));
     }
     g_BSNSPLIST.Store(0, stPayload.From(0, Size));
 }
@@ -207,7 +210,7 @@ void PutDiscoveryResponse(ByteView stPayload) {
 void PutLowPowerScanResponse(ByteView stPayload) {
     constexpr const char *pcBanner = "\n~~~~~~~~~~ LOW POWER SCANMODE RESPONSE RECEIVED ~~~~~~";
     PutLine(pcBanner);
-    if (Get(stPayload, LowPowerScanAnswer::Result) == 1) {
+    if (Get(stPayload, LowPowerScanAnswer::u32Result) == 1) {
         PutRows(stPayload, astLowPowerScanRows);
     } else {
         PutLine("\n Setting low power scan mode failed");
@@ -219,14 +222,14 @@ void PutSyncStatus(ByteView stPayload) {
     constexpr const char *pcBanner = "\n~~~~~~~~~~ SYNC STATUS RESPONSE RECEIVED ~~~~~~~~~~";
     PutLine(pcBanner);
     PutText("\n SYNC STATUS  : ");
-    const uint32_t u32Status = Get(stPayload, SyncStatus::Status);
+    const uint32_t u32Status = Get(stPayload, SyncStatus::u32Status);
     if (u32Status == 0) {
         PutText("PHY_SYNC ACHIEVED");
     } else {
         DisplayLinkStatus(u32Status);
     }
     if (u32Status == 0 || u32Status == LinkReason::WaitForNetworkEntryCommand) {
-        PutMapKind(stPayload, SyncStatus::CompressedMap);
+        PutMapKind(stPayload, SyncStatus::u8CompressedMap);
         PutRows(stPayload, astSyncStatusRows);
     }
     PutClosingLine(pcBanner);
@@ -238,14 +241,14 @@ void PutNetworkEntryStatus(ByteView stPayload) {
         "\n~~~~~~~~~~~ NETWORK ENTRY STATUS RESPONSE RECEIVED ~~~~~~~~~~";
     PutLine(pcBanner);
     PutText("\n NETENTRY STATUS  : ");
-    DisplayLinkStatus(Get(stPayload, Status));
-    if (Get(stPayload, Status) == LinkReason::DREGReceived) {
-        PutRow(stPayload, {"DREG-RECEIVED Action Code is: %d\n", DREGActionCode});
+    DisplayLinkStatus(Get(stPayload, u8Status));
+    if (Get(stPayload, u8Status) == LinkReason::DREGReceived) {
+        PutRow(stPayload, {"DREG-RECEIVED Action Code is: %d\n", u32DREGActionCode});
     }
-    if (Get(stPayload, BaseInformationPresent) != 0) {
-        DisplayBaseInfo(stPayload.From(BaseInformationOffset, BaseInformation::Size));
+    if (Get(stPayload, u32BaseInformationPresent) != 0) {
+        DisplayBaseInfo(stPayload.From(stBaseInformation, BaseInformation::Size));
     }
-    PutVendorData("\nVENDOR SPECIFIC DATA ", stPayload, VendorDataLength, VendorData);
+    PutVendorData("\nVENDOR SPECIFIC DATA ", stPayload, s32VendorDataLength, aucVendorData);
     PutClosingLine(pcBanner);
 }
 
@@ -253,18 +256,18 @@ void PutNetworkEntryStatus(ByteView stPayload) {
 void PutShutdownState(const char *pcBanner, ByteView stPayload, const char *pcShutDown,
                       const char *pcNotShutDown) {
     PutLine(pcBanner);
-    PutText(Get(stPayload, StatusWord::Value) == 0 ? pcShutDown : pcNotShutDown);
+    PutText(Get(stPayload, StatusWord::u32Value) == 0 ? pcShutDown : pcNotShutDown);
     PutClosingLine(pcBanner);
 }
 
 void PutPeriodicWakeUp(ByteView stPayload) {
     PutLine("\n\n~~~~~~~~~~ PERIODIC WAKE UP INDICATION RECEIVED IN SHUTDOWN MODE ~~~~~~~~~~");
-    PutRow(stPayload, {pcStationsFound, StationList::NumStations});
+    PutRow(stPayload, {pcStationsFound, StationList::u32NumStations});
     for (uint32_t i = 0; i < StationsPresent(stPayload); ++i) {
         const ByteView stStation = StationAt(stPayload, i);
         PutNumber(pcStationHeading, i + 1);
         PutRow(stStation, stWakeUpBSID);
-        PutMapKind(stStation, BaseStation::CompressedMap);
+        PutMapKind(stStation, BaseStation::u8CompressedMap);
         PutRows(stStation, astWakeUpRows);
     }
 }

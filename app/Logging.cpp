@@ -73,10 +73,10 @@ constexpr CodeName astRangingHeadings[] = {
 };
 
 constexpr ReportRow astRangingRows[] = {
-    {"\nCODE : 0x%X", RangingLogEntry::Code},
-    {"\nFRAME NUMBER : 0x%X", RangingLogEntry::FrameNumber},
-    {"\nSUB-CHANNEL : 0x%X", RangingLogEntry::SubChannel},
-    {"\nSYMBOL : 0x%X\n", RangingLogEntry::Symbol},
+    {"\nCODE : 0x%X", RangingLogEntry::u32Code},
+    {"\nFRAME NUMBER : 0x%X", RangingLogEntry::u32FrameNumber},
+    {"\nSUB-CHANNEL : 0x%X", RangingLogEntry::u32SubChannel},
+    {"\nSYMBOL : 0x%X\n", RangingLogEntry::u32Symbol},
 };
 
 constexpr LogForm stRangingForm = {"\n*******************", RangingLogEntry::Size,
@@ -88,13 +88,13 @@ constexpr CodeName astPowerHeadings[] = {
 };
 
 constexpr ReportRow astPowerRows[] = {
-    {"\nFRAME OFFSET : %d", PowerLogEntry::FrameOffset},
-    {"\nFRAME NUMBER : %d", PowerLogEntry::FrameNumber},
-    {"\nPOWER : %d\n", PowerLogEntry::Power},
+    {"\nFRAME OFFSET : %d", PowerLogEntry::u32FrameOffset},
+    {"\nFRAME NUMBER : %d", PowerLogEntry::u32FrameNumber},
+    {"\nPOWER : %d\n", PowerLogEntry::u32Power},
 };
 
 void PutPowerEntry(ByteView stEntry) {
-    const auto fQuarters = static_cast<float>(GetSigned(stEntry, PowerLogEntry::Adjustment));
+    const auto fQuarters = static_cast<float>(GetSigned(stEntry, PowerLogEntry::s32Adjustment));
     PutText("\nPOWER ADJUSTMENT : ");
     PutReal(static_cast<double>(fQuarters) / 4.0);
     PutText(" dBm");
@@ -107,19 +107,19 @@ constexpr LogForm stPowerForm = {"\n*********************************", PowerLog
 constexpr const char *pcShortUnderline = "\n************";
 
 constexpr ReportRow astBandwidthRows[] = {
-    {"\nALLOCATION RECEIVED : %d", BandwidthLogEntry::AllocationReceived},
-    {"\nPDU LENGTH : %d", BandwidthLogEntry::PDULength},
-    {"\nCID : %d", BandwidthLogEntry::CID},
-    {"\nVCID : %d", BandwidthLogEntry::VCID},
-    {"\nSCH TYPE : %d", BandwidthLogEntry::SchedulingType},
-    {"\nBW REQ : %d", BandwidthLogEntry::BandwidthRequest},
-    {"\nQUEUE DEPTH : %d", BandwidthLogEntry::QueueDepth},
-    {"\nFRAME NUMBER : %d\n", BandwidthLogEntry::FrameNumber},
+    {"\nALLOCATION RECEIVED : %d", BandwidthLogEntry::u16AllocationReceived},
+    {"\nPDU LENGTH : %d", BandwidthLogEntry::u16PDULength},
+    {"\nCID : %d", BandwidthLogEntry::u16CID},
+    {"\nVCID : %d", BandwidthLogEntry::u16VCID},
+    {"\nSCH TYPE : %d", BandwidthLogEntry::u8SchedulingType},
+    {"\nBW REQ : %d", BandwidthLogEntry::u8BandwidthRequest},
+    {"\nQUEUE DEPTH : %d", BandwidthLogEntry::u16QueueDepth},
+    {"\nFRAME NUMBER : %d\n", BandwidthLogEntry::u32FrameNumber},
 };
 
 void PutBandwidthEntry(ByteView stEntry) {
     using namespace BandwidthLogEntry;
-    if (Get(stEntry, CID) == PaddingCID && Get(stEntry, VCID) == PaddingVCID) {
+    if (Get(stEntry, u16CID) == PaddingCID && Get(stEntry, u16VCID) == PaddingVCID) {
         PutText("\nPadding packet\n-----------------");
     }
     PutRows(stEntry, astBandwidthRows);
@@ -128,17 +128,17 @@ void PutBandwidthEntry(ByteView stEntry) {
 constexpr LogForm stBandwidthForm = {pcShortUnderline, BandwidthLogEntry::Size, PutBandwidthEntry};
 
 constexpr ReportRow astCIDRows[] = {
-    {"\nCID : %d", CIDLogEntry::CID},
-    {"\nVCID : %d", CIDLogEntry::VCID},
-    {"\nDIR : %d", CIDLogEntry::Direction},
-    {"\nARQ : %d\n", CIDLogEntry::ARQ},
+    {"\nCID : %d", CIDLogEntry::u16CID},
+    {"\nVCID : %d", CIDLogEntry::u16VCID},
+    {"\nDIR : %d", CIDLogEntry::u16Direction},
+    {"\nARQ : %d\n", CIDLogEntry::u16ARQ},
 };
 
 constexpr LogForm stCIDForm = {pcShortUnderline, CIDLogEntry::Size,
                                [](ByteView stEntry) { PutRows(stEntry, astCIDRows); }};
 
 constexpr LogForm stCQICHForm = {pcShortUnderline, CQICHLogEntry::Size, [](ByteView stEntry) {
-                                     PutRow(stEntry, {"\nCQICH : %d\n", CQICHLogEntry::Value});
+                                     PutRow(stEntry, {"\nCQICH : %d\n", CQICHLogEntry::u32Value});
                                  }};
 
 // A log whose heading depends on the kind.
@@ -211,8 +211,8 @@ uint32_t LogIndication(const WiMAXMessage *pstMessage) {
         return 0;
     }
     PutLine("\n~~~~~~ LOGGER INDICATION RECEIVED ~~~~~~");
-    PutLogger(stReceived.u32SubType, stReceived.stPayload.From(LogRecord::Data),
-              static_cast<uint16_t>(Get(stReceived.stPayload, LogRecord::Length)));
+    PutLogger(stReceived.u32SubType, stReceived.stPayload.From(LogRecord::aucData),
+              static_cast<uint16_t>(Get(stReceived.stPayload, LogRecord::u16Length)));
     PutLine("\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~");
     return 1;
 }

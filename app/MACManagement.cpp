@@ -112,8 +112,8 @@ constexpr CodeName astDirections[] = {
 };
 
 constexpr ReportRow astTraceTail[] = {
-    {"\nCID  :  0x%X", TraceRecord::CID},
-    {"\nCMAC OK  :  %d", TraceRecord::CMACResult},
+    {"\nCID  :  0x%X", TraceRecord::u32CID},
+    {"\nCMAC OK  :  %d", TraceRecord::u8CMACResult},
 };
 
 void PutMessageName(uint32_t u32Code) {
@@ -127,14 +127,14 @@ void PutMessageName(uint32_t u32Code) {
 void PutTraceRecord(ByteView stPayload) {
     using namespace TraceRecord;
     PutLine("\n~~~~~~~~~~MAC MGMT INDICATION ~~~~~~~~~~");
-    PutRow(stPayload, {"\nFRAME NUMBER : 0x%X", FrameNumber});
-    PutText(NameOf(astDirections, Get(stPayload, Direction), ""));
-    PutMessageName(Get(stPayload, Code));
-    const int32_t iLength = GetSigned(stPayload, BodyLength);
+    PutRow(stPayload, {"\nFRAME NUMBER : 0x%X", u32FrameNumber});
+    PutText(NameOf(astDirections, Get(stPayload, u8Direction), ""));
+    PutMessageName(Get(stPayload, u32Code));
+    const int32_t iLength = GetSigned(stPayload, s32BodyLength);
     if (iLength != 0) {
-        PutRow(stPayload, {"\nData (%d) bytes :\n", BodyLength});
+        PutRow(stPayload, {"\nData (%d) bytes :\n", s32BodyLength});
         PutEachByte(" 0x%02x",
-                    stPayload.From(Body, static_cast<uint32_t>(std::max<int32_t>(iLength, 0))));
+                    stPayload.From(aucBody, static_cast<uint32_t>(std::max<int32_t>(iLength, 0))));
         PutText("\n");
     }
     PutRows(stPayload, astTraceTail);
@@ -143,7 +143,7 @@ void PutTraceRecord(ByteView stPayload) {
 
 void PutTraceState(ByteView stPayload) {
     PutLine("\n~~~~~~~~~~MAC MGMT MESSAGE STATUS TO HOST~~~~~~~~~~");
-    PutLine(Get(stPayload, TraceState::State) == TraceState::Enabled
+    PutLine(Get(stPayload, TraceState::u32State) == TraceState::Enabled
                 ? "\nMAC MGMT MESSAGES TO HOST IS ENABLED"
                 : "\nMAC MGMT MESSAGES TO HOST IS DISABLED");
     PutLine("\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~");

@@ -27,12 +27,12 @@ struct MIBAnswer {
 // The record at the beginning of stBytes.
 MIBAnswer ReadRecord(ByteView stBytes) {
     using namespace MIBRecord;
-    const ByteView stLayout = stBytes.From(Value);
-    const uint32_t u32DataLength = Get(stBytes, DataLength);
-    return {Get(stBytes, AttributeID), GetSigned(stBytes, Status), u32DataLength,
+    const ByteView stLayout = stBytes.From(aucValue);
+    const uint32_t u32DataLength = Get(stBytes, MIBRecord::u32DataLength);
+    return {Get(stBytes, u32AttributeID), GetSigned(stBytes, s8Status), u32DataLength,
             stLayout.From(0, u32DataLength), stLayout,
             // A record without a value has one value byte all the same.
-            stLayout.From(std::max(u32DataLength, Size - Value))};
+            stLayout.From(std::max(u32DataLength, Size - aucValue))};
 }
 
 // Every modulation and coding scheme has one counter in a group.
@@ -59,48 +59,48 @@ struct CounterGroup {
 };
 
 constexpr CounterGroup astBurstGroups[] = {
-    {"\n\n~~~~~~~~~~MIMO MAT A ~~~~~~~~~~~\n", pcBurstsReceived, MIBBurstZone::MatrixA},
-    {"\n\n~~~~~~~~~~MIMO MAT B ~~~~~~~~~~~\n", pcBurstsReceived, MIBBurstZone::MatrixB},
-    {"\n\n~~~~~~~~~~NON MIMO ~~~~~~~~~~~\n", pcBurstsReceived, MIBBurstZone::NonMIMO},
+    {"\n\n~~~~~~~~~~MIMO MAT A ~~~~~~~~~~~\n", pcBurstsReceived, MIBBurstZone::stMatrixA},
+    {"\n\n~~~~~~~~~~MIMO MAT B ~~~~~~~~~~~\n", pcBurstsReceived, MIBBurstZone::stMatrixB},
+    {"\n\n~~~~~~~~~~NON MIMO ~~~~~~~~~~~\n", pcBurstsReceived, MIBBurstZone::stNonMIMO},
 };
 
 constexpr ReportRow astDLZoneRows[] = {
-    {"ECINR Rate   : [%d]\n", MIBDLZone::ECINRRate},
-    {"PCINR Rate 1 : [%d]\n", MIBDLZone::PCINRRate1},
-    {"PCINR Rate 2 : [%d]\n", MIBDLZone::PCINRRate2},
-    {"Last Frame Number ECINR : [%d]\n", MIBDLZone::ECINRFrame},
-    {"Last Frame Number PCINR : [%d]\n", MIBDLZone::PCINRFrame},
-    {"Zone last Frame Number : [%u]\n", MIBDLZone::FrameNumber},
+    {"ECINR Rate   : [%d]\n", MIBDLZone::s8ECINRRate},
+    {"PCINR Rate 1 : [%d]\n", MIBDLZone::s8PCINRRate1},
+    {"PCINR Rate 2 : [%d]\n", MIBDLZone::s8PCINRRate2},
+    {"Last Frame Number ECINR : [%d]\n", MIBDLZone::s32ECINRFrame},
+    {"Last Frame Number PCINR : [%d]\n", MIBDLZone::s32PCINRFrame},
+    {"Zone last Frame Number : [%u]\n", MIBDLZone::u32FrameNumber},
 };
 
 constexpr CounterGroup astDLGroups[] = {
     {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Recieved MIMO MAT A Info ~~~~~~~~~~~\n", pcPdusReceived,
-     MIBDLZone::PdusMatrixA},
+     MIBDLZone::stPdusMatrixA},
     {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Recieved MIMO MAT B info~~~~~~~~~~~\n", pcPdusReceived,
-     MIBDLZone::PdusMatrixB},
+     MIBDLZone::stPdusMatrixB},
     {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Recieved NON MIMO info~~~~~~~~~~~\n", pcPdusReceived,
-     MIBDLZone::PdusNonMIMO},
+     MIBDLZone::stPdusNonMIMO},
     {"\n\n~~~~~~~~~~Per Zone Per MCS Bursts Recieved MIMO MAT A Info ~~~~~~~~~~~\n",
-     pcBurstsReceived, MIBDLZone::BurstsMatrixA},
+     pcBurstsReceived, MIBDLZone::stBurstsMatrixA},
     {"\n\n~~~~~~~~~~Per Zone Per MCS Bursts Recieved MIMO MAT B info~~~~~~~~~~~\n",
-     pcBurstsReceived, MIBDLZone::BurstsMatrixB},
+     pcBurstsReceived, MIBDLZone::stBurstsMatrixB},
     {"\n\n~~~~~~~~~~Per Zone Per MCS Bursts Recieved NON MIMO info~~~~~~~~~~~\n", pcBurstsReceived,
-     MIBDLZone::BurstsNonMIMO},
+     MIBDLZone::stBurstsNonMIMO},
 };
 
 constexpr CounterGroup astULGroups[] = {
     {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Transmitted CSM PILOT A Info ~~~~~~~~~~~\n", pcPdusSent,
-     MIBULZone::PdusPilotA},
+     MIBULZone::stPdusPilotA},
     {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Transmitted CSM PILOT B Info ~~~~~~~~~~~\n", pcPdusSent,
-     MIBULZone::PdusPilotB},
+     MIBULZone::stPdusPilotB},
     {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Transmitted NON CSM Info ~~~~~~~~~~~\n", pcPdusSent,
-     MIBULZone::PdusNonCSM},
+     MIBULZone::stPdusNonCSM},
     {"\n\n~~~~~~~~~~Per Zone Per MCS Bursts Sent CSM PILOTA Info ~~~~~~~~~~~\n", pcBurstsSent,
-     MIBULZone::BurstsPilotA},
+     MIBULZone::stBurstsPilotA},
     {"\n\n~~~~~~~~~~Per Zone Per MCS Bursts Sent CSM PILOTB Info ~~~~~~~~~~~\n", pcBurstsSent,
-     MIBULZone::BurstsPilotB},
+     MIBULZone::stBurstsPilotB},
     {"\n\n~~~~~~~~~~Per Zone Per MCS Bursts Sent NON CSM Info ~~~~~~~~~~~\n", pcBurstsSent,
-     MIBULZone::BurstsNonCSM},
+     MIBULZone::stBurstsNonCSM},
 };
 
 void PutCounterGroups(ByteView stZone, std::span<const CounterGroup> astGroups) {
@@ -110,7 +110,8 @@ void PutCounterGroups(ByteView stZone, std::span<const CounterGroup> astGroups) 
         for (uint32_t i = 0; i < Count; ++i) {
             PutText(stGroup.pcPrefix);
             PutText(apcSchemes[i]);
-            PutNumber(": [%d]\n", Get(stZone, First, stGroup.u32Offset + i * WidthOf(First.eType)));
+            PutNumber(": [%d]\n",
+                      Get(stZone, s32First, stGroup.u32Offset + i * WidthOf(s32First.eType)));
         }
     }
 }
@@ -129,19 +130,19 @@ void PutZoneStatistics(const MIBAnswer &stAnswer) {
     using namespace MIBZoneStatistics;
     const KeyTurn stTurn;
     const ByteView stLayout = stAnswer.stLayout;
-    PutRow(stLayout, {"Frame number for UL: [%d]\n", MIBULZone::FrameNumber}, ULZones);
+    PutRow(stLayout, {"Frame number for UL: [%d]\n", MIBULZone::u32FrameNumber}, astULZones);
     for (uint32_t i = 0; i < NumDLZones; ++i) {
-        const ByteView stZone = stLayout.From(DLZones + i * MIBDLZone::Size, MIBDLZone::Size);
-        PutRow(stLayout, {"\nMajor Group indicator : [%d]\n", MajorGroup});
+        const ByteView stZone = stLayout.From(astDLZones + i * MIBDLZone::Size, MIBDLZone::Size);
+        PutRow(stLayout, {"\nMajor Group indicator : [%d]\n", u32MajorGroup});
         PutNumber("DL Zone [%d] Information :\n\n", i);
         PutRows(stZone, astDLZoneRows);
         PutCounterGroups(stZone, astDLGroups);
         WaitForKey();
     }
     for (uint32_t i = 0; i < NumULZones; ++i) {
-        const ByteView stZone = stLayout.From(ULZones + i * MIBULZone::Size, MIBULZone::Size);
+        const ByteView stZone = stLayout.From(astULZones + i * MIBULZone::Size, MIBULZone::Size);
         PutNumber("UL Zone [%d] Information :\n\n", i);
-        PutRow(stZone, {"Zone last Frame Number : [%u]\n", MIBULZone::FrameNumber});
+        PutRow(stZone, {"Zone last Frame Number : [%u]\n", MIBULZone::u32FrameNumber});
         PutCounterGroups(stZone, astULGroups);
         WaitForKey();
     }
@@ -150,12 +151,12 @@ void PutZoneStatistics(const MIBAnswer &stAnswer) {
 void PutActiveSFIDs(const MIBAnswer &stAnswer) {
     using namespace MIBActiveSFIDs;
     PutText("\nList of active SFIDs :");
-    const uint32_t u32Count =
-        RecordsPresent(stAnswer.stLayout, Entries, EntrySize, Get(stAnswer.stLayout, Count));
+    const uint32_t u32Count = RecordsPresent(stAnswer.stLayout, astEntries, EntrySize,
+                                             Get(stAnswer.stLayout, MIBActiveSFIDs::u32Count));
     for (uint32_t i = 0; i < u32Count; ++i) {
-        const ByteView stEntry = stAnswer.stLayout.From(Entries + i * EntrySize, EntrySize);
-        PutRow(stEntry, {"\n    SFID   : %d", SFID});
-        AddSFID(Get(stEntry, SFID));
+        const ByteView stEntry = stAnswer.stLayout.From(astEntries + i * EntrySize, EntrySize);
+        PutRow(stEntry, {"\n    SFID   : %d", u32SFID});
+        AddSFID(Get(stEntry, u32SFID));
     }
 }
 
@@ -165,14 +166,14 @@ void PutMRUTable(const MIBAnswer &stAnswer) {
     PutNumber("\n\n Total MRU Entries : [%d]\n", u32Count);
     for (uint32_t i = 0; i < RecordsPresent(stAnswer.stLayout, 0, Size, u32Count); ++i) {
         const ByteView stEntry = stAnswer.stLayout.From(i * Size, Size);
-        const uint32_t u32Index = Get(stEntry, Index);
-        PutRow(stEntry, {"\n MRU Index : [%d]\n", Index});
+        const uint32_t u32Index = Get(stEntry, MIBMRUEntry::u32Index);
+        PutNumber("\n MRU Index : [%d]\n", u32Index);
         for (uint32_t k = 0; k < NumFrequencies; ++k) {
             const uint32_t au32Frequency[] = {
-                k, u32Index, Get(stEntry, Frequencies, k * WidthOf(Frequencies.eType))};
+                k, u32Index, Get(stEntry, au32Frequencies, k * WidthOf(au32Frequencies.eType))};
             PutNumbers("\n Freq %d of Index [%d] - [%d]\n", au32Frequency);
         }
-        const uint32_t au32Bandwidth[] = {u32Index, Get(stEntry, Bandwidth)};
+        const uint32_t au32Bandwidth[] = {u32Index, Get(stEntry, u32Bandwidth)};
         PutNumbers("\n Bandwidth of Index [%d] - [%d] MHz\n", au32Bandwidth);
     }
 }
@@ -182,29 +183,29 @@ template <void (*pfnPutEntry)(ByteView stEntry)>
 void PutNeighbours(const MIBAnswer &stAnswer, uint32_t u32EntrySize, const char *pcCount,
                    const char *pcEntry) {
     using namespace MIBNeighbourList;
-    PutRow(stAnswer.stLayout, {pcCount, Count});
-    const uint32_t u32Count =
-        RecordsPresent(stAnswer.stLayout, Entries, u32EntrySize, Get(stAnswer.stLayout, Count));
+    PutRow(stAnswer.stLayout, {pcCount, u32Count});
+    const uint32_t u32Count = RecordsPresent(stAnswer.stLayout, astEntries, u32EntrySize,
+                                             Get(stAnswer.stLayout, MIBNeighbourList::u32Count));
     for (uint32_t i = 0; i < u32Count; ++i) {
         PutNumber(pcEntry, i);
-        pfnPutEntry(stAnswer.stLayout.From(Entries + i * u32EntrySize, u32EntrySize));
+        pfnPutEntry(stAnswer.stLayout.From(astEntries + i * u32EntrySize, u32EntrySize));
     }
 }
 
 void PutNeighbour(ByteView stEntry) {
     using namespace MIBNeighbour;
     constexpr ReportRow astChannelRows[] = {
-        {"    Preamble         : %d\n", Preamble},
-        {"    ChannelBandwidth : %d Mhz\n", ChannelBandwidth, 1000000},
-        {"    Centerfreq       : %d MHz\n", CenterFrequency, 8},
+        {"    Preamble         : %d\n", u32Preamble},
+        {"    ChannelBandwidth : %d Mhz\n", u32ChannelBandwidth, 1000000},
+        {"    Centerfreq       : %d MHz\n", u32CenterFrequency, 8},
     };
     constexpr ReportRow astSignalRows[] = {
-        {"    RSSI             : %d dBm\n", RSSI, 4},
-        {"    CINR             : %d dB\n", CINR},
+        {"    RSSI             : %d dBm\n", s32RSSI, 4},
+        {"    CINR             : %d dB\n", u32CINR},
     };
     uint32_t au32BSID[BSIDSize];
     for (uint32_t i = 0; i < BSIDSize; ++i) {
-        au32BSID[i] = Get(stEntry, BSID, BSIDSize - 1 - i);
+        au32BSID[i] = Get(stEntry, aucBSID, BSIDSize - 1 - i);
     }
     PutRows(stEntry, astChannelRows);
     PutNumbers("    Bsid             : %02x %02x %02x %02x %02x %02x\n", au32BSID);
@@ -214,17 +215,17 @@ void PutNeighbour(ByteView stEntry) {
 void PutMeasuredNeighbour(ByteView stEntry) {
     using namespace MIBMeasuredNeighbour;
     constexpr ReportRow astRows[] = {
-        {"\tFrequency (MHz) : %f\n", Frequency, 8},
-        {"\tPreambleId      : %d\n", PreambleID},
-        {"\tBandwidth (MHz) : %f\n", Bandwidth, 1000000},
-        {"\tBSId            : %02x %02x %02x %02x %02x %02x\n", BSID},
-        {"\tRSSI (dBm)      : %f\n", RSSI, 65536},
-        {"\tR1CINR          : %f\n", R1CINR, 65536},
-        {"\tR3CINR          : %f\n", R3CINR, 65536},
-        {"\tToF             : %f\n", ToF, 16},
-        {"\tRTD             : %d\n", RTD},
-        {"\tMeasDur         : %d\n", MeasDur},
-        {"\tFlags(Hex)      : %x\n", Flags},
+        {"\tFrequency (MHz) : %f\n", u32Frequency, 8},
+        {"\tPreambleId      : %d\n", u32PreambleID},
+        {"\tBandwidth (MHz) : %f\n", u32Bandwidth, 1000000},
+        {"\tBSId            : %02x %02x %02x %02x %02x %02x\n", aucBSID},
+        {"\tRSSI (dBm)      : %f\n", u32RSSI, 65536},
+        {"\tR1CINR          : %f\n", u32R1CINR, 65536},
+        {"\tR3CINR          : %f\n", u32R3CINR, 65536},
+        {"\tToF             : %f\n", u32ToF, 16},
+        {"\tRTD             : %d\n", u32RTD},
+        {"\tMeasDur         : %d\n", u32MeasDur},
+        {"\tFlags(Hex)      : %x\n", u32Flags},
     };
     PutRows(stEntry, astRows);
 }
@@ -247,9 +248,9 @@ void PutTriggerStatus(const MIBAnswer &stAnswer) {
         Field stStatus;
     };
     constexpr Trigger astTriggers[] = {
-        {"Trigger Status for Serving BS \t : ", ServingBS},
-        {"Trigger Status for IntraFA Group : ", IntraFA},
-        {"Trigger Status for InterFA Group : ", InterFA},
+        {"Trigger Status for Serving BS \t : ", u8ServingBS},
+        {"Trigger Status for IntraFA Group : ", u8IntraFA},
+        {"Trigger Status for InterFA Group : ", u8InterFA},
     };
     constexpr const char *pcNotDefined = "TRIGGER_STATUS_NOT_DEFINED";
     constexpr CodeName astNames[] = {
@@ -281,39 +282,41 @@ void PutControlMessagesDropped(const MIBAnswer &stAnswer) {
     PutLine(pcBanner);
     for (uint32_t i = 0; i < Count; ++i) {
         PutFormat("%-40s: %d\n", apcNames[i],
-                  GetSigned(stAnswer.stLayout, First, i * WidthOf(First.eType)));
+                  GetSigned(stAnswer.stLayout, s32First, i * WidthOf(s32First.eType)));
     }
     PutClosingLine(pcBanner);
 }
 
 constexpr ReportRow astNetworkEntryTimingRows[] = {
     {"\n\n~~~~~~~~~~Network entry timing statistics START~~~~~~~~~~~\n"},
-    {"u32AuthPhaseTime: [%d]\n", MIBNetworkEntryTiming::AuthPhase},
-    {"u32PhySyncTime: [%d]\n", MIBNetworkEntryTiming::PhySync},
-    {"u32MacSyncTime: [%d]\n", MIBNetworkEntryTiming::MacSync},
-    {"u32NwEntryTime: [%d]\n", MIBNetworkEntryTiming::NwEntry},
-    {"u32NwSearchTime: [%d]\n", MIBNetworkEntryTiming::NwSearch},
-    {"u32ProvSfTime: [%d]\n", MIBNetworkEntryTiming::ProvSf},
-    {"u32RangingTime: [%d]\n", MIBNetworkEntryTiming::Ranging},
-    {"u32RegNegTime: [%d]\n", MIBNetworkEntryTiming::RegNeg},
-    {"u32SbcTime: [%d]\n", MIBNetworkEntryTiming::Sbc},
+    {"u32AuthPhaseTime: [%d]\n", MIBNetworkEntryTiming::u32AuthPhaseTime},
+    {"u32PhySyncTime: [%d]\n", MIBNetworkEntryTiming::u32PhySyncTime},
+    {"u32MacSyncTime: [%d]\n", MIBNetworkEntryTiming::u32MacSyncTime},
+    {"u32NwEntryTime: [%d]\n", MIBNetworkEntryTiming::u32NwEntryTime},
+    {"u32NwSearchTime: [%d]\n", MIBNetworkEntryTiming::u32NwSearchTime},
+    {"u32ProvSfTime: [%d]\n", MIBNetworkEntryTiming::u32ProvSfTime},
+    {"u32RangingTime: [%d]\n", MIBNetworkEntryTiming::u32RangingTime},
+    {"u32RegNegTime: [%d]\n", MIBNetworkEntryTiming::u32RegNegTime},
+    {"u32SbcTime: [%d]\n", MIBNetworkEntryTiming::u32SbcTime},
     {"\n\n~~~~~~~~~~Network entry timing statistics END ~~~~~~~~~~~\n"},
 };
 
 constexpr ReportRow astAntennaSwitchRows[] = {
     {"\n\t~~~~~ TX Antenna Switch Information ~~~~~\n"},
-    {"\tFiltering Coefficient for Antenna1(Q23.9 format) : %f\n", MIBAntennaSwitch::Filtering1,
+    {"\tFiltering Coefficient for Antenna1(Q23.9 format) : %f\n", MIBAntennaSwitch::u32Filtering1,
      512},
-    {"\tFiltering Coefficient for Antenna2(Q23.9 format) : %f\n", MIBAntennaSwitch::Filtering2,
+    {"\tFiltering Coefficient for Antenna2(Q23.9 format) : %f\n", MIBAntennaSwitch::u32Filtering2,
      512},
-    {"\tSwitching margin for Antenna1                    : %d\n", MIBAntennaSwitch::Margin1},
-    {"\tSwitching margin for Antenna2                    : %d\n", MIBAntennaSwitch::Margin2},
-    {"\tSmooth RSSI for Antenna1(Q1.27.4 format)         : %f\n", MIBAntennaSwitch::SmoothRSSI1,
+    {"\tSwitching margin for Antenna1                    : %d\n", MIBAntennaSwitch::u32Margin1},
+    {"\tSwitching margin for Antenna2                    : %d\n", MIBAntennaSwitch::u32Margin2},
+    {"\tSmooth RSSI for Antenna1(Q1.27.4 format)         : %f\n", MIBAntennaSwitch::s32SmoothRSSI1,
      16},
-    {"\tSmooth RSSI for Antenna2(Q1.27.4 format)         : %f\n", MIBAntennaSwitch::SmoothRSSI2,
+    {"\tSmooth RSSI for Antenna2(Q1.27.4 format)         : %f\n", MIBAntennaSwitch::s32SmoothRSSI2,
      16},
-    {"\tAntenna Selection mode                           : %d\n", MIBAntennaSwitch::SelectionMode},
-    {"\tCurrent TX Antenna                               : %d\n", MIBAntennaSwitch::CurrentAntenna},
+    {"\tAntenna Selection mode                           : %d\n",
+     MIBAntennaSwitch::u32SelectionMode},
+    {"\tCurrent TX Antenna                               : %d\n",
+     MIBAntennaSwitch::u32CurrentAntenna},
 };
 
 // The minus sign stands before every value, a negative one too.
@@ -332,7 +335,8 @@ constexpr char acSoundingType[] = "\nTxAAsoundingtype[%d]\t:\t%d\n";
 template <const auto &acText> void PutFourCounters(const MIBAnswer &stAnswer) {
     using namespace MIBFourCounters;
     for (uint32_t i = 0; i < Count; ++i) {
-        const uint32_t au32Values[] = {i, Get(stAnswer.stLayout, First, i * WidthOf(First.eType))};
+        const uint32_t au32Values[] = {
+            i, Get(stAnswer.stLayout, s32First, i * WidthOf(s32First.eType))};
         PutNumbers(acText, au32Values);
     }
 }
@@ -436,9 +440,9 @@ void PutMultipleGetRecord(const MIBAnswer &stAnswer) {
 // The records of a multiple answer, as many as were announced and have at
 // least their status in the payload.
 void PutRecords(ByteView stPayload, void (*pfnPut)(const MIBAnswer &stAnswer)) {
-    const uint32_t u32Count = Get(stPayload, MIBRecordList::Count);
-    ByteView stRest = stPayload.From(MIBRecordList::Records);
-    for (uint32_t i = 0; i < u32Count && stRest.u32Length >= MIBRecord::Value; ++i) {
+    const uint32_t u32Count = Get(stPayload, MIBRecordList::u16Count);
+    ByteView stRest = stPayload.From(MIBRecordList::astRecords);
+    for (uint32_t i = 0; i < u32Count && stRest.u32Length >= MIBRecord::aucValue; ++i) {
         const MIBAnswer stAnswer = ReadRecord(stRest);
         pfnPut(stAnswer);
         stRest = stAnswer.stNext;

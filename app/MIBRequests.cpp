@@ -82,10 +82,10 @@ uint32_t KeysOf(int32_t iID, std::span<const KeyRange> astRanges, KeyRange stFur
 // Asks for so many keys (two at most) and stores them with their count.
 void AskKeys(ByteSpan stRecord, uint32_t u32Keys) {
     constexpr Question astQuestions[] = {
-        {"\n Enter the key value: ", MIBRecord::Key1},
-        {"\n Enter the 2nd key value: ", MIBRecord::Key2},
+        {"\n Enter the key value: ", MIBRecord::u32Key1},
+        {"\n Enter the 2nd key value: ", MIBRecord::u32Key2},
     };
-    Put(stRecord, MIBRecord::KeyCount, u32Keys);
+    Put(stRecord, MIBRecord::u8KeyCount, u32Keys);
     AskFields(stRecord, std::span(astQuestions).first(u32Keys));
 }
 
@@ -93,7 +93,7 @@ void AskKeys(ByteSpan stRecord, uint32_t u32Keys) {
 void AskGetRecord(ByteSpan stRecord, KeyRange stFurtherKeys) {
     PutTexts(apcGetIDLines);
     const int32_t iID = ReadOption();
-    Put(stRecord, MIBRecord::AttributeID, static_cast<uint32_t>(iID));
+    Put(stRecord, MIBRecord::u32AttributeID, static_cast<uint32_t>(iID));
     AskKeys(stRecord, KeysOf(iID, astGetKeys, stFurtherKeys));
 }
 
@@ -106,27 +106,27 @@ enum class AddressLength : uint8_t { Stated, LeftZero };
 // the ID, its key and its value.
 void AskStdRecord(ByteSpan stRecord, int32_t iID, uint32_t u32Bytes, AddressLength eAddress) {
     using namespace MIBRecord;
-    Put(stRecord, AttributeID, static_cast<uint32_t>(iID));
+    Put(stRecord, u32AttributeID, static_cast<uint32_t>(iID));
     AskKeys(stRecord, KeysOf(iID, astSetKeys));
     if (u32Bytes == u32AddressSize) {
-        Put(stRecord, DataLength, eAddress == AddressLength::Stated ? u32Bytes : 0);
+        Put(stRecord, u32DataLength, eAddress == AddressLength::Stated ? u32Bytes : 0);
         PutText("\nEnter the data (xx-xx-xx-xx-xx-xx): ");
         Record<u32AddressSize> stAddress;
         ReadHexBytes(stAddress.aucBytes, u32AddressSize);
-        PutBytes(stRecord, Value, stAddress.View());
+        PutBytes(stRecord, aucValue, stAddress.View());
         return;
     }
-    Put(stRecord, DataLength, u32Bytes);
-    Put(stRecord, u32Bytes == WidthOf(ShortValue.eType) ? ShortValue : LongValue,
+    Put(stRecord, u32DataLength, u32Bytes);
+    Put(stRecord, u32Bytes == WidthOf(u16ShortValue.eType) ? u16ShortValue : u32LongValue,
         AskInteger("\nEnter the data : "));
 }
 
 // The record of a set request for a configuration ID: the ID and a 4-byte value.
 void AskConfigRecord(ByteSpan stRecord, int32_t iID) {
     using namespace MIBRecord;
-    Put(stRecord, AttributeID, static_cast<uint32_t>(iID));
-    Put(stRecord, DataLength, WidthOf(LongValue.eType));
-    Put(stRecord, LongValue, AskUnsigned("\n Enter the value : "));
+    Put(stRecord, u32AttributeID, static_cast<uint32_t>(iID));
+    Put(stRecord, u32DataLength, WidthOf(u32LongValue.eType));
+    Put(stRecord, u32LongValue, AskUnsigned("\n Enter the value : "));
 }
 
 int32_t SetStdMIB(int32_t iID) {
@@ -146,17 +146,17 @@ int32_t ResetMRUTable(WiMAXMessage *pstMessage, uint32_t u32Length) {
 
 void AskCenterFrequencyAndBandwidth(ByteSpan stRecord) {
     using namespace MIBCenterFrequency;
-    const ByteSpan stValue = stRecord.From(MIBRecord::Value);
-    Put(stRecord, MIBRecord::DataLength, Size);
-    Put(stValue, CenterFrequency, AskUnsigned("\n Enter Center Frequency : "));
-    Put(stValue, Bandwidth, AskUnsigned("\n Enter bandwidth        : "));
+    const ByteSpan stValue = stRecord.From(MIBRecord::aucValue);
+    Put(stRecord, MIBRecord::u32DataLength, Size);
+    Put(stValue, u32CenterFrequency, AskUnsigned("\n Enter Center Frequency : "));
+    Put(stValue, u32Bandwidth, AskUnsigned("\n Enter bandwidth        : "));
 }
 
 int32_t SetConfigMIB(int32_t iID) {
     WiMAXMessage stMessage;
     const uint32_t u32Length = FillWiMAXMsg(&stMessage, TYPE_MIB, SUBTYPE_MIB_SET, MIBRecord::Size);
     const ByteSpan stRecord = PayloadOf(stMessage);
-    Put(stRecord, MIBRecord::AttributeID, static_cast<uint32_t>(iID));
+    Put(stRecord, MIBRecord::u32AttributeID, static_cast<uint32_t>(iID));
     switch (iID) {
     case MIBAttribute::MRUReset:
         return ResetMRUTable(&stMessage, u32Length);
@@ -175,10 +175,10 @@ void SendAutomatedWrites() {
     using namespace MIBRecord;
     for (const MIBParam &stParam : MIBParams2Write) {
         Record<Size + sizeof stParam.aucValue> stRecord;
-        Put(stRecord.Span(), AttributeID, stParam.u32AttributeID);
-        Put(stRecord.Span(), Key1, stParam.u32Key);
-        Put(stRecord.Span(), DataLength, stParam.u32Size);
-        PutBytes(stRecord.Span(), Value, {stParam.aucValue, stParam.u32Size});
+        Put(stRecord.Span(), u32AttributeID, stParam.u32AttributeID);
+        Put(stRecord.Span(), u32Key1, stParam.u32Key);
+        Put(stRecord.Span(), u32DataLength, stParam.u32Size);
+        PutBytes(stRecord.Span(), aucValue, {stParam.aucValue, stParam.u32Size});
         SendRequest(TYPE_MIB, SUBTYPE_MIB_SET, stRecord.View().From(0, stParam.u32Size + Size));
     }
 }
@@ -187,7 +187,7 @@ void SendAutomatedWrites() {
 void GetEveryMIB() {
     Record<MIBRecord::Size> stRecord;
     for (uint32_t u32ID = 0; u32ID < u32EveryMIB; ++u32ID) {
-        Put(stRecord.Span(), MIBRecord::AttributeID, u32ID);
+        Put(stRecord.Span(), MIBRecord::u32AttributeID, u32ID);
         SendMIBGetRequest(stRecord.View());
     }
 }
@@ -195,7 +195,7 @@ void GetEveryMIB() {
 // A message of several records.
 struct MIBMessage {
     WiMAXMessage stMessage = {};
-    uint32_t u32Used = MIBRecordList::Records; // payload bytes
+    uint32_t u32Used = MIBRecordList::astRecords; // payload bytes
     uint32_t u32Records = 0;
 };
 
@@ -210,7 +210,7 @@ struct MIBMessages {
 };
 
 // The most that one record can take of a message.
-constexpr uint32_t u32MaxRecord = WIMAX_DATA_SIZE - MIBRecordList::Records;
+constexpr uint32_t u32MaxRecord = WIMAX_DATA_SIZE - MIBRecordList::astRecords;
 
 bool HasRoomFor(const MIBMessage &stMessage, uint32_t u32Length) {
     return stMessage.u32Used + u32Length <= WIMAX_DATA_SIZE;
@@ -236,8 +236,8 @@ int32_t SendMessages(MIBMessages &stMessages) {
 
 void OpenMessage(MIBMessages &stMessages) {
     const ByteSpan stBytes = BytesOf(stMessages.astMessages.emplace_back().stMessage);
-    Put(stBytes, MessageHeader::Type, TYPE_MIB);
-    Put(stBytes, MessageHeader::SubType, stMessages.u32SubType);
+    Put(stBytes, MessageHeader::usType, TYPE_MIB);
+    Put(stBytes, MessageHeader::usSubType, stMessages.u32SubType);
     stMessages.bOpen = true;
 }
 
@@ -258,7 +258,7 @@ int32_t AddRecord(MIBMessages &stMessages, ByteView stRecord, uint32_t u32Length
     const ByteSpan stPayload = PayloadOf(stMessage.stMessage);
     PutBytes(stPayload, stMessage.u32Used, stRecord.From(0, u32Length));
     stMessage.u32Used += u32Length;
-    Put(stPayload, MIBRecordList::Count, ++stMessage.u32Records);
+    Put(stPayload, MIBRecordList::u16Count, ++stMessage.u32Records);
     stMessages.bOpen = HasRoomFor(stMessage, MIBRecord::Size);
     return 0;
 }
@@ -275,10 +275,10 @@ void AskSetRecord(MIBMessages &stMessages) {
     }
     // A record has its value bytes as stated, none for a negative number of
     // them, and at most what one message holds.
-    const int32_t iBytes = GetSigned(stRecord.View(), MIBRecord::DataLength);
+    const int32_t iBytes = GetSigned(stRecord.View(), MIBRecord::u32DataLength);
     AddRecord(stMessages, stRecord.View(),
-              MIBRecord::Value + static_cast<uint32_t>(std::clamp<int32_t>(
-                                     iBytes, 0, u32MaxRecord - MIBRecord::Value)));
+              MIBRecord::aucValue + static_cast<uint32_t>(std::clamp<int32_t>(
+                                        iBytes, 0, u32MaxRecord - MIBRecord::aucValue)));
 }
 
 void PutProgress(int32_t iItem, int32_t iItems) {
@@ -291,7 +291,7 @@ int32_t SendMIBGetRequest(ByteView stRecord) {
     const int32_t iResult =
         SendRequest(TYPE_MIB, SUBTYPE_MIB_GET, stRecord.From(0, MIBRecord::Size));
     if (iResult == iMRUTableEmpty &&
-        Get(stRecord, MIBRecord::AttributeID) == MIBAttribute::MRUTable) {
+        Get(stRecord, MIBRecord::u32AttributeID) == MIBAttribute::MRUTable) {
         PutText("MRU TABLE is EMPTY");
     } else if (iResult < 0) {
         PutFormat("Error Code Returned : [%d]\n", iResult);

@@ -13,8 +13,8 @@ uint32_t FillWiMAXMsg(WiMAXMessage *pstMessage, uint32_t u32Type, uint32_t u32Su
         return UINT32_MAX;
     }
     *pstMessage = {};
-    Put(BytesOf(*pstMessage), MessageHeader::Type, u32Type);
-    Put(BytesOf(*pstMessage), MessageHeader::SubType, u32SubType);
+    Put(BytesOf(*pstMessage), MessageHeader::usType, u32Type);
+    Put(BytesOf(*pstMessage), MessageHeader::usSubType, u32SubType);
     gbInsideSubMenu = 0;
     return (u32PayloadLength & 0xFFFF) + MessageHeader::Size;
 }

@@ -99,10 +99,10 @@ uint32_t AskReportType() {
 void AskBandwidths(ByteSpan stRequest, const BandwidthPrompts &stPrompts) {
     using namespace SearchRequest;
     const uint32_t u32Count = Capped(AskOption(stPrompts.pcCount), MaxBandwidths);
-    Put(stRequest, NumBandwidths, u32Count);
+    Put(stRequest, u32NumBandwidths, u32Count);
     for (uint32_t i = 0; i < u32Count; ++i) {
         PutNumber(stPrompts.pcBandwidth, i);
-        PutElement(stRequest, Bandwidths, i, AskInteger("") * 1000);
+        PutElement(stRequest, au32Bandwidths, i, AskInteger("") * 1000);
     }
 }
 
@@ -115,30 +115,30 @@ void AskBand(ByteSpan stRequest, const BandwidthPrompts &stPrompts,
         AskBandwidths(stRequest, stPrompts);
     } else {
         PutLine("\n\n\nSCANNING FOR 10/8.75/7/5 MHz BANDWIDTHs ...\n\n");
-        PutElements(stRequest, NumBandwidths, Bandwidths, au32AllBandwidths);
+        PutElements(stRequest, u32NumBandwidths, au32Bandwidths, au32AllBandwidths);
     }
-    PutElements(stRequest, NumFrequencies, Frequencies, au32Plan);
+    PutElements(stRequest, u32NumFrequencies, au32Frequencies, au32Plan);
 }
 
 void AskDiscreteFrequencies(ByteSpan stRequest) {
     using namespace SearchRequest;
     const uint32_t u32Count =
         Capped(AskOption("\n ENTER NUMDER OF DISCRETE FREQ (Max 25) : "), MaxFrequencies);
-    Put(stRequest, NumFrequencies, u32Count);
+    Put(stRequest, u32NumFrequencies, u32Count);
     PutTexts(apcDiscreteFrequencies);
     for (uint32_t i = 0; i < u32Count; ++i) {
         PutNumber("\n ENTER DISCRETE FREQ %d IN MHz : ", i);
-        PutElement(stRequest, Frequencies, i, AskFrequency(""));
+        PutElement(stRequest, au32Frequencies, i, AskFrequency(""));
     }
 }
 
 void AskFrequencyBand(ByteSpan stRequest) {
     using namespace SearchRequest;
-    Put(stRequest, FrequencyStart,
+    Put(stRequest, u32FrequencyStart,
         AskFrequency("\n ENTER CENTER FREQ START IN MHz [E.g. 2530.0, 2652.5, 3576.5]: "));
-    Put(stRequest, FrequencyEnd,
+    Put(stRequest, u32FrequencyEnd,
         AskFrequency("\n ENTER CENTER FREQ END IN MHz [E.g. 2540.0, 2662.5, 3586.5]: "));
-    Put(stRequest, FrequencyStep, AskInteger("\n ENTER CENTER FREQ STEP in KHz [E.g. 500]: "));
+    Put(stRequest, u32FrequencyStep, AskInteger("\n ENTER CENTER FREQ STEP in KHz [E.g. 500]: "));
     if (AskOption("\nDO YOU WANT TO ENTER THE NUM OF BW'S TO BE SCANED : (1-Yes and 0-No)") == 1) {
         AskBandwidths(stRequest, st3500Prompts);
     }
@@ -150,8 +150,8 @@ void AskFrequencyBand(ByteSpan stRequest) {
 int32_t SearchByFrequency(int32_t iChoice) {
     using namespace SearchRequest;
     Record<Size> stRequest;
-    Put(stRequest.Span(), Duration, AskDuration());
-    Put(stRequest.Span(), ReportType, AskReportType());
+    Put(stRequest.Span(), u32Duration, AskDuration());
+    Put(stRequest.Span(), u32ReportType, AskReportType());
     if (iChoice == 1) {
         AskBand(stRequest.Span(), st2500Prompts, au32Plan2500And2600);
     } else if (iChoice == 2) {
@@ -176,21 +176,21 @@ struct Default {
 };
 
 constexpr Default stDurationDefault = {
-    NSPSearchRequest::Duration,
+    NSPSearchRequest::u32Duration,
     "\nSearch duration is Infinite (0)\n"
     " If you want to change the Search duration enter 1  else enter 0:",
     "\n Enter the the search duration is Sec :", AskInteger};
 constexpr Default stNAPIDDefault = {
-    NSPSearchRequest::NAPID,
+    NSPSearchRequest::u32NAPID,
     "\nNAPID is %d : \n If you want to change the NAPID enter 1 else enter 0:",
     "\n Enter the NAPID :", AskInteger};
 constexpr Default stNSPChangeCountDefault = {
-    NSPSearchRequest::NSPChangeCount,
+    NSPSearchRequest::u32NSPChangeCount,
     "\nNSP change count is %d : \n"
     " If you want to change the NSP change count enter 1  else enter 0:",
     "\n Enter NSP change count :", AskWordInstead};
 constexpr Default stStationCountDefault = {
-    NSPSearchRequest::NumStations,
+    NSPSearchRequest::u32NumStations,
     "\nNumber of BS info to be entered for NSP search is %d : \n"
     " If you want to change the BS count enter 1  else enter 0:",
     "\n Number of BS info to be entered is :", AskWordInstead};
@@ -208,15 +208,15 @@ constexpr const char *pcChangeStation =
     "\n\t If you want to change the count enter 1  else enter 0:";
 
 constexpr StationDefault astStationDefaults[] = {
-    {NSPSearchRequest::StationEntry::Bandwidth, "\n\t stPhyInfo[%d].u32BW = %d (in KHz)",
+    {NSPSearchRequest::StationEntry::u32BW, "\n\t stPhyInfo[%d].u32BW = %d (in KHz)",
      pcChangeStation, "\n\t stPhyInfo[%d].u32BW in KHz is:"},
-    {NSPSearchRequest::StationEntry::CenterFrequency, "\n\t stPhyInfo[%d].u32CF = %d KHz",
+    {NSPSearchRequest::StationEntry::u32CF, "\n\t stPhyInfo[%d].u32CF = %d KHz",
      "\n\t If you want to change the count enter 1 else enter 0:",
      "\n\t stPhyInfo[%d].u32CF is (in KHz) :"},
-    {NSPSearchRequest::StationEntry::DCDChangeCount, "\n\t stPhyInfo[%d].u32DCDChangeCount = %d",
+    {NSPSearchRequest::StationEntry::u32DCDChangeCount, "\n\t stPhyInfo[%d].u32DCDChangeCount = %d",
      pcChangeStation, "\n\t stPhyInfo[%d].u32DCDChangeCount is  :"},
-    {NSPSearchRequest::StationEntry::PreambleIndex, "\n\t stPhyInfo[%d].u32Pid = %d ",
-     pcChangeStation, "\n\t stPhyInfo[%d].u32Pid is  :"},
+    {NSPSearchRequest::StationEntry::u32Pid, "\n\t stPhyInfo[%d].u32Pid = %d ", pcChangeStation,
+     "\n\t stPhyInfo[%d].u32Pid is  :"},
 };
 
 // Stores the default, and what the user types instead of it.
@@ -251,19 +251,20 @@ int32_t SearchByNSP() {
     AskDefault(stSpan, stDurationDefault, 0);
     AskDefault(stSpan, stNAPIDDefault, g_u32NAPID);
     AskDefault(stSpan, stNSPChangeCountDefault,
-               Get(stDiscovery.View(), NSPDiscovery::NSPChangeCount));
+               Get(stDiscovery.View(), NSPDiscovery::u32NSPChangeCount));
     const uint32_t u32Asked = AskDefault(stSpan, stStationCountDefault, g_u32NumberOfBaseStations);
     const uint32_t u32Stations = Capped(static_cast<int32_t>(u32Asked), u32MaxBaseStations);
-    Put(stSpan, NumStations, u32Stations);
+    Put(stSpan, u32NumStations, u32Stations);
     for (uint32_t i = 0; i < u32Stations; ++i) {
         PutFormat("\n Contents for %u Base station of total %u:", i + 1, u32Stations);
         const ByteView stStation = stStations.View().From(i * BaseStation::Size, BaseStation::Size);
-        const ByteSpan stEntry = stSpan.From(Stations + i * StationEntry::Size, StationEntry::Size);
-        Put(stEntry, StationEntry::CenterFrequency, Get(stStation, BaseStation::CenterFrequency));
-        Put(stEntry, StationEntry::Bandwidth, Get(stStation, BaseStation::Bandwidth));
-        Put(stEntry, StationEntry::PreambleIndex, Get(stStation, BaseStation::PreambleIndex));
-        Put(stEntry, StationEntry::DCDChangeCount,
-            Get(stDiscovery.View(), NSPDiscovery::DCDChangeCount));
+        const ByteSpan stEntry =
+            stSpan.From(stPhyInfo + i * StationEntry::Size, StationEntry::Size);
+        Put(stEntry, StationEntry::u32CF, Get(stStation, BaseStation::u32CenterFrequency));
+        Put(stEntry, StationEntry::u32BW, Get(stStation, BaseStation::u32Bandwidth));
+        Put(stEntry, StationEntry::u32Pid, Get(stStation, BaseStation::u32PreambleIndex));
+        Put(stEntry, StationEntry::u32DCDChangeCount,
+            Get(stDiscovery.View(), NSPDiscovery::u32DCDChangeCount));
         AskStationEntry(stEntry, i);
     }
     return SendRequest(TYPE_NETWORK_SEARCH, SUBTYPE_NSP_SEARCH, stRequest.View());
@@ -284,9 +285,9 @@ int32_t SetCinrRssiForNetworkSearchRequest() {
     WiMAXMessage stMessage;
     const uint32_t u32Length =
         FillWiMAXMsg(&stMessage, TYPE_DEVICE_CONFIG, SUBTYPE_CINR_RSSI_THRESHOLD, Size);
-    Put(PayloadOf(stMessage), CINR,
+    Put(PayloadOf(stMessage), s32CINR,
         AskUnsigned("\n Enter CINR value you want to set for network search : "));
-    Put(PayloadOf(stMessage), RSSI,
+    Put(PayloadOf(stMessage), s32RSSI,
         AskUnsigned("\n Enter RSSI value you want to set for network search : "));
     return SendMessage(&stMessage, u32Length);
 }
@@ -296,8 +297,8 @@ uint32_t SetCinrRssiForNetworkSearchResponse(const WiMAXMessage *pstMessage) {
         constexpr const char *pcBanner = "\n~~~~~~ SET CINR RSSI RESPONSE RECEIVED ~~~~~~";
         const ByteView stPayload = View(pstMessage).stPayload;
         PutLine(pcBanner);
-        PutRow(stPayload, {"CINR Value Set : %d\n", CinrRssiThreshold::CINR});
-        PutRow(stPayload, {"RSSI Value Set : %d\n", CinrRssiThreshold::RSSI});
+        PutRow(stPayload, {"CINR Value Set : %d\n", CinrRssiThreshold::s32CINR});
+        PutRow(stPayload, {"RSSI Value Set : %d\n", CinrRssiThreshold::s32RSSI});
         PutLine("\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~");
     }
     return 1;

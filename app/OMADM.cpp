@@ -76,9 +76,9 @@ void PutPath(ByteSpan stRecord, uint32_t u32Offset, Field stCount, OMADMNodes as
     using namespace OMADMElement;
     astPath = astPath.first(std::min<size_t>(astPath.size(), OMADMPath::MaxElements));
     for (const OMADMNode &stNode : astPath) {
-        Put(stRecord, Class, stNode.u8Class, u32Offset);
-        Put(stRecord, Number, stNode.u8Number, u32Offset);
-        Put(stRecord, Index, stNode.u32Index, u32Offset);
+        Put(stRecord, u8Class, stNode.u8Class, u32Offset);
+        Put(stRecord, u8Number, stNode.u8Number, u32Offset);
+        Put(stRecord, u32Index, stNode.u32Index, u32Offset);
         u32Offset += Size;
     }
     Put(stRecord, stCount, static_cast<uint32_t>(astPath.size()));
@@ -118,9 +118,9 @@ int32_t AccessNode(WiMAXMessage *pstMessage, uint32_t u32SubType, const SizedNod
     const uint32_t u32Length =
         FillWiMAXMsg(pstMessage, TYPE_OMADM, u32SubType, Size + stNode.u32Size);
     const ByteSpan stPayload = PayloadOf(*pstMessage);
-    Put(stPayload, ValueSize, stNode.u32Size + u32ClaimedMore);
-    PutPath(stPayload, Path, NumElements, stNode.astPath);
-    PutBytes(stPayload, Value, stValue);
+    Put(stPayload, u32ValueSize, stNode.u32Size + u32ClaimedMore);
+    PutPath(stPayload, astPath, u32NumElements, stNode.astPath);
+    PutBytes(stPayload, aucValue, stValue);
     return SendMessage(pstMessage, u32Length);
 }
 
@@ -154,7 +154,7 @@ void Run(const SetAndReadTest &stTest) {
     if (iResult < 0) {
         PutFormat(pcErrorReceived, iResult);
     }
-    const ByteView stRead = ByteView(PayloadOf(stMessage)).From(Value, stNode.u32Size);
+    const ByteView stRead = ByteView(PayloadOf(stMessage)).From(aucValue, stNode.u32Size);
     PutText(SameBytes(stRead, stWritten) ? stTest.pcSame : stTest.pcDifferent);
     PutDump(stRead, "\n : ");
 }
@@ -179,8 +179,8 @@ using File = std::unique_ptr<FILE, int (*)(FILE *)>;
 bool WriteTreeImage() {
     using namespace OMADMTreeImage;
     const auto pstImage = std::make_unique<Record<Size>>();
-    Put(pstImage->Span(), Version, u32TreeImageVersion);
-    Put(pstImage->Span(), Length, Size);
+    Put(pstImage->Span(), u32Version, u32TreeImageVersion);
+    Put(pstImage->Span(), u32Length, Size);
     const File pstFile(std::fopen(pcTreeFile, "w+"), std::fclose);
     if (pstFile == nullptr) {
         PutText("\nCould not creat file");
@@ -199,7 +199,7 @@ bool WriteTreeImage() {
 uint32_t GetOMADMParameterSize(OMADMNodes astPath) {
     using namespace OMADMSizeQuery;
     Record<Size> stQuery;
-    PutPath(stQuery.Span(), Path, NumElements, astPath);
+    PutPath(stQuery.Span(), OMADMSizeQuery::astPath, u32NumElements, astPath);
     WiMAXMessage stMessage;
     const int32_t iResult =
         SendForAnswer(&stMessage, TYPE_OMADM, SUBTYPE_OMADM_SIZE, stQuery.View());
@@ -207,8 +207,8 @@ uint32_t GetOMADMParameterSize(OMADMNodes astPath) {
         PutFormat("\nError Code Returned: [%d]\n", iResult);
         return static_cast<uint32_t>(iResult);
     }
-    PutRow(PayloadOf(stMessage), {"\n Parameter size get returned [%d]\n", NodeSize});
-    return Get(PayloadOf(stMessage), NodeSize);
+    PutRow(PayloadOf(stMessage), {"\n Parameter size get returned [%d]\n", u32NodeSize});
+    return Get(PayloadOf(stMessage), u32NodeSize);
 }
 
 int32_t GetOmaParam(OMADMNodes astPath, std::vector<uint8_t> *paucResult) {
@@ -223,7 +223,7 @@ int32_t GetOmaParam(OMADMNodes astPath, std::vector<uint8_t> *paucResult) {
         PutFormat(pcGetFailed, iResult);
         return iResult;
     }
-    const uint32_t u32RecordSize = Value + stNode.u32Size;
+    const uint32_t u32RecordSize = aucValue + stNode.u32Size;
     paucResult->assign(stMessage.aucData, stMessage.aucData + u32RecordSize);
     paucResult->resize(Size + stNode.u32Size + u32Excess);
     return iResult;
@@ -231,15 +231,16 @@ int32_t GetOmaParam(OMADMNodes astPath, std::vector<uint8_t> *paucResult) {
 
 int32_t SetOmaParam(ByteView stRecord) {
     using namespace OMADMParameter;
-    const uint32_t u32ValueSize = std::min(Get(stRecord, ValueSize), MaxValueSize);
+    const uint32_t u32ValueSize =
+        std::min(Get(stRecord, OMADMParameter::u32ValueSize), MaxValueSize);
     WiMAXMessage stMessage;
     const uint32_t u32Length =
         FillWiMAXMsg(&stMessage, TYPE_OMADM, SUBTYPE_OMADM_SET, Size + u32ValueSize);
     const ByteSpan stPayload = PayloadOf(stMessage);
-    Put(stPayload, ValueSize, u32ValueSize);
-    PutBytes(stPayload, Path, stRecord.From(Path, OMADMPath::Size));
-    Put(stPayload, NumElements, Get(stRecord, NumElements));
-    PutBytes(stPayload, Value, stRecord.From(Value, u32ValueSize));
+    Put(stPayload, OMADMParameter::u32ValueSize, u32ValueSize);
+    PutBytes(stPayload, astPath, stRecord.From(astPath, OMADMPath::Size));
+    Put(stPayload, u32NumElements, Get(stRecord, u32NumElements));
+    PutBytes(stPayload, aucValue, stRecord.From(aucValue, u32ValueSize));
     const int32_t iResult = SendMessage(&stMessage, u32Length);
     if (iResult != 0) {
         PutFormat(pcGetFailed, iResult);
@@ -256,10 +257,10 @@ int32_t SendOMADMGetRequest(ByteView stRecord) {
 int32_t OMADMGetVersion() {
     using namespace OMADMVersion;
     Record<Size> stVersion;
-    Put(stVersion.Span(), Major, u32MajorVersion);
-    Put(stVersion.Span(), Minor, u32MinorVersion);
+    Put(stVersion.Span(), u32Major, u32MajorVersion);
+    Put(stVersion.Span(), u32Minor, u32MinorVersion);
     PutRow(stVersion.View(),
-           {"\n Application is using Major Ver %d and Minor Ver %d of OMA-DM API\n", Major});
+           {"\n Application is using Major Ver %d and Minor Ver %d of OMA-DM API\n", u32Major});
     WiMAXMessage stMessage;
     const int32_t iResult =
         SendForAnswer(&stMessage, TYPE_OMADM, SUBTYPE_OMADM_VERSION, stVersion.View());
@@ -267,8 +268,9 @@ int32_t OMADMGetVersion() {
         PutText("Version compatibility check Successful!!");
         return iResult;
     }
-    PutRow(PayloadOf(stMessage),
-           {"\n Library is compatible with Major Ver %d and Minor Ver %d of OMA-DM API\n", Major});
+    PutRow(
+        PayloadOf(stMessage),
+        {"\n Library is compatible with Major Ver %d and Minor Ver %d of OMA-DM API\n", u32Major});
     PutText("OMA-DM APIs are NOT compatible with the version library and Application");
     return iResult;
 }
@@ -287,7 +289,7 @@ void GetIMEIData() {
     }
     PutText("IMEI Read SUCCESS");
     PutText("\n--------------IMEI data START---------------------- ");
-    PutDump(ByteView(PayloadOf(stMessage)).From(Data, DataSize), "\n  : ");
+    PutDump(ByteView(PayloadOf(stMessage)).From(aucData, DataSize), "\n  : ");
     PutText("\n--------------IMEI data END---------------------- ");
 }
 
@@ -298,7 +300,7 @@ void UpdateOMADMTree() {
     }
     Record<Size> stRequest;
     constexpr std::string_view strName = pcTreeFile;
-    std::copy(strName.begin(), strName.end(), stRequest.aucBytes + FileName);
+    std::copy(strName.begin(), strName.end(), stRequest.aucBytes + acFileName);
     static_assert(strName.size() < Size);
     const int32_t iResult = SendRequest(TYPE_OMADM, SUBTYPE_OMADM_TREE_UPDATE, stRequest.View());
     if (iResult != 0) {

@@ -42,17 +42,17 @@ void AskValueBytes(ByteSpan stRecord, uint32_t u32Bytes) {
     PutText(pcDataPrompt);
     const int32_t iValues = std::min(static_cast<int32_t>(u32Bytes), iMaxValues);
     for (int32_t i = 0; i < iValues; ++i) {
-        stRecord.Set(SecurityRecord::Value + static_cast<uint32_t>(i),
+        stRecord.Set(SecurityRecord::aucValue + static_cast<uint32_t>(i),
                      static_cast<uint8_t>(AskInteger("")));
     }
 }
 
 void PutValue(ByteView stRecord) {
     using namespace SecurityRecord;
-    const uint32_t u32DataLength = Get(stRecord, DataLength);
-    PutEachByte(" 0x%02x", stRecord.From(Value, u32DataLength));
-    if (u32DataLength == WidthOf(LongValue.eType)) {
-        PutRow(stRecord, {" UINT eq : %d", LongValue});
+    const uint32_t u32DataLength = Get(stRecord, SecurityRecord::u32DataLength);
+    PutEachByte(" 0x%02x", stRecord.From(aucValue, u32DataLength));
+    if (u32DataLength == WidthOf(u32LongValue.eType)) {
+        PutRow(stRecord, {" UINT eq : %d", u32LongValue});
     }
     PutText("\n");
 }
@@ -64,23 +64,23 @@ bool PutAnswer(uint32_t u32SubType, ByteView stRecord) {
     switch (u32SubType) {
     case SUBTYPE_SECURITY_SET:
         PutText(pcHeading);
-        if (Get(stRecord, Status) != 0) {
-            PutRow(stRecord, {" Error Code while Security Parameter Set: (%d) \n", Status});
+        if (Get(stRecord, s8Status) != 0) {
+            PutRow(stRecord, {" Error Code while Security Parameter Set: (%d) \n", s8Status});
         } else {
             PutText("\nSecurity Parmater Set is Successful !!!");
         }
         return true;
     case SUBTYPE_SECURITY_GET:
         PutText(pcHeading);
-        PutRow(stRecord, {"\n Security OID - %d : ", ParameterID});
-        if (GetSigned(stRecord, Status) < 0) {
-            PutRow(stRecord, {" ERROR RECEIVED : [%d]", Status});
+        PutRow(stRecord, {"\n Security OID - %d : ", u32ParameterID});
+        if (GetSigned(stRecord, s8Status) < 0) {
+            PutRow(stRecord, {" ERROR RECEIVED : [%d]", s8Status});
             return false;
         }
         PutValue(stRecord);
         return true;
     case SUBTYPE_SECURITY_SIZE:
-        PutRow(stRecord, {"\n Security Param ID - [%d], Size : [%d]\n", ParameterID});
+        PutRow(stRecord, {"\n Security Param ID - [%d], Size : [%d]\n", u32ParameterID});
         return true;
     default:
         return true;
@@ -91,7 +91,7 @@ bool PutAnswer(uint32_t u32SubType, ByteView stRecord) {
 
 int32_t SecGetRequest() {
     Record<SecurityRecord::Size> stRecord;
-    Put(stRecord.Span(), SecurityRecord::ParameterID, AskParameterID());
+    Put(stRecord.Span(), SecurityRecord::u32ParameterID, AskParameterID());
     const int32_t iResult = SendSecGetRequest(stRecord.View());
     if (iResult < 0) {
         PutFormat("\nError Received as: [%d]\n", iResult);
@@ -108,14 +108,14 @@ int32_t SecSetRequest() {
     const uint32_t u32Length =
         FillWiMAXMsg(&stMessage, TYPE_SECURITY, SUBTYPE_SECURITY_SET, u32Bytes + Size);
     const ByteSpan stRecord = PayloadOf(stMessage);
-    Put(stRecord, ParameterID, u32ID);
-    Put(stRecord, DataLength, u32Bytes);
+    Put(stRecord, u32ParameterID, u32ID);
+    Put(stRecord, u32DataLength, u32Bytes);
     switch (u32Bytes) {
-    case WidthOf(LongValue.eType):
-        Put(stRecord, LongValue, AskInteger(pcDataPrompt));
+    case WidthOf(u32LongValue.eType):
+        Put(stRecord, u32LongValue, AskInteger(pcDataPrompt));
         break;
-    case WidthOf(ShortValue.eType):
-        Put(stRecord, ShortValue, AskInteger(pcDataPrompt));
+    case WidthOf(u16ShortValue.eType):
+        Put(stRecord, u16ShortValue, AskInteger(pcDataPrompt));
         break;
     default:
         AskValueBytes(stRecord, u32Bytes);
@@ -126,7 +126,7 @@ int32_t SecSetRequest() {
 
 int32_t SecGetParamSize() {
     Record<SecuritySizeRequest::Size> stRequest;
-    Put(stRequest.Span(), SecuritySizeRequest::ParameterID, AskParameterID());
+    Put(stRequest.Span(), SecuritySizeRequest::u32ParameterID, AskParameterID());
     return SendRequest(TYPE_SECURITY, SUBTYPE_SECURITY_SIZE, stRequest.View());
 }
 

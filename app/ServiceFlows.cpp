@@ -46,20 +46,20 @@ struct DefaultValue {
 };
 
 constexpr DefaultValue astSetDefaults[] = {
-    {SFParamSet::QoSParamSetType, ServiceFlowRecord::Provisioned},
-    {SFParamSet::SchedulingType, SFParamSet::BE},
-    {SFParamSet::Param112, 0x31},
-    {SFParamSet::CSSpecification, 1},
-    {SFParamSet::Param129, 1},
-    {SFParamSet::Param117, 0xFF},
+    {SFParamSet::u8QoSParamSetType, ServiceFlowRecord::Provisioned},
+    {SFParamSet::u8SchedulingType, SFParamSet::BE},
+    {SFParamSet::u8Param112, 0x31},
+    {SFParamSet::u8CSSpecification, 1},
+    {SFParamSet::u8Param129, 1},
+    {SFParamSet::u8Param117, 0xFF},
 };
 
 // What the set of an add request has besides.
 constexpr DefaultValue astAddDefaults[] = {
-    {SFParamSet::NumClassifierRules, 1},
-    {SFParamSet::RetransmissionPolicy, 16},
-    {SFParamSet::Reserved26, 0xFFFF},
-    {SFParamSet::SetPresent, 1},
+    {SFParamSet::u8NumClassifierRules, 1},
+    {SFParamSet::u8RetransmissionPolicy, 16},
+    {SFParamSet::u16Reserved26, 0xFFFF},
+    {SFParamSet::u8SetPresent, 1},
 };
 
 // A number that a scheduling type asks for.
@@ -69,12 +69,12 @@ struct TrafficParam {
 };
 
 constexpr TrafficParam stMaxRate = {"\nMAX Sustained Traffic Rate : ",
-                                    SFParamSet::MaxSustainedTrafficRate};
+                                    SFParamSet::u32MaxSustainedTrafficRate};
 constexpr TrafficParam stMinRate = {"\nMin Reserved Traffic Rate : ",
-                                    SFParamSet::MinReservedTrafficRate};
-constexpr TrafficParam stLatency = {"\nMaximum Latency : ", SFParamSet::MaximumLatency};
-constexpr TrafficParam stJitter = {"\nTolerated Jitter : ", SFParamSet::ToleratedJitter};
-constexpr TrafficParam stPriority = {"\nTraffic Priority: ", SFParamSet::TrafficPriority};
+                                    SFParamSet::u32MinReservedTrafficRate};
+constexpr TrafficParam stLatency = {"\nMaximum Latency : ", SFParamSet::u32MaximumLatency};
+constexpr TrafficParam stJitter = {"\nTolerated Jitter : ", SFParamSet::u32ToleratedJitter};
+constexpr TrafficParam stPriority = {"\nTraffic Priority: ", SFParamSet::u8TrafficPriority};
 
 constexpr TrafficParam astBEParams[] = {stMaxRate, stPriority};
 constexpr TrafficParam astRTPSParams[] = {stMaxRate, stMinRate, stLatency, stPriority};
@@ -132,7 +132,7 @@ uint32_t AskTID() {
 }
 
 void EnterTrafficPriority(const SelectedSets &stSets) {
-    Put(stSets, SFParamSet::TrafficPriority, AskUnsigned("\nTraffic Priority : "));
+    Put(stSets, SFParamSet::u8TrafficPriority, AskUnsigned("\nTraffic Priority : "));
 }
 
 // The value stands when what is typed is no number.
@@ -140,13 +140,13 @@ void EnterCSSpecification(const SelectedSets &stSets) {
     PutText("\nCS Specification: ");
     uint32_t u32Value = 0;
     if (ReadHexInteger(&u32Value)) {
-        Put(stSets, SFParamSet::CSSpecification, u32Value);
+        Put(stSets, SFParamSet::u8CSSpecification, u32Value);
     }
 }
 
 void AskRetransmissionPolicy(const SelectedSets &stSets) {
     if (AskYes("\nWould you like to enter the Retransmission policy (1-Yes and 0-No)")) {
-        Put(stSets, SFParamSet::RetransmissionPolicy,
+        Put(stSets, SFParamSet::u8RetransmissionPolicy,
             AskUnsigned("\nPlz enter the Retransmission policy (0-255) : "));
     }
 }
@@ -165,7 +165,7 @@ const SchedulingType &AskSchedulingType(const char *pcPrompt) {
 // field as it was.
 const SchedulingType &EnterSchedulingType(const SelectedSets &stSets, const char *pcPrompt) {
     const SchedulingType &stType = AskSchedulingType(pcPrompt);
-    Put(stSets, SFParamSet::SchedulingType, stType.u32Code);
+    Put(stSets, SFParamSet::u8SchedulingType, stType.u32Code);
     for (const TrafficParam &stParam : stType.astParams) {
         PutText(stParam.pcPrompt);
         int32_t iValue = 0;
@@ -181,8 +181,8 @@ void EnterServiceClass(const SelectedSets &stSets) {
     const SchedulingType &stType = EnterSchedulingType(
         stSets, "\nService Class Name [0-BE , 1-RTPS, 2-NRTPS, 3-ERTPS, 4-UGS] : ");
     const auto u32Length = static_cast<uint32_t>(std::strlen(stType.pcName) + 1);
-    Put(stSets, SFParamSet::ServiceClassNameLength, u32Length);
-    PutBytes(stSets, SFParamSet::ServiceClassName.u16Offset,
+    Put(stSets, SFParamSet::u8ServiceClassNameLength, u32Length);
+    PutBytes(stSets, SFParamSet::au8ServiceClassName.u16Offset,
              {reinterpret_cast<const uint8_t *>(stType.pcName), u32Length});
 }
 
@@ -191,7 +191,7 @@ void EnterServiceClass(const SelectedSets &stSets) {
 void QueryActiveSFIDs() {
     ClearSFIDTable();
     Record<MIBRecord::Size> stQuery;
-    Put(stQuery.Span(), MIBRecord::AttributeID, MIBAttribute::ActiveSFIDs);
+    Put(stQuery.Span(), MIBRecord::u32AttributeID, MIBAttribute::ActiveSFIDs);
     SendMIBGetRequest(stQuery.View());
 }
 
@@ -222,7 +222,7 @@ int32_t AddClassifierRule(const SelectedSets &stSets, uint32_t u32Rules) {
         return -1;
     }
     EnterClassifierRuleParams(stSets.stRecord, u32Rules, stSets.u32QoSBits, false);
-    PutInRule(stSets, u32Rules, ClassifierRule::Action, ClassifierRule::AddRule);
+    PutInRule(stSets, u32Rules, ClassifierRule::u8ClassifierAction, ClassifierRule::AddRule);
     return 0;
 }
 
@@ -245,7 +245,7 @@ int32_t ReplaceClassifierRule(const SelectedSets &stSets, uint32_t u32Rules) {
     }
     const auto u32Rule = static_cast<uint32_t>(iRule);
     EnterClassifierRuleParams(stSets.stRecord, u32Rule, stSets.u32QoSBits, false);
-    PutInRule(stSets, u32Rule, ClassifierRule::Action, ClassifierRule::ReplaceRule);
+    PutInRule(stSets, u32Rule, ClassifierRule::u8ClassifierAction, ClassifierRule::ReplaceRule);
     return 0;
 }
 
@@ -255,7 +255,7 @@ int32_t DeleteClassifierRule(const SelectedSets &stSets, uint32_t u32Rules) {
     if (iRule < 0) {
         return -1;
     }
-    PutInRule(stSets, static_cast<uint32_t>(iRule), ClassifierRule::Action,
+    PutInRule(stSets, static_cast<uint32_t>(iRule), ClassifierRule::u8ClassifierAction,
               ClassifierRule::DeleteRule);
     return 0;
 }
@@ -263,17 +263,17 @@ int32_t DeleteClassifierRule(const SelectedSets &stSets, uint32_t u32Rules) {
 // The header and what every selected set of a change request says of its flow.
 void EnterChangedFlow(const SelectedSets &stSets, uint32_t u32SFID) {
     const ByteSpan stRecord = stSets.stRecord;
-    Put(stRecord, ServiceFlowRecord::MsgCode, ServiceFlowRecord::ChangeRequest);
-    Put(stRecord, ServiceFlowRecord::Direction,
+    Put(stRecord, ServiceFlowRecord::u8MsgCode, ServiceFlowRecord::ChangeRequest);
+    Put(stRecord, ServiceFlowRecord::u8Direction,
         AskUnsigned("\nEnter direction of service flow (0 - DL, 1 - UL) : "));
     const uint32_t u32CID = AskUnsigned("\nEnter u16CID assigned by BS during SF Addition : ");
-    Put(stRecord, ServiceFlowRecord::CID, u32CID);
-    Put(stSets, SFParamSet::SetPresent, 1);
-    Put(stSets, SFParamSet::SFID, u32SFID);
-    Put(stSets, SFParamSet::QoSParamSetType, stSets.u32QoSBits);
-    Put(stSets, SFParamSet::CID, u32CID);
+    Put(stRecord, ServiceFlowRecord::u16CID, u32CID);
+    Put(stSets, SFParamSet::u8SetPresent, 1);
+    Put(stSets, SFParamSet::u32SFID, u32SFID);
+    Put(stSets, SFParamSet::u8QoSParamSetType, stSets.u32QoSBits);
+    Put(stSets, SFParamSet::u16CID, u32CID);
     WrapTID();
-    Put(stRecord, ServiceFlowRecord::TID, AskTID());
+    Put(stRecord, ServiceFlowRecord::u16TID, AskTID());
 }
 
 // The parameters that a change request may leave alone.
@@ -307,29 +307,30 @@ constexpr const char *pcResponseClosing = "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~
 // Prints a confirmation code that refuses the request. Returns false when it
 // does not.
 bool PutRefusal(ByteView stRecord) {
-    if (Get(stRecord, ServiceFlowRecord::ConfirmationCode) == 0) {
+    if (Get(stRecord, ServiceFlowRecord::u8ConfirmationCode) == 0) {
         return false;
     }
     PutLine("\nConfirmation code received as non-zero");
-    PutRow(stRecord, {"\nConfirmation code received : %d \n", ServiceFlowRecord::ConfirmationCode});
+    PutRow(stRecord,
+           {"\nConfirmation code received : %d \n", ServiceFlowRecord::u8ConfirmationCode});
     return true;
 }
 
 constexpr ReportRow astFlowRows[] = {
-    {"\nService flow Identifier(u32SFID)          : %d\n", SFParamSet::SFID},
-    {"\nConnection Identifier(u16CID)             : %d\n", SFParamSet::CID},
+    {"\nService flow Identifier(u32SFID)          : %d\n", SFParamSet::u32SFID},
+    {"\nConnection Identifier(u16CID)             : %d\n", SFParamSet::u16CID},
 };
 
 // The most advanced set that is present identifies the flow.
 void PutAddedFlow(ByteView stRecord) {
     for (const ServiceFlowRecord::SetOfBit &stSet : ServiceFlowRecord::Sets) {
-        if (Get(stRecord, SFParamSet::SetPresent, stSet.u32Offset) != 0) {
+        if (Get(stRecord, SFParamSet::u8SetPresent, stSet.u32Offset) != 0) {
             PutRows(stRecord, astFlowRows, stSet.u32Offset);
             break;
         }
     }
     PutRow(stRecord,
-           {"\nDirection of Service Flow                 : %d\n", ServiceFlowRecord::Direction});
+           {"\nDirection of Service Flow                 : %d\n", ServiceFlowRecord::u8Direction});
 }
 
 // The report behind its banner. Returns false after a refusal.
@@ -339,7 +340,7 @@ bool PutAddIndication(ByteView stRecord) {
         return false;
     }
     PutRow(stRecord, {"\nService flow added with confirmation code : %d\n",
-                      ServiceFlowRecord::ConfirmationCode});
+                      ServiceFlowRecord::u8ConfirmationCode});
     PutAddedFlow(stRecord);
     return true;
 }
@@ -350,12 +351,12 @@ bool PutChangeIndication(ByteView stRecord) {
         return false;
     }
     PutRow(stRecord, {"\nService flow changed with confirmation code %d",
-                      ServiceFlowRecord::ConfirmationCode});
+                      ServiceFlowRecord::u8ConfirmationCode});
     return true;
 }
 
 bool PutDeleteIndication(ByteView stRecord) {
-    RemoveSFID(Get(stRecord, SFParamSet::SFID, ServiceFlowRecord::ProvisionedSet));
+    RemoveSFID(Get(stRecord, SFParamSet::u32SFID, ServiceFlowRecord::stProvisionedSet));
     PutText("\nSF DELETE INDICATION RESPONSE MESSAGE RECEIVED.");
     return true;
 }
@@ -386,19 +387,19 @@ int32_t SendDSARequest() {
     Record<Size> stRequest;
     const ByteSpan stRecord = stRequest.Span();
     const SelectedSets stSet{stRecord, Provisioned};
-    Put(stRecord, MsgCode, AddRequest);
+    Put(stRecord, u8MsgCode, AddRequest);
     WrapTID();
-    SetSFParamDefaults(stRecord.From(ProvisionedSet, SFParamSet::Size));
+    SetSFParamDefaults(stRecord.From(stProvisionedSet, SFParamSet::Size));
     for (const DefaultValue &stDefault : astAddDefaults) {
         Put(stSet, stDefault.stField, stDefault.u32Value);
     }
-    PutInRule(stSet, 0, ClassifierRule::Param1, 0xFF);
+    PutInRule(stSet, 0, ClassifierRule::u8Param1, 0xFF);
 
-    Put(stSet, SFParamSet::QoSParamSetType, AskQoSBits(Provisioned));
-    Put(stRecord, Direction, AskDirection());
+    Put(stSet, SFParamSet::u8QoSParamSetType, AskQoSBits(Provisioned));
+    Put(stRecord, u8Direction, AskDirection());
     EnterTrafficPriority(stSet);
     EnterCSSpecification(stSet);
-    Put(stRecord, TID, AskTID());
+    Put(stRecord, u16TID, AskTID());
     AskRetransmissionPolicy(stSet);
     EnterSchedulingType(
         stSet, "\nService Flow scheduling type [0-BE , 1-RTPS, 2-NRTPS, 3-ERTPS, 4-UGS] : ");
@@ -409,10 +410,10 @@ int32_t SendDSARequest() {
 int32_t EnterClassifierAction(ByteSpan stRecord, uint32_t u32QoSBits) {
     const SelectedSets stSets{stRecord, u32QoSBits};
     const uint32_t u32Rules =
-        Get(stRecord, SFParamSet::NumClassifierRules, ServiceFlowRecord::ActiveSet);
+        Get(stRecord, SFParamSet::u8NumClassifierRules, ServiceFlowRecord::stActiveSet);
     if (!AskYes("\nWould you like to enter Classifier Rule  (1-Yes and 0-No)")) {
         for (uint32_t i = 0; i < u32Rules; ++i) {
-            PutInRule(stSets, i, ClassifierRule::Action, ClassifierRule::ReplaceRule);
+            PutInRule(stSets, i, ClassifierRule::u8ClassifierAction, ClassifierRule::ReplaceRule);
         }
         return 0;
     }
@@ -459,23 +460,23 @@ int32_t SendDSDRequest() {
     }
     DisplaySFIDTable();
     Record<Size> stRequest;
-    Put(stRequest.Span(), MsgCode, ServiceFlowRecord::DeleteRequest);
+    Put(stRequest.Span(), u8MsgCode, ServiceFlowRecord::DeleteRequest);
     WrapTID();
-    Put(stRequest.Span(), TID, NextTID());
+    Put(stRequest.Span(), u16TID, NextTID());
     const uint32_t u32SFID = AskSFID();
     PutNumber("\nSending SF ID :%d....", u32SFID);
-    Put(stRequest.Span(), SFID, u32SFID);
+    Put(stRequest.Span(), DeleteFlowRequest::u32SFID, u32SFID);
     return SendRequest(TYPE_SERVICE_FLOW, SUBTYPE_DSD, stRequest.View());
 }
 
 int32_t SendeRTPSChangeRequest() {
     using namespace GrantChangeRequest;
     Record<Size> stRequest;
-    Put(stRequest.Span(), VCID, AskUnsigned("\nEnter VCID : "));
-    Put(stRequest.Span(), PayloadBytesPerUGI,
+    Put(stRequest.Span(), u16VCID, AskUnsigned("\nEnter VCID : "));
+    Put(stRequest.Span(), u32PayloadBytesPerUGI,
         AskNotNegative("\nEnter Number of Payload Bytes Per Unsolicited Grant Interval :",
                        "\nRe-Enter Number of Payload Bytes Per Unsolicited Grant Interval :"));
-    Put(stRequest.Span(), SDUsPerUGI,
+    Put(stRequest.Span(), u32SDUsPerUGI,
         AskNotNegative("\nEnter Number of SDUs Per Unsolicited Grant Interval :",
                        "\nRe-Enter Number of SDUs Per Unsolicited Grant Interval :"));
     return SendRequest(TYPE_SERVICE_FLOW, SUBTYPE_ERTPS_CHANGE, stRequest.View());

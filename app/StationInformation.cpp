@@ -22,10 +22,10 @@ constexpr Menu stMenu = {"\n******** SS INFO MENU ********", apcMenuLines,
 constexpr const char *pcInformationClosing = "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~";
 
 constexpr ReportRow astVersionRows[] = {
-    {"\nLibrary Version : %02d.%02d.%02d", SSInformation::LibraryVersion},
-    {"\nBaseband Chip Version : %x", SSInformation::BasebandChipVersion},
-    {"\nRF Chip Version : %x", SSInformation::RFChipVersion},
-    {"\nMAC ADDRESS : %02x-%02x-%02x-%02x-%02x-%02x", SSInformation::MACAddress},
+    {"\nLibrary Version : %02d.%02d.%02d", SSInformation::au32LibraryVersion},
+    {"\nBaseband Chip Version : %x", SSInformation::u32BasebandChipVersion},
+    {"\nRF Chip Version : %x", SSInformation::u32RFChipVersion},
+    {"\nMAC ADDRESS : %02x-%02x-%02x-%02x-%02x-%02x", SSInformation::aucMACAddress},
 };
 
 constexpr CodeName astCalibration[] = {
@@ -60,16 +60,16 @@ constexpr const char *apcSectionLines[] = {
 static_assert(std::size(apcSectionLines) == EEPROMSummary::Sections);
 
 constexpr ReportRow astSectionVersionRows[] = {
-    {"\nRF SECTION VERSION        :   %d", EEPROMVersions::RF},
-    {"\nPHY SECTION VERSION       :   %d", EEPROMVersions::PHY},
-    {"\nMAC SECTION VERSION       :   %d", EEPROMVersions::MAC},
-    {"\nCAL SECTION VERSION       :   %d", EEPROMVersions::CAL},
-    {"\nHW SECTION VERSION        :   %d", EEPROMVersions::HW},
-    {"\nMIB SECTION VERSION       :   %d", EEPROMVersions::MIB},
-    {"\nSECURITY SECTION VERSION  :   %d", EEPROMVersions::Security},
-    {"\nOMADM SECTION VERSION     :   %d", EEPROMVersions::OMADM},
-    {"\nMRU SECTION VERSION       :   %d", EEPROMVersions::MRU},
-    {"\nVSA SECTION VERSION       :   %d\n", EEPROMVersions::VSA},
+    {"\nRF SECTION VERSION        :   %d", EEPROMVersions::u32RF},
+    {"\nPHY SECTION VERSION       :   %d", EEPROMVersions::u32PHY},
+    {"\nMAC SECTION VERSION       :   %d", EEPROMVersions::u32MAC},
+    {"\nCAL SECTION VERSION       :   %d", EEPROMVersions::u32CAL},
+    {"\nHW SECTION VERSION        :   %d", EEPROMVersions::u32HW},
+    {"\nMIB SECTION VERSION       :   %d", EEPROMVersions::u32MIB},
+    {"\nSECURITY SECTION VERSION  :   %d", EEPROMVersions::u32Security},
+    {"\nOMADM SECTION VERSION     :   %d", EEPROMVersions::u32OMADM},
+    {"\nMRU SECTION VERSION       :   %d", EEPROMVersions::u32MRU},
+    {"\nVSA SECTION VERSION       :   %d\n", EEPROMVersions::u32VSA},
 };
 
 const char *BandsOf(uint32_t u32Calibration) {
@@ -83,26 +83,26 @@ const char *BandsOf(uint32_t u32Calibration) {
 void PutInformation(ByteView stPayload) {
     using namespace SSInformation;
     PutLine("\n~~~~~~~~~~~~~~~ SS INFO RESPONSE ~~~~~~~~~~~~~~");
-    PutRow(stPayload, {"\nFirmware Version : %d.%d.%d", FirmwareVersion});
+    PutRow(stPayload, {"\nFirmware Version : %d.%d.%d", au32FirmwareVersion});
     PutText("\nDriver Version : ");
-    PutString(stPayload.From(DriverVersion, DriverVersionSize));
+    PutString(stPayload.From(acDriverVersion, DriverVersionSize));
     PutRows(stPayload, astVersionRows);
-    const uint32_t u32Calibration = Get(stPayload, Calibration);
+    const uint32_t u32Calibration = Get(stPayload, u8Calibration);
     PutText("\nCalibration Status: ");
     PutText(NameOf(astCalibration, u32Calibration, "CALIBRATED"));
     PutText("\nCalibrated Band Information: ");
     PutLine(BandsOf(u32Calibration));
-    PutRow(stPayload, {"EEPROM Version : %x.%x\n", EEPROMVersion});
+    PutRow(stPayload, {"EEPROM Version : %x.%x\n", au32EEPROMVersion});
     PutLine(pcInformationClosing);
 }
 
 void PutEEPROMSummary(ByteView stPayload) {
     using namespace EEPROMSummary;
     PutLine("\n~~~~~~~~~~~~~~~ EEPROM SS INFO RESPONSE ~~~~~~~~~~~~~~");
-    PutRow(stPayload, {"\nEEPROM Size\t\t: %d KB\n", SizeInKB});
-    PutRow(stPayload, {"\nEEPROM Valid Info : 0x%x\n", ValidMask});
+    PutRow(stPayload, {"\nEEPROM Size\t\t: %d KB\n", u8SizeInKB});
+    PutRow(stPayload, {"\nEEPROM Valid Info : 0x%x\n", u16ValidMask});
     for (uint32_t i = 0; i < Sections; ++i) {
-        PutNumber(apcSectionLines[i], Get(stPayload, ValidMask) >> i & 1);
+        PutNumber(apcSectionLines[i], Get(stPayload, u16ValidMask) >> i & 1);
     }
     PutLine(pcInformationClosing);
 }

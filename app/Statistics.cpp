@@ -43,30 +43,30 @@ constexpr CodeName astResetStatus[] = {
 };
 
 constexpr ReportRow astHeadRows[] = {
-    {"\nNum frames recvd\t: %d", Statistics::FramesReceived},
-    {"\nSize of Stats Struct\t: %d", Statistics::RecordSize},
-    {"\nCenterFrequency in KHz \t: %d", Statistics::CenterFrequency},
+    {"\nNum frames recvd\t: %d", Statistics::u32FramesReceived},
+    {"\nSize of Stats Struct\t: %d", Statistics::u32RecordSize},
+    {"\nCenterFrequency in KHz \t: %d", Statistics::u32CenterFrequency},
 };
 
 // Rows that show one number twice: decimal and hexadecimal.
 constexpr ReportRow astCounterRows[] = {
-    {"\nCUR CINR\t\t: %d (0x%x)", Statistics::CINR},
-    {"\nCUR RSSI\t\t: %d (0x%x)", Statistics::RSSI},
-    {"\nNum Of CqichTxmtd\t: %d (0x%x)", Statistics::CQICHTransmitted},
-    {"\nNum Of CRC Errors\t: %d (0x%x)", Statistics::CRCErrors},
-    {"\nFrames in Error\t\t: %d (0x%x)", Statistics::FramesInError},
-    {"\nNum Of Hcs Errors\t: %d (0x%x)", Statistics::HCSErrors},
+    {"\nCUR CINR\t\t: %d (0x%x)", Statistics::u32CINR},
+    {"\nCUR RSSI\t\t: %d (0x%x)", Statistics::u32RSSI},
+    {"\nNum Of CqichTxmtd\t: %d (0x%x)", Statistics::u32CQICHTransmitted},
+    {"\nNum Of CRC Errors\t: %d (0x%x)", Statistics::u32CRCErrors},
+    {"\nFrames in Error\t\t: %d (0x%x)", Statistics::u32FramesInError},
+    {"\nNum Of Hcs Errors\t: %d (0x%x)", Statistics::u32HCSErrors},
 };
 
 constexpr ReportRow astRadioRows[] = {
-    {"\nDownlink burst data FEC\t: %d (0x%x)", Statistics::BurstFEC},
-    {"\nTx Power\t\t: %d (0x%x)", Statistics::TxPower},
+    {"\nDownlink burst data FEC\t: %d (0x%x)", Statistics::u8BurstFEC},
+    {"\nTx Power\t\t: %d (0x%x)", Statistics::s8TxPower},
 };
 
 constexpr ReportRow astConnectionRows[] = {
-    {"\nBaseID\t\t\t: %02x %02x %02x %02x %02x %02x", Statistics::BSID},
-    {"\nNumber of BRTH \t:0x%x", Statistics::BandwidthRequests},
-    {"\nNumber of Connections \t:%d", Statistics::NumConnections},
+    {"\nBaseID\t\t\t: %02x %02x %02x %02x %02x %02x", Statistics::aucBSID},
+    {"\nNumber of BRTH \t:0x%x", Statistics::u32BandwidthRequests},
+    {"\nNumber of Connections \t:%d", Statistics::s32NumConnections},
 };
 
 void PutRowsTwice(ByteView stView, std::span<const ReportRow> astRows) {
@@ -90,18 +90,18 @@ void PutStatistics(ByteView stPayload) {
     PutLine("\n~~~~~~~~~~ BASEBAND STATISTICS RESPONSE ~~~~~~~~~~");
     PutRows(stPayload, astHeadRows);
     PutRowsTwice(stPayload, astCounterRows);
-    const uint32_t u32Received = Get(stPayload, FramesReceived);
+    const uint32_t u32Received = Get(stPayload, u32FramesReceived);
     if (u32Received != 0) {
-        const float fRate = FrameErrorRate(Get(stPayload, FramesInError), u32Received);
+        const float fRate = FrameErrorRate(Get(stPayload, u32FramesInError), u32Received);
         PutText("\n\nFrame Error Rate\t: ");
         PutReal(static_cast<double>(fRate));
     }
     PutRowsTwice(stPayload, astRadioRows);
     PutRows(stPayload, astConnectionRows);
     const uint32_t u32Connections =
-        RecordsPresent(stPayload, TransportCIDs.u16Offset, WidthOf(TransportCIDs.eType),
-                       GetSigned(stPayload, NumConnections));
-    PutElements("\nTransport CID \t:0x%x", stPayload, TransportCIDs, u32Connections);
+        RecordsPresent(stPayload, au32TransportCIDs.u16Offset, WidthOf(au32TransportCIDs.eType),
+                       GetSigned(stPayload, s32NumConnections));
+    PutElements("\nTransport CID \t:0x%x", stPayload, au32TransportCIDs, u32Connections);
     PutLine("\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~");
 }
 
@@ -113,7 +113,7 @@ uint32_t GetStatisticsRequest() {
     }
     PutTexts(apcIntervalLines);
     Record<StatusWord::Size> stRequest;
-    Put(stRequest.Span(), StatusWord::Value, AskUnsigned("\nPRIOD VALUE : "));
+    Put(stRequest.Span(), StatusWord::u32Value, AskUnsigned("\nPRIOD VALUE : "));
     SendRequest(TYPE_STATISTICS, SUBTYPE_STATISTICS, stRequest.View());
     return 0;
 }
@@ -125,7 +125,7 @@ int32_t StatisticsResetControlRequest() {
         return -1;
     }
     Record<StatusWord::Size> stRequest;
-    Put(stRequest.Span(), StatusWord::Value, au32Policies[iChoice - 1]);
+    Put(stRequest.Span(), StatusWord::u32Value, au32Policies[iChoice - 1]);
     return SendRequest(TYPE_STATISTICS, SUBTYPE_STATISTICS_RESET_CONTROL, stRequest.View());
 }
 
@@ -146,7 +146,7 @@ uint32_t GetStatisticsResponse(const WiMAXMessage *pstMessage) {
         PutStatistics(stReceived.stPayload);
         return 1;
     case SUBTYPE_STATISTICS_RESET_CONTROL:
-        return StatisticsResetControlResponse(Get(stReceived.stPayload, StatusWord::Value));
+        return StatisticsResetControlResponse(Get(stReceived.stPayload, StatusWord::u32Value));
     default:
         PutText("\nINVALID STATISTICS RESPONSE MESSAGE SUB-TYPE");
         return 0;

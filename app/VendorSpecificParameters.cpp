@@ -36,19 +36,19 @@ int32_t AskEntry(ByteSpan stHead, const char *pcBanner, const char *pcEntry,
         PutText("SORRY!! INVALID OPTION SELECTED!!");
         return -1;
     }
-    Put(stHead, VendorParameter::Offset, stEntry.u16Offset);
-    Put(stHead, VendorParameter::DataSize, stEntry.u16Size);
+    Put(stHead, VendorParameter::u16Offset, stEntry.u16Offset);
+    Put(stHead, VendorParameter::u16DataSize, stEntry.u16Size);
     return 0;
 }
 
 ByteView DataOf(ByteView stRecord) {
-    return stRecord.From(VendorParameter::Data, Get(stRecord, VendorParameter::DataSize));
+    return stRecord.From(VendorParameter::aucData, Get(stRecord, VendorParameter::u16DataSize));
 }
 
 // Keeps the ATR lock when the bytes read begin at it or before it and reach it.
 void KeepATRLock(ByteView stRecord) {
     const uint32_t u32Lock = VendorRegion::ATRLock.u16Offset;
-    const uint32_t u32First = Get(stRecord, VendorParameter::Offset);
+    const uint32_t u32First = Get(stRecord, VendorParameter::u16Offset);
     if (u32First <= u32Lock) {
         gaucRespATRLock.Store(0, DataOf(stRecord).From(u32Lock - u32First));
     }
@@ -68,16 +68,16 @@ int32_t SendVendorSpecificParamRequest(ByteSpan stRecord, uint32_t u32SubType) {
         return SendRequest(TYPE_VENDOR_SPECIFIC, u32SubType);
     }
     const bool bWrite = u32SubType == SUBTYPE_VSA_WRITE;
-    Put(stRecord, Offset, AskUnsigned("Enter the VSA offset : "));
+    Put(stRecord, u16Offset, AskUnsigned("Enter the VSA offset : "));
     const uint32_t u32Typed =
         static_cast<uint16_t>(AskUnsigned(bWrite ? "Enter the Size of VSA Data to Write : "
                                                  : "Enter the Size of VSA Data to be Read : "));
     const uint32_t u32Size = std::min({u32Typed, stRecord.From(Size).u32Length, MaxDataSize});
-    Put(stRecord, DataSize, u32Size);
+    Put(stRecord, u16DataSize, u32Size);
     for (uint32_t i = 0; bWrite && i < u32Typed; ++i) {
         const auto u8Byte = static_cast<uint8_t>(ReadOption());
         if (i < u32Size) {
-            stRecord.Set(Data + i, u8Byte);
+            stRecord.Set(aucData + i, u8Byte);
         }
     }
     return SendRequest(TYPE_VENDOR_SPECIFIC, u32SubType,
@@ -130,10 +130,10 @@ int32_t GetVSRWParam(ByteSpan stHead) {
 
 void DisplayVendorSpecificParamData(ByteView stRecord) {
     using namespace VendorParameter;
-    if (Get(stRecord, DataSize) == 0) {
+    if (Get(stRecord, u16DataSize) == 0) {
         return;
     }
-    PutRow(stRecord, {"\n Data (%d bytes) :\n", DataSize});
+    PutRow(stRecord, {"\n Data (%d bytes) :\n", u16DataSize});
     PutEachByte(" 0x%02X", DataOf(stRecord));
     PutText("\n");
 }
@@ -158,7 +158,7 @@ uint32_t DisplayVendorSpecificParamInfo(const WiMAXMessage *pstMessage) {
         break;
     case SUBTYPE_VSA_SIZE:
         PutLine("\n~~~~~~ VSRegion SIZE INDICATION RECEIVED ~~~~~~");
-        PutRow(stPayload, {"\nVendor Specific Region Size : %d\n", VendorRegionSize::Bytes});
+        PutRow(stPayload, {"\nVendor Specific Region Size : %d\n", VendorRegionSize::u32Bytes});
         PutLine(pcClosingRule);
         break;
     default:

@@ -194,8 +194,8 @@ int32_t SetOneOption() {
     // A line that is none goes out as it stands: no option, value 0.
     if (IsOptionLine(iLine)) {
         const Setting stSetting = AskSetting(iLine, 0, "\n5. EXIT from setting/resetting payload");
-        Put(PayloadOf(stMessage), Specifier, stSetting.u32Specifier);
-        Put(PayloadOf(stMessage), Value, stSetting.u32Value);
+        Put(PayloadOf(stMessage), u8Specifier, stSetting.u32Specifier);
+        Put(PayloadOf(stMessage), u32Value, stSetting.u32Value);
     }
     return SendMessage(&stMessage, u32Length);
 }
@@ -211,7 +211,7 @@ int32_t SetAllOptions() {
         PutTexts(apcAllLines);
         const int32_t iLine = AskOption(pcOptionPrompt);
         if (iLine == iExitLine) {
-            PutRow(stPayload, {"\nOption specifier set: %d\n", Specifier});
+            PutRow(stPayload, {"\nOption specifier set: %d\n", u8Specifier});
             return SendMessage(&stMessage, u32Length);
         }
         if (!IsOptionLine(iLine)) {
@@ -219,9 +219,10 @@ int32_t SetAllOptions() {
             continue;
         }
         const Setting stSetting =
-            AskSetting(iLine, Get(stPayload, Values), "\n5. EXIT and return to previous menu");
-        Put(stPayload, Specifier, Get(stPayload, Specifier) | stSetting.u32Specifier);
-        Put(stPayload, Values, stSetting.u32Value, stSetting.eOption * WidthOf(Values.eType));
+            AskSetting(iLine, Get(stPayload, au32Values), "\n5. EXIT and return to previous menu");
+        Put(stPayload, u8Specifier, Get(stPayload, u8Specifier) | stSetting.u32Specifier);
+        Put(stPayload, au32Values, stSetting.u32Value,
+            stSetting.eOption * WidthOf(au32Values.eType));
     }
 }
 
@@ -234,18 +235,18 @@ int32_t GetAllOptions() {
 uint32_t PutAllOptions(ByteView stPayload, const char *pcBanner, const char *pcHeading) {
     using namespace WiMAXOptions;
     PutLine(pcBanner);
-    if (Get(stPayload, Status) != 0) {
-        PutRow(stPayload, {"\n Response status as %d, Status not equal to zero", Status});
+    if (Get(stPayload, u32Status) != 0) {
+        PutRow(stPayload, {"\n Response status as %d, Status not equal to zero", u32Status});
         return 0;
     }
-    const uint32_t u32Specifier = Get(stPayload, Specifier);
+    const uint32_t u32Specifier = Get(stPayload, u8Specifier);
     const uint32_t au32Specifier[] = {u32Specifier, u32Specifier};
     PutNumbers("\n Received for wimax option specifier : [%d(%x)]", au32Specifier);
     PutLine(pcHeading);
     for (uint32_t i = 0; i < Count; ++i) {
         PutText(apcOptionTexts[i]);
         PutText((u32Specifier >> i & 1) != 0 ? "SET" : "RESET");
-        PutNumber("  Payload: %d", Get(stPayload, Values, i * WidthOf(Values.eType)));
+        PutNumber("  Payload: %d", Get(stPayload, au32Values, i * WidthOf(au32Values.eType)));
     }
     PutText("\n");
     return 1;
@@ -255,7 +256,7 @@ void PutOneOption(ByteView stPayload) {
     uint32_t u32Asked = 1;
     if (g_SetWimaxOptionsFlag.compare_exchange_strong(u32Asked, 0)) {
         PutLine("\n~~~~~~ SET WIMAX RESPONSE RECEIVED ~~~~~~");
-        PutRow(stPayload, {"\n Response received as : [%d]\n", WiMAXOption::Value});
+        PutRow(stPayload, {"\n Response received as : [%d]\n", WiMAXOption::u32Value});
     }
 }
 

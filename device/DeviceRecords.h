@@ -7,7 +7,7 @@
 
 // Type 13, subtype 6, indication.
 namespace IPFilterStatus {
-inline constexpr Field Status{0, FieldType::U32};
+inline constexpr Field u32Status{0, FieldType::U32};
 inline constexpr uint32_t Size = 4;
 
 inline constexpr uint32_t Invalid = 0;

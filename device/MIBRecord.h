@@ -7,26 +7,26 @@
 #include "Wire.h"
 
 namespace MIBRecord {
-inline constexpr Field AttributeID{0, FieldType::U32};
-inline constexpr Field KeyCount{4, FieldType::U8};
-inline constexpr Field Key1{5, FieldType::U32};
-inline constexpr Field Key2{9, FieldType::U32};
+inline constexpr Field u32AttributeID{0, FieldType::U32};
+inline constexpr Field u8KeyCount{4, FieldType::U8};
+inline constexpr Field u32Key1{5, FieldType::U32};
+inline constexpr Field u32Key2{9, FieldType::U32};
 // Eight reserved bytes, two more keys that nobody uses.
-inline constexpr Field DataLength{21, FieldType::U32};
-inline constexpr Field Status{25, FieldType::I8};
-inline constexpr uint32_t Value = 26;
-inline constexpr Field ShortValue{Value, FieldType::U16};
-inline constexpr Field LongValue{Value, FieldType::U32};
+inline constexpr Field u32DataLength{21, FieldType::U32};
+inline constexpr Field s8Status{25, FieldType::I8};
+inline constexpr uint32_t aucValue = 26;
+inline constexpr Field u16ShortValue{aucValue, FieldType::U16};
+inline constexpr Field u32LongValue{aucValue, FieldType::U32};
 // The fixed size counts one value byte: n value bytes make n + 26 bytes, none 27.
 inline constexpr uint32_t Size = 27;
-static_assert(EndOf(Key2) + 8 == DataLength.u16Offset);
-static_assert(EndOf(Status) == Value);
+static_assert(EndOf(u32Key2) + 8 == u32DataLength.u16Offset);
+static_assert(EndOf(s8Status) == aucValue);
 } // namespace MIBRecord
 
 // Several records back to back.
 namespace MIBRecordList {
-inline constexpr Field Count{0, FieldType::U16};
-inline constexpr uint32_t Records = 2;
+inline constexpr Field u16Count{0, FieldType::U16};
+inline constexpr uint32_t astRecords = 2;
 } // namespace MIBRecordList
 
 // Attributes that somebody asks for by number.
@@ -57,100 +57,100 @@ inline constexpr uint32_t ControlMessagesDropped = 1654;
 
 // Attribute 509, written: a centre frequency and a bandwidth.
 namespace MIBCenterFrequency {
-inline constexpr Field CenterFrequency{0, FieldType::U32};
-inline constexpr Field Bandwidth{4, FieldType::U32};
+inline constexpr Field u32CenterFrequency{0, FieldType::U32};
+inline constexpr Field u32Bandwidth{4, FieldType::U32};
 inline constexpr uint32_t Size = 16;
 } // namespace MIBCenterFrequency
 
 // Attribute 1503.
 namespace MIBActiveSFIDs {
-inline constexpr Field Count{0, FieldType::U32};
-inline constexpr uint32_t Entries = 4;
-inline constexpr Field SFID{0, FieldType::U32};
+inline constexpr Field u32Count{0, FieldType::U32};
+inline constexpr uint32_t astEntries = 4;
+inline constexpr Field u32SFID{0, FieldType::U32};
 inline constexpr uint32_t EntrySize = 136; // the rest is shown nowhere
 } // namespace MIBActiveSFIDs
 
 // Attribute 1619.
 namespace MIBNetworkEntryTiming {
-inline constexpr Field NwSearch{0, FieldType::U32};
-inline constexpr Field PhySync{4, FieldType::U32};
-inline constexpr Field MacSync{8, FieldType::U32};
-inline constexpr Field Ranging{12, FieldType::U32};
-inline constexpr Field Sbc{16, FieldType::U32};
-inline constexpr Field AuthPhase{20, FieldType::U32};
-inline constexpr Field RegNeg{24, FieldType::U32};
-inline constexpr Field ProvSf{28, FieldType::U32};
-inline constexpr Field NwEntry{32, FieldType::U32};
+inline constexpr Field u32NwSearchTime{0, FieldType::U32};
+inline constexpr Field u32PhySyncTime{4, FieldType::U32};
+inline constexpr Field u32MacSyncTime{8, FieldType::U32};
+inline constexpr Field u32RangingTime{12, FieldType::U32};
+inline constexpr Field u32SbcTime{16, FieldType::U32};
+inline constexpr Field u32AuthPhaseTime{20, FieldType::U32};
+inline constexpr Field u32RegNegTime{24, FieldType::U32};
+inline constexpr Field u32ProvSfTime{28, FieldType::U32};
+inline constexpr Field u32NwEntryTime{32, FieldType::U32};
 inline constexpr uint32_t Size = 36;
-static_assert(EndOf(NwEntry) == Size);
+static_assert(EndOf(u32NwEntryTime) == Size);
 } // namespace MIBNetworkEntryTiming
 
 // Attribute 1612: entries to the end of the value.
 namespace MIBMRUEntry {
-inline constexpr Field Index{0, FieldType::U32};
+inline constexpr Field u32Index{0, FieldType::U32};
 inline constexpr uint32_t NumFrequencies = 3;
-inline constexpr Field Frequencies{4, FieldType::U32};
-inline constexpr Field Bandwidth{16, FieldType::U32}; // MHz
+inline constexpr Field au32Frequencies{4, FieldType::U32};
+inline constexpr Field u32Bandwidth{16, FieldType::U32}; // MHz
 inline constexpr uint32_t Size = 20;
-static_assert(EndOf(Frequencies) + (NumFrequencies - 1) * 4 == Bandwidth.u16Offset);
-static_assert(EndOf(Bandwidth) == Size);
+static_assert(EndOf(au32Frequencies) + (NumFrequencies - 1) * 4 == u32Bandwidth.u16Offset);
+static_assert(EndOf(u32Bandwidth) == Size);
 } // namespace MIBMRUEntry
 
 // Attributes 1494 and 1575: a count, then entries.
 namespace MIBNeighbourList {
-inline constexpr Field Count{0, FieldType::U32};
-inline constexpr uint32_t Entries = 4;
+inline constexpr Field u32Count{0, FieldType::U32};
+inline constexpr uint32_t astEntries = 4;
 } // namespace MIBNeighbourList
 
 // An entry of attribute 1494.
 namespace MIBNeighbour {
-inline constexpr Field Preamble{0, FieldType::U32};
-inline constexpr Field ChannelBandwidth{4, FieldType::U32}; // Hz
-inline constexpr Field CenterFrequency{8, FieldType::U32};  // eighths of a MHz
-inline constexpr Field BSID{12, FieldType::U8};             // six bytes, the last one first
+inline constexpr Field u32Preamble{0, FieldType::U32};
+inline constexpr Field u32ChannelBandwidth{4, FieldType::U32}; // Hz
+inline constexpr Field u32CenterFrequency{8, FieldType::U32};  // eighths of a MHz
+inline constexpr Field aucBSID{12, FieldType::U8};             // six bytes, the last one first
 inline constexpr uint32_t BSIDSize = 6;
-inline constexpr Field RSSI{20, FieldType::I32}; // quarter dBm
-inline constexpr Field CINR{24, FieldType::U32}; // dB
+inline constexpr Field s32RSSI{20, FieldType::I32}; // quarter dBm
+inline constexpr Field u32CINR{24, FieldType::U32}; // dB
 inline constexpr uint32_t Size = 28;
-static_assert(EndOf(CINR) == Size);
+static_assert(EndOf(u32CINR) == Size);
 } // namespace MIBNeighbour
 
 // An entry of attribute 1575.
 namespace MIBMeasuredNeighbour {
-inline constexpr Field PreambleID{4, FieldType::U32};
-inline constexpr Field Frequency{8, FieldType::U32};  // eighths of a MHz
-inline constexpr Field Bandwidth{12, FieldType::U32}; // Hz
-inline constexpr Field BSID{16, FieldType::U8};       // six bytes
-inline constexpr Field R1CINR{24, FieldType::U32};    // 1/65536
-inline constexpr Field R3CINR{28, FieldType::U32};    // 1/65536
-inline constexpr Field RSSI{32, FieldType::U32};      // 1/65536 dBm
-inline constexpr Field ToF{36, FieldType::U32};       // 1/16
-inline constexpr Field RTD{40, FieldType::U32};
-inline constexpr Field MeasDur{44, FieldType::U32};
-inline constexpr Field Flags{48, FieldType::U32};
+inline constexpr Field u32PreambleID{4, FieldType::U32};
+inline constexpr Field u32Frequency{8, FieldType::U32};  // eighths of a MHz
+inline constexpr Field u32Bandwidth{12, FieldType::U32}; // Hz
+inline constexpr Field aucBSID{16, FieldType::U8};       // six bytes
+inline constexpr Field u32R1CINR{24, FieldType::U32};    // 1/65536
+inline constexpr Field u32R3CINR{28, FieldType::U32};    // 1/65536
+inline constexpr Field u32RSSI{32, FieldType::U32};      // 1/65536 dBm
+inline constexpr Field u32ToF{36, FieldType::U32};       // 1/16
+inline constexpr Field u32RTD{40, FieldType::U32};
+inline constexpr Field u32MeasDur{44, FieldType::U32};
+inline constexpr Field u32Flags{48, FieldType::U32};
 inline constexpr uint32_t Size = 52;
-static_assert(EndOf(Flags) == Size);
+static_assert(EndOf(u32Flags) == Size);
 } // namespace MIBMeasuredNeighbour
 
 // Attribute 1631.
 namespace MIBAntennaSwitch {
-inline constexpr Field Filtering1{0, FieldType::U32}; // 1/512
-inline constexpr Field Filtering2{4, FieldType::U32};
-inline constexpr Field Margin1{8, FieldType::U32};
-inline constexpr Field Margin2{12, FieldType::U32};
-inline constexpr Field SmoothRSSI1{16, FieldType::I32}; // 1/16
-inline constexpr Field SmoothRSSI2{20, FieldType::I32};
-inline constexpr Field SelectionMode{24, FieldType::U32};
-inline constexpr Field CurrentAntenna{28, FieldType::U32};
+inline constexpr Field u32Filtering1{0, FieldType::U32}; // 1/512
+inline constexpr Field u32Filtering2{4, FieldType::U32};
+inline constexpr Field u32Margin1{8, FieldType::U32};
+inline constexpr Field u32Margin2{12, FieldType::U32};
+inline constexpr Field s32SmoothRSSI1{16, FieldType::I32}; // 1/16
+inline constexpr Field s32SmoothRSSI2{20, FieldType::I32};
+inline constexpr Field u32SelectionMode{24, FieldType::U32};
+inline constexpr Field u32CurrentAntenna{28, FieldType::U32};
 inline constexpr uint32_t Size = 32;
-static_assert(EndOf(CurrentAntenna) == Size);
+static_assert(EndOf(u32CurrentAntenna) == Size);
 } // namespace MIBAntennaSwitch
 
 // Attribute 1633.
 namespace MIBTriggerStatus {
-inline constexpr Field ServingBS{0, FieldType::U8};
-inline constexpr Field IntraFA{1, FieldType::U8};
-inline constexpr Field InterFA{2, FieldType::U8};
+inline constexpr Field u8ServingBS{0, FieldType::U8};
+inline constexpr Field u8IntraFA{1, FieldType::U8};
+inline constexpr Field u8InterFA{2, FieldType::U8};
 inline constexpr uint32_t Failed = 0;
 inline constexpr uint32_t Passed = 1;
 inline constexpr uint32_t NoMeasurements = 2;
@@ -159,19 +159,19 @@ inline constexpr uint32_t NotDefined = 3;
 
 // Attributes 1448, 1479, 1482, 1634 and 1649: four counters.
 namespace MIBFourCounters {
-inline constexpr Field First{0, FieldType::I32};
+inline constexpr Field s32First{0, FieldType::I32};
 inline constexpr uint32_t Count = 4;
 } // namespace MIBFourCounters
 
 // Attribute 1654: eight counters.
 namespace MIBControlMessagesDropped {
-inline constexpr Field First{0, FieldType::I32};
+inline constexpr Field s32First{0, FieldType::I32};
 inline constexpr uint32_t Count = 8;
 } // namespace MIBControlMessagesDropped
 
 // One counter for each modulation and coding scheme.
 namespace MIBCounterGroup {
-inline constexpr Field First{0, FieldType::I32};
+inline constexpr Field s32First{0, FieldType::I32};
 inline constexpr uint32_t Count = 21;
 inline constexpr uint32_t Size = Count * 4;
 } // namespace MIBCounterGroup
@@ -179,66 +179,66 @@ inline constexpr uint32_t Size = Count * 4;
 // Attribute 1608: ten zones, each a tenth of the value long.
 namespace MIBBurstZone {
 inline constexpr uint32_t Count = 10;
-inline constexpr uint32_t MatrixA = 0; // counter groups
-inline constexpr uint32_t MatrixB = 84;
-inline constexpr uint32_t NonMIMO = 168;
+inline constexpr uint32_t stMatrixA = 0; // counter groups
+inline constexpr uint32_t stMatrixB = 84;
+inline constexpr uint32_t stNonMIMO = 168;
 inline constexpr uint32_t Size = 252;
-static_assert(MatrixB == MatrixA + MIBCounterGroup::Size);
-static_assert(NonMIMO == MatrixB + MIBCounterGroup::Size);
-static_assert(NonMIMO + MIBCounterGroup::Size == Size);
+static_assert(stMatrixB == stMatrixA + MIBCounterGroup::Size);
+static_assert(stNonMIMO == stMatrixB + MIBCounterGroup::Size);
+static_assert(stNonMIMO + MIBCounterGroup::Size == Size);
 } // namespace MIBBurstZone
 
 // A downlink zone of attribute 1625.
 namespace MIBDLZone {
-inline constexpr Field FrameNumber{0, FieldType::U32};
-inline constexpr Field PCINRRate1{4, FieldType::I8};
-inline constexpr Field PCINRRate2{5, FieldType::I8};
-inline constexpr Field ECINRRate{6, FieldType::I8};
-inline constexpr Field PCINRFrame{8, FieldType::I32};
-inline constexpr Field ECINRFrame{12, FieldType::I32};
-inline constexpr uint32_t BurstsMatrixA = 24; // counter groups
-inline constexpr uint32_t BurstsMatrixB = 108;
-inline constexpr uint32_t BurstsNonMIMO = 192;
-inline constexpr uint32_t PdusMatrixA = 276;
-inline constexpr uint32_t PdusMatrixB = 360;
-inline constexpr uint32_t PdusNonMIMO = 444;
+inline constexpr Field u32FrameNumber{0, FieldType::U32};
+inline constexpr Field s8PCINRRate1{4, FieldType::I8};
+inline constexpr Field s8PCINRRate2{5, FieldType::I8};
+inline constexpr Field s8ECINRRate{6, FieldType::I8};
+inline constexpr Field s32PCINRFrame{8, FieldType::I32};
+inline constexpr Field s32ECINRFrame{12, FieldType::I32};
+inline constexpr uint32_t stBurstsMatrixA = 24; // counter groups
+inline constexpr uint32_t stBurstsMatrixB = 108;
+inline constexpr uint32_t stBurstsNonMIMO = 192;
+inline constexpr uint32_t stPdusMatrixA = 276;
+inline constexpr uint32_t stPdusMatrixB = 360;
+inline constexpr uint32_t stPdusNonMIMO = 444;
 inline constexpr uint32_t Size = 528;
-static_assert(BurstsMatrixB == BurstsMatrixA + MIBCounterGroup::Size);
-static_assert(BurstsNonMIMO == BurstsMatrixB + MIBCounterGroup::Size);
-static_assert(PdusMatrixA == BurstsNonMIMO + MIBCounterGroup::Size);
-static_assert(PdusMatrixB == PdusMatrixA + MIBCounterGroup::Size);
-static_assert(PdusNonMIMO == PdusMatrixB + MIBCounterGroup::Size);
-static_assert(PdusNonMIMO + MIBCounterGroup::Size == Size);
+static_assert(stBurstsMatrixB == stBurstsMatrixA + MIBCounterGroup::Size);
+static_assert(stBurstsNonMIMO == stBurstsMatrixB + MIBCounterGroup::Size);
+static_assert(stPdusMatrixA == stBurstsNonMIMO + MIBCounterGroup::Size);
+static_assert(stPdusMatrixB == stPdusMatrixA + MIBCounterGroup::Size);
+static_assert(stPdusNonMIMO == stPdusMatrixB + MIBCounterGroup::Size);
+static_assert(stPdusNonMIMO + MIBCounterGroup::Size == Size);
 } // namespace MIBDLZone
 
 // An uplink zone of attribute 1625.
 namespace MIBULZone {
-inline constexpr Field FrameNumber{0, FieldType::U32};
-inline constexpr uint32_t BurstsPilotA = 20; // counter groups
-inline constexpr uint32_t BurstsPilotB = 104;
-inline constexpr uint32_t BurstsNonCSM = 188;
-inline constexpr uint32_t PdusPilotA = 272;
-inline constexpr uint32_t PdusPilotB = 356;
-inline constexpr uint32_t PdusNonCSM = 440;
+inline constexpr Field u32FrameNumber{0, FieldType::U32};
+inline constexpr uint32_t stBurstsPilotA = 20; // counter groups
+inline constexpr uint32_t stBurstsPilotB = 104;
+inline constexpr uint32_t stBurstsNonCSM = 188;
+inline constexpr uint32_t stPdusPilotA = 272;
+inline constexpr uint32_t stPdusPilotB = 356;
+inline constexpr uint32_t stPdusNonCSM = 440;
 inline constexpr uint32_t Size = 524;
-static_assert(BurstsPilotB == BurstsPilotA + MIBCounterGroup::Size);
-static_assert(BurstsNonCSM == BurstsPilotB + MIBCounterGroup::Size);
-static_assert(PdusPilotA == BurstsNonCSM + MIBCounterGroup::Size);
-static_assert(PdusPilotB == PdusPilotA + MIBCounterGroup::Size);
-static_assert(PdusNonCSM == PdusPilotB + MIBCounterGroup::Size);
-static_assert(PdusNonCSM + MIBCounterGroup::Size == Size);
+static_assert(stBurstsPilotB == stBurstsPilotA + MIBCounterGroup::Size);
+static_assert(stBurstsNonCSM == stBurstsPilotB + MIBCounterGroup::Size);
+static_assert(stPdusPilotA == stBurstsNonCSM + MIBCounterGroup::Size);
+static_assert(stPdusPilotB == stPdusPilotA + MIBCounterGroup::Size);
+static_assert(stPdusNonCSM == stPdusPilotB + MIBCounterGroup::Size);
+static_assert(stPdusNonCSM + MIBCounterGroup::Size == Size);
 } // namespace MIBULZone
 
 // Attribute 1625: a head, the downlink zones, the uplink zones.
 namespace MIBZoneStatistics {
-inline constexpr Field MajorGroup{0, FieldType::U32};
+inline constexpr Field u32MajorGroup{0, FieldType::U32};
 inline constexpr uint32_t NumDLZones = 10;
-inline constexpr uint32_t DLZones = 16;
+inline constexpr uint32_t astDLZones = 16;
 inline constexpr uint32_t NumULZones = 3;
-inline constexpr uint32_t ULZones = 5296;
+inline constexpr uint32_t astULZones = 5296;
 inline constexpr uint32_t Size = 6868;
-static_assert(DLZones + NumDLZones * MIBDLZone::Size == ULZones);
-static_assert(ULZones + NumULZones * MIBULZone::Size == Size);
+static_assert(astDLZones + NumDLZones * MIBDLZone::Size == astULZones);
+static_assert(astULZones + NumULZones * MIBULZone::Size == Size);
 } // namespace MIBZoneStatistics
 
 #endif

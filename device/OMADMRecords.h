@@ -8,11 +8,11 @@
 
 // One step of the way from the tree's root to a node.
 namespace OMADMElement {
-inline constexpr Field Class{0, FieldType::U8};
-inline constexpr Field Number{1, FieldType::U8};
-inline constexpr Field Index{4, FieldType::U32}; // 0 for a node that is no array
+inline constexpr Field u8Class{0, FieldType::U8};
+inline constexpr Field u8Number{1, FieldType::U8};
+inline constexpr Field u32Index{4, FieldType::U32}; // 0 for a node that is no array
 inline constexpr uint32_t Size = 8;
-static_assert(EndOf(Index) == Size);
+static_assert(EndOf(u32Index) == Size);
 } // namespace OMADMElement
 
 namespace OMADMPath {
@@ -22,56 +22,56 @@ inline constexpr uint32_t Size = MaxElements * OMADMElement::Size;
 
 // Subtypes 2 and 3: a node's value is written or read.
 namespace OMADMParameter {
-inline constexpr Field ValueSize{0, FieldType::U32};
-inline constexpr uint32_t Path = 5; // OMADMElement records
-inline constexpr Field NumElements{85, FieldType::U32};
-inline constexpr uint32_t Value = 89;
+inline constexpr Field u32ValueSize{0, FieldType::U32};
+inline constexpr uint32_t astPath = 5; // OMADMElement records
+inline constexpr Field u32NumElements{85, FieldType::U32};
+inline constexpr uint32_t aucValue = 89;
 // The fixed size counts one value byte: n value bytes go out as n + 90 bytes.
 inline constexpr uint32_t Size = 90;
 // The largest value that a message holds.
 inline constexpr uint32_t MaxValueSize = WIMAX_DATA_SIZE - Size;
-static_assert(Path + OMADMPath::Size == NumElements.u16Offset);
-static_assert(EndOf(NumElements) == Value && Value + 1 == Size);
+static_assert(astPath + OMADMPath::Size == u32NumElements.u16Offset);
+static_assert(EndOf(u32NumElements) == aucValue && aucValue + 1 == Size);
 } // namespace OMADMParameter
 
 // Subtype 4: the size of a node's value is asked; the answer fills NodeSize.
 namespace OMADMSizeQuery {
-inline constexpr uint32_t Path = 0; // OMADMElement records
-inline constexpr Field NumElements{80, FieldType::U32};
-inline constexpr Field NodeSize{85, FieldType::U32};
+inline constexpr uint32_t astPath = 0; // OMADMElement records
+inline constexpr Field u32NumElements{80, FieldType::U32};
+inline constexpr Field u32NodeSize{85, FieldType::U32};
 inline constexpr uint32_t Size = 89;
-static_assert(Path + OMADMPath::Size == NumElements.u16Offset);
-static_assert(EndOf(NodeSize) == Size);
+static_assert(astPath + OMADMPath::Size == u32NumElements.u16Offset);
+static_assert(EndOf(u32NodeSize) == Size);
 } // namespace OMADMSizeQuery
 
 // Subtype 1: the interface version of the application; the answer has the
 // version of the library.
 namespace OMADMVersion {
-inline constexpr Field Major{0, FieldType::U32};
-inline constexpr Field Minor{4, FieldType::U32};
+inline constexpr Field u32Major{0, FieldType::U32};
+inline constexpr Field u32Minor{4, FieldType::U32};
 inline constexpr uint32_t Size = 8;
-static_assert(EndOf(Minor) == Size);
+static_assert(EndOf(u32Minor) == Size);
 } // namespace OMADMVersion
 
 // Subtype 5: the name of a tree image file, padded with zeroes.
 namespace OMADMTreeUpdate {
-inline constexpr uint32_t FileName = 0;
+inline constexpr uint32_t acFileName = 0;
 inline constexpr uint32_t Size = 128;
 } // namespace OMADMTreeUpdate
 
 // The head of a tree image file, and its length.
 namespace OMADMTreeImage {
-inline constexpr Field Version{0, FieldType::U32};
-inline constexpr Field Length{4, FieldType::U32};
+inline constexpr Field u32Version{0, FieldType::U32};
+inline constexpr Field u32Length{4, FieldType::U32};
 inline constexpr uint32_t Size = 13544;
 } // namespace OMADMTreeImage
 
 // Type 34, subtype 4.
 namespace IMEIBlock {
-inline constexpr uint32_t Data = 4;
+inline constexpr uint32_t aucData = 4;
 inline constexpr uint32_t DataSize = 24;
 inline constexpr uint32_t Size = 28;
-static_assert(Data + DataSize == Size);
+static_assert(aucData + DataSize == Size);
 } // namespace IMEIBlock
 
 #endif

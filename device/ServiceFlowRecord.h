@@ -7,46 +7,47 @@
 
 // Which packets belong to a service flow. Bytes that are not named are zero.
 namespace ClassifierRule {
-inline constexpr Field Action{0, FieldType::U8};
-inline constexpr Field Param1{1, FieldType::U8};
-inline constexpr Field Priority{10, FieldType::U8};
-inline constexpr Field Protocol{15, FieldType::U8}; // IP protocol number
+inline constexpr Field u8ClassifierAction{0, FieldType::U8};
+inline constexpr Field u8Param1{1, FieldType::U8};
+inline constexpr Field u8Priority{10, FieldType::U8};
+inline constexpr Field u8Protocol{15, FieldType::U8}; // IP protocol number
 // What to match: how many bytes are valid, and the bytes themselves.
-inline constexpr Field IPMaskedSrcAddrLength{16, FieldType::U8};
-inline constexpr Field IPMaskedSrcAddr{17, FieldType::U8}; // 32 bytes
-inline constexpr Field IPMaskedDestAddrLength{49, FieldType::U8};
-inline constexpr Field IPMaskedDestAddr{50, FieldType::U8}; // 32 bytes
-inline constexpr Field SrcPortRangeLength{82, FieldType::U8};
-inline constexpr Field SrcPortRange{83, FieldType::U8}; // four bytes
-inline constexpr Field DestPortRangeLength{87, FieldType::U8};
-inline constexpr Field DestPortRange{88, FieldType::U8}; // four bytes
-inline constexpr Field EthDestMacLength{92, FieldType::U8};
-inline constexpr Field EthDestMac{93, FieldType::U8}; // 12 bytes
-inline constexpr Field EthSrcMacLength{105, FieldType::U8};
-inline constexpr Field EthSrcMac{106, FieldType::U8}; // 12 bytes
+inline constexpr Field u8IPMaskedSrcAddrLength{16, FieldType::U8};
+inline constexpr Field au8IPMaskedSrcAddr{17, FieldType::U8}; // 32 bytes
+inline constexpr Field u8IPMaskedDestAddrLength{49, FieldType::U8};
+inline constexpr Field au8IPMaskedDestAddr{50, FieldType::U8}; // 32 bytes
+inline constexpr Field u8SrcPortRangeLength{82, FieldType::U8};
+inline constexpr Field au8SrcPortRange{83, FieldType::U8}; // four bytes
+inline constexpr Field u8DestPortRangeLength{87, FieldType::U8};
+inline constexpr Field au8DestPortRange{88, FieldType::U8}; // four bytes
+inline constexpr Field u8EthDestMacLength{92, FieldType::U8};
+inline constexpr Field au8EthDestMac{93, FieldType::U8}; // 12 bytes
+inline constexpr Field u8EthSrcMacLength{105, FieldType::U8};
+inline constexpr Field au8EthSrcMac{106, FieldType::U8}; // 12 bytes
 inline constexpr uint32_t IPMaskedAddrSize = 32;
 inline constexpr uint32_t PortRangeSize = 4;
 inline constexpr uint32_t EthMacSize = 12;
 inline constexpr uint32_t ReservedAtEnd = 542;
 inline constexpr uint32_t Size = 660;
-static_assert(EndOf(Action) == Param1.u16Offset);
-static_assert(EndOf(Param1) + 8 == Priority.u16Offset);
-static_assert(EndOf(Priority) + 4 == Protocol.u16Offset);
-static_assert(EndOf(Protocol) == IPMaskedSrcAddrLength.u16Offset);
-static_assert(EndOf(IPMaskedSrcAddrLength) == IPMaskedSrcAddr.u16Offset);
-static_assert(IPMaskedSrcAddr.u16Offset + IPMaskedAddrSize == IPMaskedDestAddrLength.u16Offset);
-static_assert(EndOf(IPMaskedDestAddrLength) == IPMaskedDestAddr.u16Offset);
-static_assert(IPMaskedDestAddr.u16Offset + IPMaskedAddrSize == SrcPortRangeLength.u16Offset);
-static_assert(EndOf(SrcPortRangeLength) == SrcPortRange.u16Offset);
-static_assert(SrcPortRange.u16Offset + PortRangeSize == DestPortRangeLength.u16Offset);
-static_assert(EndOf(DestPortRangeLength) == DestPortRange.u16Offset);
-static_assert(DestPortRange.u16Offset + PortRangeSize == EthDestMacLength.u16Offset);
-static_assert(EndOf(EthDestMacLength) == EthDestMac.u16Offset);
-static_assert(EthDestMac.u16Offset + EthMacSize == EthSrcMacLength.u16Offset);
-static_assert(EndOf(EthSrcMacLength) == EthSrcMac.u16Offset);
-static_assert(EthSrcMac.u16Offset + EthMacSize + ReservedAtEnd == Size);
+static_assert(EndOf(u8ClassifierAction) == u8Param1.u16Offset);
+static_assert(EndOf(u8Param1) + 8 == u8Priority.u16Offset);
+static_assert(EndOf(u8Priority) + 4 == u8Protocol.u16Offset);
+static_assert(EndOf(u8Protocol) == u8IPMaskedSrcAddrLength.u16Offset);
+static_assert(EndOf(u8IPMaskedSrcAddrLength) == au8IPMaskedSrcAddr.u16Offset);
+static_assert(au8IPMaskedSrcAddr.u16Offset + IPMaskedAddrSize ==
+              u8IPMaskedDestAddrLength.u16Offset);
+static_assert(EndOf(u8IPMaskedDestAddrLength) == au8IPMaskedDestAddr.u16Offset);
+static_assert(au8IPMaskedDestAddr.u16Offset + IPMaskedAddrSize == u8SrcPortRangeLength.u16Offset);
+static_assert(EndOf(u8SrcPortRangeLength) == au8SrcPortRange.u16Offset);
+static_assert(au8SrcPortRange.u16Offset + PortRangeSize == u8DestPortRangeLength.u16Offset);
+static_assert(EndOf(u8DestPortRangeLength) == au8DestPortRange.u16Offset);
+static_assert(au8DestPortRange.u16Offset + PortRangeSize == u8EthDestMacLength.u16Offset);
+static_assert(EndOf(u8EthDestMacLength) == au8EthDestMac.u16Offset);
+static_assert(au8EthDestMac.u16Offset + EthMacSize == u8EthSrcMacLength.u16Offset);
+static_assert(EndOf(u8EthSrcMacLength) == au8EthSrcMac.u16Offset);
+static_assert(au8EthSrcMac.u16Offset + EthMacSize + ReservedAtEnd == Size);
 
-// Values of Action.
+// Values of u8ClassifierAction.
 inline constexpr uint32_t AddRule = 0;
 inline constexpr uint32_t ReplaceRule = 1;
 inline constexpr uint32_t DeleteRule = 2;
@@ -54,53 +55,53 @@ inline constexpr uint32_t DeleteRule = 2;
 
 // One QoS parameter set. Bytes that are not named are zero.
 namespace SFParamSet {
-inline constexpr Field SFID{0, FieldType::U32};
-inline constexpr Field MaxSustainedTrafficRate{4, FieldType::U32};
-inline constexpr Field MinReservedTrafficRate{12, FieldType::U32};
-inline constexpr Field ToleratedJitter{16, FieldType::U32};
-inline constexpr Field MaximumLatency{20, FieldType::U32};
-inline constexpr Field CID{24, FieldType::U16};
-inline constexpr Field Reserved26{26, FieldType::U16};
-inline constexpr Field ServiceClassNameLength{73, FieldType::U8}; // counts the zero at its end
-inline constexpr Field ServiceClassName{74, FieldType::U8};       // 33 bytes
-inline constexpr Field QoSParamSetType{107, FieldType::U8};
-inline constexpr Field TrafficPriority{108, FieldType::U8};
-inline constexpr Field SchedulingType{109, FieldType::U8};
-inline constexpr Field RetransmissionPolicy{110, FieldType::U8};
-inline constexpr Field Param112{112, FieldType::U8};
-inline constexpr Field CSSpecification{116, FieldType::U8};
-inline constexpr Field Param117{117, FieldType::U8};
-inline constexpr Field PagingPreference{118, FieldType::U8};
-inline constexpr Field Param129{129, FieldType::U8};
-inline constexpr Field NumClassifierRules{173, FieldType::U8};
-inline constexpr Field SetPresent{174, FieldType::U8}; // 0: the set is ignored
-inline constexpr uint32_t ClassifierRules = 176;       // ClassifierRule records
+inline constexpr Field u32SFID{0, FieldType::U32};
+inline constexpr Field u32MaxSustainedTrafficRate{4, FieldType::U32};
+inline constexpr Field u32MinReservedTrafficRate{12, FieldType::U32};
+inline constexpr Field u32ToleratedJitter{16, FieldType::U32};
+inline constexpr Field u32MaximumLatency{20, FieldType::U32};
+inline constexpr Field u16CID{24, FieldType::U16};
+inline constexpr Field u16Reserved26{26, FieldType::U16};
+inline constexpr Field u8ServiceClassNameLength{73, FieldType::U8}; // counts the zero at its end
+inline constexpr Field au8ServiceClassName{74, FieldType::U8};      // 33 bytes
+inline constexpr Field u8QoSParamSetType{107, FieldType::U8};
+inline constexpr Field u8TrafficPriority{108, FieldType::U8};
+inline constexpr Field u8SchedulingType{109, FieldType::U8};
+inline constexpr Field u8RetransmissionPolicy{110, FieldType::U8};
+inline constexpr Field u8Param112{112, FieldType::U8};
+inline constexpr Field u8CSSpecification{116, FieldType::U8};
+inline constexpr Field u8Param117{117, FieldType::U8};
+inline constexpr Field u8PagingPreference{118, FieldType::U8};
+inline constexpr Field u8Param129{129, FieldType::U8};
+inline constexpr Field u8NumClassifierRules{173, FieldType::U8};
+inline constexpr Field u8SetPresent{174, FieldType::U8}; // 0: the set is ignored
+inline constexpr uint32_t astClassifierRule = 176;       // ClassifierRule records
 inline constexpr uint32_t MaxClassifierRules = 4;
 inline constexpr uint32_t ServiceClassNameSize = 33;
 inline constexpr uint32_t Size = 2816;
-static_assert(EndOf(SFID) == MaxSustainedTrafficRate.u16Offset);
-static_assert(EndOf(MaxSustainedTrafficRate) + 4 == MinReservedTrafficRate.u16Offset);
-static_assert(EndOf(MinReservedTrafficRate) == ToleratedJitter.u16Offset);
-static_assert(EndOf(ToleratedJitter) == MaximumLatency.u16Offset);
-static_assert(EndOf(MaximumLatency) == CID.u16Offset);
-static_assert(EndOf(CID) == Reserved26.u16Offset);
-static_assert(EndOf(Reserved26) + 45 == ServiceClassNameLength.u16Offset);
-static_assert(EndOf(ServiceClassNameLength) == ServiceClassName.u16Offset);
-static_assert(ServiceClassName.u16Offset + ServiceClassNameSize == QoSParamSetType.u16Offset);
-static_assert(EndOf(QoSParamSetType) == TrafficPriority.u16Offset);
-static_assert(EndOf(TrafficPriority) == SchedulingType.u16Offset);
-static_assert(EndOf(SchedulingType) == RetransmissionPolicy.u16Offset);
-static_assert(EndOf(RetransmissionPolicy) + 1 == Param112.u16Offset);
-static_assert(EndOf(Param112) + 3 == CSSpecification.u16Offset);
-static_assert(EndOf(CSSpecification) == Param117.u16Offset);
-static_assert(EndOf(Param117) == PagingPreference.u16Offset);
-static_assert(EndOf(PagingPreference) + 10 == Param129.u16Offset);
-static_assert(EndOf(Param129) + 43 == NumClassifierRules.u16Offset);
-static_assert(EndOf(NumClassifierRules) == SetPresent.u16Offset);
-static_assert(EndOf(SetPresent) + 1 == ClassifierRules);
-static_assert(ClassifierRules + MaxClassifierRules * ClassifierRule::Size == Size);
+static_assert(EndOf(u32SFID) == u32MaxSustainedTrafficRate.u16Offset);
+static_assert(EndOf(u32MaxSustainedTrafficRate) + 4 == u32MinReservedTrafficRate.u16Offset);
+static_assert(EndOf(u32MinReservedTrafficRate) == u32ToleratedJitter.u16Offset);
+static_assert(EndOf(u32ToleratedJitter) == u32MaximumLatency.u16Offset);
+static_assert(EndOf(u32MaximumLatency) == u16CID.u16Offset);
+static_assert(EndOf(u16CID) == u16Reserved26.u16Offset);
+static_assert(EndOf(u16Reserved26) + 45 == u8ServiceClassNameLength.u16Offset);
+static_assert(EndOf(u8ServiceClassNameLength) == au8ServiceClassName.u16Offset);
+static_assert(au8ServiceClassName.u16Offset + ServiceClassNameSize == u8QoSParamSetType.u16Offset);
+static_assert(EndOf(u8QoSParamSetType) == u8TrafficPriority.u16Offset);
+static_assert(EndOf(u8TrafficPriority) == u8SchedulingType.u16Offset);
+static_assert(EndOf(u8SchedulingType) == u8RetransmissionPolicy.u16Offset);
+static_assert(EndOf(u8RetransmissionPolicy) + 1 == u8Param112.u16Offset);
+static_assert(EndOf(u8Param112) + 3 == u8CSSpecification.u16Offset);
+static_assert(EndOf(u8CSSpecification) == u8Param117.u16Offset);
+static_assert(EndOf(u8Param117) == u8PagingPreference.u16Offset);
+static_assert(EndOf(u8PagingPreference) + 10 == u8Param129.u16Offset);
+static_assert(EndOf(u8Param129) + 43 == u8NumClassifierRules.u16Offset);
+static_assert(EndOf(u8NumClassifierRules) == u8SetPresent.u16Offset);
+static_assert(EndOf(u8SetPresent) + 1 == astClassifierRule);
+static_assert(astClassifierRule + MaxClassifierRules * ClassifierRule::Size == Size);
 
-// Values of SchedulingType.
+// Values of u8SchedulingType.
 inline constexpr uint32_t BE = 2;
 inline constexpr uint32_t NRTPS = 3;
 inline constexpr uint32_t RTPS = 4;
@@ -110,33 +111,33 @@ inline constexpr uint32_t UGS = 6;
 
 // Add and change requests, and all indications.
 namespace ServiceFlowRecord {
-inline constexpr Field MsgCode{0, FieldType::U8};
-inline constexpr Field Direction{1, FieldType::U8};
-inline constexpr Field TID{2, FieldType::U16};
-inline constexpr Field CID{4, FieldType::U16}; // in change requests only
-inline constexpr uint32_t ProvisionedSet = 8;  // SFParamSet records
-inline constexpr uint32_t AdmittedSet = 2824;
-inline constexpr uint32_t ActiveSet = 5640;
-inline constexpr Field ConfirmationCode{8468, FieldType::U8}; // in indications, 0 = success
+inline constexpr Field u8MsgCode{0, FieldType::U8};
+inline constexpr Field u8Direction{1, FieldType::U8};
+inline constexpr Field u16TID{2, FieldType::U16};
+inline constexpr Field u16CID{4, FieldType::U16}; // in change requests only
+inline constexpr uint32_t stProvisionedSet = 8;   // SFParamSet records
+inline constexpr uint32_t stAdmittedSet = 2824;
+inline constexpr uint32_t stActiveSet = 5640;
+inline constexpr Field u8ConfirmationCode{8468, FieldType::U8}; // in indications, 0 = success
 inline constexpr uint32_t Size = 8472;
 // What an add request sends of it: up to four zero bytes behind the first set.
 inline constexpr uint32_t ShortSize = 2828;
-static_assert(EndOf(MsgCode) == Direction.u16Offset);
-static_assert(EndOf(Direction) == TID.u16Offset);
-static_assert(EndOf(TID) == CID.u16Offset);
-static_assert(EndOf(CID) + 2 == ProvisionedSet);
-static_assert(ProvisionedSet + SFParamSet::Size == AdmittedSet);
-static_assert(AdmittedSet + SFParamSet::Size == ActiveSet);
-static_assert(ActiveSet + SFParamSet::Size + 12 == ConfirmationCode.u16Offset);
-static_assert(EndOf(ConfirmationCode) + 3 == Size);
-static_assert(AdmittedSet + 4 == ShortSize);
+static_assert(EndOf(u8MsgCode) == u8Direction.u16Offset);
+static_assert(EndOf(u8Direction) == u16TID.u16Offset);
+static_assert(EndOf(u16TID) == u16CID.u16Offset);
+static_assert(EndOf(u16CID) + 2 == stProvisionedSet);
+static_assert(stProvisionedSet + SFParamSet::Size == stAdmittedSet);
+static_assert(stAdmittedSet + SFParamSet::Size == stActiveSet);
+static_assert(stActiveSet + SFParamSet::Size + 12 == u8ConfirmationCode.u16Offset);
+static_assert(EndOf(u8ConfirmationCode) + 3 == Size);
+static_assert(stAdmittedSet + 4 == ShortSize);
 
-// Values of MsgCode.
+// Values of u8MsgCode.
 inline constexpr uint32_t AddRequest = 11;
 inline constexpr uint32_t ChangeRequest = 14;
 inline constexpr uint32_t DeleteRequest = 17;
 
-// Values of Direction.
+// Values of u8Direction.
 inline constexpr uint32_t Downlink = 0;
 inline constexpr uint32_t Uplink = 1;
 
@@ -150,28 +151,28 @@ struct SetOfBit {
 };
 // From the most advanced set to the least.
 inline constexpr SetOfBit Sets[] = {
-    {Active, ActiveSet}, {Admitted, AdmittedSet}, {Provisioned, ProvisionedSet}};
+    {Active, stActiveSet}, {Admitted, stAdmittedSet}, {Provisioned, stProvisionedSet}};
 } // namespace ServiceFlowRecord
 
 namespace DeleteFlowRequest {
-inline constexpr Field MsgCode{0, FieldType::U8};
-inline constexpr Field TID{2, FieldType::U16};
-inline constexpr Field SFID{4, FieldType::U32};
+inline constexpr Field u8MsgCode{0, FieldType::U8};
+inline constexpr Field u16TID{2, FieldType::U16};
+inline constexpr Field u32SFID{4, FieldType::U32};
 inline constexpr uint32_t Size = 8;
-static_assert(EndOf(MsgCode) + 1 == TID.u16Offset);
-static_assert(EndOf(TID) == SFID.u16Offset);
-static_assert(EndOf(SFID) == Size);
+static_assert(EndOf(u8MsgCode) + 1 == u16TID.u16Offset);
+static_assert(EndOf(u16TID) == u32SFID.u16Offset);
+static_assert(EndOf(u32SFID) == Size);
 } // namespace DeleteFlowRequest
 
 // UGI: unsolicited grant interval.
 namespace GrantChangeRequest {
-inline constexpr Field VCID{2, FieldType::U16};
-inline constexpr Field PayloadBytesPerUGI{4, FieldType::U32};
-inline constexpr Field SDUsPerUGI{8, FieldType::U32};
+inline constexpr Field u16VCID{2, FieldType::U16};
+inline constexpr Field u32PayloadBytesPerUGI{4, FieldType::U32};
+inline constexpr Field u32SDUsPerUGI{8, FieldType::U32};
 inline constexpr uint32_t Size = 12;
-static_assert(EndOf(VCID) == PayloadBytesPerUGI.u16Offset);
-static_assert(EndOf(PayloadBytesPerUGI) == SDUsPerUGI.u16Offset);
-static_assert(EndOf(SDUsPerUGI) == Size);
+static_assert(EndOf(u16VCID) == u32PayloadBytesPerUGI.u16Offset);
+static_assert(EndOf(u32PayloadBytesPerUGI) == u32SDUsPerUGI.u16Offset);
+static_assert(EndOf(u32SDUsPerUGI) == Size);
 } // namespace GrantChangeRequest
 
 #endif

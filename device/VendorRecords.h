@@ -7,19 +7,19 @@
 
 // Subtypes 1 and 3, requests and indications.
 namespace VendorParameter {
-inline constexpr Field Offset{0, FieldType::U16}; // into the region
-inline constexpr Field DataSize{2, FieldType::U16};
-inline constexpr uint32_t Data = 4;
+inline constexpr Field u16Offset{0, FieldType::U16}; // into the region
+inline constexpr Field u16DataSize{2, FieldType::U16};
+inline constexpr uint32_t aucData = 4;
 // The fixed size counts one data byte: n data bytes go out as n + 5 bytes.
 inline constexpr uint32_t Size = 5;
 // The most data bytes that a message holds.
 inline constexpr uint32_t MaxDataSize = WIMAX_DATA_SIZE - Size;
-static_assert(EndOf(DataSize) == Data && Data + 1 == Size);
+static_assert(EndOf(u16DataSize) == aucData && aucData + 1 == Size);
 } // namespace VendorParameter
 
 // Subtype 4, indication.
 namespace VendorRegionSize {
-inline constexpr Field Bytes{0, FieldType::U32};
+inline constexpr Field u32Bytes{0, FieldType::U32};
 inline constexpr uint32_t Size = 4;
 } // namespace VendorRegionSize
 

@@ -144,8 +144,8 @@ constexpr uint32_t RecordsPresent(ByteView stView, uint32_t u32Offset, uint32_t 
 }
 
 namespace MessageHeader {
-inline constexpr Field Type{0, FieldType::U16};
-inline constexpr Field SubType{2, FieldType::U16};
+inline constexpr Field usType{0, FieldType::U16};
+inline constexpr Field usSubType{2, FieldType::U16};
 inline constexpr uint32_t Size = WIMAX_HEADER_SIZE;
 } // namespace MessageHeader
 
@@ -168,7 +168,7 @@ inline Received View(const WiMAXMessage *pstMessage) {
         return {};
     }
     const ByteView stBytes{reinterpret_cast<const uint8_t *>(pstMessage), WIMAX_MESSAGE_SIZE};
-    return {Get(stBytes, MessageHeader::Type), Get(stBytes, MessageHeader::SubType),
+    return {Get(stBytes, MessageHeader::usType), Get(stBytes, MessageHeader::usSubType),
             stBytes.From(MessageHeader::Size)};
 }
 

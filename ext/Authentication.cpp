@@ -51,23 +51,23 @@ struct DumpedField {
 };
 
 constexpr DumpedField astIndicationHead[] = {
-    {"AUTH REQUEST TYPE", AuthParamIndication::RequestType, 1},
-    {"AUTH ACK/NAK", AuthParamIndication::Acknowledgement, 1},
+    {"AUTH REQUEST TYPE", AuthParamIndication::u8RequestType, 1},
+    {"AUTH ACK/NAK", AuthParamIndication::u8Acknowledgement, 1},
 };
 
 constexpr DumpedField astEAPAKAFields[] = {
-    {"WNID", AuthParamIndication::WNID, AuthParamIndication::KeySize},
-    {"K ID", AuthParamIndication::KID, AuthParamIndication::KeySize},
-    {"OPc", AuthParamIndication::OPc, AuthParamIndication::KeySize},
-    {"NonK", AuthParamIndication::NonK, AuthParamIndication::KeySize},
-    {"NonOPc", AuthParamIndication::NonOPc, AuthParamIndication::KeySize},
-    {"C1_5_R1_5", AuthParamIndication::Constants, AuthParamIndication::ConstantsSize},
-    {"PseudonymID", AuthParamIndication::Pseudonym, u32PseudonymSize},
-    {"SQNMS", AuthParamIndication::SQNMS, u32SQNMSSize},
+    {"WNID", AuthParamIndication::aucWNID, AuthParamIndication::KeySize},
+    {"K ID", AuthParamIndication::aucKID, AuthParamIndication::KeySize},
+    {"OPc", AuthParamIndication::aucOPc, AuthParamIndication::KeySize},
+    {"NonK", AuthParamIndication::aucNonK, AuthParamIndication::KeySize},
+    {"NonOPc", AuthParamIndication::aucNonOPc, AuthParamIndication::KeySize},
+    {"C1_5_R1_5", AuthParamIndication::aucConstants, AuthParamIndication::ConstantsSize},
+    {"PseudonymID", AuthParamIndication::aucPseudonym, u32PseudonymSize},
+    {"SQNMS", AuthParamIndication::aucSQNMS, u32SQNMSSize},
 };
 
 constexpr DumpedField astEAPSIMFields[] = {
-    {"AUTH_INFO_IMEI", AuthParamIndication::IMEI, AuthParamIndication::IMEISize},
+    {"AUTH_INFO_IMEI", AuthParamIndication::aucIMEI, AuthParamIndication::IMEISize},
 };
 
 uint32_t LowByte(int32_t iSendResult) { return static_cast<uint32_t>(iSendResult) & 0xFF; }
@@ -87,7 +87,7 @@ uint32_t SendEAPComplete() {
     const uint32_t u32Length =
         FillWiMAXMsg(&stMessage, TYPE_AUTHENTICATION, SUBTYPE_EAP_COMPLETE, Size);
     const ByteSpan stPayload = PayloadOf(stMessage);
-    Put(stPayload, KeyLength, GetCompleteRequestData(stPayload.From(Key)));
+    Put(stPayload, u16KeyLength, GetCompleteRequestData(stPayload.From(aucKey)));
     return LowByte(SendMessage(&stMessage, u32Length));
 }
 
@@ -115,7 +115,7 @@ uint32_t TestEncryption() {
         FillWiMAXMsg(&stMessage, TYPE_AUTHENTICATION, SUBTYPE_ENCRYPTION_TEST, RequestSize);
     const ByteSpan stPayload = PayloadOf(stMessage);
     PutText("\nPadding algorithm to be used:");
-    Put(stPayload, Padding,
+    Put(stPayload, u32Padding,
         AskUpTo(
             PaddingPKCS1,
             "\n0 - Indicates no padding. \n1 - Indicates padding based on PKCS1. \nEnter 0 or 1:",
@@ -124,18 +124,19 @@ uint32_t TestEncryption() {
         AskUpTo(MaxKeySize, "\nNumber of AES symmetric keys you want to enter (0-32) : ",
                 "\nRange of number is 0 to 32");
     PutText("\nEnter array elements of symmetric key");
-    AskBytes(stPayload.From(Key, u32KeySize),
+    AskBytes(stPayload.From(u8AESkey, u32KeySize),
              "\nEnter array elements of symmetric key u8AESkey[%d] : ", 0);
     const uint32_t u32DataLength =
         std::min(AskUnsigned("\nEnter Data length to be encrypted : "), MaxDataSize);
-    Put(stPayload, DataLength, u32DataLength);
-    AskBytes(stPayload.From(Data, u32DataLength), "\nEnter data to be encrypted u8Data[%d] : ", 1);
+    Put(stPayload, EncryptionTest::u32DataLength, u32DataLength);
+    AskBytes(stPayload.From(u8Data, u32DataLength),
+             "\nEnter data to be encrypted u8Data[%d] : ", 1);
     return LowByte(SendMessage(&stMessage, u32Length));
 }
 
 uint32_t ReadParameters(uint32_t u32Method) {
     Record<AuthParamRead::Size> stRequest;
-    Put(stRequest.Span(), AuthParamRead::Method, u32Method);
+    Put(stRequest.Span(), AuthParamRead::u8Method, u32Method);
     return Send(SUBTYPE_AUTH_PARAM_READ, stRequest.View());
 }
 
@@ -143,9 +144,9 @@ uint32_t ReadParameters(uint32_t u32Method) {
 uint32_t WriteTestPattern() {
     using namespace AuthParamWrite;
     Record<Size> stRequest;
-    Put(stRequest.Span(), DataLength, DataSize);
+    Put(stRequest.Span(), u8DataLength, DataSize);
     for (uint32_t i = 0; i < DataSize; ++i) {
-        stRequest.aucBytes[Data + i] = static_cast<uint8_t>(i);
+        stRequest.aucBytes[aucData + i] = static_cast<uint8_t>(i);
     }
     return Send(SUBTYPE_AUTH_PARAM_WRITE, stRequest.View());
 }
@@ -166,12 +167,12 @@ void PutParameterIndication(ByteView stPayload) {
     using namespace AuthParamIndication;
     PutText("\nAUTH PARAM INDICATION MESSAGE RECEIVED.");
     DumpFields(stPayload, astIndicationHead);
-    switch (Get(stPayload, Method)) {
+    switch (Get(stPayload, u8Method)) {
     case AuthMethod::EAPAKA:
         PutText("\nAUTH METHOD TYPE : AUTH_METHOD_EAP_AKA\n");
         DumpFields(stPayload, astEAPAKAFields);
-        Keep(gaucRespSEC_SQNMS_ID, stPayload, SQNMS);
-        Keep(gaucRespSEC_SNYMID_ID, stPayload, Pseudonym);
+        Keep(gaucRespSEC_SQNMS_ID, stPayload, aucSQNMS);
+        Keep(gaucRespSEC_SNYMID_ID, stPayload, aucPseudonym);
         PutText("\n");
         break;
     case AuthMethod::EAPSIM:
@@ -186,16 +187,16 @@ void PutParameterIndication(ByteView stPayload) {
 void PutTransferIndication(ByteView stPayload) {
     PutText("\nAUTH EAP TRANSFER INDICATION RECEIVED.");
     DebugDump("AUTH TRANSFER INDICATION BUFFER",
-              stPayload.From(EAPTransfer::Data, Get(stPayload, EAPTransfer::Length)));
+              stPayload.From(EAPTransfer::aucData, Get(stPayload, EAPTransfer::u16Length)));
 }
 
 void PutEncryptionResult(ByteView stPayload) {
     using namespace EncryptionTest;
     PutText("\nEAP ENCRYPT PRIVATE RESPONSE RECEIVED");
-    PutRow(stPayload, {"\nPadding algorithm used u32Padding = %d ", Padding});
+    PutRow(stPayload, {"\nPadding algorithm used u32Padding = %d ", u32Padding});
     PutLine("\nEncrypted data ");
     // Only the byte behind the encrypted data is shown.
-    PutNumber("%d \t", stPayload.From(Data).At(Get(stPayload, DataLength)));
+    PutNumber("%d \t", stPayload.From(u8Data).At(Get(stPayload, u32DataLength)));
 }
 
 } // namespace

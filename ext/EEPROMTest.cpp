@@ -28,12 +28,12 @@ constexpr const char *pcRoundRule =
 
 // Two data bytes; the request for them, and the write, go out with one.
 constexpr uint32_t u32ATRLockSize = VendorRegion::ATRLock.u16Size;
-using ATRLockRecord = Record<VendorParameter::Data + u32ATRLockSize>;
+using ATRLockRecord = Record<VendorParameter::aucData + u32ATRLockSize>;
 
 ATRLockRecord BuildATRLockRecord() {
     ATRLockRecord stRecord;
-    Put(stRecord.Span(), VendorParameter::Offset, VendorRegion::ATRLock.u16Offset);
-    Put(stRecord.Span(), VendorParameter::DataSize, u32ATRLockSize);
+    Put(stRecord.Span(), VendorParameter::u16Offset, VendorRegion::ATRLock.u16Offset);
+    Put(stRecord.Span(), VendorParameter::u16DataSize, u32ATRLockSize);
     return stRecord;
 }
 
@@ -114,30 +114,30 @@ void Compare(const Item &stItem, ByteView stWritten, ByteView stRead, ByteView s
 void RunRound(uint64_t u64Round) {
     using namespace AuthParamWrite;
     Record<Size> stWrite;
-    Put(stWrite.Span(), Method, AuthMethod::EAPAKA);
-    Put(stWrite.Span(), DataLength, DataSize);
-    PutRandomBytes(stWrite.Span().From(Data, DataSize));
+    Put(stWrite.Span(), u8Method, AuthMethod::EAPAKA);
+    Put(stWrite.Span(), u8DataLength, DataSize);
+    PutRandomBytes(stWrite.Span().From(aucData, DataSize));
     SendRequest(TYPE_AUTHENTICATION, SUBTYPE_AUTH_PARAM_WRITE, stWrite.View());
 
     ATRLockRecord stLock = BuildATRLockRecord();
-    PutRandomBytes(stLock.Span().From(VendorParameter::Data));
+    PutRandomBytes(stLock.Span().From(VendorParameter::aucData));
     SendATRLock(SUBTYPE_VSA_WRITE, stLock);
 
     Record<AuthParamRead::Size> stRead;
-    Put(stRead.Span(), AuthParamRead::Method, AuthMethod::EAPAKA);
+    Put(stRead.Span(), AuthParamRead::u8Method, AuthMethod::EAPAKA);
     SendRequest(TYPE_AUTHENTICATION, SUBTYPE_AUTH_PARAM_READ, stRead.View());
 
     EEPROMTestLog("\r\n\r\n\r\n\t\t Test - %" PRIu64, u64Round);
     EEPROMTestLog("%s", pcRoundRule);
-    const ByteView stPseudonym = stWrite.View().From(Pseudonym, u32PseudonymSize);
+    const ByteView stPseudonym = stWrite.View().From(aucPseudonym, u32PseudonymSize);
     Compare(stPseudonymItem, stPseudonym, gaucRespSEC_SNYMID_ID.Load().View(), stPseudonym);
-    const ByteView stSQNMS = stWrite.View().From(SQNMS, u32SQNMSSize);
+    const ByteView stSQNMS = stWrite.View().From(aucSQNMS, u32SQNMSSize);
     Compare(stSQNMSItem, stSQNMS, gaucRespSEC_SQNMS_ID.Load().View(), stSQNMS);
 
     SendATRLock(SUBTYPE_VSA_READ, BuildATRLockRecord());
     // Shown as written are the two bytes that end the authentication data.
-    Compare(stATRLockItem, stLock.View().From(VendorParameter::Data), gaucRespATRLock.Load().View(),
-            stWrite.View().From(Tail, TailSize));
+    Compare(stATRLockItem, stLock.View().From(VendorParameter::aucData),
+            gaucRespATRLock.Load().View(), stWrite.View().From(aucTail, TailSize));
 }
 
 // Closes the log also when the client ends in the middle of the test.

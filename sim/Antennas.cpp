@@ -218,18 +218,18 @@ std::vector<uint8_t> Antennas::SwitchInformation() const {
     constexpr double fSixteenths = 16;
     Record<Size> stValue;
     const ByteSpan stTo = stValue.Span();
-    Put(stTo, Filtering1, m_stTx.au32Averaging[0]);
-    Put(stTo, Filtering2, m_stTx.au32Averaging[1]);
-    Put(stTo, Margin1, static_cast<uint32_t>(m_stTx.aiThresholds[0]));
-    Put(stTo, Margin2, static_cast<uint32_t>(m_stTx.aiThresholds[1]));
+    Put(stTo, u32Filtering1, m_stTx.au32Averaging[0]);
+    Put(stTo, u32Filtering2, m_stTx.au32Averaging[1]);
+    Put(stTo, u32Margin1, static_cast<uint32_t>(m_stTx.aiThresholds[0]));
+    Put(stTo, u32Margin2, static_cast<uint32_t>(m_stTx.aiThresholds[1]));
     if (const Station *pstServing = m_stLink.Serving()) {
         const double fRSSI = m_stModem.Air().Measure(*pstServing, m_stModem.Now()).fRSSI +
                              PatternGain(m_au32Selected[0]);
-        Put(stTo, SmoothRSSI1, Rounded((fRSSI + m_afGains[0]) * fSixteenths));
-        Put(stTo, SmoothRSSI2, Rounded((fRSSI + m_afGains[1]) * fSixteenths));
+        Put(stTo, s32SmoothRSSI1, Rounded((fRSSI + m_afGains[0]) * fSixteenths));
+        Put(stTo, s32SmoothRSSI2, Rounded((fRSSI + m_afGains[1]) * fSixteenths));
     }
-    Put(stTo, SelectionMode, m_stTx.bAuto ? 1 : 0);
-    Put(stTo, CurrentAntenna, TransmitAntenna() + 1);
+    Put(stTo, u32SelectionMode, m_stTx.bAuto ? 1 : 0);
+    Put(stTo, u32CurrentAntenna, TransmitAntenna() + 1);
     return {std::begin(stValue.aucBytes), std::end(stValue.aucBytes)};
 }
 
@@ -237,30 +237,31 @@ int32_t Antennas::Configure(ByteView stRequest) {
     using namespace AntennaConfig;
     Record<Size> stAnswer;
     PutBytes(stAnswer.Span(), 0, stRequest);
-    Put(stAnswer.Span(), AntennaConfig::Status, Success);
-    if (Get(stRequest, SetConfig) == Read) {
+    Put(stAnswer.Span(), AntennaConfig::u32Status, Success);
+    if (Get(stRequest, u32SetConfig) == Read) {
         std::vector<uint32_t> au32Rx = m_stConfig.au32Rx;
         au32Rx.resize(MaxRxGPIOs, UnusedPin);
-        Put(stAnswer.Span(), NumRxGPIOs, static_cast<uint32_t>(m_stConfig.au32Rx.size()));
-        Put(stAnswer.Span(), NumTxGPIOs, static_cast<uint32_t>(m_stConfig.au32Tx.size()));
-        PutWords(stAnswer.Span(), RxGPIOs, au32Rx);
-        Put(stAnswer.Span(), TxGPIO, m_stConfig.au32Tx.empty() ? UnusedPin : m_stConfig.au32Tx[0]);
-    } else if (Get(stRequest, SetConfig) != Write) {
-        Put(stAnswer.Span(), AntennaConfig::Status, BadSetting);
+        Put(stAnswer.Span(), u32NumRxGPIOs, static_cast<uint32_t>(m_stConfig.au32Rx.size()));
+        Put(stAnswer.Span(), u32NumTxGPIOs, static_cast<uint32_t>(m_stConfig.au32Tx.size()));
+        PutWords(stAnswer.Span(), au32RxGPIO, au32Rx);
+        Put(stAnswer.Span(), u32TxGPIO,
+            m_stConfig.au32Tx.empty() ? UnusedPin : m_stConfig.au32Tx[0]);
+    } else if (Get(stRequest, u32SetConfig) != Write) {
+        Put(stAnswer.Span(), AntennaConfig::u32Status, BadSetting);
     } else {
-        const uint32_t u32Rx = Get(stRequest, NumRxGPIOs);
-        const uint32_t u32Tx = Get(stRequest, NumTxGPIOs);
+        const uint32_t u32Rx = Get(stRequest, u32NumRxGPIOs);
+        const uint32_t u32Tx = Get(stRequest, u32NumTxGPIOs);
         uint32_t u32Status = TooManyPins;
         if (u32Rx <= MaxRxGPIOs && u32Tx <= MaxTxGPIOs) {
-            const PinConfig stNew{Words(stRequest, RxGPIOs, u32Rx),
-                                  Words(stRequest, TxGPIO, u32Tx)};
+            const PinConfig stNew{Words(stRequest, au32RxGPIO, u32Rx),
+                                  Words(stRequest, u32TxGPIO, u32Tx)};
             u32Status = m_stFrame.Running() ? ScanRunning : Judge(stNew);
             if (u32Status == Success) {
                 m_stConfig = stNew;
                 m_au32Selected = {};
             }
         }
-        Put(stAnswer.Span(), AntennaConfig::Status, u32Status);
+        Put(stAnswer.Span(), AntennaConfig::u32Status, u32Status);
     }
     m_stModem.Tell(TYPE_ANTENNA, SUBTYPE_ANTENNA_CONFIG, stAnswer.View());
     return 0;
@@ -277,21 +278,21 @@ bool Antennas::WithStation() const {
 
 uint32_t Antennas::JudgeScan(ByteView stRequest) const {
     using namespace AntennaScanRequest;
-    const uint32_t u32Choice = Get(stRequest, ScanChoice);
-    const uint32_t u32Patterns = Get(stRequest, NumGPIOPatterns);
+    const uint32_t u32Choice = Get(stRequest, u32ScanChoice);
+    const uint32_t u32Patterns = Get(stRequest, u32NumGPIOPatterns);
     if (m_stFrame.Running()) {
         return ScanRunning;
     }
     if (u32Choice != AntennaScanRequest::Scan && u32Choice != InfiniteScan) {
         return BadSetting;
     }
-    if (u32Choice == AntennaScanRequest::Scan && Get(stRequest, Iterations) == 0) {
+    if (u32Choice == AntennaScanRequest::Scan && Get(stRequest, u32Iterations) == 0) {
         return BadSetting;
     }
     if (u32Patterns > MaxGPIOPatterns) {
         return TooManyPins;
     }
-    for (const uint32_t u32Pattern : Words(stRequest, GPIOPatterns, u32Patterns)) {
+    for (const uint32_t u32Pattern : Words(stRequest, au32GPIOPattern, u32Patterns)) {
         if (!PatternPossible(u32Pattern)) {
             return BadPattern;
         }
@@ -301,7 +302,7 @@ uint32_t Antennas::JudgeScan(ByteView stRequest) const {
 
 int32_t Antennas::Scan(ByteView stRequest) {
     using namespace AntennaScanRequest;
-    if (Get(stRequest, ScanChoice) == Abort) {
+    if (Get(stRequest, u32ScanChoice) == Abort) {
         if (m_stFrame.Running()) {
             EndScan(u32ScanAborted);
         } else {
@@ -316,18 +317,18 @@ int32_t Antennas::Scan(ByteView stRequest) {
     }
     // An iteration takes a frame for each pattern; without patterns, one with the
     // antennas as they are.
-    m_u32NumPatterns = Get(stRequest, NumGPIOPatterns);
+    m_u32NumPatterns = Get(stRequest, u32NumGPIOPatterns);
     m_au32Patterns = {};
     for (uint32_t i = 0; i < m_u32NumPatterns; ++i) {
-        m_au32Patterns[i] = Get(stRequest, GPIOPatterns, i * u32WordSize);
+        m_au32Patterns[i] = Get(stRequest, au32GPIOPattern, i * u32WordSize);
     }
-    m_u64FramesLeft = uint64_t{Get(stRequest, Iterations)} * std::max(m_u32NumPatterns, 1U);
-    m_bEndless = Get(stRequest, ScanChoice) == InfiniteScan;
+    m_u64FramesLeft = uint64_t{Get(stRequest, u32Iterations)} * std::max(m_u32NumPatterns, 1U);
+    m_bEndless = Get(stRequest, u32ScanChoice) == InfiniteScan;
     m_u64FramesPerReport = AntennaScan::MaxFrames;
     if (m_bEndless && m_u64FramesLeft != 0) {
         m_u64FramesPerReport = std::min(m_u64FramesPerReport, m_u64FramesLeft);
     }
-    m_iFrameInterval = (ModemTime{Get(stRequest, InterleaveInterval)} + 1) * i64Frame;
+    m_iFrameInterval = (ModemTime{Get(stRequest, u32ScanInterleaveInterval)} + 1) * i64Frame;
     m_u64FramesDone = 0;
     m_astFrames.clear();
     m_stFrame.Start(i64Frame, [this] { ScanFrame(); });
@@ -389,47 +390,47 @@ void Antennas::TellScan(uint32_t u32ScanStatus) {
     using namespace AntennaScan;
     Record<Size> stAnswer;
     const ByteSpan stTo = stAnswer.Span();
-    Put(stTo, AntennaScan::Status, u32ScanStatus);
-    Put(stTo, FramesScanned, static_cast<uint32_t>(m_astFrames.size()));
-    PutWords(stTo, RxGPIOPattern, m_au32Patterns);
+    Put(stTo, AntennaScan::u32ScanStatus, u32ScanStatus);
+    Put(stTo, u32FramesScanned, static_cast<uint32_t>(m_astFrames.size()));
+    PutWords(stTo, au32RxGPIOPattern, m_au32Patterns);
     uint32_t u32Base = 0;
     for (const Frame &stFrame : m_astFrames) {
-        Put(stTo, RSSIAnt1, stFrame.astAntennas[0].u32RSSI, u32Base);
-        Put(stTo, CINRAnt1, stFrame.astAntennas[0].u32CINR, u32Base);
-        Put(stTo, RSSIAnt2, stFrame.astAntennas[1].u32RSSI, u32Base);
-        Put(stTo, CINRAnt2, stFrame.astAntennas[1].u32CINR, u32Base);
-        Put(stTo, AntennaScan::FrameNumber, stFrame.u32Number, u32Base);
+        Put(stTo, as32RSSIAnt1, stFrame.astAntennas[0].u32RSSI, u32Base);
+        Put(stTo, as32CINRAnt1, stFrame.astAntennas[0].u32CINR, u32Base);
+        Put(stTo, as32RSSIAnt2, stFrame.astAntennas[1].u32RSSI, u32Base);
+        Put(stTo, as32CINRAnt2, stFrame.astAntennas[1].u32CINR, u32Base);
+        Put(stTo, AntennaScan::au32FrameNumber, stFrame.u32Number, u32Base);
         u32Base += u32WordSize;
     }
-    PutWords(stTo, CurrentGPIOPattern, m_au32Selected);
+    PutWords(stTo, au32CurrentGPIOPattern, m_au32Selected);
     if (WithStation()) {
         const std::array<Levels, 2> astNow = Measure(m_au32Selected[0]);
-        Put(stTo, CurrentRSSIAnt1, astNow[0].u32RSSI);
-        Put(stTo, CurrentCINRAnt1, astNow[0].u32CINR);
-        Put(stTo, CurrentRSSIAnt2, astNow[1].u32RSSI);
-        Put(stTo, CurrentCINRAnt2, astNow[1].u32CINR);
+        Put(stTo, s32CurrentRSSIAnt1, astNow[0].u32RSSI);
+        Put(stTo, s32CurrentCINRAnt1, astNow[0].u32CINR);
+        Put(stTo, s32CurrentRSSIAnt2, astNow[1].u32RSSI);
+        Put(stTo, s32CurrentCINRAnt2, astNow[1].u32CINR);
     }
     m_stModem.Tell(TYPE_ANTENNA, SUBTYPE_ANTENNA_SCANNING, stAnswer.View());
 }
 
 void Antennas::TellScanError(uint32_t u32Error) {
     Record<AntennaScan::Size> stAnswer;
-    Put(stAnswer.Span(), AntennaScan::Error, u32Error);
+    Put(stAnswer.Span(), AntennaScan::u32ScanError, u32Error);
     m_stModem.Tell(TYPE_ANTENNA, SUBTYPE_ANTENNA_SCANNING, stAnswer.View());
 }
 
 uint32_t Antennas::JudgeSelection(ByteView stRequest) const {
     using namespace AntennaSelection;
-    if (Get(stRequest, RxSelectionValid) != 0) {
-        for (const uint32_t u32Pattern : Words(stRequest, RxAntennaSetting, RxSettings)) {
+    if (Get(stRequest, u32RxSelectionValid) != 0) {
+        for (const uint32_t u32Pattern : Words(stRequest, au32RxAntennaSetting, RxSettings)) {
             if (!PatternPossible(u32Pattern)) {
                 return BadPattern;
             }
         }
     }
-    if (Get(stRequest, TxSelectionValid) != 0) {
-        const bool bAuto = Get(stRequest, TxAutoSelection) != 0;
-        const uint32_t u32Setting = Get(stRequest, TxAntennaSetting);
+    if (Get(stRequest, u32TxSelectionValid) != 0) {
+        const bool bAuto = Get(stRequest, u32TxAutoSelection) != 0;
+        const uint32_t u32Setting = Get(stRequest, u32TxAntennaSetting);
         const bool bGood =
             bAuto ? u32Setting <= u32LastAutoSetting && JudgeSwitching(stRequest)
                   : u32Setting >= u32FirstManualSetting && u32Setting <= u32LastManualSetting;
@@ -443,32 +444,32 @@ bool Antennas::JudgeSwitching(ByteView stRequest) {
     const auto Sensible = [&](Field stThreshold) {
         return std::abs(int64_t{GetSigned(stRequest, stThreshold)}) <= iMostThreshold;
     };
-    return Get(stRequest, IIRAvgAnt1) <= u32MostAveraging &&
-           Get(stRequest, IIRAvgAnt2) <= u32MostAveraging && Sensible(HysThreshAnt1) &&
-           Sensible(HysThreshAnt2);
+    return Get(stRequest, u32IIRAvgAnt1) <= u32MostAveraging &&
+           Get(stRequest, u32IIRAvgAnt2) <= u32MostAveraging && Sensible(s32HysThreshAnt1) &&
+           Sensible(s32HysThreshAnt2);
 }
 
 int32_t Antennas::Select(ByteView stRequest) {
     using namespace AntennaSelection;
     const uint32_t u32Status = JudgeSelection(stRequest);
-    if (u32Status == Success && Get(stRequest, RxSelectionValid) != 0) {
+    if (u32Status == Success && Get(stRequest, u32RxSelectionValid) != 0) {
         for (uint32_t i = 0; i < RxSettings; ++i) {
-            m_au32Selected[i] = Get(stRequest, RxAntennaSetting, i * u32WordSize);
+            m_au32Selected[i] = Get(stRequest, au32RxAntennaSetting, i * u32WordSize);
         }
     }
-    if (u32Status == Success && Get(stRequest, TxSelectionValid) != 0) {
+    if (u32Status == Success && Get(stRequest, u32TxSelectionValid) != 0) {
         TxChoice stTx = m_stTx;
-        stTx.bAuto = Get(stRequest, TxAutoSelection) != 0;
-        stTx.u32Setting = Get(stRequest, TxAntennaSetting);
+        stTx.bAuto = Get(stRequest, u32TxAutoSelection) != 0;
+        stTx.u32Setting = Get(stRequest, u32TxAntennaSetting);
         if (stTx.bAuto) {
-            stTx.au32Averaging = {Get(stRequest, IIRAvgAnt1), Get(stRequest, IIRAvgAnt2)};
-            stTx.aiThresholds = {GetSigned(stRequest, HysThreshAnt1),
-                                 GetSigned(stRequest, HysThreshAnt2)};
+            stTx.au32Averaging = {Get(stRequest, u32IIRAvgAnt1), Get(stRequest, u32IIRAvgAnt2)};
+            stTx.aiThresholds = {GetSigned(stRequest, s32HysThreshAnt1),
+                                 GetSigned(stRequest, s32HysThreshAnt2)};
         }
         Transmit(stTx);
     }
     Record<StatusWord::Size> stAnswer;
-    Put(stAnswer.Span(), StatusWord::Value, u32Status);
+    Put(stAnswer.Span(), StatusWord::u32Value, u32Status);
     m_stModem.Tell(TYPE_ANTENNA, SUBTYPE_ANTENNA_SELECTION, stAnswer.View());
     return 0;
 }

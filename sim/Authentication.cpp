@@ -54,7 +54,7 @@ Authentication::Authentication(Modem &stModem)
       m_bAnswersWithinSend(stModem.Settings("authentication").Flag("answers-within-send", false)),
       m_aucAKAAtStart(AuthParamIndication::Size) {
     Random stRandom = stModem.RandomFor("authentication parameters");
-    std::generate(m_aucAKAAtStart.begin() + AuthParamIndication::WNID, m_aucAKAAtStart.end(),
+    std::generate(m_aucAKAAtStart.begin() + AuthParamIndication::aucWNID, m_aucAKAAtStart.end(),
                   [&] { return static_cast<uint8_t>(stRandom.Next()); });
     const auto On = [&](uint32_t u32SubType, PayloadLength stLength,
                         int32_t (Authentication::*pfnHandle)(const Request &)) {
@@ -78,7 +78,7 @@ void Authentication::Start() {
     const auto Found = stKept.find(pcStateKey);
     if (Found != stKept.end() && Found->second.size() == AuthParamWrite::DataSize) {
         std::copy(Found->second.begin(), Found->second.end(),
-                  m_aucAKA.begin() + AuthParamIndication::Pseudonym);
+                  m_aucAKA.begin() + AuthParamIndication::aucPseudonym);
     }
 }
 
@@ -104,17 +104,17 @@ void Authentication::TellParameters(uint32_t u32Method, uint32_t u32RequestType)
     if (u32Method == AuthMethod::EAPAKA) {
         PutBytes(stAnswer.Span(), 0, {m_aucAKA.data(), Size});
     } else {
-        u32Size = IMEI + IMEISize;
-        PutBytes(stAnswer.Span(), IMEI, m_stModem.TheVendorRegion().PackedIMEI());
+        u32Size = aucIMEI + IMEISize;
+        PutBytes(stAnswer.Span(), aucIMEI, m_stModem.TheVendorRegion().PackedIMEI());
     }
-    Put(stAnswer.Span(), Method, u32Method);
-    stAnswer.Span().Set(RequestType, static_cast<uint8_t>(u32RequestType));
-    stAnswer.Span().Set(Acknowledgement, u8Acknowledged);
+    Put(stAnswer.Span(), u8Method, u32Method);
+    stAnswer.Span().Set(u8RequestType, static_cast<uint8_t>(u32RequestType));
+    stAnswer.Span().Set(u8Acknowledgement, u8Acknowledged);
     Tell(SUBTYPE_AUTH_PARAM_IND, stAnswer.View().From(0, u32Size));
 }
 
 int32_t Authentication::ReadParameters(const Request &stRequest) {
-    const uint32_t u32Method = Get(stRequest.stPayload, AuthParamRead::Method);
+    const uint32_t u32Method = Get(stRequest.stPayload, AuthParamRead::u8Method);
     if (u32Method != AuthMethod::EAPAKA && u32Method != AuthMethod::EAPSIM) {
         return LibraryError::BadValue;
     }
@@ -126,22 +126,23 @@ int32_t Authentication::ReadParameters(const Request &stRequest) {
 // which lie side by side in the indication too.
 int32_t Authentication::WriteParameters(const Request &stRequest) {
     using namespace AuthParamWrite;
-    const ByteView stData = stRequest.stPayload.From(Data, DataSize);
-    if (Get(stRequest.stPayload, Method) != AuthMethod::EAPAKA ||
-        Get(stRequest.stPayload, DataLength) != DataSize ||
+    const ByteView stData = stRequest.stPayload.From(aucData, DataSize);
+    if (Get(stRequest.stPayload, u8Method) != AuthMethod::EAPAKA ||
+        Get(stRequest.stPayload, u8DataLength) != DataSize ||
         !m_stModem.TheStateFile().Keep(pcStateSection, pcStateKey,
                                        {stData.pucData, stData.pucData + stData.u32Length})) {
         return LibraryError::BadValue;
     }
-    PutBytes({m_aucAKA.data(), AuthParamIndication::Size}, AuthParamIndication::Pseudonym, stData);
+    PutBytes({m_aucAKA.data(), AuthParamIndication::Size}, AuthParamIndication::aucPseudonym,
+             stData);
     return 0;
 }
 
 // An empty transfer starts EAP: the modem asks for the identity. A response is
 // answered with the next request, as an authenticator would go on.
 int32_t Authentication::Transfer(const Request &stRequest) {
-    const uint32_t u32Length = Get(stRequest.stPayload, EAPTransfer::Length);
-    const ByteView stPacket = stRequest.stPayload.From(EAPTransfer::Data, u32Length);
+    const uint32_t u32Length = Get(stRequest.stPayload, EAPTransfer::u16Length);
+    const ByteView stPacket = stRequest.stPayload.From(EAPTransfer::aucData, u32Length);
     if (stPacket.u32Length != u32Length) {
         return LibraryError::BadValue;
     }
@@ -149,17 +150,17 @@ int32_t Authentication::Transfer(const Request &stRequest) {
         return LibraryError::BadValue;
     }
     m_u32Status = 1;
-    Record<EAPTransfer::Data + u32EAPHeadSize> stAnswer;
-    Put(stAnswer.Span(), EAPTransfer::Length, u32EAPHeadSize);
+    Record<EAPTransfer::aucData + u32EAPHeadSize> stAnswer;
+    Put(stAnswer.Span(), EAPTransfer::u16Length, u32EAPHeadSize);
     const uint8_t aucRequest[u32EAPHeadSize] = {u8EAPRequest, m_u8NextIdentifier++, 0,
                                                 u32EAPHeadSize, u8EAPIdentity};
-    PutBytes(stAnswer.Span(), EAPTransfer::Data, {aucRequest, u32EAPHeadSize});
+    PutBytes(stAnswer.Span(), EAPTransfer::aucData, {aucRequest, u32EAPHeadSize});
     Tell(SUBTYPE_EAP_TRANSFER_IND, stAnswer.View());
     return 0;
 }
 
 int32_t Authentication::Complete(const Request &stRequest) {
-    if (Get(stRequest.stPayload, EAPComplete::KeyLength) != EAPComplete::KeySize) {
+    if (Get(stRequest.stPayload, EAPComplete::u16KeyLength) != EAPComplete::KeySize) {
         return LibraryError::BadValue;
     }
     m_u32Status = 2;
@@ -170,8 +171,8 @@ int32_t Authentication::Complete(const Request &stRequest) {
 // and the data. One more byte of the same kind stands behind it.
 int32_t Authentication::Encrypt(const Request &stRequest) {
     using namespace EncryptionTest;
-    const uint32_t u32Length = Get(stRequest.stPayload, DataLength);
-    const uint32_t u32Padding = Get(stRequest.stPayload, Padding);
+    const uint32_t u32Length = Get(stRequest.stPayload, u32DataLength);
+    const uint32_t u32Padding = Get(stRequest.stPayload, EncryptionTest::u32Padding);
     if (u32Length > MaxDataSize || u32Padding > PaddingPKCS1) {
         return LibraryError::BadValue;
     }
@@ -183,16 +184,16 @@ int32_t Authentication::Encrypt(const Request &stRequest) {
         return LibraryError::BadValue;
     }
     uint64_t u64Seed = u32Length;
-    for (uint32_t i = Key; i < stRequest.stPayload.u32Length; ++i) {
+    for (uint32_t i = u8AESkey; i < stRequest.stPayload.u32Length; ++i) {
         u64Seed = (u64Seed ^ stRequest.stPayload.At(i)) * 0x100000001B3; // FNV-1a
     }
     Random stRandom(u64Seed, "encryption");
-    std::vector<uint8_t> aucAnswer(Data + u32Result + 1);
-    std::generate(aucAnswer.begin() + Data, aucAnswer.end(),
+    std::vector<uint8_t> aucAnswer(u8Data + u32Result + 1);
+    std::generate(aucAnswer.begin() + u8Data, aucAnswer.end(),
                   [&] { return static_cast<uint8_t>(stRandom.Next()); });
     const ByteSpan stAnswer{aucAnswer.data(), static_cast<uint32_t>(aucAnswer.size())};
-    Put(stAnswer, DataLength, u32Result);
-    Put(stAnswer, Padding, u32Padding);
+    Put(stAnswer, u32DataLength, u32Result);
+    Put(stAnswer, EncryptionTest::u32Padding, u32Padding);
     Tell(SUBTYPE_ENCRYPTION_RESULT_RESP, stAnswer);
     return 0;
 }

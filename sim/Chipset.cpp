@@ -40,7 +40,7 @@ std::string TextIn(ByteView stBytes) {
 }
 
 ByteView PathIn(ByteView stRequest) {
-    return stRequest.From(DownloadRequest::Path, DownloadRequest::PathSize);
+    return stRequest.From(DownloadRequest::acPath, DownloadRequest::PathSize);
 }
 
 // Nothing for a file that is not there or cannot be read.
@@ -153,7 +153,7 @@ void Chipset::Boot() {
 }
 
 int32_t Chipset::Download(ByteView stRequest) {
-    const uint32_t u32FileType = Get(stRequest, DownloadRequest::FileType);
+    const uint32_t u32FileType = Get(stRequest, DownloadRequest::u32FileType);
     const bool bConfiguration = u32FileType == DownloadFile::Configuration;
     if (!bConfiguration && u32FileType != DownloadFile::Firmware) {
         TellDownload(UnknownFile, stRequest);
@@ -175,7 +175,7 @@ std::string Chipset::OnHost(const std::string &strPath) const {
 }
 
 void Chipset::Transfer() {
-    const uint32_t u32FileType = Get(m_stRequest.View(), DownloadRequest::FileType);
+    const uint32_t u32FileType = Get(m_stRequest.View(), DownloadRequest::u32FileType);
     uint64_t u64Size = m_au32Sizes[u32FileType];
     uint32_t u32Result = Downloaded;
     if (m_bRequireFiles) {
@@ -196,7 +196,7 @@ void Chipset::Transfer() {
 // What has failed is tried again, without being asked to.
 void Chipset::FinishTransfer(uint32_t u32Result) {
     const bool bConfiguration =
-        Get(m_stRequest.View(), DownloadRequest::FileType) == DownloadFile::Configuration;
+        Get(m_stRequest.View(), DownloadRequest::u32FileType) == DownloadFile::Configuration;
     TellDownload(u32Result, m_stRequest.View());
     if (u32Result != Downloaded) {
         if (m_u32RetriesLeft != 0) {
@@ -211,10 +211,10 @@ void Chipset::FinishTransfer(uint32_t u32Result) {
 }
 
 void Chipset::TellDownload(uint32_t u32Result, ByteView stRequest) const {
-    Record<DownloadStatus::Path + DownloadRequest::PathSize> stStatus;
-    Put(stStatus.Span(), DownloadStatus::Status, u32Result);
-    Put(stStatus.Span(), DownloadStatus::FileType, Get(stRequest, DownloadRequest::FileType));
-    PutBytes(stStatus.Span(), DownloadStatus::Path, PathIn(stRequest));
+    Record<DownloadStatus::acPath + DownloadRequest::PathSize> stStatus;
+    Put(stStatus.Span(), DownloadStatus::u32Status, u32Result);
+    Put(stStatus.Span(), DownloadStatus::u32FileType, Get(stRequest, DownloadRequest::u32FileType));
+    PutBytes(stStatus.Span(), DownloadStatus::acPath, PathIn(stRequest));
     m_stModem.Tell(TYPE_CHIPSET, SUBTYPE_FIRMWARE_DOWNLOAD, stStatus.View());
 }
 
@@ -233,7 +233,7 @@ uint32_t Chipset::State() const {
 }
 
 int32_t Chipset::TellState(ByteSpan stReply) const {
-    Put(stReply, ModemStatus::State, State());
+    Put(stReply, ModemStatus::u8State, State());
     return 0;
 }
 

@@ -112,8 +112,8 @@ void Faults::PassFrom(size_t uFirst, MessageBytes aucMessage) {
     for (size_t i = uFirst; i < m_astFaults.size(); ++i) {
         Fault &stFault = m_astFaults[i];
         const ByteView stBytes = SpanOf(aucMessage);
-        if (stFault.u32Kind == Fail || !stFault.Hits(Get(stBytes, MessageHeader::Type),
-                                                     Get(stBytes, MessageHeader::SubType))) {
+        if (stFault.u32Kind == Fail || !stFault.Hits(Get(stBytes, MessageHeader::usType),
+                                                     Get(stBytes, MessageHeader::usSubType))) {
             continue;
         }
         switch (stFault.u32Kind) {

@@ -58,8 +58,8 @@ void GPIO::Start() {
 }
 
 int32_t GPIO::SetBit(ByteView stRequest) {
-    const uint32_t u32Position = Get(stRequest, GPIOBit::Position);
-    const uint32_t u32Value = Get(stRequest, GPIOBit::Value);
+    const uint32_t u32Position = Get(stRequest, GPIOBit::u32Position);
+    const uint32_t u32Value = Get(stRequest, GPIOBit::u32Value);
     if (u32Position > GPIOBit::LastPosition || u32Value > GPIOBit::Set) {
         return LibraryError::BadValue;
     }
@@ -68,13 +68,13 @@ int32_t GPIO::SetBit(ByteView stRequest) {
 }
 
 int32_t GPIO::TellBit(ByteView stRequest) {
-    const uint32_t u32Position = Get(stRequest, GPIOBit::Position);
+    const uint32_t u32Position = Get(stRequest, GPIOBit::u32Position);
     if (u32Position > GPIOBit::LastPosition) {
         return LibraryError::BadValue;
     }
     Record<GPIOBit::Size> stAnswer;
-    Put(stAnswer.Span(), GPIOBit::Position, u32Position);
-    Put(stAnswer.Span(), GPIOBit::Value, m_u32Bits >> u32Position & 1);
+    Put(stAnswer.Span(), GPIOBit::u32Position, u32Position);
+    Put(stAnswer.Span(), GPIOBit::u32Value, m_u32Bits >> u32Position & 1);
     m_stModem.Tell(TYPE_GPIO, SUBTYPE_GPIO_STATUS, stAnswer.View());
     return 0;
 }
@@ -85,18 +85,19 @@ int32_t GPIO::SetLEDs(ByteView stRequest) {
     LEDs stNew = m_stLEDs;
     for (uint32_t i = 0; i < LEDEntry::Count; ++i) {
         const uint32_t u32Offset = i * LEDEntry::Size;
-        const ByteView stEntry = stRequest.From(LEDBehaviour::Entries + u32Offset, LEDEntry::Size);
-        const uint32_t u32Type = Get(stEntry, LEDEntry::Type);
+        const ByteView stEntry =
+            stRequest.From(LEDBehaviour::astEntries + u32Offset, LEDEntry::Size);
+        const uint32_t u32Type = Get(stEntry, LEDEntry::ucLedType);
         if (u32Type == LEDEntry::Untouched) {
             continue;
         }
         if ((u32Type & ~LEDEntry::ReversePolarity) != i + 1) {
             return LibraryError::BadValue;
         }
-        PutBytes(stNew.Span(), LEDState::Entries + u32Offset, stEntry);
+        PutBytes(stNew.Span(), LEDState::astEntries + u32Offset, stEntry);
     }
     m_stLEDs = stNew;
-    if (Get(stRequest, LEDBehaviour::Save) == 1) {
+    if (Get(stRequest, LEDBehaviour::u32Save) == 1) {
         m_stSavedLEDs = stNew;
         m_stModem.TheStateFile().Keep(pcSection, pcLEDs,
                                       {std::begin(stNew.aucBytes), std::end(stNew.aucBytes)});

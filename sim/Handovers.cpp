@@ -179,19 +179,19 @@ void Handovers::Finish(bool bSuccess) {
     const Station &stLast = bSuccess ? stServing : stTarget;
     const auto u32Vendor = static_cast<uint32_t>(stCurrent.aucVendorData.size());
     const ModemTime iLatency = m_stModem.Now() - m_iBegan;
-    Record<Handover::VendorData + UINT8_MAX> stIndication;
+    Record<Handover::au8VendorSpecificData + UINT8_MAX> stIndication;
     const ByteSpan stTo = stIndication.Span();
-    Put(stTo, Handover::Success, bSuccess ? 1 : 0);
-    Put(stTo, Handover::IPRefreshNeeded,
+    Put(stTo, Handover::u8HOSuccess, bSuccess ? 1 : 0);
+    Put(stTo, Handover::u8IPRefreshNeeded,
         bSuccess && stTarget.u32IPSubnet != stServing.u32IPSubnet ? 1 : 0);
-    PutBytes(stTo, Handover::CurrentBSID.u16Offset, {stCurrent.aucBSID.data(), u32BSIDSize});
-    PutBytes(stTo, Handover::LastBSID.u16Offset, {stLast.aucBSID.data(), u32BSIDSize});
-    Put(stTo, Handover::NumRangingFailures, m_u32Failures);
-    Put(stTo, Handover::Latency, static_cast<uint32_t>(iLatency / i64Millisecond));
-    Put(stTo, Handover::CurrentPreambleID, stCurrent.u32Preamble);
-    Put(stTo, Handover::LastPreambleID, stLast.u32Preamble);
-    Put(stTo, Handover::VendorDataLength, u32Vendor);
-    PutBytes(stTo, Handover::VendorData, {stCurrent.aucVendorData.data(), u32Vendor});
+    PutBytes(stTo, Handover::au8CurrentBSID.u16Offset, {stCurrent.aucBSID.data(), u32BSIDSize});
+    PutBytes(stTo, Handover::au8LastBSID.u16Offset, {stLast.aucBSID.data(), u32BSIDSize});
+    Put(stTo, Handover::u32NumRangingFailures, m_u32Failures);
+    Put(stTo, Handover::u32HOLatency, static_cast<uint32_t>(iLatency / i64Millisecond));
+    Put(stTo, Handover::u32CurrentPreambleID, stCurrent.u32Preamble);
+    Put(stTo, Handover::u32LastPreambleID, stLast.u32Preamble);
+    Put(stTo, Handover::u32VendorSpecificDataLength, u32Vendor);
+    PutBytes(stTo, Handover::au8VendorSpecificData, {stCurrent.aucVendorData.data(), u32Vendor});
 
     m_pstTarget = nullptr;
     m_stModem.TheSignalling().HandoverEnds(bSuccess);
@@ -202,7 +202,7 @@ void Handovers::Finish(bool bSuccess) {
         m_aiBarredUntil[&stTarget] = m_stModem.Now() + m_iRetryAfter;
     }
     m_stModem.Tell(TYPE_HANDOVER, SUBTYPE_HANDOVER_IND,
-                   stIndication.View().From(0, Handover::VendorData + u32Vendor));
+                   stIndication.View().From(0, Handover::au8VendorSpecificData + u32Vendor));
 }
 
 } // namespace

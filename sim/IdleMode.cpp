@@ -71,7 +71,7 @@ IdleMode::IdleMode(Modem &stModem)
     });
     stModem.On(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE_INACTIVITY_TIMER, Exactly(StatusWord::Size),
                [this](const Request &stRequest) {
-                   return SetTimer(Get(stRequest.stPayload, StatusWord::Value));
+                   return SetTimer(Get(stRequest.stPayload, StatusWord::u32Value));
                });
     stModem.On(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE_WAKE_UP, Exactly(0),
                [this](const Request &) { return WakeUp(); });
@@ -171,7 +171,7 @@ int32_t IdleMode::WakeUp() {
 
 void IdleMode::TellWord(uint32_t u32SubType, uint32_t u32Value) {
     Record<StatusWord::Size> stAnswer;
-    Put(stAnswer.Span(), StatusWord::Value, u32Value);
+    Put(stAnswer.Span(), StatusWord::u32Value, u32Value);
     m_stModem.Tell(TYPE_IDLE_MODE, u32SubType, stAnswer.View());
 }
 
@@ -179,17 +179,17 @@ void IdleMode::TellIndication(uint32_t u32StateWord) {
     const Station &stStation = *m_stLink.Serving();
     const Measurement stMeasurement = m_stModem.Air().Measure(stStation, m_stModem.Now());
     const auto u32Vendor = static_cast<uint32_t>(stStation.aucVendorData.size());
-    Record<IdleIndication::VendorData + UINT8_MAX> stIndication;
+    Record<IdleIndication::aucVendorData + UINT8_MAX> stIndication;
     const ByteSpan stTo = stIndication.Span();
-    Put(stTo, IdleIndication::State, u32StateWord);
-    PutBytes(stTo, IdleIndication::BSID.u16Offset, {stStation.aucBSID.data(), u32BSIDSize});
-    Put(stTo, IdleIndication::RSSIMean, Rounded(stMeasurement.fRSSI * fQuarters));
-    Put(stTo, IdleIndication::CINRMean, Rounded(stMeasurement.fCINR));
-    Put(stTo, IdleIndication::PreambleID, stStation.u32Preamble);
-    Put(stTo, IdleIndication::VendorDataLength, u32Vendor);
-    PutBytes(stTo, IdleIndication::VendorData, {stStation.aucVendorData.data(), u32Vendor});
+    Put(stTo, IdleIndication::u32State, u32StateWord);
+    PutBytes(stTo, IdleIndication::aucBSID.u16Offset, {stStation.aucBSID.data(), u32BSIDSize});
+    Put(stTo, IdleIndication::s32RSSIMean, Rounded(stMeasurement.fRSSI * fQuarters));
+    Put(stTo, IdleIndication::u32CINRMean, Rounded(stMeasurement.fCINR));
+    Put(stTo, IdleIndication::u32PreambleID, stStation.u32Preamble);
+    Put(stTo, IdleIndication::s32VendorDataLength, u32Vendor);
+    PutBytes(stTo, IdleIndication::aucVendorData, {stStation.aucVendorData.data(), u32Vendor});
     m_stModem.Tell(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE,
-                   stIndication.View().From(0, IdleIndication::VendorData + u32Vendor));
+                   stIndication.View().From(0, IdleIndication::aucVendorData + u32Vendor));
 }
 
 } // namespace

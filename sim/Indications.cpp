@@ -16,7 +16,7 @@ Indications::Indications(Modem &stModem) {
         const auto u32Status = static_cast<uint32_t>(stSection.Integer("status", 0, UINT32_MAX, 1));
         return [&stModem, u32Status] {
             Record<IPFilterStatus::Size> stIndication;
-            Put(stIndication.Span(), IPFilterStatus::Status, u32Status);
+            Put(stIndication.Span(), IPFilterStatus::u32Status, u32Status);
             stModem.Tell(TYPE_DEVICE_CONFIG, SUBTYPE_IP_FILTER_STATUS_IND, stIndication.View());
         };
     });

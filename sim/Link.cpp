@@ -74,10 +74,10 @@ void Link::RegisterRequests() {
                  [this](const Request &) { return Enter(std::nullopt); });
     m_stModem.On(TYPE_NETWORK_ENTRY, SUBTYPE_NSP_NETWORK_ENTRY,
                  Exactly(NSPNetworkEntryRequest::Size), [this](const Request &stRequest) {
-                     if (Get(stRequest.stPayload, NSPNetworkEntryRequest::NSPIDPresent) == 0) {
+                     if (Get(stRequest.stPayload, NSPNetworkEntryRequest::u32NSPIDPresent) == 0) {
                          return Enter(std::nullopt);
                      }
-                     return Enter(Get(stRequest.stPayload, NSPNetworkEntryRequest::NSPID));
+                     return Enter(Get(stRequest.stPayload, NSPNetworkEntryRequest::u32NSPID));
                  });
     m_stModem.On(TYPE_NETWORK_ENTRY, SUBTYPE_NETWORK_ENTRY_STATUS, Exactly(0),
                  [this](const Request &) {
@@ -204,9 +204,9 @@ int32_t Link::SyncUp(const Request &stRequest) {
     if (m_eState == Shutdown) {
         WakeUpCompletely();
     }
-    const uint32_t u32Frequency = Get(stRequest.stPayload, SyncUpRequest::CenterFrequency);
-    const uint32_t u32Bandwidth = Get(stRequest.stPayload, SyncUpRequest::Bandwidth);
-    const uint32_t u32Preamble = Get(stRequest.stPayload, SyncUpRequest::PreambleID);
+    const uint32_t u32Frequency = Get(stRequest.stPayload, SyncUpRequest::u32CenterFrequency);
+    const uint32_t u32Bandwidth = Get(stRequest.stPayload, SyncUpRequest::u32Bandwidth);
+    const uint32_t u32Preamble = Get(stRequest.stPayload, SyncUpRequest::u32PreambleID);
     if (!IsAnyOf({Unsynchronised, Synchronising, Synchronised})) {
         TellSyncStatus(StatusReason());
         return 0;
@@ -368,21 +368,21 @@ uint32_t Link::StatusReason() const {
 
 void Link::TellSyncStatus(uint32_t u32Reason) {
     Record<SyncStatus::Size> stAnswer;
-    Put(stAnswer.Span(), SyncStatus::Status, u32Reason);
+    Put(stAnswer.Span(), SyncStatus::u32Status, u32Reason);
     if (m_pstServing != nullptr) {
         const Measurement stMeasurement = m_stModem.Air().Measure(*m_pstServing, m_stModem.Now());
         const ByteSpan stTo = stAnswer.Span();
-        Put(stTo, SyncStatus::CompressedMap, m_pstServing->bCompressedMap ? 1 : 0);
-        PutBytes(stTo, SyncStatus::BSID.u16Offset, {m_pstServing->aucBSID.data(), u32BSIDSize});
-        Put(stTo, SyncStatus::PreambleID, m_pstServing->u32Preamble);
-        Put(stTo, SyncStatus::CINRMean, Rounded(stMeasurement.fCINR));
-        Put(stTo, SyncStatus::CINRDeviation, Rounded(stMeasurement.fCINRDeviation));
-        Put(stTo, SyncStatus::RSSIMean, Rounded(stMeasurement.fRSSI));
-        Put(stTo, SyncStatus::RSSIDeviation, Rounded(stMeasurement.fRSSIDeviation));
-        Put(stTo, SyncStatus::CenterFrequency, m_pstServing->u32Frequency);
-        Put(stTo, SyncStatus::Bandwidth, m_pstServing->u32Bandwidth);
-        Put(stTo, SyncStatus::DCDChangeCount, m_pstServing->u32DCDChangeCount);
-        Put(stTo, SyncStatus::NSPChangeCount, m_pstServing->u32NSPChangeCount);
+        Put(stTo, SyncStatus::u8CompressedMap, m_pstServing->bCompressedMap ? 1 : 0);
+        PutBytes(stTo, SyncStatus::aucBSID.u16Offset, {m_pstServing->aucBSID.data(), u32BSIDSize});
+        Put(stTo, SyncStatus::u32PreambleID, m_pstServing->u32Preamble);
+        Put(stTo, SyncStatus::s32CINRMean, Rounded(stMeasurement.fCINR));
+        Put(stTo, SyncStatus::s32CINRDeviation, Rounded(stMeasurement.fCINRDeviation));
+        Put(stTo, SyncStatus::s32RSSIMean, Rounded(stMeasurement.fRSSI));
+        Put(stTo, SyncStatus::s32RSSIDeviation, Rounded(stMeasurement.fRSSIDeviation));
+        Put(stTo, SyncStatus::u32CenterFrequency, m_pstServing->u32Frequency);
+        Put(stTo, SyncStatus::u32Bandwidth, m_pstServing->u32Bandwidth);
+        Put(stTo, SyncStatus::u32DCDChangeCount, m_pstServing->u32DCDChangeCount);
+        Put(stTo, SyncStatus::u32NSPChangeCount, m_pstServing->u32NSPChangeCount);
     }
     m_stModem.Tell(TYPE_NETWORK_ENTRY, SUBTYPE_SYNC_STATUS_RESP, stAnswer.View());
 }
@@ -391,24 +391,24 @@ void Link::PutBaseInformation(ByteSpan stTo) const {
     constexpr uint32_t u32kHzPerMHz = 1000;
     const Measurement stMeasurement = m_stModem.Air().Measure(*m_pstServing, m_stModem.Now());
     const ModemTime iUp = Registered() ? m_stModem.Now() - m_iUpSince : 0;
-    PutBytes(stTo, BaseInformation::BSID.u16Offset, {m_pstServing->aucBSID.data(), u32BSIDSize});
-    Put(stTo, BaseInformation::ULCellID, m_pstServing->u32CellID);
-    Put(stTo, BaseInformation::PreambleIndex, m_pstServing->u32Preamble);
-    Put(stTo, BaseInformation::CINRMean, Rounded(stMeasurement.fCINR));
-    Put(stTo, BaseInformation::CINRDeviation, Rounded(stMeasurement.fCINRDeviation));
-    Put(stTo, BaseInformation::Duration, static_cast<uint32_t>(iUp / i64Second));
-    Put(stTo, BaseInformation::MeanRSSI, Rounded(stMeasurement.fRSSI));
-    Put(stTo, BaseInformation::RSSIDeviation, Rounded(stMeasurement.fRSSIDeviation));
-    Put(stTo, BaseInformation::ULCenterFrequency, m_pstServing->u32Frequency / u32kHzPerMHz);
-    Put(stTo, BaseInformation::DLCenterFrequency, m_pstServing->u32Frequency / u32kHzPerMHz);
+    PutBytes(stTo, BaseInformation::aucBSID.u16Offset, {m_pstServing->aucBSID.data(), u32BSIDSize});
+    Put(stTo, BaseInformation::u8ULCellID, m_pstServing->u32CellID);
+    Put(stTo, BaseInformation::u8PreambleIndex, m_pstServing->u32Preamble);
+    Put(stTo, BaseInformation::s16CINRMean, Rounded(stMeasurement.fCINR));
+    Put(stTo, BaseInformation::s16CINRDeviation, Rounded(stMeasurement.fCINRDeviation));
+    Put(stTo, BaseInformation::u32Duration, static_cast<uint32_t>(iUp / i64Second));
+    Put(stTo, BaseInformation::u32MeanRSSI, Rounded(stMeasurement.fRSSI));
+    Put(stTo, BaseInformation::u32RSSIDeviation, Rounded(stMeasurement.fRSSIDeviation));
+    Put(stTo, BaseInformation::u32ULCenterFrequency, m_pstServing->u32Frequency / u32kHzPerMHz);
+    Put(stTo, BaseInformation::u32DLCenterFrequency, m_pstServing->u32Frequency / u32kHzPerMHz);
 }
 
 void Link::TellEntryStatus(uint32_t u32Reason, uint32_t u32DREGAction) {
-    Record<NetworkEntryStatus::VendorData + UINT8_MAX> stAnswer;
+    Record<NetworkEntryStatus::aucVendorData + UINT8_MAX> stAnswer;
     const ByteSpan stTo = stAnswer.Span();
-    uint32_t u32Length = NetworkEntryStatus::VendorData;
-    Put(stTo, NetworkEntryStatus::Status, u32Reason);
-    Put(stTo, NetworkEntryStatus::DREGActionCode, u32DREGAction);
+    uint32_t u32Length = NetworkEntryStatus::aucVendorData;
+    Put(stTo, NetworkEntryStatus::u8Status, u32Reason);
+    Put(stTo, NetworkEntryStatus::u32DREGActionCode, u32DREGAction);
     const bool bWithStation =
         m_pstServing != nullptr &&
         (u32Reason == LinkReason::LinkUpAchieved || u32Reason == LinkReason::LinkStatusNormal ||
@@ -416,11 +416,10 @@ void Link::TellEntryStatus(uint32_t u32Reason, uint32_t u32DREGAction) {
          u32Reason == LinkReason::WaitForNetworkEntryCommand);
     if (bWithStation) {
         const auto u32Vendor = static_cast<uint32_t>(m_pstServing->aucVendorData.size());
-        Put(stTo, NetworkEntryStatus::BaseInformationPresent, 1);
-        PutBaseInformation(
-            stTo.From(NetworkEntryStatus::BaseInformationOffset, BaseInformation::Size));
-        Put(stTo, NetworkEntryStatus::VendorDataLength, u32Vendor);
-        PutBytes(stTo, NetworkEntryStatus::VendorData,
+        Put(stTo, NetworkEntryStatus::u32BaseInformationPresent, 1);
+        PutBaseInformation(stTo.From(NetworkEntryStatus::stBaseInformation, BaseInformation::Size));
+        Put(stTo, NetworkEntryStatus::s32VendorDataLength, u32Vendor);
+        PutBytes(stTo, NetworkEntryStatus::aucVendorData,
                  {m_pstServing->aucVendorData.data(), u32Vendor});
         u32Length += u32Vendor;
     }

@@ -15,21 +15,21 @@ constexpr uint32_t u32Records = 8;
 
 // MAC: a management message.
 namespace MACRecord {
-constexpr Field Frame{0, FieldType::U32};
-constexpr Field Code{4, FieldType::U8};
-constexpr Field Uplink{5, FieldType::U8};
-constexpr Field CID{6, FieldType::U16};
-constexpr Field Length{8, FieldType::U16}; // of the body
-constexpr Field CMACResult{10, FieldType::U8};
+constexpr Field u32Frame{0, FieldType::U32};
+constexpr Field u8Code{4, FieldType::U8};
+constexpr Field u8Uplink{5, FieldType::U8};
+constexpr Field u16CID{6, FieldType::U16};
+constexpr Field u16Length{8, FieldType::U16}; // of the body
+constexpr Field u8CMACResult{10, FieldType::U8};
 constexpr uint32_t Size = 12;
 } // namespace MACRecord
 
 // PHY: a look at the serving station. Quarters of a dB and of a dBm.
 namespace PHYRecord {
-constexpr Field Frame{0, FieldType::U32};
-constexpr Field RSSI{4, FieldType::I16};
-constexpr Field CINR{6, FieldType::I16};
-constexpr Field Power{8, FieldType::I16};
+constexpr Field u32Frame{0, FieldType::U32};
+constexpr Field s16RSSI{4, FieldType::I16};
+constexpr Field s16CINR{6, FieldType::I16};
+constexpr Field s16Power{8, FieldType::I16};
 constexpr uint32_t Size = 12;
 } // namespace PHYRecord
 
@@ -118,12 +118,12 @@ void LogData::SwitchPHY(bool bOn) {
 void LogData::NoteMessage(const ManagementMessage &stMessage) {
     using namespace MACRecord;
     Record<Size> stRecord;
-    Put(stRecord.Span(), Frame, stMessage.u32Frame);
-    Put(stRecord.Span(), Code, stMessage.u32Code);
-    Put(stRecord.Span(), Uplink, stMessage.bUplink ? 1 : 0);
-    Put(stRecord.Span(), CID, stMessage.u32CID);
-    Put(stRecord.Span(), Length, static_cast<uint32_t>(stMessage.aucBody.size()));
-    Put(stRecord.Span(), CMACResult, stMessage.bCMACGood ? 1 : 0);
+    Put(stRecord.Span(), u32Frame, stMessage.u32Frame);
+    Put(stRecord.Span(), u8Code, stMessage.u32Code);
+    Put(stRecord.Span(), u8Uplink, stMessage.bUplink ? 1 : 0);
+    Put(stRecord.Span(), u16CID, stMessage.u32CID);
+    Put(stRecord.Span(), u16Length, static_cast<uint32_t>(stMessage.aucBody.size()));
+    Put(stRecord.Span(), u8CMACResult, stMessage.bCMACGood ? 1 : 0);
     m_astMessages.push_back(stRecord);
     if (m_astMessages.size() > u32MACRecords) {
         m_astMessages.pop_front();
@@ -152,10 +152,10 @@ void LogData::LookAtStation() {
     }
     const Measurement stMeasurement = m_stModem.Air().Measure(*pstServing, m_stModem.Now());
     Record<Size> stRecord;
-    Put(stRecord.Span(), Frame, m_stSignalling.Frame());
-    Put(stRecord.Span(), RSSI, Rounded(stMeasurement.fRSSI * fQuarters));
-    Put(stRecord.Span(), CINR, Rounded(stMeasurement.fCINR * fQuarters));
-    Put(stRecord.Span(), Power, static_cast<uint32_t>(m_stSignalling.Power()));
+    Put(stRecord.Span(), u32Frame, m_stSignalling.Frame());
+    Put(stRecord.Span(), s16RSSI, Rounded(stMeasurement.fRSSI * fQuarters));
+    Put(stRecord.Span(), s16CINR, Rounded(stMeasurement.fCINR * fQuarters));
+    Put(stRecord.Span(), s16Power, static_cast<uint32_t>(m_stSignalling.Power()));
     m_astLooks.push_back(stRecord);
     if (m_astLooks.size() < u32PHYRecords) {
         return;

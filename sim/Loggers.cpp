@@ -135,30 +135,30 @@ void Loggers::Log(uint32_t u32Kind, ByteView stEntry) {
 void Loggers::LogConnection(const Connection &stConnection) {
     using namespace CIDLogEntry;
     Record<Size> stEntry;
-    Put(stEntry.Span(), VCID, stConnection.u32VCID);
-    Put(stEntry.Span(), CID, stConnection.u32CID);
-    Put(stEntry.Span(), ARQ, stConnection.bARQ ? 1 : 0);
-    Put(stEntry.Span(), Direction, stConnection.bUplink ? 1 : 0);
+    Put(stEntry.Span(), u16VCID, stConnection.u32VCID);
+    Put(stEntry.Span(), u16CID, stConnection.u32CID);
+    Put(stEntry.Span(), u16ARQ, stConnection.bARQ ? 1 : 0);
+    Put(stEntry.Span(), u16Direction, stConnection.bUplink ? 1 : 0);
     Log(SUBTYPE_LOG_CID, stEntry.View());
 }
 
 void Loggers::LogRanging(uint32_t u32Kind, const RangingSignal &stSignal) {
     using namespace RangingLogEntry;
     Record<Size> stEntry;
-    Put(stEntry.Span(), FrameNumber, stSignal.u32Frame);
-    Put(stEntry.Span(), Code, stSignal.u32Code);
-    Put(stEntry.Span(), SubChannel, stSignal.u32SubChannel);
-    Put(stEntry.Span(), Symbol, stSignal.u32Symbol);
+    Put(stEntry.Span(), u32FrameNumber, stSignal.u32Frame);
+    Put(stEntry.Span(), u32Code, stSignal.u32Code);
+    Put(stEntry.Span(), u32SubChannel, stSignal.u32SubChannel);
+    Put(stEntry.Span(), u32Symbol, stSignal.u32Symbol);
     Log(u32Kind, stEntry.View());
 }
 
 void Loggers::LogPower(const PowerChange &stChange) {
     using namespace PowerLogEntry;
     Record<Size> stEntry;
-    Put(stEntry.Span(), Adjustment, static_cast<uint32_t>(stChange.iAdjustment));
-    Put(stEntry.Span(), FrameOffset, stChange.u32FrameOffset);
-    Put(stEntry.Span(), FrameNumber, stChange.u32Frame);
-    Put(stEntry.Span(), Power, Rounded(stChange.iPower / fQuarters));
+    Put(stEntry.Span(), s32Adjustment, static_cast<uint32_t>(stChange.iAdjustment));
+    Put(stEntry.Span(), u32FrameOffset, stChange.u32FrameOffset);
+    Put(stEntry.Span(), u32FrameNumber, stChange.u32Frame);
+    Put(stEntry.Span(), u32Power, Rounded(stChange.iPower / fQuarters));
     Log(stChange.bClosedLoop ? SUBTYPE_LOG_CLOSED_LOOP_POWER : SUBTYPE_LOG_OPEN_LOOP_POWER,
         stEntry.View());
 }
@@ -179,15 +179,15 @@ void Loggers::LogPacket(uint64_t u64Queue) {
     const uint64_t u64Depth = u64Queue * u32PDU;
     Record<Size> stEntry;
     const ByteSpan stTo = stEntry.Span();
-    Put(stTo, PDULength, u32PDU);
-    Put(stTo, AllocationReceived, u32Allocation);
-    Put(stTo, VCID, bFlow ? pstFlow->u32VCID : 0);
-    Put(stTo, CID, bFlow ? pstFlow->u32CID : m_stSignalling.DefaultUplinkCID());
-    Put(stTo, QueueDepth, static_cast<uint32_t>(std::min<uint64_t>(u64Depth, UINT16_MAX)));
+    Put(stTo, u16PDULength, u32PDU);
+    Put(stTo, u16AllocationReceived, u32Allocation);
+    Put(stTo, u16VCID, bFlow ? pstFlow->u32VCID : 0);
+    Put(stTo, u16CID, bFlow ? pstFlow->u32CID : m_stSignalling.DefaultUplinkCID());
+    Put(stTo, u16QueueDepth, static_cast<uint32_t>(std::min<uint64_t>(u64Depth, UINT16_MAX)));
     // Grants come without being asked for.
-    Put(stTo, BandwidthRequest, u64Queue != 0 && u32Grant == 0 ? 1 : 0);
-    Put(stTo, SchedulingType, bFlow ? pstFlow->u32SchedulingType : SFParamSet::BE);
-    Put(stTo, FrameNumber, m_stSignalling.Frame());
+    Put(stTo, u8BandwidthRequest, u64Queue != 0 && u32Grant == 0 ? 1 : 0);
+    Put(stTo, u8SchedulingType, bFlow ? pstFlow->u32SchedulingType : SFParamSet::BE);
+    Put(stTo, u32FrameNumber, m_stSignalling.Frame());
     Log(SUBTYPE_LOG_BANDWIDTH, stEntry.View());
     if (u32Allocation != u32PDU) {
         LogPadding(u32Allocation - u32PDU, u32Allocation);
@@ -198,11 +198,11 @@ void Loggers::LogPadding(uint32_t u32Bytes, uint32_t u32Allocation) {
     using namespace BandwidthLogEntry;
     Record<Size> stEntry;
     const ByteSpan stTo = stEntry.Span();
-    Put(stTo, PDULength, u32Bytes);
-    Put(stTo, AllocationReceived, u32Allocation);
-    Put(stTo, VCID, PaddingVCID);
-    Put(stTo, CID, PaddingCID);
-    Put(stTo, FrameNumber, m_stSignalling.Frame());
+    Put(stTo, u16PDULength, u32Bytes);
+    Put(stTo, u16AllocationReceived, u32Allocation);
+    Put(stTo, u16VCID, PaddingVCID);
+    Put(stTo, u16CID, PaddingCID);
+    Put(stTo, u32FrameNumber, m_stSignalling.Frame());
     Log(SUBTYPE_LOG_BANDWIDTH, stEntry.View());
 }
 
@@ -228,7 +228,7 @@ void Loggers::Look() {
     if (m_stModem.TheLink().State() == LinkState::LinkUp) {
         const Station &stStation = *m_stModem.TheLink().Serving();
         Record<CQICHLogEntry::Size> stEntry;
-        Put(stEntry.Span(), CQICHLogEntry::Value,
+        Put(stEntry.Span(), CQICHLogEntry::u32Value,
             CINRCode(m_stModem.Air().Measure(stStation, m_stModem.Now()).fCINR));
         Log(SUBTYPE_LOG_CQICH, stEntry.View());
     }
@@ -237,10 +237,10 @@ void Loggers::Look() {
 void Loggers::Report(uint32_t u32Kind) {
     std::vector<uint8_t> &aucData = Of(u32Kind).aucData;
     const auto u32Length = static_cast<uint32_t>(aucData.size());
-    std::vector<uint8_t> aucIndication(LogRecord::Data + u32Length);
-    const ByteSpan stTo{aucIndication.data(), LogRecord::Data + u32Length};
-    Put(stTo, LogRecord::Length, u32Length);
-    PutBytes(stTo, LogRecord::Data, {aucData.data(), u32Length});
+    std::vector<uint8_t> aucIndication(LogRecord::aucData + u32Length);
+    const ByteSpan stTo{aucIndication.data(), LogRecord::aucData + u32Length};
+    Put(stTo, LogRecord::u16Length, u32Length);
+    PutBytes(stTo, LogRecord::aucData, {aucData.data(), u32Length});
     aucData.clear();
     m_stModem.Tell(TYPE_START_LOGGER, u32Kind, stTo);
 }

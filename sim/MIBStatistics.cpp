@@ -47,7 +47,7 @@ void PutGroups(ByteSpan stTo, uint32_t u32Offset,
                const std::array<CounterGroup, Patterns> &aau32Groups) {
     for (const CounterGroup &au32Group : aau32Groups) {
         for (uint32_t i = 0; i < MIBCounterGroup::Count; ++i) {
-            Put(stTo, MIBCounterGroup::First, au32Group[i], u32Offset + 4 * i);
+            Put(stTo, MIBCounterGroup::s32First, au32Group[i], u32Offset + 4 * i);
         }
         u32Offset += MIBCounterGroup::Size;
     }
@@ -187,14 +187,14 @@ MIBStatistics::MIBStatistics(Modem &stModem)
         return List(MIBNeighbour::Size,
                     [](ByteSpan stTo, const Station &stStation, const Measurement &stMeasurement) {
                         using namespace MIBNeighbour;
-                        Put(stTo, Preamble, stStation.u32Preamble);
-                        Put(stTo, ChannelBandwidth, stStation.u32Bandwidth * 1000);
-                        Put(stTo, CenterFrequency, Rounded(stStation.u32Frequency / 125.0));
+                        Put(stTo, u32Preamble, stStation.u32Preamble);
+                        Put(stTo, u32ChannelBandwidth, stStation.u32Bandwidth * 1000);
+                        Put(stTo, u32CenterFrequency, Rounded(stStation.u32Frequency / 125.0));
                         for (uint32_t i = 0; i < BSIDSize; ++i) {
-                            Put(stTo, BSID, stStation.aucBSID[BSIDSize - 1 - i], i);
+                            Put(stTo, aucBSID, stStation.aucBSID[BSIDSize - 1 - i], i);
                         }
-                        Put(stTo, RSSI, Rounded(stMeasurement.fRSSI * 4));
-                        Put(stTo, CINR, Rounded(stMeasurement.fCINR));
+                        Put(stTo, s32RSSI, Rounded(stMeasurement.fRSSI * 4));
+                        Put(stTo, u32CINR, Rounded(stMeasurement.fCINR));
                     });
     });
     stMIBs.Provide(MeasuredNeighbours, [this] {
@@ -203,17 +203,17 @@ MIBStatistics::MIBStatistics(Modem &stModem)
                         using namespace MIBMeasuredNeighbour;
                         // Weak signals have come a long way.
                         const double fFlight = std::max(-stMeasurement.fRSSI, 0.0) / 8;
-                        Put(stTo, PreambleID, stStation.u32Preamble);
-                        Put(stTo, Frequency, Rounded(stStation.u32Frequency / 125.0));
-                        Put(stTo, Bandwidth, stStation.u32Bandwidth * 1000);
-                        PutBytes(stTo, BSID.u16Offset, {stStation.aucBSID.data(), u32BSIDSize});
-                        Put(stTo, R1CINR, Sixteenth(stMeasurement.fCINR - 1));
-                        Put(stTo, R3CINR, Sixteenth(stMeasurement.fCINR));
-                        Put(stTo, RSSI, Sixteenth(-stMeasurement.fRSSI));
-                        Put(stTo, ToF, Rounded(fFlight * 16));
-                        Put(stTo, RTD, Rounded(fFlight * 2));
-                        Put(stTo, MeasDur, 4);
-                        Put(stTo, Flags, 3);
+                        Put(stTo, u32PreambleID, stStation.u32Preamble);
+                        Put(stTo, u32Frequency, Rounded(stStation.u32Frequency / 125.0));
+                        Put(stTo, u32Bandwidth, stStation.u32Bandwidth * 1000);
+                        PutBytes(stTo, aucBSID.u16Offset, {stStation.aucBSID.data(), u32BSIDSize});
+                        Put(stTo, u32R1CINR, Sixteenth(stMeasurement.fCINR - 1));
+                        Put(stTo, u32R3CINR, Sixteenth(stMeasurement.fCINR));
+                        Put(stTo, u32RSSI, Sixteenth(-stMeasurement.fRSSI));
+                        Put(stTo, u32ToF, Rounded(fFlight * 16));
+                        Put(stTo, u32RTD, Rounded(fFlight * 2));
+                        Put(stTo, u32MeasDur, 4);
+                        Put(stTo, u32Flags, 3);
                     });
     });
     stMIBs.OnWrite(MRUReset, [this](ByteView) {
@@ -253,9 +253,10 @@ void MIBStatistics::Start() {
     if (const auto Found = stKept.find(pcStateKey); Found != stKept.end()) {
         const ByteView stTable{Found->second.data(), static_cast<uint32_t>(Found->second.size())};
         for (uint32_t u32At = 0; u32At < stTable.u32Length; u32At += MIBMRUEntry::Size) {
-            MRUEntry stEntry{Get(stTable, MIBMRUEntry::Bandwidth, u32At) * 1000, {}};
+            MRUEntry stEntry{Get(stTable, MIBMRUEntry::u32Bandwidth, u32At) * 1000, {}};
             for (uint32_t i = 0; i < MIBMRUEntry::NumFrequencies; ++i) {
-                const uint32_t u32Frequency = Get(stTable, MIBMRUEntry::Frequencies, u32At + 4 * i);
+                const uint32_t u32Frequency =
+                    Get(stTable, MIBMRUEntry::au32Frequencies, u32At + 4 * i);
                 if (u32Frequency != 0) {
                     stEntry.au32Frequencies.push_back(u32Frequency);
                 }
@@ -324,7 +325,7 @@ Bytes MIBStatistics::ZoneBursts() {
     Record<Count * Size> stValue;
     for (uint32_t i = 0; i < Count; ++i) {
         const ByteSpan stZone = stValue.Span().From(i * Size, Size);
-        PutGroups(stZone, MatrixA, m_astDLZones[i].au32Bursts);
+        PutGroups(stZone, stMatrixA, m_astDLZones[i].au32Bursts);
     }
     return BytesIn(stValue);
 }
@@ -332,30 +333,30 @@ Bytes MIBStatistics::ZoneBursts() {
 Bytes MIBStatistics::ZoneStatistics() {
     Sample();
     Record<MIBZoneStatistics::Size> stValue;
-    Put(stValue.Span(), MIBZoneStatistics::MajorGroup, m_stLink.Serving() != nullptr ? 0x3F : 0);
+    Put(stValue.Span(), MIBZoneStatistics::u32MajorGroup, m_stLink.Serving() != nullptr ? 0x3F : 0);
     for (uint32_t i = 0; i < MIBZoneStatistics::NumDLZones; ++i) {
         using namespace MIBDLZone;
-        const ByteSpan stZone = stValue.Span().From(MIBZoneStatistics::DLZones + i * Size, Size);
+        const ByteSpan stZone = stValue.Span().From(MIBZoneStatistics::astDLZones + i * Size, Size);
         const Zone &stCounters = m_astDLZones[i];
         if (stCounters.u32LastFrame != 0) {
             const uint32_t u32CINR = Rounded(std::clamp(m_fCINR, -100.0, 100.0));
-            Put(stZone, FrameNumber, stCounters.u32LastFrame);
-            Put(stZone, PCINRRate1, u32CINR - 1);
-            Put(stZone, PCINRRate2, u32CINR);
-            Put(stZone, ECINRRate, u32CINR);
-            Put(stZone, PCINRFrame, stCounters.u32LastFrame);
-            Put(stZone, ECINRFrame, stCounters.u32LastFrame);
+            Put(stZone, u32FrameNumber, stCounters.u32LastFrame);
+            Put(stZone, s8PCINRRate1, u32CINR - 1);
+            Put(stZone, s8PCINRRate2, u32CINR);
+            Put(stZone, s8ECINRRate, u32CINR);
+            Put(stZone, s32PCINRFrame, stCounters.u32LastFrame);
+            Put(stZone, s32ECINRFrame, stCounters.u32LastFrame);
         }
-        PutGroups(stZone, BurstsMatrixA, stCounters.au32Bursts);
-        PutGroups(stZone, PdusMatrixA, stCounters.au32Pdus);
+        PutGroups(stZone, stBurstsMatrixA, stCounters.au32Bursts);
+        PutGroups(stZone, stPdusMatrixA, stCounters.au32Pdus);
     }
     for (uint32_t i = 0; i < MIBZoneStatistics::NumULZones; ++i) {
         using namespace MIBULZone;
-        const ByteSpan stZone = stValue.Span().From(MIBZoneStatistics::ULZones + i * Size, Size);
+        const ByteSpan stZone = stValue.Span().From(MIBZoneStatistics::astULZones + i * Size, Size);
         const Zone &stCounters = m_astULZones[i];
-        Put(stZone, FrameNumber, stCounters.u32LastFrame);
-        PutGroups(stZone, BurstsPilotA, stCounters.au32Bursts);
-        PutGroups(stZone, PdusPilotA, stCounters.au32Pdus);
+        Put(stZone, u32FrameNumber, stCounters.u32LastFrame);
+        PutGroups(stZone, stBurstsPilotA, stCounters.au32Bursts);
+        PutGroups(stZone, stPdusPilotA, stCounters.au32Pdus);
     }
     return BytesIn(stValue);
 }
@@ -372,16 +373,16 @@ Bytes MIBStatistics::NetworkEntryTiming() const {
     const auto Stage = [&](uint32_t u32Stage) { return aiTimes[u32Stage + 1] - aiTimes[u32Stage]; };
     // The frame structure is found in the last third.
     const ModemTime iMacSync = m_iSyncTime / 3;
-    PutTime(NwSearch, stHistory.iSearch);
-    PutTime(PhySync, m_iSyncTime - iMacSync);
-    PutTime(MacSync, iMacSync);
+    PutTime(u32NwSearchTime, stHistory.iSearch);
+    PutTime(u32PhySyncTime, m_iSyncTime - iMacSync);
+    PutTime(u32MacSyncTime, iMacSync);
     if (m_stLink.Registered() && aiTimes[u32EntryStages] != 0) {
-        PutTime(Ranging, Stage(0));
-        PutTime(Sbc, Stage(1));
-        PutTime(AuthPhase, Stage(2) + Stage(4)); // the second: traffic keys
-        PutTime(RegNeg, Stage(3));
-        PutTime(ProvSf, stHistory.iProvisioning);
-        PutTime(NwEntry,
+        PutTime(u32RangingTime, Stage(0));
+        PutTime(u32SbcTime, Stage(1));
+        PutTime(u32AuthPhaseTime, Stage(2) + Stage(4)); // the second: traffic keys
+        PutTime(u32RegNegTime, Stage(3));
+        PutTime(u32ProvSfTime, stHistory.iProvisioning);
+        PutTime(u32NwEntryTime,
                 aiTimes[u32EntryStages] - aiTimes[0] + m_iSyncTime + stHistory.iProvisioning);
     }
     return BytesIn(stValue);
@@ -414,11 +415,11 @@ Bytes MIBStatistics::MRUTable() const {
     Bytes aucValue(m_astMRU.size() * Size);
     const ByteSpan stValue{aucValue.data(), static_cast<uint32_t>(aucValue.size())};
     for (uint32_t i = 0; i < m_astMRU.size(); ++i) {
-        Put(stValue, Index, i, i * Size);
+        Put(stValue, u32Index, i, i * Size);
         for (uint32_t k = 0; k < m_astMRU[i].au32Frequencies.size(); ++k) {
-            Put(stValue, Frequencies, m_astMRU[i].au32Frequencies[k], i * Size + 4 * k);
+            Put(stValue, au32Frequencies, m_astMRU[i].au32Frequencies[k], i * Size + 4 * k);
         }
-        Put(stValue, Bandwidth, m_astMRU[i].u32Bandwidth / 1000, i * Size);
+        Put(stValue, u32Bandwidth, m_astMRU[i].u32Bandwidth / 1000, i * Size);
     }
     return aucValue;
 }
@@ -441,12 +442,12 @@ template <typename Entry>
 Bytes MIBStatistics::List(uint32_t u32EntrySize, Entry pfnPutEntry) const {
     using namespace MIBNeighbourList;
     const std::vector<const Station *> apstStations =
-        Neighbours((WIMAX_DATA_SIZE - MIBRecord::Value - Entries) / u32EntrySize);
-    Bytes aucValue(Entries + apstStations.size() * u32EntrySize);
+        Neighbours((WIMAX_DATA_SIZE - MIBRecord::aucValue - astEntries) / u32EntrySize);
+    Bytes aucValue(astEntries + apstStations.size() * u32EntrySize);
     const ByteSpan stValue{aucValue.data(), static_cast<uint32_t>(aucValue.size())};
-    Put(stValue, Count, static_cast<uint32_t>(apstStations.size()));
+    Put(stValue, u32Count, static_cast<uint32_t>(apstStations.size()));
     for (uint32_t i = 0; i < apstStations.size(); ++i) {
-        pfnPutEntry(stValue.From(Entries + i * u32EntrySize, u32EntrySize), *apstStations[i],
+        pfnPutEntry(stValue.From(astEntries + i * u32EntrySize, u32EntrySize), *apstStations[i],
                     m_stModem.Air().Measure(*apstStations[i], m_stModem.Now()));
     }
     return aucValue;

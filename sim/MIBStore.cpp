@@ -79,15 +79,15 @@ bool KeysFit(const AttributeRow &stRow, ByteView stRecord) {
     const auto Fits = [](uint32_t u32Key, uint32_t u32Values) {
         return u32Key < std::max(u32Values, 1U);
     };
-    return Get(stRecord, MIBRecord::KeyCount) <= u32Keys &&
-           Fits(Get(stRecord, MIBRecord::Key1), stRow.u32Keys1) &&
-           Fits(Get(stRecord, MIBRecord::Key2), stRow.u32Keys2);
+    return Get(stRecord, MIBRecord::u8KeyCount) <= u32Keys &&
+           Fits(Get(stRecord, MIBRecord::u32Key1), stRow.u32Keys1) &&
+           Fits(Get(stRecord, MIBRecord::u32Key2), stRow.u32Keys2);
 }
 
 std::array<uint32_t, 3> PlaceOf(const AttributeRow &stRow, ByteView stRecord) {
-    return {Get(stRecord, MIBRecord::AttributeID),
-            stRow.u32Keys1 != 0 ? Get(stRecord, MIBRecord::Key1) : 0,
-            stRow.u32Keys2 != 0 ? Get(stRecord, MIBRecord::Key2) : 0};
+    return {Get(stRecord, MIBRecord::u32AttributeID),
+            stRow.u32Keys1 != 0 ? Get(stRecord, MIBRecord::u32Key1) : 0,
+            stRow.u32Keys2 != 0 ? Get(stRecord, MIBRecord::u32Key2) : 0};
 }
 
 std::string NameOf(const std::array<uint32_t, 3> &u32Place) {
@@ -127,8 +127,9 @@ MIBStore::MIBStore(Modem &stModem) : m_stModem(stModem) {
     // Short records of a set are refused record by record.
     for (const Kind &stKind :
          {Kind{SUBTYPE_MIB_GET, Exactly(MIBRecord::Size), &MIBStore::GetOne},
-          Kind{SUBTYPE_MULTIPLE_MIB_SET, AtLeast(MIBRecordList::Records), &MIBStore::SetSeveral},
-          Kind{SUBTYPE_MULTIPLE_MIB_GET, AtLeast(MIBRecordList::Records), &MIBStore::GetSeveral}}) {
+          Kind{SUBTYPE_MULTIPLE_MIB_SET, AtLeast(MIBRecordList::astRecords), &MIBStore::SetSeveral},
+          Kind{SUBTYPE_MULTIPLE_MIB_GET, AtLeast(MIBRecordList::astRecords),
+               &MIBStore::GetSeveral}}) {
         stModem.On(TYPE_MIB, stKind.u32SubType, stKind.stLength,
                    [this, stKind](const Request &stRequest) {
                        return m_bSupported ? (this->*stKind.pfnHandle)(stRequest)
@@ -195,7 +196,7 @@ MIBStore::Bytes MIBStore::ValueAt(const Place &u32Place, uint32_t u32Size) const
 }
 
 MIBStore::Outcome MIBStore::Read(ByteView stRecord) const {
-    const AttributeRow *pstRow = RowOf(Get(stRecord, MIBRecord::AttributeID));
+    const AttributeRow *pstRow = RowOf(Get(stRecord, MIBRecord::u32AttributeID));
     if (pstRow == nullptr) {
         return {MIBStatus::UnknownAttribute, {}};
     }
@@ -225,7 +226,7 @@ bool MIBStore::Writable(uint32_t u32AttributeID) const {
 }
 
 int32_t MIBStore::Write(ByteView stRecord, ByteView stValue) {
-    const uint32_t u32ID = Get(stRecord, MIBRecord::AttributeID);
+    const uint32_t u32ID = Get(stRecord, MIBRecord::u32AttributeID);
     const AttributeRow *pstRow = RowOf(u32ID);
     if (pstRow == nullptr) {
         return MIBStatus::UnknownAttribute;
@@ -256,12 +257,12 @@ int32_t MIBStore::Write(ByteView stRecord, ByteView stValue) {
 
 MIBStore::Bytes MIBStore::AnswerTo(ByteView stRecord, const Outcome &stOutcome) {
     const auto u32Length = static_cast<uint32_t>(stOutcome.aucValue.size());
-    Bytes aucAnswer(std::max(MIBRecord::Size, MIBRecord::Value + u32Length));
+    Bytes aucAnswer(std::max(MIBRecord::Size, MIBRecord::aucValue + u32Length));
     const ByteSpan stAnswer{aucAnswer.data(), static_cast<uint32_t>(aucAnswer.size())};
-    PutBytes(stAnswer, 0, stRecord.From(0, MIBRecord::DataLength.u16Offset));
-    Put(stAnswer, MIBRecord::DataLength, u32Length);
-    Put(stAnswer, MIBRecord::Status, static_cast<uint32_t>(stOutcome.iStatus));
-    PutBytes(stAnswer, MIBRecord::Value, {stOutcome.aucValue.data(), u32Length});
+    PutBytes(stAnswer, 0, stRecord.From(0, MIBRecord::u32DataLength.u16Offset));
+    Put(stAnswer, MIBRecord::u32DataLength, u32Length);
+    Put(stAnswer, MIBRecord::s8Status, static_cast<uint32_t>(stOutcome.iStatus));
+    PutBytes(stAnswer, MIBRecord::aucValue, {stOutcome.aucValue.data(), u32Length});
     return aucAnswer;
 }
 
@@ -270,7 +271,7 @@ int32_t MIBStore::GetOne(const Request &stRequest) {
     if (stOutcome.iStatus == LibraryError::MRUTableEmpty) {
         return LibraryError::MRUTableEmpty;
     }
-    if (Get(stRequest.stPayload, MIBRecord::AttributeID) == ActiveSFIDs) {
+    if (Get(stRequest.stPayload, MIBRecord::u32AttributeID) == ActiveSFIDs) {
         // Hosts look at their table of flows as soon as the send has returned.
         m_stModem.HoldSender();
     }
@@ -282,11 +283,11 @@ int32_t MIBStore::GetOne(const Request &stRequest) {
 
 int32_t MIBStore::SetOne(const Request &stRequest) {
     const ByteView stRecord = stRequest.stPayload;
-    const uint32_t u32Stated = Get(stRecord, MIBRecord::DataLength);
+    const uint32_t u32Stated = Get(stRecord, MIBRecord::u32DataLength);
     // Six bytes come without their number.
     const uint32_t u32Length = u32Stated != 0 ? u32Stated : stRecord.u32Length - MIBRecord::Size;
     const ByteView stBuffer = stRequest.stReply;
-    const Outcome stOutcome{Write(stRecord, stBuffer.From(MIBRecord::Value, u32Length)), {}};
+    const Outcome stOutcome{Write(stRecord, stBuffer.From(MIBRecord::aucValue, u32Length)), {}};
     const Bytes aucAnswer = AnswerTo(stRecord, stOutcome);
     m_stModem.Tell(TYPE_MIB, SUBTYPE_MIB_SET,
                    {aucAnswer.data(), static_cast<uint32_t>(aucAnswer.size())});
@@ -295,14 +296,14 @@ int32_t MIBStore::SetOne(const Request &stRequest) {
 
 int32_t MIBStore::GetSeveral(const Request &stRequest) {
     const ByteView stPayload = stRequest.stPayload;
-    const uint32_t u32Count = Get(stPayload, MIBRecordList::Count);
-    if (stPayload.u32Length != MIBRecordList::Records + u32Count * MIBRecord::Size) {
+    const uint32_t u32Count = Get(stPayload, MIBRecordList::u16Count);
+    if (stPayload.u32Length != MIBRecordList::astRecords + u32Count * MIBRecord::Size) {
         return LibraryError::BadLength;
     }
     std::vector<Bytes> aaucRecords;
     for (uint32_t i = 0; i < u32Count; ++i) {
         const ByteView stRecord =
-            stPayload.From(MIBRecordList::Records + i * MIBRecord::Size, MIBRecord::Size);
+            stPayload.From(MIBRecordList::astRecords + i * MIBRecord::Size, MIBRecord::Size);
         aaucRecords.push_back(AnswerTo(stRecord, Read(stRecord)));
     }
     TellList(SUBTYPE_MULTIPLE_MIB_GET, aaucRecords);
@@ -310,17 +311,17 @@ int32_t MIBStore::GetSeveral(const Request &stRequest) {
 }
 
 int32_t MIBStore::SetSeveral(const Request &stRequest) {
-    ByteView stRest = stRequest.stPayload.From(MIBRecordList::Records);
-    const uint32_t u32Count = Get(stRequest.stPayload, MIBRecordList::Count);
+    ByteView stRest = stRequest.stPayload.From(MIBRecordList::astRecords);
+    const uint32_t u32Count = Get(stRequest.stPayload, MIBRecordList::u16Count);
     std::vector<Bytes> aaucRecords;
     // A record that breaks off is the last one.
-    while (aaucRecords.size() < u32Count && stRest.u32Length >= MIBRecord::Value) {
-        const uint32_t u32Length = Get(stRest, MIBRecord::DataLength);
-        const ByteView stValue = stRest.From(MIBRecord::Value, u32Length);
+    while (aaucRecords.size() < u32Count && stRest.u32Length >= MIBRecord::aucValue) {
+        const uint32_t u32Length = Get(stRest, MIBRecord::u32DataLength);
+        const ByteView stValue = stRest.From(MIBRecord::aucValue, u32Length);
         const int32_t iStatus =
             stValue.u32Length == u32Length ? Write(stRest, stValue) : MIBStatus::WrongSize;
         aaucRecords.push_back(AnswerTo(stRest, {iStatus, {}}));
-        stRest = stRest.From(MIBRecord::Value).From(stValue.u32Length);
+        stRest = stRest.From(MIBRecord::aucValue).From(stValue.u32Length);
     }
     if (aaucRecords.size() < u32Count && aaucRecords.empty()) {
         return LibraryError::BadLength;
@@ -331,13 +332,13 @@ int32_t MIBStore::SetSeveral(const Request &stRequest) {
 
 // In as many messages as it takes.
 void MIBStore::TellList(uint32_t u32SubType, const std::vector<Bytes> &aaucRecords) {
-    Bytes aucMessage(MIBRecordList::Records);
+    Bytes aucMessage(MIBRecordList::astRecords);
     uint32_t u32Count = 0;
     const auto TellMessage = [&] {
         const auto u32Length = static_cast<uint32_t>(aucMessage.size());
-        Put({aucMessage.data(), u32Length}, MIBRecordList::Count, u32Count);
+        Put({aucMessage.data(), u32Length}, MIBRecordList::u16Count, u32Count);
         m_stModem.Tell(TYPE_MIB, u32SubType, {aucMessage.data(), u32Length});
-        aucMessage.resize(MIBRecordList::Records);
+        aucMessage.resize(MIBRecordList::astRecords);
         u32Count = 0;
     };
     for (const Bytes &aucRecord : aaucRecords) {

@@ -614,24 +614,24 @@ BitWriter HOINDBody(HandoverIndication eIndication, const Station &stTarget) {
 namespace {
 
 bool Defines(ByteView stClass) {
-    const uint32_t u32Activity = Get(stClass, PSCDefinition::Activity);
+    const uint32_t u32Activity = Get(stClass, PSCDefinition::u8Activity);
     return u32Activity == PSCDefinition::ActivityDefinition ||
            u32Activity == PSCDefinition::ActivityDefinitionAndActivation;
 }
 
 bool Activates(ByteView stClass) {
-    const uint32_t u32Activity = Get(stClass, PSCDefinition::Activity);
+    const uint32_t u32Activity = Get(stClass, PSCDefinition::u8Activity);
     return u32Activity == PSCDefinition::ActivityActivation ||
            u32Activity == PSCDefinition::ActivityDefinitionAndActivation;
 }
 
 uint32_t CIDsOf(ByteView stClass) {
-    return std::min(Get(stClass, PSCDefinition::NumCIDs), PSCDefinition::MaxCIDs);
+    return std::min(Get(stClass, PSCDefinition::u32NumOfCIDs), PSCDefinition::MaxCIDs);
 }
 
 void PutCIDs(BitWriter &stBody, ByteView stClass, uint32_t u32Count) {
     for (uint32_t i = 0; i < u32Count; ++i) {
-        stBody.U16(Get(stClass, PSCDefinition::CIDs, i * WidthOf(PSCDefinition::CIDs.eType)));
+        stBody.U16(Get(stClass, PSCDefinition::au16CID, i * WidthOf(PSCDefinition::au16CID.eType)));
     }
 }
 
@@ -645,20 +645,20 @@ BitWriter SLPREQBody(ByteView stClass, uint32_t u32Frame) {
     BitWriter stBody;
     stBody.U8(1);
     stBody.Bits(Defines(stClass) ? 1 : 0, 1).Bits(Activates(stClass) ? 1 : 0, 1);
-    stBody.Bits(Get(stClass, PSCID), 6);
+    stBody.Bits(Get(stClass, u8PSCID), 6);
     if (Activates(stClass)) {
         stBody.Bits(u32Frame + u32SleepDelay, 6).Bits(0, 2);
     }
     if (Defines(stClass)) {
         const uint32_t u32CIDs = std::min(CIDsOf(stClass), u32MostCIDs);
-        stBody.Bits(Get(stClass, PSCType), 2)
-            .Bits(Get(stClass, Direction), 2)
-            .Bits(Get(stClass, TTWF), 1)
+        stBody.Bits(Get(stClass, u8PSCType), 2)
+            .Bits(Get(stClass, u8Direction), 2)
+            .Bits(Get(stClass, u8TTWF), 1)
             .Bits(0, 3)
-            .U8(Get(stClass, InitialSleepWindow))
-            .U8(Get(stClass, ListenWindow))
-            .Bits(Get(stClass, FinalSleepWindowBase), 10)
-            .Bits(Get(stClass, FinalSleepWindowExp), 3)
+            .U8(Get(stClass, u8InitialSleepWindow))
+            .U8(Get(stClass, u8ListenWindow))
+            .Bits(Get(stClass, u16FinalSleepWindowBase), 10)
+            .Bits(Get(stClass, u8FinalSleepWindowExp), 3)
             .Bits(u32CIDs, 3);
         PutCIDs(stBody, stClass, u32CIDs);
     }
@@ -670,23 +670,23 @@ BitWriter SLPRSPBody(ByteView stClass, uint32_t u32Frame) {
     constexpr uint32_t u32MostCIDs = 15; // in four bits
     BitWriter stData;
     stData.Bits(Defines(stClass) ? 1 : 0, 1).Bits(Activates(stClass) ? 1 : 0, 1);
-    stData.Bits(Get(stClass, PSCID), 6);
+    stData.Bits(Get(stClass, u8PSCID), 6);
     if (Activates(stClass)) {
         stData.Bits(u32Frame + u32SleepDelay, 6).Bits(0, 2);
     }
     if (Defines(stClass)) {
         const uint32_t u32CIDs = std::min(CIDsOf(stClass), u32MostCIDs);
-        stData.Bits(Get(stClass, PSCType), 2)
-            .Bits(Get(stClass, Direction), 2)
-            .U8(Get(stClass, InitialSleepWindow))
-            .U8(Get(stClass, ListenWindow))
-            .Bits(Get(stClass, FinalSleepWindowBase), 10)
-            .Bits(Get(stClass, FinalSleepWindowExp), 3)
-            .Bits(Get(stClass, TIR), 1)
-            .Bits(Get(stClass, TTWF), 1)
+        stData.Bits(Get(stClass, u8PSCType), 2)
+            .Bits(Get(stClass, u8Direction), 2)
+            .U8(Get(stClass, u8InitialSleepWindow))
+            .U8(Get(stClass, u8ListenWindow))
+            .Bits(Get(stClass, u16FinalSleepWindowBase), 10)
+            .Bits(Get(stClass, u8FinalSleepWindowExp), 3)
+            .Bits(Get(stClass, u8TIR), 1)
+            .Bits(Get(stClass, u8TTWF), 1)
             .Bits(0, 1);
-        if (Get(stClass, TIR) != 0) {
-            stData.Bits(Get(stClass, PSCID), 10).Bits(0, 2);
+        if (Get(stClass, u8TIR) != 0) {
+            stData.Bits(Get(stClass, u8PSCID), 10).Bits(0, 2);
         }
         stData.Bits(u32CIDs, 4);
         PutCIDs(stData, stClass, u32CIDs);
@@ -737,23 +737,24 @@ void PutFlow(BitWriter &stBody, const FlowParameters &stFlow, bool bWithParamete
     }
     if (bWithParameters) {
         const ByteView stSet = stFlow.stSet;
-        const uint32_t u32NameRoom = EndOf(ServiceClassName) + 32;
-        const uint32_t u32Name =
-            std::min(Get(stSet, ServiceClassNameLength), u32NameRoom - ServiceClassName.u16Offset);
+        const uint32_t u32NameRoom = EndOf(au8ServiceClassName) + 32;
+        const uint32_t u32Name = std::min(Get(stSet, u8ServiceClassNameLength),
+                                          u32NameRoom - au8ServiceClassName.u16Offset);
         if (u32Name > 1) {
-            stTLVs.TLV(FlowTLV::ServiceClassName, stSet.From(ServiceClassName.u16Offset, u32Name));
+            stTLVs.TLV(FlowTLV::ServiceClassName,
+                       stSet.From(au8ServiceClassName.u16Offset, u32Name));
         }
-        stTLVs.TLV(FlowTLV::ParamSets, 1, Get(stSet, QoSParamSetType))
-            .TLV(FlowTLV::Priority, 1, Get(stSet, TrafficPriority))
-            .TLV(FlowTLV::MostRate, 4, Get(stSet, MaxSustainedTrafficRate))
-            .TLV(FlowTLV::LeastRate, 4, Get(stSet, MinReservedTrafficRate))
-            .TLV(FlowTLV::Scheduling, 1, Get(stSet, SchedulingType))
-            .TLV(FlowTLV::Policy, 4, Get(stSet, RetransmissionPolicy))
-            .TLV(FlowTLV::Jitter, 4, Get(stSet, ToleratedJitter))
-            .TLV(FlowTLV::Latency, 4, Get(stSet, MaximumLatency))
+        stTLVs.TLV(FlowTLV::ParamSets, 1, Get(stSet, u8QoSParamSetType))
+            .TLV(FlowTLV::Priority, 1, Get(stSet, u8TrafficPriority))
+            .TLV(FlowTLV::MostRate, 4, Get(stSet, u32MaxSustainedTrafficRate))
+            .TLV(FlowTLV::LeastRate, 4, Get(stSet, u32MinReservedTrafficRate))
+            .TLV(FlowTLV::Scheduling, 1, Get(stSet, u8SchedulingType))
+            .TLV(FlowTLV::Policy, 4, Get(stSet, u8RetransmissionPolicy))
+            .TLV(FlowTLV::Jitter, 4, Get(stSet, u32ToleratedJitter))
+            .TLV(FlowTLV::Latency, 4, Get(stSet, u32MaximumLatency))
             .TLV(FlowTLV::TargetSAID, 2, u32PrimarySAID)
             .TLV(FlowTLV::ARQ, 1, 0)
-            .TLV(FlowTLV::CS, 1, Get(stSet, CSSpecification));
+            .TLV(FlowTLV::CS, 1, Get(stSet, u8CSSpecification));
     }
     stBody.TLV(stFlow.bUplink ? FlowTLV::Uplink : FlowTLV::Downlink, stTLVs);
 }

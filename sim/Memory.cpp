@@ -11,14 +11,14 @@ constexpr uint32_t u32Scratch = 0x0F010000;
 constexpr uint32_t u32RegistersSize = 0x100;
 
 namespace Register {
-constexpr Field ChipID{0x00, FieldType::U32};
-constexpr Field Revision{0x04, FieldType::U32};
-constexpr Field Firmware{0x08, FieldType::U32};
-constexpr Field ScratchSize{0x0C, FieldType::U32};
-constexpr Field Frame{0x10, FieldType::U32};
-constexpr Field LinkState{0x14, FieldType::U32};
-constexpr Field Preamble{0x18, FieldType::U32}; // of the serving station, else all ones
-constexpr Field Power{0x1C, FieldType::I32};    // quarter dBm
+constexpr Field u32ChipID{0x00, FieldType::U32};
+constexpr Field u32Revision{0x04, FieldType::U32};
+constexpr Field u32Firmware{0x08, FieldType::U32};
+constexpr Field u32ScratchSize{0x0C, FieldType::U32};
+constexpr Field u32Frame{0x10, FieldType::U32};
+constexpr Field u32LinkState{0x14, FieldType::U32};
+constexpr Field u32Preamble{0x18, FieldType::U32}; // of the serving station, else all ones
+constexpr Field s32Power{0x1C, FieldType::I32};    // quarter dBm
 } // namespace Register
 
 class Memory : public Subsystem {
@@ -64,14 +64,14 @@ Record<u32RegistersSize> Memory::RegistersNow() const {
     const Station *pstServing = stLink.Serving();
     Record<u32RegistersSize> stRegisters;
     const ByteSpan stTo = stRegisters.Span();
-    Put(stTo, Register::ChipID, m_u32ChipID);
-    Put(stTo, Register::Revision, m_u32Revision);
-    Put(stTo, Register::Firmware, m_u32Firmware);
-    Put(stTo, Register::ScratchSize, static_cast<uint32_t>(m_aucScratch.size()));
-    Put(stTo, Register::Frame, stSignalling.Frame());
-    Put(stTo, Register::LinkState, static_cast<uint32_t>(stLink.State()));
-    Put(stTo, Register::Preamble, pstServing != nullptr ? pstServing->u32Preamble : UINT32_MAX);
-    Put(stTo, Register::Power, static_cast<uint32_t>(stSignalling.Power()));
+    Put(stTo, Register::u32ChipID, m_u32ChipID);
+    Put(stTo, Register::u32Revision, m_u32Revision);
+    Put(stTo, Register::u32Firmware, m_u32Firmware);
+    Put(stTo, Register::u32ScratchSize, static_cast<uint32_t>(m_aucScratch.size()));
+    Put(stTo, Register::u32Frame, stSignalling.Frame());
+    Put(stTo, Register::u32LinkState, static_cast<uint32_t>(stLink.State()));
+    Put(stTo, Register::u32Preamble, pstServing != nullptr ? pstServing->u32Preamble : UINT32_MAX);
+    Put(stTo, Register::s32Power, static_cast<uint32_t>(stSignalling.Power()));
     return stRegisters;
 }
 

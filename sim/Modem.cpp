@@ -117,8 +117,8 @@ int32_t Modem::Send(uint8_t *pucMessage, uint32_t u32Length) {
         return LibraryError::BadLength;
     }
     const ByteView stMessage{pucMessage, u32Length};
-    Request stRequest{Get(stMessage, MessageHeader::Type),
-                      Get(stMessage, MessageHeader::SubType),
+    Request stRequest{Get(stMessage, MessageHeader::usType),
+                      Get(stMessage, MessageHeader::usSubType),
                       stMessage.From(MessageHeader::Size),
                       {}};
     const Row *pstRow = RowOf(stRequest.u32Type, stRequest.u32SubType);
@@ -166,8 +166,8 @@ void Modem::Tell(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload) {
     MessageBytes aucMessage(MessageHeader::Size +
                             std::min(stPayload.u32Length, uint32_t{WIMAX_DATA_SIZE}));
     const ByteSpan stSpan{aucMessage.data(), static_cast<uint32_t>(aucMessage.size())};
-    Put(stSpan, MessageHeader::Type, u32Type);
-    Put(stSpan, MessageHeader::SubType, u32SubType);
+    Put(stSpan, MessageHeader::usType, u32Type);
+    Put(stSpan, MessageHeader::usSubType, u32SubType);
     PutBytes(stSpan, MessageHeader::Size, stPayload);
     TellBytes(std::move(aucMessage));
 }
@@ -190,7 +190,7 @@ void Modem::Queue(MessageBytes aucMessage) {
 
 void Modem::Lose(const MessageBytes &aucMessage) {
     const ByteView stBytes{aucMessage.data(), static_cast<uint32_t>(aucMessage.size())};
-    ++m_au32Lost[Get(stBytes, MessageHeader::Type)];
+    ++m_au32Lost[Get(stBytes, MessageHeader::usType)];
 }
 
 bool Modem::TakeMessage(MessageBytes *paucMessage) {

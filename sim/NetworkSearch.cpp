@@ -23,22 +23,22 @@ constexpr ModemTime i64LongestSearch = ModemTime{1000} * 24 * 3600 * i64Second;
 } // namespace
 
 ChannelPlan::ChannelPlan(ByteView stRequest, const std::vector<uint32_t> &au32Standard)
-    : m_u32Start(Get(stRequest, SearchRequest::FrequencyStart)),
-      m_u32Step(Get(stRequest, SearchRequest::FrequencyStep)) {
-    const uint32_t u32End = Get(stRequest, SearchRequest::FrequencyEnd);
+    : m_u32Start(Get(stRequest, SearchRequest::u32FrequencyStart)),
+      m_u32Step(Get(stRequest, SearchRequest::u32FrequencyStep)) {
+    const uint32_t u32End = Get(stRequest, SearchRequest::u32FrequencyEnd);
     if (m_u32Start != 0 && u32End >= m_u32Start) {
         m_u64RangeCount = m_u32Step == 0 ? 1 : uint64_t{u32End - m_u32Start} / m_u32Step + 1;
     } else if (m_u32Start != 0 && u32End == 0) {
         m_u64RangeCount = 1;
     }
-    for (uint32_t i = 0; i < Get(stRequest, SearchRequest::NumFrequencies); ++i) {
-        const uint32_t u32Frequency = Get(stRequest, SearchRequest::Frequencies, 4 * i);
+    for (uint32_t i = 0; i < Get(stRequest, SearchRequest::u32NumFrequencies); ++i) {
+        const uint32_t u32Frequency = Get(stRequest, SearchRequest::au32Frequencies, 4 * i);
         if (PlaceInRange(u32Frequency) == 0) {
             AddOnce(&m_au32List, u32Frequency);
         }
     }
-    for (uint32_t i = 0; i < Get(stRequest, SearchRequest::NumBandwidths); ++i) {
-        AddOnce(&m_au32Bandwidths, Get(stRequest, SearchRequest::Bandwidths, 4 * i));
+    for (uint32_t i = 0; i < Get(stRequest, SearchRequest::u32NumBandwidths); ++i) {
+        AddOnce(&m_au32Bandwidths, Get(stRequest, SearchRequest::au32Bandwidths, 4 * i));
     }
     if (m_au32Bandwidths.empty()) {
         m_au32Bandwidths = au32Standard;
@@ -95,17 +95,17 @@ void NetworkSearch::SetThresholds(int32_t iRSSI, int32_t iCINR) {
 }
 
 int32_t NetworkSearch::Begin(ByteView stPayload) {
-    if (Get(stPayload, SearchRequest::NumBandwidths) > SearchRequest::MaxBandwidths ||
-        Get(stPayload, SearchRequest::NumFrequencies) > SearchRequest::MaxFrequencies) {
+    if (Get(stPayload, SearchRequest::u32NumBandwidths) > SearchRequest::MaxBandwidths ||
+        Get(stPayload, SearchRequest::u32NumFrequencies) > SearchRequest::MaxFrequencies) {
         return LibraryError::BadValue;
     }
     if (Running()) {
         Abort();
     }
     m_stPlan = ChannelPlan(stPayload, m_au32Standard);
-    m_bByStation = Get(stPayload, SearchRequest::ReportType) == SearchRequest::ReportByList;
+    m_bByStation = Get(stPayload, SearchRequest::u32ReportType) == SearchRequest::ReportByList;
     m_iBegan = m_stModem.Now();
-    m_iDuration = Get(stPayload, SearchRequest::Duration) * i64Second;
+    m_iDuration = Get(stPayload, SearchRequest::u32Duration) * i64Second;
     m_u64Done = 0;
     m_aucFound.clear();
     WaitForNext();
@@ -177,17 +177,17 @@ void NetworkSearch::TellResults() {
 }
 
 void NetworkSearch::Refuse() {
-    Record<StationList::Stations> stAnswer;
-    Put(stAnswer.Span(), StationList::SearchStatus, StationList::SearchTimedOut);
+    Record<StationList::astStations> stAnswer;
+    Put(stAnswer.Span(), StationList::u32SearchStatus, StationList::SearchTimedOut);
     m_stModem.Tell(TYPE_NETWORK_SEARCH, SUBTYPE_NETWORK_SEARCH, stAnswer.View());
 }
 
 void NetworkSearch::Tell(uint32_t u32Status) {
-    std::vector<uint8_t> aucAnswer(StationList::Stations);
-    const ByteSpan stHead{aucAnswer.data(), StationList::Stations};
-    Put(stHead, StationList::NumStations,
+    std::vector<uint8_t> aucAnswer(StationList::astStations);
+    const ByteSpan stHead{aucAnswer.data(), StationList::astStations};
+    Put(stHead, StationList::u32NumStations,
         static_cast<uint32_t>(m_aucFound.size() / BaseStation::Size));
-    Put(stHead, StationList::SearchStatus, u32Status);
+    Put(stHead, StationList::u32SearchStatus, u32Status);
     aucAnswer.insert(aucAnswer.end(), m_aucFound.begin(), m_aucFound.end());
     m_stModem.Tell(TYPE_NETWORK_SEARCH, SUBTYPE_NETWORK_SEARCH,
                    {aucAnswer.data(), static_cast<uint32_t>(aucAnswer.size())});

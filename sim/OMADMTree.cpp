@@ -74,9 +74,9 @@ Path ReadPath(ByteView stPayload, uint32_t u32Offset, Field stCount) {
     const uint32_t u32Count = Get(stPayload, stCount);
     for (uint32_t i = 0; i < u32Count && u32Count <= OMADMPath::MaxElements; ++i) {
         const uint32_t u32Element = u32Offset + i * OMADMElement::Size;
-        astPath.push_back({Get(stPayload, OMADMElement::Class, u32Element),
-                           Get(stPayload, OMADMElement::Number, u32Element),
-                           Get(stPayload, OMADMElement::Index, u32Element)});
+        astPath.push_back({Get(stPayload, OMADMElement::u8Class, u32Element),
+                           Get(stPayload, OMADMElement::u8Number, u32Element),
+                           Get(stPayload, OMADMElement::u32Index, u32Element)});
     }
     return astPath;
 }
@@ -150,48 +150,50 @@ ByteView OMADMTree::ValueOf(const Node &stNode) const {
 
 // The application may be as old as the library's minor version allows.
 int32_t OMADMTree::CheckVersion(const Request &stRequest) const {
-    const uint32_t u32Major = ::Get(stRequest.stPayload, OMADMVersion::Major);
-    const uint32_t u32Minor = ::Get(stRequest.stPayload, OMADMVersion::Minor);
-    Put(stRequest.stReply, OMADMVersion::Major, m_u32Major);
-    Put(stRequest.stReply, OMADMVersion::Minor, m_u32Minor);
+    const uint32_t u32Major = ::Get(stRequest.stPayload, OMADMVersion::u32Major);
+    const uint32_t u32Minor = ::Get(stRequest.stPayload, OMADMVersion::u32Minor);
+    Put(stRequest.stReply, OMADMVersion::u32Major, m_u32Major);
+    Put(stRequest.stReply, OMADMVersion::u32Minor, m_u32Minor);
     return u32Major == m_u32Major && u32Minor <= m_u32Minor ? 0 : LibraryError::WrongVersion;
 }
 
 int32_t OMADMTree::GetSize(const Request &stRequest) {
-    const Node *pstNode =
-        Find(ReadPath(stRequest.stPayload, OMADMSizeQuery::Path, OMADMSizeQuery::NumElements));
+    const Node *pstNode = Find(
+        ReadPath(stRequest.stPayload, OMADMSizeQuery::astPath, OMADMSizeQuery::u32NumElements));
     if (pstNode == nullptr) {
         return LibraryError::NoSuchNode;
     }
-    Put(stRequest.stReply, OMADMSizeQuery::NodeSize, ValueOf(*pstNode).u32Length);
+    Put(stRequest.stReply, OMADMSizeQuery::u32NodeSize, ValueOf(*pstNode).u32Length);
     return 0;
 }
 
 // A value size that the message has no room for is refused before anything is
 // touched: the message's data length is 90 bytes more than the value's.
 bool ClaimsTooMuch(ByteView stPayload) {
-    return ::Get(stPayload, OMADMParameter::ValueSize) > stPayload.u32Length - OMADMParameter::Size;
+    return ::Get(stPayload, OMADMParameter::u32ValueSize) >
+           stPayload.u32Length - OMADMParameter::Size;
 }
 
 int32_t OMADMTree::Get(const Request &stRequest) {
     using namespace OMADMParameter;
-    const Node *pstNode = Find(ReadPath(stRequest.stPayload, OMADMParameter::Path, NumElements));
+    const Node *pstNode =
+        Find(ReadPath(stRequest.stPayload, OMADMParameter::astPath, u32NumElements));
     if (pstNode == nullptr) {
         return LibraryError::NoSuchNode;
     }
     const ByteView stValue = ValueOf(*pstNode);
     if (ClaimsTooMuch(stRequest.stPayload) ||
-        ::Get(stRequest.stPayload, ValueSize) < stValue.u32Length) {
+        ::Get(stRequest.stPayload, u32ValueSize) < stValue.u32Length) {
         return LibraryError::Overflow;
     }
-    Put(stRequest.stReply, ValueSize, stValue.u32Length);
-    PutBytes(stRequest.stReply, Value, stValue);
+    Put(stRequest.stReply, u32ValueSize, stValue.u32Length);
+    PutBytes(stRequest.stReply, aucValue, stValue);
     return 0;
 }
 
 int32_t OMADMTree::Set(const Request &stRequest) {
     using namespace OMADMParameter;
-    const ::Path astPath = ReadPath(stRequest.stPayload, OMADMParameter::Path, NumElements);
+    const ::Path astPath = ReadPath(stRequest.stPayload, OMADMParameter::astPath, u32NumElements);
     Node *pstNode = Find(astPath);
     if (pstNode == nullptr) {
         return LibraryError::NoSuchNode;
@@ -199,11 +201,11 @@ int32_t OMADMTree::Set(const Request &stRequest) {
     if (pstNode->eAccess == Access::Read) {
         return LibraryError::ReadOnly;
     }
-    const uint32_t u32Size = ::Get(stRequest.stPayload, ValueSize);
+    const uint32_t u32Size = ::Get(stRequest.stPayload, u32ValueSize);
     if (ClaimsTooMuch(stRequest.stPayload) || u32Size != pstNode->aucValue.size()) {
         return LibraryError::Overflow;
     }
-    const ByteView stValue = stRequest.stPayload.From(Value, u32Size);
+    const ByteView stValue = stRequest.stPayload.From(aucValue, u32Size);
     const std::vector<uint8_t> aucValue(stValue.pucData, stValue.pucData + stValue.u32Length);
     if (!m_stModem.TheStateFile().Keep(pcStateSection, KeyOf(astPath), aucValue)) {
         return LibraryError::NotKept;
@@ -217,7 +219,7 @@ int32_t OMADMTree::Set(const Request &stRequest) {
 int32_t OMADMTree::UpdateTree(const Request &stRequest) {
     using namespace OMADMTreeImage;
     constexpr uint32_t u32KnownVersion = 1;
-    const std::string strName(TextOf(stRequest.stPayload.From(OMADMTreeUpdate::FileName)));
+    const std::string strName(TextOf(stRequest.stPayload.From(OMADMTreeUpdate::acFileName)));
     const std::unique_ptr<std::FILE, int (*)(std::FILE *)> pstFile(
         std::fopen(strName.c_str(), "rb"), std::fclose);
     if (pstFile == nullptr) {
@@ -226,8 +228,8 @@ int32_t OMADMTree::UpdateTree(const Request &stRequest) {
     Record<OMADMTreeImage::Size + 1> stImage; // one more byte shows a file that is too long
     const size_t uRead = std::fread(stImage.aucBytes, 1, sizeof stImage.aucBytes, pstFile.get());
     if (uRead != OMADMTreeImage::Size ||
-        ::Get(stImage.View(), OMADMTreeImage::Version) != u32KnownVersion ||
-        ::Get(stImage.View(), OMADMTreeImage::Length) != OMADMTreeImage::Size) {
+        ::Get(stImage.View(), OMADMTreeImage::u32Version) != u32KnownVersion ||
+        ::Get(stImage.View(), OMADMTreeImage::u32Length) != OMADMTreeImage::Size) {
         return LibraryError::BadFile;
     }
     for (const Node &stNode : m_astNodes) {
@@ -242,9 +244,9 @@ int32_t OMADMTree::ReadIMEI(const Request &stRequest) const {
     const VendorRegionStore &stRegion = m_stModem.TheVendorRegion();
     const ByteView stPacked = stRegion.PackedIMEI();
     const std::string &strDigits = stRegion.IMEI();
-    PutBytes(stRequest.stReply, IMEIBlock::Data, Record<IMEIBlock::DataSize>{}.View());
-    PutBytes(stRequest.stReply, IMEIBlock::Data, stPacked);
-    PutBytes(stRequest.stReply, IMEIBlock::Data + stPacked.u32Length,
+    PutBytes(stRequest.stReply, IMEIBlock::aucData, Record<IMEIBlock::DataSize>{}.View());
+    PutBytes(stRequest.stReply, IMEIBlock::aucData, stPacked);
+    PutBytes(stRequest.stReply, IMEIBlock::aucData + stPacked.u32Length,
              {reinterpret_cast<const uint8_t *>(strDigits.data()),
               static_cast<uint32_t>(strDigits.size())});
     return 0;

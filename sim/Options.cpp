@@ -67,27 +67,27 @@ Options::Options(Modem &stModem) : m_stModem(stModem) {
 }
 
 int32_t Options::Set(const Request &stRequest) {
-    const uint32_t u32Specifier = Get(stRequest.stPayload, WiMAXOption::Specifier);
-    const uint32_t u32Value = Get(stRequest.stPayload, WiMAXOption::Value);
+    const uint32_t u32Specifier = Get(stRequest.stPayload, WiMAXOption::u8Specifier);
+    const uint32_t u32Value = Get(stRequest.stPayload, WiMAXOption::u32Value);
     const uint32_t u32Result = Judge(u32Specifier, u32Value);
     if (u32Result == u32Success) {
         m_au32Values[RowOf(u32Specifier)->eBit] = u32Value;
     }
     Record<WiMAXOption::Size> stAnswer;
-    Put(stAnswer.Span(), WiMAXOption::Specifier, u32Specifier);
-    Put(stAnswer.Span(), WiMAXOption::Value, u32Result);
+    Put(stAnswer.Span(), WiMAXOption::u8Specifier, u32Specifier);
+    Put(stAnswer.Span(), WiMAXOption::u32Value, u32Result);
     m_stModem.Tell(TYPE_WIMAX_OPTIONS, SUBTYPE_OPTION_SET, stAnswer.View());
     return 0;
 }
 
 int32_t Options::SetAll(const Request &stRequest) {
-    const uint32_t u32Specifier = Get(stRequest.stPayload, WiMAXOptions::Specifier);
+    const uint32_t u32Specifier = Get(stRequest.stPayload, WiMAXOptions::u8Specifier);
     std::array<uint32_t, WiMAXOptions::Count> au32New = m_au32Values;
     uint32_t u32Status = u32Success;
     for (uint32_t u32Bit = 0; u32Bit < WiMAXOptions::Count; ++u32Bit) {
         const uint32_t u32Mask = uint32_t{1} << u32Bit;
         if ((u32Specifier & u32Mask) != 0 && u32Status == u32Success) {
-            au32New[u32Bit] = Get(stRequest.stPayload, WiMAXOptions::Values, 4 * u32Bit);
+            au32New[u32Bit] = Get(stRequest.stPayload, WiMAXOptions::au32Values, 4 * u32Bit);
             u32Status = Judge(u32Mask, au32New[u32Bit]);
         }
     }
@@ -106,10 +106,10 @@ int32_t Options::GetAll(const Request & /*stRequest*/) {
 
 void Options::Answer(uint32_t u32SubType, uint32_t u32Status, uint32_t u32Specifier) {
     Record<WiMAXOptions::Size> stAnswer;
-    Put(stAnswer.Span(), WiMAXOptions::Status, u32Status);
-    Put(stAnswer.Span(), WiMAXOptions::Specifier, u32Specifier);
+    Put(stAnswer.Span(), WiMAXOptions::u32Status, u32Status);
+    Put(stAnswer.Span(), WiMAXOptions::u8Specifier, u32Specifier);
     for (uint32_t u32Bit = 0; u32Bit < WiMAXOptions::Count; ++u32Bit) {
-        Put(stAnswer.Span(), WiMAXOptions::Values, m_au32Values[u32Bit], 4 * u32Bit);
+        Put(stAnswer.Span(), WiMAXOptions::au32Values, m_au32Values[u32Bit], 4 * u32Bit);
     }
     m_stModem.Tell(TYPE_WIMAX_OPTIONS, u32SubType, stAnswer.View());
 }

@@ -201,13 +201,13 @@ void Radio::Fade(Station &stStation, double fLoss, ModemTime iNow, ModemTime iDu
 
 void Radio::PutStation(ByteSpan stRecord, const Station &stStation, ModemTime iNow) const {
     const Measurement stMeasurement = Measure(stStation, iNow);
-    Put(stRecord, BaseStation::CompressedMap, stStation.bCompressedMap ? 1 : 0);
-    PutBytes(stRecord, BaseStation::BSID.u16Offset, {stStation.aucBSID.data(), u32BSIDSize});
-    Put(stRecord, BaseStation::PreambleIndex, stStation.u32Preamble);
-    Put(stRecord, BaseStation::CenterFrequency, stStation.u32Frequency);
-    Put(stRecord, BaseStation::Bandwidth, stStation.u32Bandwidth);
-    Put(stRecord, BaseStation::SignalStrength, Rounded(stMeasurement.fRSSI));
-    Put(stRecord, BaseStation::CINR, Rounded(stMeasurement.fCINR));
-    Put(stRecord, BaseStation::DCDChangeCount, stStation.u32DCDChangeCount);
-    Put(stRecord, BaseStation::NSPChangeCount, stStation.u32NSPChangeCount);
+    Put(stRecord, BaseStation::u8CompressedMap, stStation.bCompressedMap ? 1 : 0);
+    PutBytes(stRecord, BaseStation::aucBSID.u16Offset, {stStation.aucBSID.data(), u32BSIDSize});
+    Put(stRecord, BaseStation::u32PreambleIndex, stStation.u32Preamble);
+    Put(stRecord, BaseStation::u32CenterFrequency, stStation.u32Frequency);
+    Put(stRecord, BaseStation::u32Bandwidth, stStation.u32Bandwidth);
+    Put(stRecord, BaseStation::s32SignalStrength, Rounded(stMeasurement.fRSSI));
+    Put(stRecord, BaseStation::s32CINR, Rounded(stMeasurement.fCINR));
+    Put(stRecord, BaseStation::u32DCDChangeCount, stStation.u32DCDChangeCount);
+    Put(stRecord, BaseStation::u32NSPChangeCount, stStation.u32NSPChangeCount);
 }

@@ -100,19 +100,19 @@ int32_t Search::BeginNSPSearch(const Request &stRequest) {
 }
 
 int32_t Search::SetScanMode(const Request &stRequest) {
-    const uint32_t u32Mode = Get(stRequest.stPayload, LowPowerScanRequest::Mode);
+    const uint32_t u32Mode = Get(stRequest.stPayload, LowPowerScanRequest::u8Mode);
     const bool bKnown =
         u32Mode >= LowPowerScanRequest::FirstMode && u32Mode <= LowPowerScanRequest::LastMode;
     Record<LowPowerScanAnswer::Size> stAnswer;
-    Put(stAnswer.Span(), LowPowerScanAnswer::Result, bKnown ? 1 : 0);
-    Put(stAnswer.Span(), LowPowerScanAnswer::Mode, u32Mode);
+    Put(stAnswer.Span(), LowPowerScanAnswer::u32Result, bKnown ? 1 : 0);
+    Put(stAnswer.Span(), LowPowerScanAnswer::u8Mode, u32Mode);
     m_stModem.Tell(TYPE_NETWORK_SEARCH, SUBTYPE_LOW_POWER_SCAN, stAnswer.View());
     return 0;
 }
 
 int32_t Search::SetThresholds(const Request &stRequest) {
-    m_stNetworkSearch.SetThresholds(GetSigned(stRequest.stPayload, CinrRssiThreshold::RSSI),
-                                    GetSigned(stRequest.stPayload, CinrRssiThreshold::CINR));
+    m_stNetworkSearch.SetThresholds(GetSigned(stRequest.stPayload, CinrRssiThreshold::s32RSSI),
+                                    GetSigned(stRequest.stPayload, CinrRssiThreshold::s32CINR));
     m_stModem.Tell(TYPE_DEVICE_CONFIG, SUBTYPE_CINR_RSSI_THRESHOLD, stRequest.stPayload);
     return 0;
 }

@@ -149,9 +149,9 @@ Status SecurityParameters::Write(uint32_t u32ID, ByteView stValue) {
 }
 
 int32_t SecurityParameters::Set(const Request &stRequest) {
-    const uint32_t u32ID = ::Get(stRequest.stPayload, SecurityRecord::ParameterID);
-    const uint32_t u32Length = ::Get(stRequest.stPayload, SecurityRecord::DataLength);
-    const ByteView stValue = stRequest.stPayload.From(SecurityRecord::Value, u32Length);
+    const uint32_t u32ID = ::Get(stRequest.stPayload, SecurityRecord::u32ParameterID);
+    const uint32_t u32Length = ::Get(stRequest.stPayload, SecurityRecord::u32DataLength);
+    const ByteView stValue = stRequest.stPayload.From(SecurityRecord::aucValue, u32Length);
     Status eStatus = WrongSize;
     if (u32ID > SecurityRecord::LastParameter) {
         eStatus = UnknownParameter;
@@ -163,7 +163,7 @@ int32_t SecurityParameters::Set(const Request &stRequest) {
 }
 
 int32_t SecurityParameters::Get(const Request &stRequest) {
-    const uint32_t u32ID = ::Get(stRequest.stPayload, SecurityRecord::ParameterID);
+    const uint32_t u32ID = ::Get(stRequest.stPayload, SecurityRecord::u32ParameterID);
     if (u32ID > SecurityRecord::LastParameter) {
         Answer(SUBTYPE_SECURITY_GET, u32ID, UnknownParameter, 0);
     } else if (astParameters[u32ID].eAccess == ParameterAccess::Write) {
@@ -177,7 +177,7 @@ int32_t SecurityParameters::Get(const Request &stRequest) {
 }
 
 int32_t SecurityParameters::GetSize(const Request &stRequest) {
-    const uint32_t u32ID = ::Get(stRequest.stPayload, SecuritySizeRequest::ParameterID);
+    const uint32_t u32ID = ::Get(stRequest.stPayload, SecuritySizeRequest::u32ParameterID);
     if (u32ID > SecurityRecord::LastParameter) {
         Answer(SUBTYPE_SECURITY_SIZE, u32ID, UnknownParameter, 0);
     } else {
@@ -190,15 +190,15 @@ int32_t SecurityParameters::GetSize(const Request &stRequest) {
 // A record with its one value byte at least.
 void SecurityParameters::Answer(uint32_t u32SubType, uint32_t u32ID, Status eStatus,
                                 uint32_t u32Length, const Bytes &aucValue) {
-    Record<SecurityRecord::Value + uLongestValue> stAnswer;
+    Record<SecurityRecord::aucValue + uLongestValue> stAnswer;
     const auto u32ValueLength = static_cast<uint32_t>(aucValue.size());
-    Put(stAnswer.Span(), SecurityRecord::ParameterID, u32ID);
-    Put(stAnswer.Span(), SecurityRecord::DataLength, u32Length);
-    Put(stAnswer.Span(), SecurityRecord::Status, static_cast<uint32_t>(eStatus));
-    PutBytes(stAnswer.Span(), SecurityRecord::Value, {aucValue.data(), u32ValueLength});
+    Put(stAnswer.Span(), SecurityRecord::u32ParameterID, u32ID);
+    Put(stAnswer.Span(), SecurityRecord::u32DataLength, u32Length);
+    Put(stAnswer.Span(), SecurityRecord::s8Status, static_cast<uint32_t>(eStatus));
+    PutBytes(stAnswer.Span(), SecurityRecord::aucValue, {aucValue.data(), u32ValueLength});
     m_stModem.Tell(TYPE_SECURITY, u32SubType,
-                   stAnswer.View().From(
-                       0, std::max(SecurityRecord::Size, SecurityRecord::Value + u32ValueLength)));
+                   stAnswer.View().From(0, std::max(SecurityRecord::Size,
+                                                    SecurityRecord::aucValue + u32ValueLength)));
 }
 
 } // namespace

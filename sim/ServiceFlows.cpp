@@ -36,9 +36,9 @@ constexpr uint32_t u32HighestCS = 15;
 // Connection IDs begin here in either direction; a station hands them out once.
 constexpr uint32_t au32FirstCID[] = {8192, 4096}; // downlink, uplink
 
-constexpr Field astRates[] = {SFParamSet::MaxSustainedTrafficRate,
-                              SFParamSet::MinReservedTrafficRate, SFParamSet::ToleratedJitter,
-                              SFParamSet::MaximumLatency};
+constexpr Field astRates[] = {SFParamSet::u32MaxSustainedTrafficRate,
+                              SFParamSet::u32MinReservedTrafficRate, SFParamSet::u32ToleratedJitter,
+                              SFParamSet::u32MaximumLatency};
 
 // Unsolicited grants come every 20 ms.
 constexpr uint64_t u64GrantsPerSecond = 50;
@@ -65,7 +65,7 @@ ByteView SetOf(const FlowBytes &stRecord, uint32_t u32Offset) {
 }
 
 bool Present(ByteView stRecord, uint32_t u32SetOffset) {
-    return Get(stRecord, SFParamSet::SetPresent, u32SetOffset) != 0;
+    return Get(stRecord, SFParamSet::u8SetPresent, u32SetOffset) != 0;
 }
 
 // The most advanced set that is there; nothing when there is none.
@@ -86,9 +86,9 @@ FlowParameters SaidOf(const Flow &stFlow) {
 
 // Bits a second that the station has to keep free for a set.
 uint64_t ReservedRate(ByteView stSet) {
-    return Get(stSet, Get(stSet, SFParamSet::SchedulingType) == SFParamSet::UGS
-                          ? SFParamSet::MaxSustainedTrafficRate
-                          : SFParamSet::MinReservedTrafficRate);
+    return Get(stSet, Get(stSet, SFParamSet::u8SchedulingType) == SFParamSet::UGS
+                          ? SFParamSet::u32MaxSustainedTrafficRate
+                          : SFParamSet::u32MinReservedTrafficRate);
 }
 
 // What a flow takes of the capacity: a set that is only provisioned takes nothing.
@@ -107,8 +107,8 @@ uint64_t Demand(const Flow &stFlow) {
 // Whether the flow gets unsolicited grants of a size that can be changed.
 bool TakesGrants(const Flow &stFlow) {
     return stFlow.u32Direction == ServiceFlowRecord::Uplink &&
-           Get(SetOf(stFlow.stRecord, ServiceFlowRecord::ActiveSet), SFParamSet::SchedulingType) ==
-               SFParamSet::ERTPS;
+           Get(SetOf(stFlow.stRecord, ServiceFlowRecord::stActiveSet),
+               SFParamSet::u8SchedulingType) == SFParamSet::ERTPS;
 }
 
 // A range of four bytes, two port numbers in network order, that ends before it begins.
@@ -120,21 +120,21 @@ bool Reversed(ByteView stRule, Field stLength, Field stBytes) {
 }
 
 Confirmation JudgeRules(ByteView stSet) {
-    const uint32_t u32Rules = Get(stSet, SFParamSet::NumClassifierRules);
+    const uint32_t u32Rules = Get(stSet, SFParamSet::u8NumClassifierRules);
     if (u32Rules > SFParamSet::MaxClassifierRules) {
         return UnsupportedValue;
     }
     for (uint32_t i = 0; i < u32Rules; ++i) {
         using namespace ClassifierRule;
-        const ByteView stRule = stSet.From(SFParamSet::ClassifierRules + i * Size, Size);
-        const bool bLengthsFit = Get(stRule, IPMaskedSrcAddrLength) <= IPMaskedAddrSize &&
-                                 Get(stRule, IPMaskedDestAddrLength) <= IPMaskedAddrSize &&
-                                 Get(stRule, SrcPortRangeLength) <= PortRangeSize &&
-                                 Get(stRule, DestPortRangeLength) <= PortRangeSize &&
-                                 Get(stRule, EthSrcMacLength) <= EthMacSize &&
-                                 Get(stRule, EthDestMacLength) <= EthMacSize;
-        if (!bLengthsFit || Reversed(stRule, SrcPortRangeLength, SrcPortRange) ||
-            Reversed(stRule, DestPortRangeLength, DestPortRange)) {
+        const ByteView stRule = stSet.From(SFParamSet::astClassifierRule + i * Size, Size);
+        const bool bLengthsFit = Get(stRule, u8IPMaskedSrcAddrLength) <= IPMaskedAddrSize &&
+                                 Get(stRule, u8IPMaskedDestAddrLength) <= IPMaskedAddrSize &&
+                                 Get(stRule, u8SrcPortRangeLength) <= PortRangeSize &&
+                                 Get(stRule, u8DestPortRangeLength) <= PortRangeSize &&
+                                 Get(stRule, u8EthSrcMacLength) <= EthMacSize &&
+                                 Get(stRule, u8EthDestMacLength) <= EthMacSize;
+        if (!bLengthsFit || Reversed(stRule, u8SrcPortRangeLength, au8SrcPortRange) ||
+            Reversed(stRule, u8DestPortRangeLength, au8DestPortRange)) {
             return UnsupportedValue;
         }
     }
@@ -144,19 +144,19 @@ Confirmation JudgeRules(ByteView stSet) {
 // Whether a set's parameters are known and go together.
 Confirmation JudgeSet(ByteView stSet) {
     using namespace SFParamSet;
-    const uint32_t u32Type = Get(stSet, SchedulingType);
-    const uint32_t u32MaxRate = Get(stSet, MaxSustainedTrafficRate);
-    const uint32_t u32Latency = Get(stSet, MaximumLatency);
-    if (u32Type < BE || u32Type > UGS || Get(stSet, TrafficPriority) > u32HighestPriority ||
-        Get(stSet, PagingPreference) > 1 || Get(stSet, CSSpecification) > u32HighestCS) {
+    const uint32_t u32Type = Get(stSet, u8SchedulingType);
+    const uint32_t u32MaxRate = Get(stSet, u32MaxSustainedTrafficRate);
+    const uint32_t u32Latency = Get(stSet, u32MaximumLatency);
+    if (u32Type < BE || u32Type > UGS || Get(stSet, u8TrafficPriority) > u32HighestPriority ||
+        Get(stSet, u8PagingPreference) > 1 || Get(stSet, u8CSSpecification) > u32HighestCS) {
         return UnsupportedValue;
     }
     if (u32Type == UGS && u32MaxRate == 0) {
         return ParameterMissing;
     }
     // Without a maximum, 0, any minimum goes.
-    if ((u32MaxRate != 0 && Get(stSet, MinReservedTrafficRate) > u32MaxRate) ||
-        (u32Latency != 0 && Get(stSet, ToleratedJitter) > u32Latency)) {
+    if ((u32MaxRate != 0 && Get(stSet, u32MinReservedTrafficRate) > u32MaxRate) ||
+        (u32Latency != 0 && Get(stSet, u32ToleratedJitter) > u32Latency)) {
         return UnrecognisedSetting;
     }
     return JudgeRules(stSet);
@@ -164,7 +164,7 @@ Confirmation JudgeSet(ByteView stSet) {
 
 // Whether a rule says more than what is to be done with it.
 bool HasContent(ByteView stRule) {
-    const ByteView stContent = stRule.From(EndOf(ClassifierRule::Action));
+    const ByteView stContent = stRule.From(EndOf(ClassifierRule::u8ClassifierAction));
     return std::any_of(stContent.pucData, stContent.pucData + stContent.u32Length,
                        [](uint8_t u8Byte) { return u8Byte != 0; });
 }
@@ -174,10 +174,10 @@ bool HasContent(ByteView stRule) {
 Confirmation ChangeRule(ByteSpan stSet, ByteView stRule, uint32_t u32Index) {
     using namespace ClassifierRule;
     const auto RuleAt = [&](uint32_t u32At) {
-        return stSet.From(SFParamSet::ClassifierRules + u32At * Size, Size);
+        return stSet.From(SFParamSet::astClassifierRule + u32At * Size, Size);
     };
-    const uint32_t u32Rules = Get(stSet, SFParamSet::NumClassifierRules);
-    const uint32_t u32Action = Get(stRule, Action);
+    const uint32_t u32Rules = Get(stSet, SFParamSet::u8NumClassifierRules);
+    const uint32_t u32Action = Get(stRule, u8ClassifierAction);
     if (u32Action != DeleteRule && !HasContent(stRule)) {
         return Accepted; // nothing is asked for
     }
@@ -191,13 +191,13 @@ Confirmation ChangeRule(ByteSpan stSet, ByteView stRule, uint32_t u32Index) {
         }
         const ByteSpan stLast = RuleAt(u32Rules - 1);
         std::fill_n(stLast.pucData, stLast.u32Length, uint8_t{0});
-        Put(stSet, SFParamSet::NumClassifierRules, u32Rules - 1);
+        Put(stSet, SFParamSet::u8NumClassifierRules, u32Rules - 1);
         return Accepted;
     }
     const ByteSpan stTo = RuleAt(bAdds ? u32Rules : u32Index);
     PutBytes(stTo, 0, stRule);
-    Put(stTo, Action, 0);
-    Put(stSet, SFParamSet::NumClassifierRules, u32Rules + (bAdds ? 1 : 0));
+    Put(stTo, u8ClassifierAction, 0);
+    Put(stSet, SFParamSet::u8NumClassifierRules, u32Rules + (bAdds ? 1 : 0));
     return Accepted;
 }
 
@@ -205,27 +205,27 @@ Confirmation ChangeRule(ByteSpan stSet, ByteView stRule, uint32_t u32Index) {
 // was, except that a scheduling type brings all its rates with it.
 Confirmation ChangeSet(ByteSpan stSet, ByteView stChange) {
     using namespace SFParamSet;
-    if (Get(stChange, SchedulingType) != 0) {
-        Put(stSet, SchedulingType, Get(stChange, SchedulingType));
+    if (Get(stChange, u8SchedulingType) != 0) {
+        Put(stSet, u8SchedulingType, Get(stChange, u8SchedulingType));
         for (const Field stRate : astRates) {
             Put(stSet, stRate, Get(stChange, stRate));
         }
     }
-    if (Get(stChange, ServiceClassNameLength) != 0) {
-        Put(stSet, ServiceClassNameLength, Get(stChange, ServiceClassNameLength));
-        PutBytes(stSet, ServiceClassName.u16Offset,
-                 stChange.From(ServiceClassName.u16Offset, ServiceClassNameSize));
+    if (Get(stChange, u8ServiceClassNameLength) != 0) {
+        Put(stSet, u8ServiceClassNameLength, Get(stChange, u8ServiceClassNameLength));
+        PutBytes(stSet, au8ServiceClassName.u16Offset,
+                 stChange.From(au8ServiceClassName.u16Offset, ServiceClassNameSize));
     }
     for (const Field stField :
-         {TrafficPriority, CSSpecification, RetransmissionPolicy, PagingPreference}) {
+         {u8TrafficPriority, u8CSSpecification, u8RetransmissionPolicy, u8PagingPreference}) {
         if (Get(stChange, stField) != 0) {
             Put(stSet, stField, Get(stChange, stField));
         }
     }
-    Put(stSet, QoSParamSetType, Get(stChange, QoSParamSetType));
+    Put(stSet, u8QoSParamSetType, Get(stChange, u8QoSParamSetType));
     for (uint32_t i = 0; i < MaxClassifierRules; ++i) {
         const ByteView stRule =
-            stChange.From(ClassifierRules + i * ClassifierRule::Size, ClassifierRule::Size);
+            stChange.From(astClassifierRule + i * ClassifierRule::Size, ClassifierRule::Size);
         if (const Confirmation eCode = ChangeRule(stSet, stRule, i); eCode != Accepted) {
             return eCode;
         }
@@ -278,7 +278,8 @@ class ServiceFlows : public Subsystem {
 
 // The list of flows must fit into one message.
 constexpr uint32_t u32MostFlows =
-    (WIMAX_DATA_SIZE - MIBRecord::Value - MIBActiveSFIDs::Entries) / MIBActiveSFIDs::EntrySize;
+    (WIMAX_DATA_SIZE - MIBRecord::aucValue - MIBActiveSFIDs::astEntries) /
+    MIBActiveSFIDs::EntrySize;
 
 constexpr ScenarioWord astDirections[] = {{"downlink", ServiceFlowRecord::Downlink},
                                           {"uplink", ServiceFlowRecord::Uplink}};
@@ -319,8 +320,8 @@ ServiceFlows::ServiceFlows(Modem &stModem) : m_stModem(stModem), m_stProvisionin
         const auto u32SFID = static_cast<uint32_t>(stSection.Integer("sfid", 1, UINT32_MAX));
         return [this, u32SFID] {
             Record<DeleteFlowRequest::Size> stRequest;
-            Put(stRequest.Span(), DeleteFlowRequest::MsgCode, ServiceFlowRecord::DeleteRequest);
-            Put(stRequest.Span(), DeleteFlowRequest::SFID, u32SFID);
+            Put(stRequest.Span(), DeleteFlowRequest::u8MsgCode, ServiceFlowRecord::DeleteRequest);
+            Put(stRequest.Span(), DeleteFlowRequest::u32SFID, u32SFID);
             if (FlowWith(&Flow::u32SFID, u32SFID) != nullptr) {
                 Delete(stRequest.View(), true);
             }
@@ -344,14 +345,14 @@ void ServiceFlows::ReadProvisioned(const Section &stSection) {
     stFlow.u32Direction = stSection.Choice("direction", astDirections);
     stFlow.u32Sets = static_cast<uint32_t>(stSection.Integer("sets", 1, u32AllSets, u32AllSets));
     const ByteSpan stSet = stFlow.stSet.Span();
-    Put(stSet, SFParamSet::SchedulingType, stSection.Choice("type", astTypes));
-    Put(stSet, SFParamSet::MaxSustainedTrafficRate, ReadNumber("max-rate"));
-    Put(stSet, SFParamSet::MinReservedTrafficRate, ReadNumber("min-rate"));
-    Put(stSet, SFParamSet::MaximumLatency, ReadNumber("latency"));
-    Put(stSet, SFParamSet::ToleratedJitter, ReadNumber("jitter"));
-    Put(stSet, SFParamSet::TrafficPriority,
+    Put(stSet, SFParamSet::u8SchedulingType, stSection.Choice("type", astTypes));
+    Put(stSet, SFParamSet::u32MaxSustainedTrafficRate, ReadNumber("max-rate"));
+    Put(stSet, SFParamSet::u32MinReservedTrafficRate, ReadNumber("min-rate"));
+    Put(stSet, SFParamSet::u32MaximumLatency, ReadNumber("latency"));
+    Put(stSet, SFParamSet::u32ToleratedJitter, ReadNumber("jitter"));
+    Put(stSet, SFParamSet::u8TrafficPriority,
         static_cast<uint32_t>(stSection.Integer("priority", 0, u32HighestPriority, 0)));
-    Put(stSet, SFParamSet::CSSpecification, 1);
+    Put(stSet, SFParamSet::u8CSSpecification, 1);
     if (JudgeSet(stSet) != Accepted) {
         stSection.Refuse("type", "does not go together with the rates");
     }
@@ -413,16 +414,16 @@ int32_t ServiceFlows::Ask(const Request &stRequest, uint32_t u32RecordSize,
 
 Flow ServiceFlows::NewFlow(uint32_t u32Direction, uint32_t u32Sets, ByteView stSet) {
     Flow stFlow{m_u32NextSFID++, m_au32NextCID[u32Direction]++, u32Direction, {}};
-    Put(stFlow.stRecord.Span(), ServiceFlowRecord::Direction, u32Direction);
-    Put(stFlow.stRecord.Span(), ServiceFlowRecord::CID, stFlow.u32CID);
+    Put(stFlow.stRecord.Span(), ServiceFlowRecord::u8Direction, u32Direction);
+    Put(stFlow.stRecord.Span(), ServiceFlowRecord::u16CID, stFlow.u32CID);
     for (const ServiceFlowRecord::SetOfBit &stRow : ServiceFlowRecord::Sets) {
         if ((u32Sets & stRow.u32Bit) != 0) {
             const ByteSpan stTo = stFlow.stRecord.Span().From(stRow.u32Offset, SFParamSet::Size);
             PutBytes(stTo, 0, stSet);
-            Put(stTo, SFParamSet::SFID, stFlow.u32SFID);
-            Put(stTo, SFParamSet::CID, stFlow.u32CID);
-            Put(stTo, SFParamSet::QoSParamSetType, u32Sets);
-            Put(stTo, SFParamSet::SetPresent, 1);
+            Put(stTo, SFParamSet::u32SFID, stFlow.u32SFID);
+            Put(stTo, SFParamSet::u16CID, stFlow.u32CID);
+            Put(stTo, SFParamSet::u8QoSParamSetType, u32Sets);
+            Put(stTo, SFParamSet::u8SetPresent, 1);
         }
     }
     return stFlow;
@@ -455,35 +456,36 @@ Confirmation ServiceFlows::Admit(const Flow &stFlow) const {
 }
 
 Confirmation ServiceFlows::JudgeAdd(ByteView stRequest) const {
-    const ByteView stSet = stRequest.From(ServiceFlowRecord::ProvisionedSet, SFParamSet::Size);
-    const uint32_t u32Sets = Get(stSet, SFParamSet::QoSParamSetType);
+    const ByteView stSet = stRequest.From(ServiceFlowRecord::stProvisionedSet, SFParamSet::Size);
+    const uint32_t u32Sets = Get(stSet, SFParamSet::u8QoSParamSetType);
     if (!LinkUp()) {
         return AddAborted;
     }
-    if (Get(stRequest, ServiceFlowRecord::MsgCode) != ServiceFlowRecord::AddRequest) {
+    if (Get(stRequest, ServiceFlowRecord::u8MsgCode) != ServiceFlowRecord::AddRequest) {
         return UnrecognisedSetting;
     }
-    if (Get(stSet, SFParamSet::SetPresent) == 0 || u32Sets == 0) {
+    if (Get(stSet, SFParamSet::u8SetPresent) == 0 || u32Sets == 0) {
         return ParameterMissing;
     }
     if (u32Sets > u32AllSets ||
-        Get(stRequest, ServiceFlowRecord::Direction) > ServiceFlowRecord::Uplink) {
+        Get(stRequest, ServiceFlowRecord::u8Direction) > ServiceFlowRecord::Uplink) {
         return UnsupportedValue;
     }
     return JudgeSet(stSet);
 }
 
 void ServiceFlows::FinishAdd(ByteView stRequest) {
-    const ByteView stSet = stRequest.From(ServiceFlowRecord::ProvisionedSet, SFParamSet::Size);
-    const bool bUplink = Get(stRequest, ServiceFlowRecord::Direction) == ServiceFlowRecord::Uplink;
+    const ByteView stSet = stRequest.From(ServiceFlowRecord::stProvisionedSet, SFParamSet::Size);
+    const bool bUplink =
+        Get(stRequest, ServiceFlowRecord::u8Direction) == ServiceFlowRecord::Uplink;
     FlowParameters stSaid{bUplink, 0, 0, stSet};
     Confirmation eCode = JudgeAdd(stRequest);
     FlowBytes stAnswer;
     PutBytes(stAnswer.Span(), 0, stRequest);
     if (eCode == Accepted) {
         const uint32_t u32Next = m_u32NextSFID;
-        const uint32_t u32Direction = Get(stRequest, ServiceFlowRecord::Direction);
-        const Flow stFlow = NewFlow(u32Direction, Get(stSet, SFParamSet::QoSParamSetType), stSet);
+        const uint32_t u32Direction = Get(stRequest, ServiceFlowRecord::u8Direction);
+        const Flow stFlow = NewFlow(u32Direction, Get(stSet, SFParamSet::u8QoSParamSetType), stSet);
         eCode = Admit(stFlow);
         if (eCode == Accepted) {
             m_astFlows.push_back(stFlow);
@@ -503,20 +505,20 @@ void ServiceFlows::FinishAdd(ByteView stRequest) {
 
 // What becomes of the flow; *pstFlow is a copy.
 Confirmation ServiceFlows::Change(ByteView stRequest, Flow *pstFlow) const {
-    const uint32_t u32CID = Get(stRequest, ServiceFlowRecord::CID);
-    if (Get(stRequest, ServiceFlowRecord::MsgCode) != ServiceFlowRecord::ChangeRequest ||
-        Get(stRequest, ServiceFlowRecord::Direction) != pstFlow->u32Direction ||
+    const uint32_t u32CID = Get(stRequest, ServiceFlowRecord::u16CID);
+    if (Get(stRequest, ServiceFlowRecord::u8MsgCode) != ServiceFlowRecord::ChangeRequest ||
+        Get(stRequest, ServiceFlowRecord::u8Direction) != pstFlow->u32Direction ||
         (u32CID != 0 && u32CID != pstFlow->u32CID)) {
         return UnrecognisedSetting;
     }
     const ByteSpan stRecord = pstFlow->stRecord.Span();
     if (LeadingSet(stRequest).u32Length == 0) {
         // No set at all: nothing is admitted or active any more.
-        if (!Present(stRecord, ServiceFlowRecord::ProvisionedSet)) {
+        if (!Present(stRecord, ServiceFlowRecord::stProvisionedSet)) {
             return ParameterMissing;
         }
         for (const uint32_t u32Offset :
-             {ServiceFlowRecord::AdmittedSet, ServiceFlowRecord::ActiveSet}) {
+             {ServiceFlowRecord::stAdmittedSet, ServiceFlowRecord::stActiveSet}) {
             const ByteSpan stSet = stRecord.From(u32Offset, SFParamSet::Size);
             std::fill_n(stSet.pucData, stSet.u32Length, uint8_t{0});
         }
@@ -526,7 +528,7 @@ Confirmation ServiceFlows::Change(ByteView stRequest, Flow *pstFlow) const {
     const FlowBytes stBefore = pstFlow->stRecord;
     for (const ServiceFlowRecord::SetOfBit &stRow : ServiceFlowRecord::Sets) {
         const ByteView stChange = stRequest.From(stRow.u32Offset, SFParamSet::Size);
-        if (Get(stChange, SFParamSet::SetPresent) == 0) {
+        if (Get(stChange, SFParamSet::u8SetPresent) == 0) {
             continue;
         }
         const ByteSpan stSet = stRecord.From(stRow.u32Offset, SFParamSet::Size);
@@ -534,7 +536,7 @@ Confirmation ServiceFlows::Change(ByteView stRequest, Flow *pstFlow) const {
             // A set that is new begins as what the flow had.
             PutBytes(stSet, 0, LeadingSet(stBefore.View()));
         }
-        const bool bSameFlow = Get(stChange, SFParamSet::SFID) == pstFlow->u32SFID;
+        const bool bSameFlow = Get(stChange, SFParamSet::u32SFID) == pstFlow->u32SFID;
         const Confirmation eCode = bSameFlow ? ChangeSet(stSet, stChange) : UnrecognisedSetting;
         if (eCode != Accepted) {
             return eCode;
@@ -550,8 +552,8 @@ void ServiceFlows::FinishChange(ByteView stRequest) {
     const ByteView stLeading = LeadingSet(stRequest);
     // A request without a set has only its CID to tell the flow by.
     Flow *pstFlow = stLeading.u32Length != 0
-                        ? FlowWith(&Flow::u32SFID, Get(stLeading, SFParamSet::SFID))
-                        : FlowWith(&Flow::u32CID, Get(stRequest, ServiceFlowRecord::CID));
+                        ? FlowWith(&Flow::u32SFID, Get(stLeading, SFParamSet::u32SFID))
+                        : FlowWith(&Flow::u32CID, Get(stRequest, ServiceFlowRecord::u16CID));
     FlowBytes stAnswer;
     PutBytes(stAnswer.Span(), 0, stRequest);
     Confirmation eCode = LinkUp() ? FlowNotFound : RejectOther;
@@ -571,7 +573,7 @@ void ServiceFlows::FinishChange(ByteView stRequest) {
 }
 
 void ServiceFlows::Delete(ByteView stRequest, bool bByStation) {
-    const uint32_t u32SFID = Get(stRequest, DeleteFlowRequest::SFID);
+    const uint32_t u32SFID = Get(stRequest, DeleteFlowRequest::u32SFID);
     const Flow *pstFlow = FlowWith(&Flow::u32SFID, u32SFID);
     Confirmation eCode = LinkUp() ? FlowNotFound : RejectOther;
     FlowBytes stAnswer;
@@ -581,7 +583,7 @@ void ServiceFlows::Delete(ByteView stRequest, bool bByStation) {
         Delete(pstFlow);
         m_stModem.TheSignalling().FlowDeleted(u32SFID, eCode, bByStation);
     }
-    Put(stAnswer.Span(), SFParamSet::SFID, u32SFID, ServiceFlowRecord::ProvisionedSet);
+    Put(stAnswer.Span(), SFParamSet::u32SFID, u32SFID, ServiceFlowRecord::stProvisionedSet);
     Tell(SUBTYPE_DSD, stRequest, stAnswer, eCode);
 }
 
@@ -605,16 +607,16 @@ Flow *ServiceFlows::FlowOfConnection(uint32_t u32Connection) {
 // allocations from now on, and the station keeps the capacity for them free.
 int32_t ServiceFlows::ChangeGrant(const Request &stRequest) {
     const ByteView stPayload = stRequest.stPayload;
-    const uint32_t u32Bytes = Get(stPayload, GrantChangeRequest::PayloadBytesPerUGI);
-    const uint32_t u32SDUs = Get(stPayload, GrantChangeRequest::SDUsPerUGI);
-    Flow *pstFlow = FlowOfConnection(Get(stPayload, GrantChangeRequest::VCID));
+    const uint32_t u32Bytes = Get(stPayload, GrantChangeRequest::u32PayloadBytesPerUGI);
+    const uint32_t u32SDUs = Get(stPayload, GrantChangeRequest::u32SDUsPerUGI);
+    Flow *pstFlow = FlowOfConnection(Get(stPayload, GrantChangeRequest::u16VCID));
     if (pstFlow == nullptr || !LinkUp() || !TakesGrants(*pstFlow)) {
         return LibraryError::BadValue;
     }
     Flow stChanged = *pstFlow;
     stChanged.u64GrantedRate = u64GrantsPerSecond * 8 * u32Bytes;
-    const uint64_t u64MostRate = Get(SetOf(stChanged.stRecord, ServiceFlowRecord::ActiveSet),
-                                     SFParamSet::MaxSustainedTrafficRate);
+    const uint64_t u64MostRate = Get(SetOf(stChanged.stRecord, ServiceFlowRecord::stActiveSet),
+                                     SFParamSet::u32MaxSustainedTrafficRate);
     const bool bTooFast = u64MostRate != 0 && stChanged.u64GrantedRate > u64MostRate;
     if ((u32Bytes != 0 && (u32SDUs == 0 || u32SDUs > u32Bytes)) || bTooFast ||
         Admit(stChanged) != Accepted) {
@@ -636,20 +638,20 @@ int32_t ServiceFlows::ChangeGrant(const Request &stRequest) {
 void ServiceFlows::Tell(uint32_t u32SubType, ByteView stRequest, FlowBytes stRecord,
                         Confirmation eCode) {
     const ByteSpan stTo = stRecord.Span();
-    Put(stTo, ServiceFlowRecord::MsgCode, Get(stRequest, ServiceFlowRecord::MsgCode));
-    Put(stTo, ServiceFlowRecord::TID, Get(stRequest, ServiceFlowRecord::TID));
-    Put(stTo, ServiceFlowRecord::ConfirmationCode, eCode);
+    Put(stTo, ServiceFlowRecord::u8MsgCode, Get(stRequest, ServiceFlowRecord::u8MsgCode));
+    Put(stTo, ServiceFlowRecord::u16TID, Get(stRequest, ServiceFlowRecord::u16TID));
+    Put(stTo, ServiceFlowRecord::u8ConfirmationCode, eCode);
     m_stModem.Tell(TYPE_SERVICE_FLOW, u32SubType, stTo);
 }
 
 std::vector<uint8_t> ServiceFlows::ActiveSFIDs() const {
     using namespace MIBActiveSFIDs;
     const auto u32Count = static_cast<uint32_t>(m_astFlows.size());
-    std::vector<uint8_t> aucValue(Entries + u32Count * EntrySize);
+    std::vector<uint8_t> aucValue(astEntries + u32Count * EntrySize);
     const ByteSpan stValue{aucValue.data(), static_cast<uint32_t>(aucValue.size())};
-    Put(stValue, Count, u32Count);
+    Put(stValue, MIBActiveSFIDs::u32Count, u32Count);
     for (uint32_t i = 0; i < u32Count; ++i) {
-        Put(stValue, SFID, m_astFlows[i].u32SFID, Entries + i * EntrySize);
+        Put(stValue, u32SFID, m_astFlows[i].u32SFID, astEntries + i * EntrySize);
     }
     return aucValue;
 }

@@ -103,7 +103,7 @@ int32_t Shutdown::TellMode() {
 }
 
 void Shutdown::WakeUpToLook() {
-    std::vector<uint8_t> aucIndication(StationList::Stations);
+    std::vector<uint8_t> aucIndication(StationList::astStations);
     uint32_t u32Count = 0;
     for (const Station &stStation : m_stModem.Air().Stations()) {
         if (m_stModem.Air().Receivable(stStation, m_stModem.Now())) {
@@ -115,15 +115,15 @@ void Shutdown::WakeUpToLook() {
         }
     }
     const ByteSpan stTo{aucIndication.data(), static_cast<uint32_t>(aucIndication.size())};
-    Put(stTo, StationList::NumStations, u32Count);
-    Put(stTo, StationList::SearchStatus, StationList::SearchComplete);
+    Put(stTo, StationList::u32NumStations, u32Count);
+    Put(stTo, StationList::u32SearchStatus, StationList::SearchComplete);
     m_stModem.Tell(TYPE_SHUTDOWN, SUBTYPE_SHUTDOWN_PERIODIC_WAKE_UP_IND, stTo);
     m_stStep.Start(m_iWakePeriod, [this] { WakeUpToLook(); });
 }
 
 void Shutdown::Tell(uint32_t u32SubType, uint32_t u32Value) {
     Record<StatusWord::Size> stAnswer;
-    Put(stAnswer.Span(), StatusWord::Value, u32Value);
+    Put(stAnswer.Span(), StatusWord::u32Value, u32Value);
     m_stModem.Tell(TYPE_SHUTDOWN, u32SubType, stAnswer.View());
 }
 

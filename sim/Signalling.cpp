@@ -642,7 +642,7 @@ void Signalling::FlowAdded(const FlowParameters &stFlow, uint32_t u32Confirmatio
 
 void Signalling::FlowThere(const FlowParameters &stFlow) {
     Connect(stFlow.u32CID, stFlow.bUplink, stFlow.u32SFID,
-            Get(stFlow.stSet, SFParamSet::SchedulingType));
+            Get(stFlow.stSet, SFParamSet::u8SchedulingType));
 }
 
 void Signalling::FlowChanged(const FlowParameters &stFlow, uint32_t u32Confirmation) {

@@ -21,41 +21,41 @@ struct Limit {
     uint32_t u32Most;
 };
 constexpr std::array astLimits{
-    Limit{PSCDefinition::PSCType, Once},
-    Limit{PSCDefinition::Direction, 2},
-    Limit{PSCDefinition::FinalSleepWindowExp, 7},
-    Limit{PSCDefinition::FinalSleepWindowBase, 1023},
-    Limit{PSCDefinition::TTWF, 1},
-    Limit{PSCDefinition::TIR, 1},
+    Limit{PSCDefinition::u8PSCType, Once},
+    Limit{PSCDefinition::u8Direction, 2},
+    Limit{PSCDefinition::u8FinalSleepWindowExp, 7},
+    Limit{PSCDefinition::u16FinalSleepWindowBase, 1023},
+    Limit{PSCDefinition::u8TTWF, 1},
+    Limit{PSCDefinition::u8TIR, 1},
 };
 
 using Definition = Record<PSCDefinition::Size>;
 
 uint64_t FinalWindow(ByteView stClass) { // frames
-    return uint64_t{Get(stClass, PSCDefinition::FinalSleepWindowBase)}
-           << Get(stClass, PSCDefinition::FinalSleepWindowExp);
+    return uint64_t{Get(stClass, PSCDefinition::u16FinalSleepWindowBase)}
+           << Get(stClass, PSCDefinition::u8FinalSleepWindowExp);
 }
 
 bool MakesSense(ByteView stClass) {
     const bool bWithin = std::all_of(astLimits.begin(), astLimits.end(), [&](const Limit &stLimit) {
         return Get(stClass, stLimit.stField) <= stLimit.u32Most;
     });
-    if (!bWithin || Get(stClass, PSCDefinition::PSCType) == 0) {
+    if (!bWithin || Get(stClass, PSCDefinition::u8PSCType) == 0) {
         return false;
     }
-    return Get(stClass, PSCDefinition::PSCType) == Once
+    return Get(stClass, PSCDefinition::u8PSCType) == Once
                ? FinalWindow(stClass) != 0
-               : Get(stClass, PSCDefinition::InitialSleepWindow) != 0 &&
-                     Get(stClass, PSCDefinition::ListenWindow) != 0;
+               : Get(stClass, PSCDefinition::u8InitialSleepWindow) != 0 &&
+                     Get(stClass, PSCDefinition::u8ListenWindow) != 0;
 }
 
 // The first moment at or after iPast, both counted from the activation, when the
 // modem listens.
 ModemTime NextListening(ByteView stClass, ModemTime iPast) {
     const auto u64Past = static_cast<uint64_t>(iPast / i64Frame);
-    const uint64_t u64Listen = Get(stClass, PSCDefinition::ListenWindow);
-    uint64_t u64Window = Get(stClass, PSCDefinition::InitialSleepWindow);
-    const uint64_t u64Last = Get(stClass, PSCDefinition::PSCType) == Constant
+    const uint64_t u64Listen = Get(stClass, PSCDefinition::u8ListenWindow);
+    uint64_t u64Window = Get(stClass, PSCDefinition::u8InitialSleepWindow);
+    const uint64_t u64Last = Get(stClass, PSCDefinition::u8PSCType) == Constant
                                  ? u64Window
                                  : std::max(u64Window, FinalWindow(stClass));
     uint64_t u64Start = 0; // of a sleep window
@@ -133,27 +133,27 @@ void SleepClasses::Start() {
         Class &stDefault = m_astClasses.front();
         const ByteSpan stTo = stDefault.stDefinition.Span();
         stDefault.stDefinition = {};
-        Put(stTo, PSCType, Growing);
-        Put(stTo, InitialSleepWindow, 8);
-        Put(stTo, ListenWindow, 32);
-        Put(stTo, FinalSleepWindowBase, 4);
-        Put(stTo, FinalSleepWindowExp, 5);
-        Put(stTo, TTWF, 1);
-        Put(stTo, TIR, 1);
+        Put(stTo, u8PSCType, Growing);
+        Put(stTo, u8InitialSleepWindow, 8);
+        Put(stTo, u8ListenWindow, 32);
+        Put(stTo, u16FinalSleepWindowBase, 4);
+        Put(stTo, u8FinalSleepWindowExp, 5);
+        Put(stTo, u8TTWF, 1);
+        Put(stTo, u8TIR, 1);
         stDefault.bDefined = true;
     }
 }
 
 int32_t SleepClasses::Handle(ByteView stRequest) {
-    const uint32_t u32Count = Get(stRequest, SleepMode::NumDefinitions);
+    const uint32_t u32Count = Get(stRequest, SleepMode::numOfDefinitions);
     if (u32Count > SleepMode::MaxDefinitions) {
         return LibraryError::BadValue;
     }
     std::vector<ByteView> astAsked;
     for (uint32_t i = 0; i < u32Count; ++i) {
-        astAsked.push_back(
-            stRequest.From(SleepMode::Definitions + i * PSCDefinition::Size, PSCDefinition::Size));
-        if (Get(astAsked.back(), PSCDefinition::NumCIDs) > PSCDefinition::MaxCIDs) {
+        astAsked.push_back(stRequest.From(SleepMode::astPSCDefinition + i * PSCDefinition::Size,
+                                          PSCDefinition::Size));
+        if (Get(astAsked.back(), PSCDefinition::u32NumOfCIDs) > PSCDefinition::MaxCIDs) {
             return LibraryError::BadValue;
         }
     }
@@ -173,14 +173,14 @@ int32_t SleepClasses::Handle(ByteView stRequest) {
 
 SleepClasses::Class *SleepClasses::Apply(ByteView stAsked) {
     using namespace PSCDefinition;
-    const uint32_t u32Activity = Get(stAsked, Activity);
+    const uint32_t u32Activity = Get(stAsked, u8Activity);
     const bool bDefine =
         u32Activity == ActivityDefinition || u32Activity == ActivityDefinitionAndActivation;
     const bool bActivate =
         (u32Activity == ActivityActivation || u32Activity == ActivityDefinitionAndActivation) &&
         m_stLink.State() == LinkState::LinkUp;
     const bool bDeactivate = u32Activity == ActivityDeactivation;
-    Class *pstClass = bDefine ? Define(stAsked) : ClassOf(Get(stAsked, PSCID));
+    Class *pstClass = bDefine ? Define(stAsked) : ClassOf(Get(stAsked, u8PSCID));
     if (pstClass == nullptr || (bDeactivate && !pstClass->bActive) ||
         !(bDefine || bActivate || bDeactivate)) {
         return nullptr;
@@ -195,7 +195,7 @@ SleepClasses::Class *SleepClasses::Apply(ByteView stAsked) {
     if (bDefine) {
         u32Done = bActivate ? ActivityDefinitionAndActivation : ActivityDefinition;
     }
-    Put(pstClass->stDefinition.Span(), Activity, u32Done);
+    Put(pstClass->stDefinition.Span(), u8Activity, u32Done);
     return pstClass;
 }
 
@@ -206,7 +206,7 @@ SleepClasses::Class *SleepClasses::ClassOf(uint32_t u32PSCID) {
 }
 
 SleepClasses::Class *SleepClasses::Define(ByteView stAsked) {
-    const uint32_t u32PSCID = Get(stAsked, PSCDefinition::PSCID);
+    const uint32_t u32PSCID = Get(stAsked, PSCDefinition::u8PSCID);
     Class *pstClass = ClassOf(u32PSCID);
     if (u32PSCID == PSCDefinition::NewPSCID) {
         const auto pstFree = std::find_if(m_astClasses.begin(), m_astClasses.end(),
@@ -221,7 +221,7 @@ SleepClasses::Class *SleepClasses::Define(ByteView stAsked) {
                      [&](const Class &stClass) { return &stClass == pstClass; }) -
         m_astClasses.begin());
     PutBytes(pstClass->stDefinition.Span(), 0, stAsked);
-    Put(pstClass->stDefinition.Span(), PSCDefinition::PSCID, u32Place);
+    Put(pstClass->stDefinition.Span(), PSCDefinition::u8PSCID, u32Place);
     pstClass->bDefined = true;
     return pstClass;
 }
@@ -231,10 +231,10 @@ void SleepClasses::Activate(Class &stClass) {
     stClass.bActive = true;
     stClass.iActiveSince = m_stModem.Now();
     stClass.stEnd.Stop();
-    if (Get(stDefinition, PSCDefinition::PSCType) == Once) {
+    if (Get(stDefinition, PSCDefinition::u8PSCType) == Once) {
         stClass.stEnd.Start(static_cast<ModemTime>(FinalWindow(stDefinition)) * i64Frame,
                             [this, &stClass] { End(stClass); });
-    } else if (Get(stDefinition, PSCDefinition::TTWF) != 0 &&
+    } else if (Get(stDefinition, PSCDefinition::u8TTWF) != 0 &&
                m_stModem.UserTraffic().KeepsAwake()) {
         stClass.stEnd.Start(NextListening(stDefinition, 0), [this, &stClass] { End(stClass); });
     }
@@ -247,7 +247,8 @@ void SleepClasses::Deactivate(Class &stClass) {
 
 void SleepClasses::End(Class &stClass) {
     Deactivate(stClass);
-    Put(stClass.stDefinition.Span(), PSCDefinition::Activity, PSCDefinition::ActivityDeactivation);
+    Put(stClass.stDefinition.Span(), PSCDefinition::u8Activity,
+        PSCDefinition::ActivityDeactivation);
     FollowClasses();
     TellClasses({&stClass});
 }
@@ -264,13 +265,13 @@ void SleepClasses::EndAll() {
 void SleepClasses::TrafficWaits() {
     for (Class &stClass : m_astClasses) {
         const ByteView stDefinition = stClass.stDefinition.View();
-        const bool bWakes = stClass.bActive && Get(stDefinition, PSCDefinition::TTWF) != 0 &&
-                            Get(stDefinition, PSCDefinition::PSCType) != Once;
+        const bool bWakes = stClass.bActive && Get(stDefinition, PSCDefinition::u8TTWF) != 0 &&
+                            Get(stDefinition, PSCDefinition::u8PSCType) != Once;
         if (bWakes) {
             const ModemTime iPast = m_stModem.Now() - stClass.iActiveSince;
             stClass.stEnd.Start(NextListening(stDefinition, iPast) - iPast, [this, &stClass] {
                 m_stModem.TheSignalling().TrafficIndicated(
-                    Get(stClass.stDefinition.View(), PSCDefinition::PSCID));
+                    Get(stClass.stDefinition.View(), PSCDefinition::u8PSCID));
                 End(stClass);
             });
         }
@@ -284,8 +285,9 @@ void SleepClasses::FollowClasses() {
 
 void SleepClasses::TellClasses(const std::vector<Class *> &apstClasses) {
     Record<SleepMode::Size> stIndication;
-    Put(stIndication.Span(), SleepMode::NumDefinitions, static_cast<uint32_t>(apstClasses.size()));
-    uint32_t u32Offset = SleepMode::Definitions;
+    Put(stIndication.Span(), SleepMode::numOfDefinitions,
+        static_cast<uint32_t>(apstClasses.size()));
+    uint32_t u32Offset = SleepMode::astPSCDefinition;
     for (const Class *pstClass : apstClasses) {
         PutBytes(stIndication.Span(), u32Offset, pstClass->stDefinition.View());
         u32Offset += PSCDefinition::Size;

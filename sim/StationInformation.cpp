@@ -28,27 +28,27 @@ struct NumberRow {
 };
 
 constexpr NumberRow astIdentityNumbers[] = {
-    {"baseband-chip", SSInformation::BasebandChipVersion, UINT32_MAX, 0x20000},
-    {"rf-chip", SSInformation::RFChipVersion, UINT32_MAX, 0x1A1},
-    {"calibration", SSInformation::Calibration, UINT8_MAX, 14},
+    {"baseband-chip", SSInformation::u32BasebandChipVersion, UINT32_MAX, 0x20000},
+    {"rf-chip", SSInformation::u32RFChipVersion, UINT32_MAX, 0x1A1},
+    {"calibration", SSInformation::u8Calibration, UINT8_MAX, 14},
 };
 
 constexpr NumberRow astSummaryNumbers[] = {
-    {"valid-sections", EEPROMSummary::ValidMask, UINT16_MAX, 0x7FF},
-    {"size", EEPROMSummary::SizeInKB, UINT8_MAX, 32},
+    {"valid-sections", EEPROMSummary::u16ValidMask, UINT16_MAX, 0x7FF},
+    {"size", EEPROMSummary::u8SizeInKB, UINT8_MAX, 32},
 };
 
 constexpr NumberRow astSectionVersions[] = {
-    {"rf", EEPROMVersions::RF, UINT32_MAX, 3},
-    {"phy", EEPROMVersions::PHY, UINT32_MAX, 2},
-    {"mac", EEPROMVersions::MAC, UINT32_MAX, 2},
-    {"cal", EEPROMVersions::CAL, UINT32_MAX, 5},
-    {"hw", EEPROMVersions::HW, UINT32_MAX, 1},
-    {"mib", EEPROMVersions::MIB, UINT32_MAX, 4},
-    {"security", EEPROMVersions::Security, UINT32_MAX, 1},
-    {"omadm", EEPROMVersions::OMADM, UINT32_MAX, 1},
-    {"mru", EEPROMVersions::MRU, UINT32_MAX, 1},
-    {"vsa", EEPROMVersions::VSA, UINT32_MAX, 1},
+    {"rf", EEPROMVersions::u32RF, UINT32_MAX, 3},
+    {"phy", EEPROMVersions::u32PHY, UINT32_MAX, 2},
+    {"mac", EEPROMVersions::u32MAC, UINT32_MAX, 2},
+    {"cal", EEPROMVersions::u32CAL, UINT32_MAX, 5},
+    {"hw", EEPROMVersions::u32HW, UINT32_MAX, 1},
+    {"mib", EEPROMVersions::u32MIB, UINT32_MAX, 4},
+    {"security", EEPROMVersions::u32Security, UINT32_MAX, 1},
+    {"omadm", EEPROMVersions::u32OMADM, UINT32_MAX, 1},
+    {"mru", EEPROMVersions::u32MRU, UINT32_MAX, 1},
+    {"vsa", EEPROMVersions::u32VSA, UINT32_MAX, 1},
 };
 
 // A version of several numbers, one word each.
@@ -60,9 +60,9 @@ struct VersionRow {
 };
 
 constexpr VersionRow astVersions[] = {
-    {"firmware-version", SSInformation::FirmwareVersion, {3, 1, 12}, 3},
-    {"library-version", SSInformation::LibraryVersion, {2, 0, 20}, 3},
-    {"eeprom-version", SSInformation::EEPROMVersion, {1, 4, 0}, 2},
+    {"firmware-version", SSInformation::au32FirmwareVersion, {3, 1, 12}, 3},
+    {"library-version", SSInformation::au32LibraryVersion, {2, 0, 20}, 3},
+    {"eeprom-version", SSInformation::au32EEPROMVersion, {1, 4, 0}, 2},
 };
 
 void ReadNumbers(const Section &stSettings, std::span<const NumberRow> astRows, ByteSpan stTo) {
@@ -147,7 +147,7 @@ void StationInformation::ReadIdentity() {
     if (strDriver.size() > SSInformation::DriverVersionSize) {
         stSettings.Refuse("driver-version", "must be at most 128 bytes long");
     }
-    PutBytes(stTo, SSInformation::DriverVersion,
+    PutBytes(stTo, SSInformation::acDriverVersion,
              {reinterpret_cast<const uint8_t *>(strDriver.data()),
               static_cast<uint32_t>(strDriver.size())});
     if (stSettings.Has("mac-address")) {
@@ -171,7 +171,7 @@ void StationInformation::Adopt(ByteView stAddress) {
 }
 
 int32_t StationInformation::TellIdentity() {
-    PutBytes(m_stIdentity.Span(), SSInformation::MACAddress.u16Offset,
+    PutBytes(m_stIdentity.Span(), SSInformation::aucMACAddress.u16Offset,
              {m_stModem.Address().data(), MACAddressRecord::Size});
     m_stModem.Tell(TYPE_SS_INFO, SUBTYPE_SS_INFO, m_stIdentity.View());
     return 0;
@@ -189,7 +189,7 @@ int32_t StationInformation::SetMACAddress(ByteView stAddress) {
         }
     }
     Record<StatusWord::Size> stAnswer;
-    Put(stAnswer.Span(), StatusWord::Value, u32Status);
+    Put(stAnswer.Span(), StatusWord::u32Value, u32Status);
     m_stModem.Tell(TYPE_MAC_ADDRESS, SUBTYPE_SET_MAC_ADDRESS, stAnswer.View());
     return 0;
 }

@@ -68,11 +68,11 @@ StatisticsReports::StatisticsReports(Modem &stModem)
     m_bResetAtStart = stSettings.Flag("reset-on-resync", false);
     stModem.On(TYPE_STATISTICS, SUBTYPE_STATISTICS, Exactly(StatusWord::Size),
                [this](const Request &stRequest) {
-                   return Report(Get(stRequest.stPayload, StatusWord::Value));
+                   return Report(Get(stRequest.stPayload, StatusWord::u32Value));
                });
     stModem.On(TYPE_STATISTICS, SUBTYPE_STATISTICS_RESET_CONTROL, Exactly(StatusWord::Size),
                [this](const Request &stRequest) {
-                   return SetPolicy(Get(stRequest.stPayload, StatusWord::Value));
+                   return SetPolicy(Get(stRequest.stPayload, StatusWord::u32Value));
                });
     m_stLink.Observe([this](const LinkChange &stChange) { FollowLink(stChange); });
     m_stLink.OnMove([this] {
@@ -164,7 +164,7 @@ int32_t StatisticsReports::SetPolicy(uint32_t u32Policy) {
         m_bResetOnResync = u32Policy == StatisticsReset::Enable;
     }
     Record<StatusWord::Size> stAnswer;
-    Put(stAnswer.Span(), StatusWord::Value,
+    Put(stAnswer.Span(), StatusWord::u32Value,
         bGood ? StatisticsReset::Applied : StatisticsReset::Failed);
     m_stModem.Tell(TYPE_STATISTICS, SUBTYPE_STATISTICS_RESET_CONTROL, stAnswer.View());
     return 0;
@@ -172,13 +172,13 @@ int32_t StatisticsReports::SetPolicy(uint32_t u32Policy) {
 
 void StatisticsReports::PutStation(ByteSpan stTo) const {
     const Measurement stMeasurement = m_stModem.Air().Measure(*m_pstServing, m_stModem.Now());
-    Put(stTo, Statistics::RSSI, Rounded(stMeasurement.fRSSI));
-    Put(stTo, Statistics::CINR, Rounded(stMeasurement.fCINR));
-    PutBytes(stTo, Statistics::BSID.u16Offset, {m_pstServing->aucBSID.data(), u32BSIDSize});
-    Put(stTo, Statistics::BurstFEC, ProfileAt(stMeasurement.fCINR).u32FEC);
-    Put(stTo, Statistics::CenterFrequency, m_pstServing->u32Frequency);
+    Put(stTo, Statistics::u32RSSI, Rounded(stMeasurement.fRSSI));
+    Put(stTo, Statistics::u32CINR, Rounded(stMeasurement.fCINR));
+    PutBytes(stTo, Statistics::aucBSID.u16Offset, {m_pstServing->aucBSID.data(), u32BSIDSize});
+    Put(stTo, Statistics::u8BurstFEC, ProfileAt(stMeasurement.fCINR).u32FEC);
+    Put(stTo, Statistics::u32CenterFrequency, m_pstServing->u32Frequency);
     if (m_stLink.State() != LinkState::Synchronised) {
-        Put(stTo, Statistics::TxPower, Rounded(m_stModem.TheSignalling().Power() / fQuarters));
+        Put(stTo, Statistics::s8TxPower, Rounded(m_stModem.TheSignalling().Power() / fQuarters));
     }
 }
 
@@ -190,21 +190,21 @@ void StatisticsReports::Tell() {
     };
     Record<Statistics::Size> stReport;
     const ByteSpan stTo = stReport.Span();
-    Put(stTo, Statistics::RecordSize, Statistics::Size);
-    Put(stTo, Statistics::FramesReceived, Counted(m_fFrames));
-    Put(stTo, Statistics::FramesInError, Counted(m_fFramesInError));
-    Put(stTo, Statistics::CRCErrors, Counted(m_fCRCErrors));
-    Put(stTo, Statistics::HCSErrors, Counted(m_fFramesInError * fHCSShare));
-    Put(stTo, Statistics::CQICHTransmitted, Counted(m_fCQICH));
-    Put(stTo, Statistics::BandwidthRequests,
+    Put(stTo, Statistics::u32RecordSize, Statistics::Size);
+    Put(stTo, Statistics::u32FramesReceived, Counted(m_fFrames));
+    Put(stTo, Statistics::u32FramesInError, Counted(m_fFramesInError));
+    Put(stTo, Statistics::u32CRCErrors, Counted(m_fCRCErrors));
+    Put(stTo, Statistics::u32HCSErrors, Counted(m_fFramesInError * fHCSShare));
+    Put(stTo, Statistics::u32CQICHTransmitted, Counted(m_fCQICH));
+    Put(stTo, Statistics::u32BandwidthRequests,
         static_cast<uint32_t>(m_u64UplinkPackets / u64PacketsPerBandwidthRequest));
     std::vector<uint32_t> au32CIDs = m_stModem.TransportCIDs();
     au32CIDs.resize(std::min<size_t>(au32CIDs.size(), Statistics::MaxConnections));
-    Put(stTo, Statistics::NumConnections, static_cast<uint32_t>(au32CIDs.size()));
+    Put(stTo, Statistics::s32NumConnections, static_cast<uint32_t>(au32CIDs.size()));
     uint32_t u32Base = 0;
     for (const uint32_t u32CID : au32CIDs) {
-        Put(stTo, Statistics::TransportCIDs, u32CID, u32Base);
-        u32Base += WidthOf(Statistics::TransportCIDs.eType);
+        Put(stTo, Statistics::au32TransportCIDs, u32CID, u32Base);
+        u32Base += WidthOf(Statistics::au32TransportCIDs.eType);
     }
     if (m_pstServing != nullptr) {
         PutStation(stTo);

@@ -47,22 +47,22 @@ void Trace::Switch(bool bOn) {
 
 void Trace::TellState() {
     Record<TraceState::Size> stAnswer;
-    Put(stAnswer.Span(), TraceState::State, m_bOn ? TraceState::Enabled : 0);
+    Put(stAnswer.Span(), TraceState::u32State, m_bOn ? TraceState::Enabled : 0);
     m_stModem.Tell(TYPE_MAC_MGMT, SUBTYPE_MAC_MGMT_STATUS, stAnswer.View());
 }
 
 void Trace::Copy(const ManagementMessage &stMessage) {
     using namespace TraceRecord;
     const auto u32Body = static_cast<uint32_t>(stMessage.aucBody.size());
-    std::vector<uint8_t> aucRecord(Body + u32Body);
-    const ByteSpan stTo{aucRecord.data(), Body + u32Body};
-    Put(stTo, Direction, stMessage.bUplink ? MSToBS : BSToMS);
-    Put(stTo, FrameNumber, stMessage.u32Frame);
-    Put(stTo, Code, stMessage.u32Code);
-    Put(stTo, BodyLength, u32Body);
-    Put(stTo, CID, stMessage.u32CID);
-    Put(stTo, CMACResult, stMessage.bCMACGood ? 1 : 0);
-    PutBytes(stTo, Body, {stMessage.aucBody.data(), u32Body});
+    std::vector<uint8_t> aucRecord(aucBody + u32Body);
+    const ByteSpan stTo{aucRecord.data(), aucBody + u32Body};
+    Put(stTo, u8Direction, stMessage.bUplink ? MSToBS : BSToMS);
+    Put(stTo, u32FrameNumber, stMessage.u32Frame);
+    Put(stTo, u32Code, stMessage.u32Code);
+    Put(stTo, s32BodyLength, u32Body);
+    Put(stTo, u32CID, stMessage.u32CID);
+    Put(stTo, u8CMACResult, stMessage.bCMACGood ? 1 : 0);
+    PutBytes(stTo, aucBody, {stMessage.aucBody.data(), u32Body});
     m_stModem.Tell(TYPE_MAC_MGMT, SUBTYPE_MAC_MGMT_TRACE_IND, stTo);
 }
 

@@ -84,23 +84,23 @@ ByteView VendorRegionStore::PackedIMEI() const {
 }
 
 int32_t VendorRegionStore::Read(const Request &stRequest) {
-    Tell(SUBTYPE_VSA_READ, Get(stRequest.stPayload, VendorParameter::Offset),
-         Get(stRequest.stPayload, VendorParameter::DataSize));
+    Tell(SUBTYPE_VSA_READ, Get(stRequest.stPayload, VendorParameter::u16Offset),
+         Get(stRequest.stPayload, VendorParameter::u16DataSize));
     return 0;
 }
 
 // Writes as many bytes as were stated and sent. Nothing is written when a byte of
 // the range cannot be; the indication then has no data.
 int32_t VendorRegionStore::Write(const Request &stRequest) {
-    const uint32_t u32Offset = Get(stRequest.stPayload, VendorParameter::Offset);
-    const uint32_t u32Size = Get(stRequest.stPayload, VendorParameter::DataSize);
+    const uint32_t u32Offset = Get(stRequest.stPayload, VendorParameter::u16Offset);
+    const uint32_t u32Size = Get(stRequest.stPayload, VendorParameter::u16DataSize);
     for (uint32_t i = 0; i < u32Size; ++i) {
         if (!IsWritable(u32Offset + i)) {
             Tell(SUBTYPE_VSA_WRITE, u32Offset, 0);
             return 0;
         }
     }
-    const ByteView stData = stRequest.stPayload.From(VendorParameter::Data, u32Size);
+    const ByteView stData = stRequest.stPayload.From(VendorParameter::aucData, u32Size);
     std::vector<uint8_t> aucNew = m_aucBytes;
     PutBytes({aucNew.data(), u32RegionSize}, u32Offset, stData);
     if (!m_stModem.TheStateFile().Keep(pcStateSection, pcStateKey, aucNew)) {
@@ -114,7 +114,7 @@ int32_t VendorRegionStore::Write(const Request &stRequest) {
 
 int32_t VendorRegionStore::TellSize() {
     Record<VendorRegionSize::Size> stAnswer;
-    Put(stAnswer.Span(), VendorRegionSize::Bytes, u32RegionSize);
+    Put(stAnswer.Span(), VendorRegionSize::u32Bytes, u32RegionSize);
     m_stModem.Tell(TYPE_VENDOR_SPECIFIC, SUBTYPE_VSA_SIZE, stAnswer.View());
     return 0;
 }
@@ -122,10 +122,10 @@ int32_t VendorRegionStore::TellSize() {
 // The indication of a range, as far as it lies in the region.
 void VendorRegionStore::Tell(uint32_t u32SubType, uint32_t u32Offset, uint32_t u32Size) {
     const ByteView stData = ByteView{m_aucBytes.data(), u32RegionSize}.From(u32Offset, u32Size);
-    Record<VendorParameter::Data + u32RegionSize> stAnswer;
-    Put(stAnswer.Span(), VendorParameter::Offset, u32Offset);
-    Put(stAnswer.Span(), VendorParameter::DataSize, stData.u32Length);
-    PutBytes(stAnswer.Span(), VendorParameter::Data, stData);
+    Record<VendorParameter::aucData + u32RegionSize> stAnswer;
+    Put(stAnswer.Span(), VendorParameter::u16Offset, u32Offset);
+    Put(stAnswer.Span(), VendorParameter::u16DataSize, stData.u32Length);
+    PutBytes(stAnswer.Span(), VendorParameter::aucData, stData);
     m_stModem.Tell(TYPE_VENDOR_SPECIFIC, u32SubType,
-                   stAnswer.View().From(0, VendorParameter::Data + stData.u32Length));
+                   stAnswer.View().From(0, VendorParameter::aucData + stData.u32Length));
 }

@@ -98,8 +98,8 @@ class TracedModem {
     void Send(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload = {}) {
         WiMAXMessage stMessage{};
         const ByteSpan stBytes = BytesOf(stMessage);
-        Put(stBytes, MessageHeader::Type, u32Type);
-        Put(stBytes, MessageHeader::SubType, u32SubType);
+        Put(stBytes, MessageHeader::usType, u32Type);
+        Put(stBytes, MessageHeader::usSubType, u32SubType);
         PutBytes(stBytes, MessageHeader::Size, stPayload);
         if (m_stModem.Send(stBytes.pucData, MessageHeader::Size + stPayload.u32Length) != 0) {
             std::fprintf(stderr, "request %u/%u was refused\n", u32Type, u32SubType);
@@ -122,15 +122,16 @@ class TracedModem {
 
   private:
     void Note(ByteView stMessage) {
-        if (Get(stMessage, MessageHeader::Type) != TYPE_MAC_MGMT) {
+        if (Get(stMessage, MessageHeader::usType) != TYPE_MAC_MGMT) {
             return;
         }
         using namespace TraceRecord;
         const ByteView stRecord = stMessage.From(MessageHeader::Size);
-        const uint32_t u32Code = Get(stRecord, Code);
-        m_stCapture.Add(m_stModem.Now(), u32Code, stRecord.From(Body, Get(stRecord, BodyLength)));
-        std::printf("%u %u %u %u %u\n", Get(stRecord, FrameNumber), Get(stRecord, Direction),
-                    u32Code, Get(stRecord, CID), Get(stRecord, CMACResult));
+        const uint32_t u32Code = Get(stRecord, TraceRecord::u32Code);
+        m_stCapture.Add(m_stModem.Now(), u32Code,
+                        stRecord.From(aucBody, Get(stRecord, s32BodyLength)));
+        std::printf("%u %u %u %u %u\n", Get(stRecord, u32FrameNumber), Get(stRecord, u8Direction),
+                    u32Code, Get(stRecord, u32CID), Get(stRecord, u8CMACResult));
     }
 
     Modem m_stModem;
@@ -139,9 +140,9 @@ class TracedModem {
 
 void SyncUp(TracedModem &stTraced) {
     Record<SyncUpRequest::Size> stRequest;
-    Put(stRequest.Span(), SyncUpRequest::CenterFrequency, 2587500);
-    Put(stRequest.Span(), SyncUpRequest::Bandwidth, 10000);
-    Put(stRequest.Span(), SyncUpRequest::PreambleID, SyncUpRequest::AnyPreamble);
+    Put(stRequest.Span(), SyncUpRequest::u32CenterFrequency, 2587500);
+    Put(stRequest.Span(), SyncUpRequest::u32Bandwidth, 10000);
+    Put(stRequest.Span(), SyncUpRequest::u32PreambleID, SyncUpRequest::AnyPreamble);
     stTraced.Send(TYPE_NETWORK_ENTRY, SUBTYPE_SYNC_UP, stRequest.View());
     stTraced.Run(2);
 }
@@ -156,52 +157,52 @@ void EnterNetwork(TracedModem &stTraced) {
 void Sleep(TracedModem &stTraced) {
     using namespace PSCDefinition;
     Record<SleepMode::Size> stRequest;
-    Put(stRequest.Span(), SleepMode::NumDefinitions, 1);
-    const ByteSpan stTo = stRequest.Span().From(SleepMode::Definitions);
-    Put(stTo, PSCID, NewPSCID);
-    Put(stTo, PSCType, 1);
-    Put(stTo, InitialSleepWindow, 2);
-    Put(stTo, ListenWindow, 2);
-    Put(stTo, FinalSleepWindowBase, 64);
-    Put(stTo, FinalSleepWindowExp, 1);
-    Put(stTo, TTWF, 1);
-    Put(stTo, TIR, 1);
-    Put(stTo, NumCIDs, 2);
-    Put(stTo, CIDs, 4096);
+    Put(stRequest.Span(), SleepMode::numOfDefinitions, 1);
+    const ByteSpan stTo = stRequest.Span().From(SleepMode::astPSCDefinition);
+    Put(stTo, u8PSCID, NewPSCID);
+    Put(stTo, u8PSCType, 1);
+    Put(stTo, u8InitialSleepWindow, 2);
+    Put(stTo, u8ListenWindow, 2);
+    Put(stTo, u16FinalSleepWindowBase, 64);
+    Put(stTo, u8FinalSleepWindowExp, 1);
+    Put(stTo, u8TTWF, 1);
+    Put(stTo, u8TIR, 1);
+    Put(stTo, u32NumOfCIDs, 2);
+    Put(stTo, au16CID, 4096);
     for (const uint32_t u32Activity :
          {ActivityDefinitionAndActivation, ActivityDeactivation, ActivityActivation}) {
-        Put(stTo, Activity, u32Activity);
+        Put(stTo, u8Activity, u32Activity);
         stTraced.Send(TYPE_SLEEP_MODE, SUBTYPE_SLEEP_PSC_DEFINITION, stRequest.View());
         stTraced.Run(0.3);
-        Put(stTo, PSCID, 0);
+        Put(stTo, u8PSCID, 0);
     }
 }
 
 void UseFlows(TracedModem &stTraced) {
     Record<ServiceFlowRecord::Size> stRequest;
     const ByteSpan stTo = stRequest.Span();
-    const ByteSpan stSet = stTo.From(ServiceFlowRecord::ProvisionedSet);
-    Put(stTo, ServiceFlowRecord::MsgCode, ServiceFlowRecord::AddRequest);
-    Put(stTo, ServiceFlowRecord::Direction, ServiceFlowRecord::Uplink);
-    Put(stSet, SFParamSet::SetPresent, 1);
-    Put(stSet, SFParamSet::QoSParamSetType, 7);
-    Put(stSet, SFParamSet::SchedulingType, SFParamSet::UGS);
-    Put(stSet, SFParamSet::CSSpecification, 1);
+    const ByteSpan stSet = stTo.From(ServiceFlowRecord::stProvisionedSet);
+    Put(stTo, ServiceFlowRecord::u8MsgCode, ServiceFlowRecord::AddRequest);
+    Put(stTo, ServiceFlowRecord::u8Direction, ServiceFlowRecord::Uplink);
+    Put(stSet, SFParamSet::u8SetPresent, 1);
+    Put(stSet, SFParamSet::u8QoSParamSetType, 7);
+    Put(stSet, SFParamSet::u8SchedulingType, SFParamSet::UGS);
+    Put(stSet, SFParamSet::u8CSSpecification, 1);
     // The second one is too large for the station.
     for (const uint32_t u32Rate : {1000000U, 1000000000U}) {
-        Put(stSet, SFParamSet::MaxSustainedTrafficRate, u32Rate);
+        Put(stSet, SFParamSet::u32MaxSustainedTrafficRate, u32Rate);
         stTraced.Send(TYPE_SERVICE_FLOW, SUBTYPE_DSA,
                       stRequest.View().From(0, ServiceFlowRecord::ShortSize));
         stTraced.Run(0.3);
     }
-    Put(stTo, ServiceFlowRecord::MsgCode, ServiceFlowRecord::ChangeRequest);
-    Put(stSet, SFParamSet::SFID, 2);
-    Put(stSet, SFParamSet::MaxSustainedTrafficRate, 500000);
+    Put(stTo, ServiceFlowRecord::u8MsgCode, ServiceFlowRecord::ChangeRequest);
+    Put(stSet, SFParamSet::u32SFID, 2);
+    Put(stSet, SFParamSet::u32MaxSustainedTrafficRate, 500000);
     stTraced.Send(TYPE_SERVICE_FLOW, SUBTYPE_DSC, stRequest.View());
     stTraced.Run(0.3);
     Record<DeleteFlowRequest::Size> stDelete;
-    Put(stDelete.Span(), DeleteFlowRequest::MsgCode, ServiceFlowRecord::DeleteRequest);
-    Put(stDelete.Span(), DeleteFlowRequest::SFID, 2);
+    Put(stDelete.Span(), DeleteFlowRequest::u8MsgCode, ServiceFlowRecord::DeleteRequest);
+    Put(stDelete.Span(), DeleteFlowRequest::u32SFID, 2);
     stTraced.Send(TYPE_SERVICE_FLOW, SUBTYPE_DSD, stDelete.View());
     stTraced.Run(0.3);
 }

@@ -46,8 +46,8 @@ TEST(HostileRequests, RandomBytesDoNoHarm) {
             WiMAXMessage stMessage{};
             const ByteSpan stBytes = BytesOf(stMessage);
             PutRandomPayload(stBytes, u32Length, u32Sparse, u32Most, &stRandom);
-            Put(stBytes, MessageHeader::Type, stKind.u32Type);
-            Put(stBytes, MessageHeader::SubType, stKind.u32SubType);
+            Put(stBytes, MessageHeader::usType, stKind.u32Type);
+            Put(stBytes, MessageHeader::usSubType, stKind.u32SubType);
             if (stKind.u32MsgCode != 0) {
                 stBytes.Set(MessageHeader::Size, static_cast<uint8_t>(stKind.u32MsgCode));
             }
@@ -74,8 +74,8 @@ struct Door {
 
 int32_t SendZeroes(ModemBench &stBench, uint32_t u32Type, uint32_t u32SubType, uint32_t u32Length) {
     WiMAXMessage stMessage{};
-    Put(BytesOf(stMessage), MessageHeader::Type, u32Type);
-    Put(BytesOf(stMessage), MessageHeader::SubType, u32SubType);
+    Put(BytesOf(stMessage), MessageHeader::usType, u32Type);
+    Put(BytesOf(stMessage), MessageHeader::usSubType, u32SubType);
     return stBench.TheModem().Send(BytesOf(stMessage).pucData, MessageHeader::Size + u32Length);
 }
 
@@ -124,8 +124,8 @@ TEST(HostileRequests, EveryRequestTakesAnythingInEveryState) {
                 WiMAXMessage stMessage{};
                 const ByteSpan stBytes = BytesOf(stMessage);
                 PutRandomPayload(stBytes, u32Length, u32Sparse, u32Most, &stRandom);
-                Put(stBytes, MessageHeader::Type, stDoor.u32Type);
-                Put(stBytes, MessageHeader::SubType, stDoor.u32SubType);
+                Put(stBytes, MessageHeader::usType, stDoor.u32Type);
+                Put(stBytes, MessageHeader::usSubType, stDoor.u32SubType);
                 const int32_t iResult =
                     stBench.TheModem().Send(stBytes.pucData, MessageHeader::Size + u32Length);
                 // A list of attributes also has to be as long as its count says.

@@ -71,8 +71,8 @@ int32_t ModemBench::Send(uint32_t u32Type, uint32_t u32SubType, const std::strin
     WiMAXMessage stMessage{};
     const std::vector<uint8_t> aucPayload = BytesOfHex(strPayload);
     const ByteSpan stBytes = BytesOf(stMessage);
-    Put(stBytes, MessageHeader::Type, u32Type);
-    Put(stBytes, MessageHeader::SubType, u32SubType);
+    Put(stBytes, MessageHeader::usType, u32Type);
+    Put(stBytes, MessageHeader::usSubType, u32SubType);
     PutBytes(stBytes, MessageHeader::Size,
              {aucPayload.data(), static_cast<uint32_t>(aucPayload.size())});
     const int32_t iResult = m_stModem.Send(
@@ -94,8 +94,8 @@ void ModemBench::RunUntil(double fSeconds) {
 void ModemBench::Collect() {
     for (MessageBytes aucMessage; m_stModem.TakeMessage(&aucMessage);) {
         const ByteView stBytes{aucMessage.data(), static_cast<uint32_t>(aucMessage.size())};
-        std::string strText = std::to_string(Get(stBytes, MessageHeader::Type)) + "/" +
-                              std::to_string(Get(stBytes, MessageHeader::SubType)) + ":";
+        std::string strText = std::to_string(Get(stBytes, MessageHeader::usType)) + "/" +
+                              std::to_string(Get(stBytes, MessageHeader::usSubType)) + ":";
         const std::string strPayload =
             HexOf({aucMessage.begin() + MessageHeader::Size, aucMessage.end()});
         strText += strPayload.empty() ? "" : " " + strPayload;

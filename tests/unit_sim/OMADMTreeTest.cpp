@@ -22,8 +22,8 @@ Answered Ask(ModemBench &stBench, uint16_t u16Type, uint16_t u16SubType,
              const std::string &strPayload) {
     Answered stAnswered{};
     const std::vector<uint8_t> aucPayload = BytesOfHex(strPayload);
-    Put(BytesOf(stAnswered.stMessage), MessageHeader::Type, u16Type);
-    Put(BytesOf(stAnswered.stMessage), MessageHeader::SubType, u16SubType);
+    Put(BytesOf(stAnswered.stMessage), MessageHeader::usType, u16Type);
+    Put(BytesOf(stAnswered.stMessage), MessageHeader::usSubType, u16SubType);
     std::copy(aucPayload.begin(), aucPayload.end(), stAnswered.stMessage.aucData);
     stAnswered.iResult = stBench.TheModem().Send(reinterpret_cast<uint8_t *>(&stAnswered.stMessage),
                                                  static_cast<uint32_t>(aucPayload.size()) + 4);

@@ -33,12 +33,12 @@ std::vector<Traced> TracedBy(ModemBench &stBench) {
         if (strMessage.rfind("21/1:", 0) == 0) {
             const std::vector<uint8_t> aucBytes = BytesOfHex(strMessage.substr(5));
             const ByteView stRecord{aucBytes.data(), static_cast<uint32_t>(aucBytes.size())};
-            EXPECT_EQ(Get(stRecord, TraceRecord::BodyLength), aucBytes.size() - 18);
-            astTraced.push_back({Get(stRecord, TraceRecord::FrameNumber),
-                                 Get(stRecord, TraceRecord::Direction) == 1,
-                                 Get(stRecord, TraceRecord::Code),
-                                 Get(stRecord, TraceRecord::CID),
-                                 Get(stRecord, TraceRecord::CMACResult),
+            EXPECT_EQ(Get(stRecord, TraceRecord::s32BodyLength), aucBytes.size() - 18);
+            astTraced.push_back({Get(stRecord, TraceRecord::u32FrameNumber),
+                                 Get(stRecord, TraceRecord::u8Direction) == 1,
+                                 Get(stRecord, TraceRecord::u32Code),
+                                 Get(stRecord, TraceRecord::u32CID),
+                                 Get(stRecord, TraceRecord::u8CMACResult),
                                  {aucBytes.begin() + 18, aucBytes.end()}});
         }
     }
