@@ -1,17 +1,84 @@
 #!/usr/bin/env bash
-# Runs every check: format, the tests in three builds, the fuzz targets for some seconds, the
-# linter. The last line is the sum: N passed, N failed.
+# Runs every check, section by section. The last line is the sum of all.
 set -uo pipefail
 
-cd "$(dirname "${BASH_SOURCE[0]}")"
+# Name, when it runs (always, or the option that asks for it), what it is.
+sections=(
+    "release     always      the tests, optimised"
+    "asan-ubsan  always      the tests under AddressSanitizer and UndefinedBehaviorSanitizer"
+    "tsan        always      the tests with threads under ThreadSanitizer"
+    "s390x       always      unit tests and sessions on a big-endian machine, run by qemu"
+    "benchmarks  always      figures only"
+    "format      always      the layout of the sources"
+    "fuzz        always      each fuzz target for some seconds"
+    "linter      always      clang-tidy"
+    "armhf       --machines  all tests on 32-bit ARM, run by qemu"
+    "mips        --machines  all tests on 32-bit big-endian MIPS, run by qemu"
+)
+
+usage() {
+    cat <<'TEXT'
+Usage: ./test.sh [--machines] [--long] [--only SECTION]...
+
+Gets what is missing, builds, and runs every check. The last line is the sum: N passed, N failed,
+N skipped. The exit status is 0 when nothing failed.
+
+  --machines      all tests on other machines too: armhf, mips, s390x (about ten minutes each)
+  --long          the long sections too, and those that repeat something do it for longer
+  --only SECTION  this section and no other; may stand several times
+  --help          this text
+
+Sections:
+TEXT
+    printf '  %s\n' "${sections[@]}"
+}
+
+refuse() {
+    echo "test.sh: $1" >&2
+    exit 2
+}
+
+wanted=" always "
+only=" "
+fuzz_seconds=10
+while [ $# -gt 0 ]; do
+    case $1 in
+    --machines) wanted+="--machines " ;;
+    --long)
+        wanted+="--long "
+        fuzz_seconds=60
+        ;;
+    --only)
+        [ $# -ge 2 ] || refuse "--only needs a section"
+        printf '%s\n' "${sections[@]}" | grep -q "^$2 " || refuse "no such section: $2"
+        only+="$2 "
+        shift
+        ;;
+    --help)
+        usage
+        exit 0
+        ;;
+    *) refuse "unknown option: $1 (--help explains)" ;;
+    esac
+    shift
+done
+
+cd "$(dirname "${BASH_SOURCE[0]}")" || exit
 . .ci/packages.sh
 
 jobs=$(nproc)
-fuzz_seconds=10
 passed=0
 failed=0
+skipped=0
 
-headline() { printf '\n=== %s\n' "$1"; }
+# Whether a section runs; the arguments are its name and when it does.
+is_wanted() {
+    if [ "$only" != " " ]; then
+        [[ $only == *" $1 "* ]]
+    else
+        [[ $wanted == *" $2 "* ]]
+    fi
+}
 
 # Runs a check that counts as one; the arguments are the command.
 check() {
@@ -24,23 +91,85 @@ check() {
     fi
 }
 
+skip() {
+    skipped=$((skipped + 1))
+    echo "skipped: $1"
+}
+
 configure() { cmake --preset "$1" -DWIMAX_TESTS="$2" >/dev/null; }
 
-# Builds a preset and runs its tests, each of which counts.
-test_preset() {
-    local log of
-    headline "$1: build and tests"
-    check configure "$1" ON && check cmake --build "build/$1" -j "$jobs" || return
-    log=build/$1/test.log
+build() { cmake --build "build/$1" -j "$jobs" "${@:2}"; }
+
+# What ctest printed and logged, as passed, failed and skipped tests. A part of a program holds many
+# tests, which the log counts.
+count_tests() {
+    awk '
+        / Test +#[0-9]+: / {
+            part = $0 ~ /: [a-z]+\/part-/
+            if ($0 ~ /\*\*\*Skipped/) skipped++
+            else if ($0 !~ / Passed +[0-9.]+ sec/) failed++
+            else if (!part) passed++
+        }
+        / Testing: / { part = $3 ~ /\/part-/ }
+        NR > FNR && part && /^\[  PASSED  \]/ { passed += $4 }
+        NR > FNR && part && /^\[  SKIPPED \] [0-9]+ test/ { skipped += $4 }
+        END { print passed + 0, failed + 0, skipped + 0 }' "$@"
+}
+
+# Runs the tests of a build, each of which counts; further arguments are for ctest.
+run_tests() {
+    local preset=$1 log=build/$1/test.log ended=0 counts
+    shift
     # Most sessions wait for something most of the time, so more of them than processors run.
-    ctest --preset "$1" -j $((jobs * 4)) | tee "$log"
-    of=$(sed -n 's/.*, \([0-9]*\) tests failed out of \([0-9]*\)$/\1 \2/p' "$log" | tail -1)
-    if [ -z "$of" ]; then
-        failed=$((failed + 1))
-        return
+    ctest --preset "$preset" -j $((jobs * 4)) "$@" | tee "$log" || ended=$?
+    read -r -a counts < <(count_tests "$log" "build/$preset/Testing/Temporary/LastTest.log")
+    # However ctest ended, something failed that it did not list.
+    if [ "$ended" -ne 0 ] && [ "${counts[1]}" -eq 0 ] || [ "${counts[0]}" -eq 0 ]; then
+        counts[1]=$((counts[1] + 1))
     fi
-    failed=$((failed + ${of% *}))
-    passed=$((passed + ${of#* } - ${of% *}))
+    passed=$((passed + counts[0]))
+    failed=$((failed + counts[1]))
+    skipped=$((skipped + counts[2]))
+    printf '%s: %d passed, %d failed, %d skipped\n' "$preset" "${counts[@]}"
+}
+
+# Builds a preset and runs its tests.
+test_preset() { check configure "$1" ON && check build "$1" && run_tests "$1"; }
+
+section_release() { test_preset release; }
+section_asan_ubsan() { test_preset asan-ubsan; }
+section_tsan() { test_preset tsan; }
+
+# The cross compiler of a machine and what runs its programs. Where they cannot be had, the machine
+# is skipped.
+prepare_machine() {
+    install_missing "qemu-$1=qemu-user" "$2-g++=g++-$2" /usr/src/googletest=googletest ||
+        { skip "$1: its packages cannot be had"; return 1; }
+}
+
+section_s390x() {
+    prepare_machine s390x s390x-linux-gnu || return
+    if [[ $wanted == *" --machines "* ]]; then
+        test_preset s390x
+    else
+        check configure s390x ON &&
+            check build s390x --target unit_tests TarvelWiMAXApp VendorSpecificMessageApp qor020 \
+                qor020_scripted &&
+            run_tests s390x -R '^(unit|sessions)/'
+    fi
+}
+
+section_armhf() { prepare_machine arm arm-linux-gnueabihf && test_preset armhf; }
+section_mips() { prepare_machine mips mips-linux-gnu && test_preset mips; }
+
+section_benchmarks() {
+    [ -x build/release/bench_start ] || { check configure release ON && check build release; } || return
+    (cd build/release && ./bench_start && ./bench_reports)
+}
+
+section_format() {
+    [ -f build/release/build.ninja ] || check configure release ON || return
+    check build release --target check-format
 }
 
 # Runs a fuzz target on its seeds and on what it found before; new finds stay in the build.
@@ -56,32 +185,54 @@ fuzz() {
     fi
 }
 
-headline "packages"
+section_fuzz() {
+    local corpus
+    check configure fuzz OFF && check build fuzz --target fuzz_targets || return
+    for corpus in fuzz/corpus/*/; do
+        check fuzz "$(basename "$corpus")"
+    done
+}
+
+section_linter() { check configure lint ON && check quietly cmake --build build/lint --target tidy; }
+
+# Puts the seconds of processor time, user and system, that all commands have taken into a variable.
+processor_seconds() {
+    times >"$scratch" # in a pipe it would tell its own
+    printf -v "$1" '%.0f' "$(awk -F'[ms ]' 'NR == 2 { print $1 * 60 + $2 + $4 * 60 + $5 }' "$scratch")"
+}
+
+figures=()
+
+# Runs a section under its headline and keeps what it took.
+run_section() {
+    local name=$1 from=$SECONDS before=("$passed" "$failed" "$skipped") began ended
+    printf '\n=== %s: %s (%d:%02d since the start)\n' "$name" "$2" $((SECONDS / 60)) $((SECONDS % 60))
+    processor_seconds began
+    "section_${name//-/_}"
+    processor_seconds ended
+    figures+=("$(printf '%-10s %5d s %6d s %6d passed %3d failed %3d skipped' "$name" \
+        $((SECONDS - from)) $((ended - began)) $((passed - before[0])) \
+        $((failed - before[1])) $((skipped - before[2])))")
+}
+
+scratch=$(mktemp)
+trap 'rm -f "$scratch"' EXIT
+
+echo "=== packages"
 install_missing "${BUILD_PACKAGES[@]}" \
     /usr/include/gtest/gtest.h=libgtest-dev /usr/include/benchmark/benchmark.h=libbenchmark-dev \
     clang++=clang "/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-*=libclang-rt-14-dev" \
     clang-format=clang-format clang-tidy=clang-tidy run-clang-tidy=clang-tidy \
     python3=python3 tshark=tshark || exit 1
 
-test_preset release
-test_preset asan-ubsan
-test_preset tsan
+for section in "${sections[@]}"; do
+    read -r name when what <<<"$section"
+    if is_wanted "$name" "$when"; then
+        run_section "$name" "$what"
+    fi
+done
 
-headline "benchmarks (figures only)"
-(cd build/release && ./bench_start && ./bench_reports)
-
-headline "format"
-check cmake --build build/release --target check-format
-
-headline "fuzz targets, $fuzz_seconds seconds each"
-if check configure fuzz OFF && check cmake --build build/fuzz -j "$jobs" --target fuzz_targets; then
-    for corpus in fuzz/corpus/*/; do
-        check fuzz "$(basename "$corpus")"
-    done
-fi
-
-headline "linter"
-check configure lint ON && check quietly cmake --build build/lint --target tidy
-
-printf '\n%d passed, %d failed\n' "$passed" "$failed"
+printf '\nWhat each section took, in all and of processor time:\n'
+printf '%s\n' "${figures[@]}"
+printf '\n%d passed, %d failed, %d skipped\n' "$passed" "$failed" "$skipped"
 [ "$failed" -eq 0 ]

@@ -9,6 +9,7 @@ import os
 import pathlib
 import re
 import selectors
+import shlex
 import signal
 import subprocess
 import sys
@@ -22,6 +23,8 @@ SANITIZERS = {
     "UBSAN_OPTIONS": "print_stacktrace=1:halt_on_error=1",
     "TSAN_OPTIONS": "exitcode=98:halt_on_error=0",
 }
+# On an emulator everything takes longer: a wait may take this many times as long.
+EMULATOR_PATIENCE = 6
 # How much of what was seen before stands above a difference.
 CONTEXT_LINES = 3
 
@@ -260,6 +263,7 @@ class Client:
 
     def __init__(self, session, options, directory):
         self.session = session
+        self.timeout = session.timeout * (EMULATOR_PATIENCE if options.emulator else 1)
         self.output = b""
         self.errors = b""
         self.record = b""
@@ -311,7 +315,8 @@ class Client:
     def start(self, session, options, directory, environment):
         common = dict(cwd=directory, env=environment, stderr=subprocess.PIPE, close_fds=True)
         client = pathlib.Path(options.client).absolute()
-        command = [client.with_name(session.program) if session.program else client]
+        program = client.with_name(session.program) if session.program else client
+        command = [*options.emulator, program]
         if session.pty:
             self.master, slave = os.openpty()
             self.process = subprocess.Popen(
@@ -367,7 +372,7 @@ class Client:
         return ("output" if self.reads_output else "errors") in streams
 
     def wait_for(self, condition, what):
-        deadline = time.monotonic() + self.session.timeout
+        deadline = time.monotonic() + self.timeout
         while not condition():
             rest = deadline - time.monotonic()
             if rest <= 0:
@@ -438,7 +443,7 @@ class Client:
 
     def finish(self):
         """Waits for the end; returns the exit status."""
-        deadline = time.monotonic() + self.session.timeout
+        deadline = time.monotonic() + self.timeout
         while {"output", "errors"} & {key.data for key in self.selector.get_map().values()}:
             rest = deadline - time.monotonic()
             if rest <= 0:
@@ -557,13 +562,20 @@ def run(session, options):
             client.close()
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("session", nargs="+", help="session files")
+def add_options(parser):
+    """What is run, and on what."""
     parser.add_argument("--client", required=True, help="the client's executable")
     parser.add_argument("--scripted", required=True, help="the scripted libqor020.so")
     parser.add_argument("--simulated", help="the simulated modem's libqor020.so")
     parser.add_argument("--scenarios", help="where scenario files are")
+    parser.add_argument("--emulator", type=shlex.split, default=[], metavar="COMMAND",
+                        help="what runs the client of another machine")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("session", nargs="+", help="session files")
+    add_options(parser)
     parser.add_argument("-v", "--verbose", action="store_true", help="show the record of a failure")
     options = parser.parse_args()
     failed = 0

@@ -124,8 +124,7 @@ class RunnerTest(unittest.TestCase):
 
 if __name__ == "__main__":
     parser = argparse.ArgumentParser()
-    for name in ("client", "scripted", "simulated", "scenarios"):
-        parser.add_argument("--" + name)
+    run_session.add_options(parser)
     parser.add_argument("--verbose", action="store_true")
     OPTIONS, rest = parser.parse_known_args()
     unittest.main(argv=[sys.argv[0], *rest])

@@ -4,6 +4,7 @@ finds with what the modem says that it sent."""
 
 import argparse
 import pathlib
+import shlex
 import subprocess
 import sys
 import tempfile
@@ -64,11 +65,12 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--writer", required=True)
     parser.add_argument("--tshark", required=True)
+    parser.add_argument("--emulator", type=shlex.split, default=[], help="what runs the writer")
     arguments = parser.parse_args()
     with tempfile.TemporaryDirectory() as directory:
         capture = pathlib.Path(directory) / "trace.pcap"
-        listing = subprocess.run([arguments.writer, str(capture)], check=True,
-                                 stdout=subprocess.PIPE, text=True).stdout
+        writer = [*arguments.emulator, arguments.writer, str(capture)]
+        listing = subprocess.run(writer, check=True, stdout=subprocess.PIPE, text=True).stdout
         sent = [[int(word) for word in line.split()] for line in listing.splitlines()]
         summary = tshark(arguments.tshark, capture).splitlines()
         details = tshark(arguments.tshark, capture, "-V")

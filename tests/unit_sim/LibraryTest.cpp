@@ -191,7 +191,8 @@ TEST_F(Library, AMessageComesInAWholeRecordZeroBehindIt) {
 TEST_F(Library, ARequestCanBeSentFromTheCallback) {
     UseScenario("[device]\nanswer-delay = 0\n[half-mini-card]\nexchanges = 50\n");
     g_stClient.pfnInCallback = [](const WiMAXMessage *pstMessage, uint32_t) {
-        if (pstMessage->usSubType != 3) {
+        const auto *pucBytes = reinterpret_cast<const uint8_t *>(pstMessage);
+        if (Get({pucBytes, WIMAX_HEADER_SIZE}, MessageHeader::SubType) != 3) {
             Send(1, 36, 1);
         }
     };
