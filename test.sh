@@ -6,14 +6,14 @@ set -uo pipefail
 sections=(
     "release     always      the tests, optimised"
     "asan-ubsan  always      the tests under AddressSanitizer and UndefinedBehaviorSanitizer"
-    "tsan        always      the tests with threads under ThreadSanitizer"
-    "s390x       always      unit tests and sessions on a big-endian machine, run by qemu"
+    "tsan        always      the tests under ThreadSanitizer"
     "benchmarks  always      figures only"
     "format      always      the layout of the sources"
     "fuzz        always      each fuzz target for some seconds"
     "linter      always      clang-tidy"
     "armhf       --machines  all tests on 32-bit ARM, run by qemu"
     "mips        --machines  all tests on 32-bit big-endian MIPS, run by qemu"
+    "s390x       --machines  all tests on 64-bit big-endian S/390, run by qemu"
 )
 
 usage() {
@@ -147,20 +147,9 @@ prepare_machine() {
         { skip "$1: its packages cannot be had"; return 1; }
 }
 
-section_s390x() {
-    prepare_machine s390x s390x-linux-gnu || return
-    if [[ $wanted == *" --machines "* ]]; then
-        test_preset s390x
-    else
-        check configure s390x ON &&
-            check build s390x --target unit_tests TarvelWiMAXApp VendorSpecificMessageApp qor020 \
-                qor020_scripted &&
-            run_tests s390x -R '^(unit|sessions)/'
-    fi
-}
-
 section_armhf() { prepare_machine arm arm-linux-gnueabihf && test_preset armhf; }
 section_mips() { prepare_machine mips mips-linux-gnu && test_preset mips; }
+section_s390x() { prepare_machine s390x s390x-linux-gnu && test_preset s390x; }
 
 section_benchmarks() {
     [ -x build/release/bench_start ] || { check configure release ON && check build release; } || return

@@ -192,7 +192,7 @@ TEST_F(Library, ARequestCanBeSentFromTheCallback) {
     UseScenario("[device]\nanswer-delay = 0\n[half-mini-card]\nexchanges = 50\n");
     g_stClient.pfnInCallback = [](const WiMAXMessage *pstMessage, uint32_t) {
         const auto *pucBytes = reinterpret_cast<const uint8_t *>(pstMessage);
-        if (Get({pucBytes, WIMAX_HEADER_SIZE}, MessageHeader::SubType) != 3) {
+        if (Get({pucBytes, WIMAX_HEADER_SIZE}, MessageHeader::usSubType) != 3) {
             Send(1, 36, 1);
         }
     };
