@@ -168,10 +168,6 @@ void *Blow(void *pvThread) {
     auto &stThread = *static_cast<StormThread *>(pvThread);
     Storm &stStorm = *stThread.pstStorm;
     bOfTheStorm = true;
-    if (stStorm.bCancelsAtOnce) {
-        // NOLINTNEXTLINE(concurrency-thread-canceltype-asynchronous): just that is the storm
-        pthread_setcanceltype(PTHREAD_CANCEL_ASYNCHRONOUS, nullptr);
-    }
     Pause(stStorm.u32Delay);
     StormRandom stRandom{stStorm.u32Seed + stThread.u32Thread};
     const std::unique_ptr<StormMessage> pstMessage(new StormMessage);
@@ -181,7 +177,12 @@ void *Blow(void *pvThread) {
             break;
         }
         ++stStorm.u64Entered;
+        // NOLINTNEXTLINE(concurrency-thread-canceltype-asynchronous): just that is the storm
+        pthread_setcanceltype(stStorm.bCancelsAtOnce ? PTHREAD_CANCEL_ASYNCHRONOUS
+                                                     : PTHREAD_CANCEL_DEFERRED,
+                              nullptr);
         stStorm.pfnCallback(0, &pstMessage->stRecord, pstMessage->u32Length);
+        pthread_setcanceltype(PTHREAD_CANCEL_DEFERRED, nullptr);
         ++stStorm.u64Returned;
         ++stThread.u64Returned;
         if (stStorm.u32Pause != 0) {
@@ -273,12 +274,14 @@ decltype(read) *gpfnRead = nullptr;
 decltype(write) *gpfnWrite = nullptr;
 uint32_t gu32ReadDelay = 0;
 uint32_t gu32WriteDelay = 0;
+bool gbRecordsWrites = false;
 
 [[gnu::constructor]] void FindNext() {
     gpfnRead = reinterpret_cast<decltype(read) *>(dlsym(RTLD_NEXT, "read"));
     gpfnWrite = reinterpret_cast<decltype(write) *>(dlsym(RTLD_NEXT, "write"));
     gu32ReadDelay = Number("STORM_READ_DELAY", 0);
     gu32WriteDelay = Number("STORM_WRITE_DELAY", 0);
+    gbRecordsWrites = Number("STORM_RECORDS_WRITES", 0) != 0;
 }
 
 } // namespace
@@ -294,8 +297,13 @@ uint32_t gu32WriteDelay = 0;
 
 [[gnu::visibility("default")]] ssize_t write(int iDescriptor, const void *pvBuffer, size_t uCount) {
     Delay(gu32WriteDelay, iDescriptor);
-    return gpfnWrite != nullptr ? gpfnWrite(iDescriptor, pvBuffer, uCount)
-                                : syscall(SYS_write, iDescriptor, pvBuffer, uCount);
+    const ssize_t iWritten = gpfnWrite != nullptr
+                                 ? gpfnWrite(iDescriptor, pvBuffer, uCount)
+                                 : syscall(SYS_write, iDescriptor, pvBuffer, uCount);
+    if (gbRecordsWrites && iWritten > 0 && IsStream(iDescriptor)) {
+        RecordLine(TheStorm(), "wrote " + std::to_string(iWritten));
+    }
+    return iWritten;
 }
 
 // NOLINTEND(readability-inconsistent-declaration-parameter-name)
@@ -327,10 +335,15 @@ int32_t RegisterCallback(uint32_t /*hDevice*/, WiMAXCallback pfnCallback, uint32
 
 int32_t SendWiMAXMessage(uint32_t /*hDevice*/, void *pvMessage, uint32_t u32Length) {
     Storm &stStorm = TheStorm();
-    const auto *pucMessage = static_cast<const uint8_t *>(pvMessage);
-    RecordLine(stStorm,
-               "send " + std::to_string(pucMessage[0]) + "/" + std::to_string(pucMessage[2]) + " " +
-                   Hexadecimal(pucMessage + WIMAX_HEADER_SIZE, u32Length - WIMAX_HEADER_SIZE));
+    if (pvMessage == nullptr || u32Length < WIMAX_HEADER_SIZE) {
+        RecordLine(stStorm, "send nothing");
+    } else {
+        const auto *pucMessage = static_cast<const uint8_t *>(pvMessage);
+        RecordLine(stStorm,
+                   "send " + std::to_string(pucMessage[0]) + "/" + std::to_string(pucMessage[2]) +
+                       " " +
+                       Hexadecimal(pucMessage + WIMAX_HEADER_SIZE, u32Length - WIMAX_HEADER_SIZE));
+    }
     HangIf(stStorm, "send");
     if (stStorm.strSend == "answers" && !bOfTheStorm && !stStorm.apstRunning.empty()) {
         WaitForMessage(stStorm);
