@@ -82,7 +82,7 @@ std::atomic<bool> gbOtherDone{false};
 // Another writer may have to wait for the stopped one: then time goes by.
 void OnForbiddenRead(int /*iSignal*/) {
     gbStopped = true;
-    for (int i = 0; i < 300 && !gbOtherDone; ++i) {
+    for (int i = 0; i < 30 && !gbOtherDone; ++i) {
         poll(nullptr, 0, 1);
     }
     mprotect(gpucSecondHalf, guPage, PROT_READ);
