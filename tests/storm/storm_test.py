@@ -537,7 +537,7 @@ class Cancelling(StormTest):
 
     def cancelled(self, **settings):
         """Closes and opens again under a flood; the console goes on."""
-        hung = 0
+        broken = []
         for _ in range(RUNS):
             with Client(close="cancels", body=600, **settings) as client:
                 try:
@@ -554,16 +554,16 @@ class Cancelling(StormTest):
                         client.wait_until(
                             lambda: client.process.poll() is not None, "the end", 5
                         )
-                except Broken:
-                    hung += 1
+                except (Broken, BrokenPipeError) as error:
+                    broken.append(f"{error}; {client.state()}")
                     continue
                 rest = client.reads_until_end()
                 menus = Stream(rest, 600).rest
                 self.assertEqual(menus, MAIN_MENU + (MAIN_MENU + SUCCESS + MAIN_MENU) * 4)
                 self.assertEqual(client.process.returncode, 0)
                 self.assertEqual(client.errors(), "")
-        print(f"hung: {hung} of {RUNS}")
-        self.assertEqual(hung, 0, f"hung, of {RUNS}")
+        print(f"hung or killed: {len(broken)} of {RUNS}")
+        self.assertFalse(broken, broken[:1])
 
     def test_threads_cancelled_at_the_next_system_call(self):
         self.cancelled(threads=2)
