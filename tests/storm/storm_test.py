@@ -2,6 +2,10 @@
 """Everything that can go wrong around the client, on library threads that never rest. README.md in
 tests/ says how to run it by hand."""
 
+import sys
+
+sys.dont_write_bytecode = True  # the sources stay as they are
+
 import argparse
 import contextlib
 import fcntl
@@ -12,7 +16,6 @@ import re
 import signal
 import socket
 import subprocess
-import sys
 import termios
 import threading
 import time
