@@ -113,6 +113,7 @@ class Client:
         self.kept = []  # our copies of the client's ends
         self.seen = b""
         environment = {**os.environ, **SANITIZERS, "STORM_RECORD": str(self.record_path)}
+        environment["TSAN_OPTIONS"] += ":atexit_sleep_ms=0"  # the end is what is measured
         environment.update({"STORM_" + key.upper(): str(value) for key, value in storm.items()})
         self.screen, out = self.open_output(output)
         self.input, inside = (self.screen, out) if self.terminal else self.open_input(input)

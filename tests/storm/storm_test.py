@@ -824,10 +824,14 @@ class Reports:
         self.different = different
         self.texts = set()
         with Client(messages="each", threads=1, seed=seed, count=2 * different + 1) as client:
-            client.read_until(MAIN_MENU + self.MARK % 40000)
+            last = self.MARK % (40000 + different)
+            text = client.read_until(last)
+            if MAIN_MENU not in text:
+                client.read_until(MAIN_MENU)
+            text = text.replace(MAIN_MENU, b"")
             for i in range(different):
-                mark = self.MARK % (40001 + i)
-                self.texts.add(client.read_until(mark)[: -len(mark)])
+                before, _, text = text.partition(self.MARK % (40001 + i))
+                self.texts.add(before.removeprefix(self.MARK % 40000))
             client.close_input()
             client.reads_until_end()
         self.texts.discard(b"")
