@@ -1,10 +1,15 @@
 #include "Shared.h"
 
 #include <atomic>
+#include <csignal>
+#include <cstring>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 namespace {
 
@@ -65,6 +70,52 @@ TEST(SharedTest, AReaderSeesWholeWritesOfSeveralThreads) {
     }
     EXPECT_EQ(iTorn, 0);
     EXPECT_TRUE(IsOfOneWrite(stTable.Load()));
+}
+
+// Bytes that cannot be read beyond the middle before somebody else has had time
+// to write: a thread that stores them is stopped in the middle of its write.
+uint8_t *gpucSecondHalf = nullptr;
+size_t guPage = 0;
+std::atomic<bool> gbStopped{false};
+std::atomic<bool> gbOtherDone{false};
+
+// Another writer may have to wait for the stopped one: then time goes by.
+void OnForbiddenRead(int /*iSignal*/) {
+    gbStopped = true;
+    for (int i = 0; i < 30 && !gbOtherDone; ++i) {
+        poll(nullptr, 0, 1);
+    }
+    mprotect(gpucSecondHalf, guPage, PROT_READ);
+}
+
+TEST(SharedTest, AThreadStoppedInTheMiddleOfItsWriteLeavesNothingTorn) {
+    guPage = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    void *pvPages =
+        mmap(nullptr, 2 * guPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(pvPages, MAP_FAILED);
+    std::memset(pvPages, 1, 2 * guPage);
+    gpucSecondHalf = static_cast<uint8_t *>(pvPages) + guPage;
+    mprotect(gpucSecondHalf, guPage, PROT_NONE);
+    struct sigaction stAction {};
+    struct sigaction stBefore {};
+    stAction.sa_handler = OnForbiddenRead;
+    sigaction(SIGSEGV, &stAction, &stBefore);
+
+    Table stTable;
+    std::thread Slow([&] { stTable.Store(0, {gpucSecondHalf - u32Size / 2, u32Size}); });
+    std::thread Quick([&] {
+        const Record<u32Size> stOwn = Filled(2);
+        while (!gbStopped) {
+            std::this_thread::yield();
+        }
+        stTable.Store(0, stOwn.View());
+        gbOtherDone = true;
+    });
+    Slow.join();
+    Quick.join();
+    sigaction(SIGSEGV, &stBefore, nullptr);
+    EXPECT_TRUE(IsOfOneWrite(stTable.Load()));
+    munmap(pvPages, 2 * guPage);
 }
 
 } // namespace
