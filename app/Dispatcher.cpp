@@ -109,31 +109,24 @@ uint32_t Decode(const WiMAXMessage *pstMessage, uint32_t u32Length) {
     return pfnDecode(pstMessage);
 }
 
-// A library that cancels its thread while it waits for the end of a report gets
-// its way behind the report, which would stop in the middle otherwise and keep
-// the output from everybody else.
-struct CancelledLater {
-    CancelledLater() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &iBefore); }
-    ~CancelledLater() { pthread_setcancelstate(iBefore, nullptr); }
-    CancelledLater(const CancelledLater &) = delete;
-    CancelledLater &operator=(const CancelledLater &) = delete;
-    int iBefore = PTHREAD_CANCEL_ENABLE;
-};
-
 } // namespace
 
 uint32_t TVLCallback(uint32_t /*u32Context*/, const WiMAXMessage *pstMessage, uint32_t u32Length) {
-    const CancelledLater stCancelledLater;
-    if (!BeginReport()) {
-        return 0;
-    }
+    // A library that cancels its thread gets its way behind the report, which would
+    // stop in the middle otherwise and keep the output from everybody else. No
+    // guard object: a destructor could not let the cancellation through.
+    int iCancelStateBefore = PTHREAD_CANCEL_ENABLE;
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &iCancelStateBefore);
     uint32_t u32Result = 0;
-    try {
-        u32Result = Decode(pstMessage, u32Length);
-    } catch (...) { // the library is no place for it; decoders throw for nothing else
-        EndWithoutMemory();
+    if (BeginReport()) {
+        try {
+            u32Result = Decode(pstMessage, u32Length);
+        } catch (...) { // the library is no place for it; decoders throw for nothing else
+            EndWithoutMemory();
+        }
+        FlushOutput();
+        EndReport();
     }
-    FlushOutput();
-    EndReport();
+    pthread_setcancelstate(iCancelStateBefore, nullptr);
     return u32Result;
 }

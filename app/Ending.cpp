@@ -127,7 +127,7 @@ int IdleLimit() { return giEndEvent >= 0 ? -1 : iLookAgain; }
 
 void LimitLastReport() {
     uint32_t u32None = 0;
-    const uint32_t u32Deadline = Now() + u32LastReportTime;
+    const uint32_t u32Deadline = Now() + static_cast<uint32_t>(iLastReportTime);
     gu32Deadline.compare_exchange_strong(u32None, u32Deadline != 0 ? u32Deadline : 1);
 }
 

@@ -13,7 +13,7 @@ struct ClientEnd {
 
 // How long, in milliseconds, a report under way may still be written once the
 // client ends: with the close of the device it makes less than half a second.
-inline constexpr uint32_t u32LastReportTime = 400;
+inline constexpr int iLastReportTime = 300;
 
 // Catches the signals that end the client, but for those that were ignored
 // before. Called again, it begins anew.
@@ -40,7 +40,7 @@ int EndEvent();
 int IdleLimit();
 inline constexpr int iLookAgain = 50;
 
-// From the moment the client is told to end, reports have u32LastReportTime
+// From the moment the client is told to end, reports have iLastReportTime
 // left; at a leave by choice, from this call on.
 void LimitLastReport();
 // Ends that time now.

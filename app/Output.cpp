@@ -18,9 +18,11 @@ constinit thread_local OutputBuffer *gpstOutput = nullptr;
 
 namespace {
 
-// The menus, the library's thread, and some more for a library with several.
-// Who comes when all are taken waits for the end of a report.
-OutputBuffer gastBuffers[8];
+// The menus have a buffer of their own; reports of more threads than have one at
+// a time wait for the end of another.
+OutputBuffer gstMenuBuffer;
+OutputBuffer gastReportBuffers[7];
+constinit thread_local bool gbMenuThread = false;
 
 // Turns at the output, in the order of asking.
 std::atomic<uint32_t> gu32NextTurn{0};
@@ -36,8 +38,11 @@ std::atomic<bool> gbClosed{false};
 void WaitAMillisecond() { poll(nullptr, 0, 1); }
 
 OutputBuffer *TakeBuffer() {
+    if (gbMenuThread) {
+        return &gstMenuBuffer;
+    }
     for (;;) {
-        for (OutputBuffer &stBuffer : gastBuffers) {
+        for (OutputBuffer &stBuffer : gastReportBuffers) {
             if (!stBuffer.Taken.test_and_set(std::memory_order_acquire)) {
                 return &stBuffer;
             }
@@ -73,7 +78,8 @@ void LeaveOutput(OutputBuffer *pstBuffer) {
 }
 
 // Waits until the output takes something; false when the client ends first.
-bool WaitForRoom() {
+// *piIdle is how long it has taken nothing while the client was leaving.
+bool WaitForRoom(int *piIdle) {
     const int iTimeLeft = TimeLeft();
     if (iTimeLeft == 0) {
         return false;
@@ -82,7 +88,10 @@ bool WaitForRoom() {
     if (iTimeLeft > 0) {
         poll(astPoll, 1, iTimeLeft);
     } else if (IsEnding()) {
-        poll(astPoll, 1, iLookAgain); // the limit may come yet
+        // The client is leaving: an output that takes nothing does not hold it up.
+        if (poll(astPoll, 1, iLookAgain) == 0 && (*piIdle += iLookAgain) >= iLastReportTime) {
+            EndLastReport();
+        }
     } else {
         poll(astPoll, 2, IdleLimit());
     }
@@ -92,16 +101,18 @@ bool WaitForRoom() {
 // Writes all of it, or as much as the output takes until the client ends.
 void WriteWhole(std::string_view strText) {
     bool bJustWaited = false;
+    int iIdle = 0;
     while (!strText.empty()) {
         const ssize_t iWritten = WriteOutput(strText.data(), strText.size());
         if (iWritten >= 0) {
             strText.remove_prefix(static_cast<size_t>(iWritten));
             bJustWaited = false;
+            iIdle = 0;
         } else if (errno == EAGAIN) {
             if (bJustWaited) {
                 WaitAMillisecond(); // room for less than the smallest piece
             }
-            if (!WaitForRoom()) {
+            if (!WaitForRoom(&iIdle)) {
                 return;
             }
             bJustWaited = true;
@@ -222,6 +233,7 @@ void CloseOutput() {
 
 void OpenOutput() {
     DropPendingOutput();
+    gbMenuThread = true;
     gu32NextTurn = 0;
     gu32Turn = 0;
     gu32Reports = 0;

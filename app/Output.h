@@ -65,7 +65,7 @@ void EndReport();
 // Waits, not long, for the reports under way and lets nothing through any more.
 void CloseOutput();
 
-// Makes the output ready. Call it when no other thread prints.
+// Makes the output ready. Call it on the menus' thread when no other one prints.
 void OpenOutput();
 
 #endif

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstdint>
 #include <cstring>
+#include <thread>
 
 #include "Wire.h"
 
@@ -21,6 +22,7 @@ template <uint32_t u32Size> struct SharedBytes {
     void Store(uint32_t u32Offset, ByteView stFrom) {
         uint32_t u32Before = u32Writes;
         while (u32Before % 2 != 0 || !u32Writes.compare_exchange_weak(u32Before, u32Before + 1)) {
+            std::this_thread::yield();
             u32Before = u32Writes;
         }
         const uint32_t u32Count =
