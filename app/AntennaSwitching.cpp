@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <string_view>
 
 #include "AntennaRecords.h"
 #include "Console.h"
@@ -47,7 +48,7 @@ struct PinGroup {
     Field stPins;
     uint32_t u32Most;
     const char *pcCountPrompt;
-    const char *pcPinPrompt;
+    TextWith<2> stPinPrompt;
 };
 
 constexpr PinGroup astPinGroups[] = {
@@ -58,11 +59,12 @@ constexpr PinGroup astPinGroups[] = {
 };
 
 // Asks until the pin may be used beside the receive pins entered so far.
-uint32_t AskPin(ByteView stConfig, const char *pcPrompt, uint32_t u32Number, uint32_t u32Count) {
+uint32_t AskPin(ByteView stConfig, const TextWith<2> &stPrompt, uint32_t u32Number,
+                uint32_t u32Count) {
     const uint32_t au32Numbers[] = {u32Number, u32Count};
     uint32_t u32Pin = 0;
     do {
-        PutNumbers(pcPrompt, au32Numbers);
+        PutNumbers(stPrompt, au32Numbers);
         u32Pin = static_cast<uint32_t>(ReadOption());
     } while (isValidGPIO_val(stConfig, u32Pin) == 0);
     return u32Pin;
@@ -79,7 +81,7 @@ void AskPins(ByteSpan stConfig, const PinGroup &stGroup) {
     }
     for (int32_t i = 0; i < static_cast<int32_t>(u32Count); ++i) {
         const auto u32Index = static_cast<uint32_t>(i);
-        const uint32_t u32Pin = AskPin(stConfig, stGroup.pcPinPrompt, u32Index + 1, u32Count);
+        const uint32_t u32Pin = AskPin(stConfig, stGroup.stPinPrompt, u32Index + 1, u32Count);
         Put(stConfig, stGroup.stPins, u32Pin, u32Index * u32Width);
     }
 }
@@ -170,10 +172,10 @@ constexpr ReportRow stTxTotal = {"\nTotal Number of Tx GPIO's to be used: %d",
 
 // The pins of a configuration that was read: as many as the count says and the
 // record has room for.
-void PutPins(ByteView stPayload, const ReportRow &stTotal, const char *pcHeading, Field stPins,
-             uint32_t u32Most) {
+void PutPins(ByteView stPayload, const ReportRow &stTotal, std::string_view strHeading,
+             Field stPins, uint32_t u32Most) {
     PutRow(stPayload, stTotal);
-    PutText(pcHeading);
+    PutText(strHeading);
     PutElements(" %d", stPayload, stPins, std::min(Get(stPayload, stTotal.stField), u32Most));
 }
 
@@ -182,10 +184,11 @@ void PutConfigResponse(ByteView stPayload) {
     const bool bSuccess = Get(stPayload, u32Status) == 0;
     PutText("\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!");
     if (Get(stPayload, u32SetConfig) != Read) {
-        PutRow(stPayload,
-               bSuccess
-                   ? ReportRow{"\n\nSetting the GPIO configuration from Host is Successfull !!"}
-                   : ReportRow{"Error code returned: %d", u32Status});
+        if (bSuccess) {
+            PutText("\n\nSetting the GPIO configuration from Host is Successfull !!");
+        } else {
+            PutRow(stPayload, {"Error code returned: %d", u32Status});
+        }
     } else if (bSuccess) {
         PutPins(stPayload, stRxTotal, "\nList of Rx GPIO's are : ", au32RxGPIO, MaxRxGPIOs);
         PutPins(stPayload, stTxTotal, "\nList of Tx GPIO's are : ", u32TxGPIO, MaxTxGPIOs);
@@ -197,8 +200,8 @@ void PutConfigResponse(ByteView stPayload) {
 
 // A value of every scanned frame behind one title.
 struct FrameRow {
-    const char *pcTitle;
-    const char *pcValue;
+    std::string_view strTitle;
+    TextWith<1> stValue;
     Field stFirst;
 };
 
@@ -238,8 +241,8 @@ void PutScanningResponse(ByteView stPayload) {
     PutRows(stPayload, astScanRows);
     const uint32_t u32Frames = std::min(Get(stPayload, u32FramesScanned), MaxFrames);
     for (const FrameRow &stRow : astFrameRows) {
-        PutText(stRow.pcTitle);
-        PutElements(stRow.pcValue, stPayload, stRow.stFirst, u32Frames);
+        PutText(stRow.strTitle);
+        PutElements(stRow.stValue, stPayload, stRow.stFirst, u32Frames);
     }
     PutRows(stPayload, astCurrentRows);
 }

@@ -12,7 +12,7 @@ using namespace ClassifierRule;
 struct MatchGroup {
     const char *pcQuestion;
     const char *pcLength;
-    const char *pcElement;
+    TextWith<1> stElement;
     uint32_t u32MostBytes;
     Field stLength;
     Field stBytes;
@@ -76,7 +76,7 @@ void EnterMatchGroup(const SelectedSets &stSets, uint32_t u32Rule, const MatchGr
     PutInRule(stSets, u32Rule, stGroup.stLength, static_cast<uint32_t>(iLength));
     uint32_t u32Element = 0; // one that is no number repeats the one before
     for (int32_t i = 0; i < iLength; ++i) {
-        PutNumber(stGroup.pcElement, static_cast<uint32_t>(i) + 1);
+        PutNumber(stGroup.stElement, static_cast<uint32_t>(i) + 1);
         ReadHexInteger(&u32Element);
         Put(stSets, stGroup.stBytes, u32Element, OffsetOfRule(u32Rule) + static_cast<uint32_t>(i));
     }

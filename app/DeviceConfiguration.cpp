@@ -23,12 +23,27 @@ constexpr const char *apcMenuLines[] = {
 constexpr Menu stMenu = {"\n*********** DEVICE CONFIGURATION REQUESTS ***********", apcMenuLines,
                          "\n\n*****************************************************"};
 
-constexpr CodeName astIPFilterTexts[] = {
+struct StatusText {
+    uint32_t u32Status;
+    TextWith<1> stText;
+};
+
+constexpr StatusText astIPFilterTexts[] = {
     {IPFilterStatus::Success, "\nIP Filtering Status received as : IP_FILTER_STATUS_SUCCESS(%d)"},
     {IPFilterStatus::NotSupported,
      "\nIP Filtering Status received as : IP_FILTER_STATUS_NOT_SUPPORTED(%d)"},
     {IPFilterStatus::Invalid, "\nIP Filtering Status received as : IP_FILTER_STATUS_INVALID(%d)"},
 };
+
+void PutIPFilterStatus(uint32_t u32Status) {
+    for (const StatusText &stText : astIPFilterTexts) {
+        if (stText.u32Status == u32Status) {
+            PutNumber(stText.stText, u32Status);
+            return;
+        }
+    }
+    PutNumber("\nIP Filtering Status received as %d", u32Status);
+}
 
 // Reads one word and takes the octets from it. A sign counts as one of the two
 // characters of an octet, and a negative octet is sent as its low byte.
@@ -78,12 +93,9 @@ uint32_t DeviceConfigResp(const WiMAXMessage *pstMessage) {
     switch (stReceived.u32SubType) {
     case SUBTYPE_CINR_RSSI_THRESHOLD:
         return static_cast<uint8_t>(SetCinrRssiForNetworkSearchResponse(pstMessage));
-    case SUBTYPE_IP_FILTER_STATUS_IND: {
-        const uint32_t u32Status = Get(stReceived.stPayload, IPFilterStatus::u32Status);
-        PutNumber(NameOf(astIPFilterTexts, u32Status, "\nIP Filtering Status received as %d"),
-                  u32Status);
+    case SUBTYPE_IP_FILTER_STATUS_IND:
+        PutIPFilterStatus(Get(stReceived.stPayload, IPFilterStatus::u32Status));
         return 1;
-    }
     default:
         return 1;
     }

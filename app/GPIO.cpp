@@ -131,7 +131,13 @@ void PutBitState(ByteView stPayload) {
     PutText(Get(stPayload, GPIOBit::u32Value) != 0 ? "SET" : "UNSET");
 }
 
-constexpr ReportRow astLEDEntryRows[] = {
+// A row that begins with the entry's index.
+struct LEDEntryRow {
+    TextWith<2> stText;
+    Field stField;
+};
+
+constexpr LEDEntryRow astLEDEntryRows[] = {
     {"StateInfo[%d].ucLedType = %x\n", LEDEntry::ucLedType},
     {"StateInfo[%d].ucLedOnState = %x\n", LEDEntry::ucLedOnState},
     {"StateInfo[%d].ucLedBlinkState = %x\n", LEDEntry::ucLedBlinkState},
@@ -139,10 +145,10 @@ constexpr ReportRow astLEDEntryRows[] = {
 
 void PutLEDState(ByteView stPayload) {
     for (uint32_t i = 0; i < LEDEntry::Count; ++i) {
-        for (const ReportRow &stRow : astLEDEntryRows) {
+        for (const LEDEntryRow &stRow : astLEDEntryRows) {
             const uint32_t au32Numbers[] = {
                 i, Get(stPayload, stRow.stField, LEDState::astEntries + i * LEDEntry::Size)};
-            PutNumbers(stRow.pcText, au32Numbers);
+            PutNumbers(stRow.stText, au32Numbers);
         }
     }
     PutText("GET Information updated to driver");

@@ -22,10 +22,12 @@ void PutSuccess(ByteView stPayload) {
     if (Get(stPayload, u8IPRefreshNeeded) != 0) {
         PutLine("\nIP Refresh needs to be done");
     }
-    PutRow(stPayload, {HasVendorData(stPayload, u32VendorSpecificDataLength)
-                           ? "\nVENDOR SPECIFIC DATA LENGTH : %d\n"
-                           : "\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS %d\n",
-                       u32VendorSpecificDataLength});
+    if (HasVendorData(stPayload, u32VendorSpecificDataLength)) {
+        PutRow(stPayload, {"\nVENDOR SPECIFIC DATA LENGTH : %d\n", u32VendorSpecificDataLength});
+    } else {
+        PutRow(stPayload, {"\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS %d\n",
+                           u32VendorSpecificDataLength});
+    }
     PutVendorData("\nVENDOR SPECIFIC DATA", stPayload, u32VendorSpecificDataLength,
                   au8VendorSpecificData);
 }

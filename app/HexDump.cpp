@@ -1,37 +1,49 @@
 #include "HexDump.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "Console.h"
 
 namespace {
 
-template <typename Text> const char *DigitsOf(const Text &stText) {
-    return stText.bUpperCase ? "0123456789ABCDEF" : "0123456789abcdef";
+constexpr std::array<char, 512> PairsOf(const char *pcDigits) {
+    std::array<char, 512> acPairs{};
+    for (size_t i = 0; i < acPairs.size(); i += 2) {
+        acPairs[i] = pcDigits[i / 32];
+        acPairs[i + 1] = pcDigits[i / 2 % 16];
+    }
+    return acPairs;
 }
 
 } // namespace
 
+constinit const std::array<char, 512> acLowerPairs = PairsOf("0123456789abcdef");
+constinit const std::array<char, 512> acUpperPairs = PairsOf("0123456789ABCDEF");
+
 char *WriteEachByte(char *pcTo, const HexByte &stByte, ByteView stBytes) {
-    const char *pcDigits = DigitsOf(stByte);
+    const char *pcPairs = HexPairs(stByte.bUpperCase);
+    const uint32_t u32FirstDigit = stByte.u8FirstDigit;
+    const uint32_t u32Length = stByte.u8Length;
+    char acText[HexByte::Size];
+    std::memcpy(acText, stByte.acText, sizeof acText);
     for (uint32_t i = 0; i < stBytes.u32Length; ++i) {
-        const uint8_t u8Value = stBytes.pucData[i];
         // Every text is copied at its full size, which takes one instruction; the
         // next one overwrites what is too much.
-        std::memcpy(pcTo, stByte.acText, HexByte::Size);
-        pcTo[stByte.u8FirstDigit] = pcDigits[u8Value >> 4];
-        pcTo[stByte.u8FirstDigit + 1] = pcDigits[u8Value & 0xF];
-        pcTo += stByte.u8Length;
+        std::memcpy(pcTo, acText, sizeof acText);
+        std::memcpy(pcTo + u32FirstDigit, pcPairs + size_t{2} * stBytes.pucData[i], 2);
+        pcTo += u32Length;
     }
     return pcTo;
 }
 
 char *WriteHexLine(char *pcTo, const HexAddress &stLine, uint32_t u32Address, const HexByte &stByte,
                    ByteView stBytes) {
-    const char *pcDigits = DigitsOf(stLine);
+    const char *pcPairs = HexPairs(stLine.bUpperCase);
     std::memcpy(pcTo, stLine.acText, HexAddress::Size);
-    for (uint32_t i = 8; i-- > 0; u32Address >>= 4) {
-        pcTo[stLine.u8FirstDigit + i] = pcDigits[u32Address & 0xF];
+    for (uint32_t i = 0; i < 4; ++i) {
+        std::memcpy(pcTo + stLine.u8FirstDigit + size_t{2} * i,
+                    pcPairs + size_t{2} * (u32Address >> (24 - 8 * i) & 0xFF), 2);
     }
     return WriteEachByte(pcTo + stLine.u8Length, stByte, stBytes);
 }
@@ -47,9 +59,14 @@ void PutEachByte(const HexByte &stByte, ByteView stBytes) {
 
 void PutHexLines(const HexAddress &stLine, uint32_t u32Address, const HexByte &stByte,
                  ByteView stBytes) {
-    for (uint32_t i = 0; i < stBytes.u32Length; i += u32BytesALine) {
-        char *pcRoom = OutputRoom(uMostHexLine);
-        EndOutputAt(
-            WriteHexLine(pcRoom, stLine, u32Address + i, stByte, stBytes.From(i, u32BytesALine)));
+    constexpr uint32_t u32Piece = 128 * u32BytesALine;
+    for (uint32_t i = 0; i < stBytes.u32Length;) {
+        const uint32_t u32End = std::min(stBytes.u32Length, i + u32Piece);
+        char *pcTo = OutputRoom(u32Piece / u32BytesALine * uMostHexLine);
+        for (; i < u32End; i += u32BytesALine) {
+            pcTo =
+                WriteHexLine(pcTo, stLine, u32Address + i, stByte, stBytes.From(i, u32BytesALine));
+        }
+        EndOutputAt(pcTo);
     }
 }

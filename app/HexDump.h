@@ -2,6 +2,7 @@
 #ifndef HEX_DUMP_H
 #define HEX_DUMP_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -45,6 +46,12 @@ template <uint8_t u8Digits> struct HexText {
 using HexByte = HexText<2>;
 using HexAddress = HexText<8>;
 
+// The two digits of every byte, one after the other.
+extern const std::array<char, 512> acLowerPairs;
+extern const std::array<char, 512> acUpperPairs;
+inline const char *HexPairs(bool bUpperCase) {
+    return bUpperCase ? acUpperPairs.data() : acLowerPairs.data();
+}
 // Writes each byte by the same text, at most HexByte::Size characters each and
 // never more than as many behind the last one's end; returns where that is.
 char *WriteEachByte(char *pcTo, const HexByte &stByte, ByteView stBytes);

@@ -1,5 +1,7 @@
 #include "IdleMode.h"
 
+#include <string_view>
+
 #include "Console.h"
 #include "Input.h"
 #include "LinkRecords.h"
@@ -40,10 +42,11 @@ constexpr ReportRow astIndicationRows[] = {
 };
 
 // A report of one word.
-uint32_t PutWordReport(const WiMAXMessage *pstMessage, const char *pcBanner, const char *pcText) {
+uint32_t PutWordReport(const WiMAXMessage *pstMessage, std::string_view strBanner,
+                       const ReportRow &stRow) {
     if (pstMessage != nullptr) {
-        PutLine(pcBanner);
-        PutRow(View(pstMessage).stPayload, {pcText, StatusWord::u32Value});
+        PutLine(strBanner);
+        PutRow(View(pstMessage).stPayload, stRow);
         PutLine(pcIndicationClosing);
     }
     return 0;
@@ -121,13 +124,13 @@ uint32_t IdleModeIndication(const WiMAXMessage *pstMessage) {
 
 uint32_t IdleModeStatusResponse(const WiMAXMessage *pstMessage) {
     return PutWordReport(pstMessage, "\n~~~~~~~~~~ IDLE MODE STATUS RESPONSE ~~~~~~~~~~\n",
-                         "IDLE MODE STATUS : %d \n");
+                         {"IDLE MODE STATUS : %d \n", StatusWord::u32Value});
 }
 
 uint32_t IdleModeInactivityTImerResponse(const WiMAXMessage *pstMessage) {
-    return PutWordReport(pstMessage,
-                         "\n~~~~~~~~~~ IDLE MODE INACTIVITY TIMER RESPONSE ~~~~~~~~~~\n",
-                         "IDLE MODE INACTIVITY TIMER RETURN STATUS : %d \n");
+    return PutWordReport(
+        pstMessage, "\n~~~~~~~~~~ IDLE MODE INACTIVITY TIMER RESPONSE ~~~~~~~~~~\n",
+        {"IDLE MODE INACTIVITY TIMER RETURN STATUS : %d \n", StatusWord::u32Value});
 }
 
 uint32_t IdleModeWakeupResponse(const WiMAXMessage *pstMessage) {

@@ -1,6 +1,7 @@
 #include "LinkStatus.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "Console.h"
 #include "Message.h"
@@ -17,8 +18,8 @@ constexpr uint32_t u32HalfMiniCardPause = 1000000; // microseconds
 
 constexpr ReportRow stStationBSID = {"\nBS ID  :%02X %02X %02X %02X %02X %02X",
                                      BaseStation::aucBSID};
-constexpr const char *pcStationHeading = "\nBASE STATION : %d\n-------------------\n";
-constexpr const char *pcStationsFound = "\n%d BASE STATIONS FOUND.\n";
+constexpr TextWith<1> stStationHeading = "\nBASE STATION : %d\n-------------------\n";
+constexpr ReportRow stStationsFound = {"\n%d BASE STATIONS FOUND.\n", StationList::u32NumStations};
 
 constexpr ReportRow astStationRows[] = {
     {"\nPreamble Index ID  :%d", BaseStation::u32PreambleIndex},
@@ -158,21 +159,23 @@ uint32_t StationsPresent(ByteView stPayload) {
 void PutSearchResponse(ByteView stPayload) {
     constexpr const char *pcBanner = "\n~~~~~~~~~~ NETWORK SEARCH RESPONSE RECEIVED ~~~~~~~~~~";
     PutLine(pcBanner);
-    PutRow(stPayload, {pcStationsFound, StationList::u32NumStations});
+    PutRow(stPayload, stStationsFound);
     PutText(NameOf(astSearchStatus, Get(stPayload, StationList::u32SearchStatus),
                    "SEARCH TIMED OUT!!"));
     // Twenty stations have room in the table, and those are shown.
     const uint32_t u32Stations = std::min(StationsPresent(stPayload), u32MaxBaseStations);
     for (uint32_t i = 0; i < u32Stations; ++i) {
         const ByteView stStation = StationAt(stPayload, i);
-        PutNumber(pcStationHeading, i + 1);
+        PutNumber(stStationHeading, i + 1);
         PutRow(stStation, stStationBSID);
         PutMapKind(stStation, BaseStation::u8CompressedMap);
-        g_u32NAPID = NAPIDOf(stStation);
         PutNumber("\nNAPID  :%d", NAPIDOf(stStation));
         PutRows(stStation, astStationRows);
-        g_BSINFO.Store(i * BaseStation::Size, stStation);
     }
+    if (u32Stations != 0) {
+        g_u32NAPID = NAPIDOf(StationAt(stPayload, u32Stations - 1));
+    }
+    g_BSINFO.Store(0, stPayload.From(StationList::astStations, u32Stations * BaseStation::Size));
     g_u32NumberOfBaseStations = u32Stations;
     PutClosingLine(pcBanner);
 }
@@ -253,19 +256,19 @@ void PutNetworkEntryStatus(ByteView stPayload) {
 }
 
 // A report whose one word says yes (zero) or no.
-void PutShutdownState(const char *pcBanner, ByteView stPayload, const char *pcShutDown,
-                      const char *pcNotShutDown) {
-    PutLine(pcBanner);
-    PutText(Get(stPayload, StatusWord::u32Value) == 0 ? pcShutDown : pcNotShutDown);
-    PutClosingLine(pcBanner);
+void PutShutdownState(const Banner &stBanner, ByteView stPayload, std::string_view strShutDown,
+                      std::string_view strNotShutDown) {
+    PutLine(stBanner.strText);
+    PutText(Get(stPayload, StatusWord::u32Value) == 0 ? strShutDown : strNotShutDown);
+    PutClosingLine(stBanner);
 }
 
 void PutPeriodicWakeUp(ByteView stPayload) {
     PutLine("\n\n~~~~~~~~~~ PERIODIC WAKE UP INDICATION RECEIVED IN SHUTDOWN MODE ~~~~~~~~~~");
-    PutRow(stPayload, {pcStationsFound, StationList::u32NumStations});
+    PutRow(stPayload, stStationsFound);
     for (uint32_t i = 0; i < StationsPresent(stPayload); ++i) {
         const ByteView stStation = StationAt(stPayload, i);
-        PutNumber(pcStationHeading, i + 1);
+        PutNumber(stStationHeading, i + 1);
         PutRow(stStation, stWakeUpBSID);
         PutMapKind(stStation, BaseStation::u8CompressedMap);
         PutRows(stStation, astWakeUpRows);
@@ -287,9 +290,9 @@ void PutHalfMiniCardResponse() {
 } // namespace
 
 void DisplayLinkStatus(uint32_t u32Reason) {
-    const char *pcName = NameOf(astLinkReasons, u32Reason, nullptr);
-    if (pcName != nullptr) {
-        PutText(pcName);
+    const std::string_view strName = NameOf(astLinkReasons, u32Reason, "");
+    if (!strName.empty()) {
+        PutText(strName);
     } else {
         PutNumber("UNKNOWN ERROR, (0x%X)", u32Reason);
     }

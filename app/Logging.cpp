@@ -1,5 +1,7 @@
 #include "Logging.h"
 
+#include <string_view>
+
 #include "Console.h"
 #include "DiagnosticRecords.h"
 #include "Menu.h"
@@ -42,7 +44,7 @@ void PutLogData(const WiMAXMessage *pstMessage, uint32_t u32Size) {
 
 // How one kind of log is printed.
 struct LogForm {
-    const char *pcUnderline;
+    std::string_view strUnderline;
     uint32_t u32EntrySize;
     void (*pfnPutEntry)(ByteView stEntry);
 };
@@ -55,9 +57,10 @@ bool IsEmpty(ByteView stData, uint16_t u16Length) {
     return true;
 }
 
-void PutLog(const LogForm &stForm, const char *pcHeading, ByteView stData, uint16_t u16Length) {
-    PutText(pcHeading);
-    PutLine(stForm.pcUnderline);
+void PutLog(const LogForm &stForm, std::string_view strHeading, ByteView stData,
+            uint16_t u16Length) {
+    PutText(strHeading);
+    PutLine(stForm.strUnderline);
     const int32_t iAnnounced =
         static_cast<int16_t>(u16Length) / static_cast<int32_t>(stForm.u32EntrySize);
     const uint32_t u32Entries = RecordsPresent(stData, 0, stForm.u32EntrySize, iAnnounced);
@@ -104,7 +107,7 @@ void PutPowerEntry(ByteView stEntry) {
 constexpr LogForm stPowerForm = {"\n*********************************", PowerLogEntry::Size,
                                  PutPowerEntry};
 
-constexpr const char *pcShortUnderline = "\n************";
+constexpr std::string_view strShortUnderline = "\n************";
 
 constexpr ReportRow astBandwidthRows[] = {
     {"\nALLOCATION RECEIVED : %d", BandwidthLogEntry::u16AllocationReceived},
@@ -125,7 +128,7 @@ void PutBandwidthEntry(ByteView stEntry) {
     PutRows(stEntry, astBandwidthRows);
 }
 
-constexpr LogForm stBandwidthForm = {pcShortUnderline, BandwidthLogEntry::Size, PutBandwidthEntry};
+constexpr LogForm stBandwidthForm = {strShortUnderline, BandwidthLogEntry::Size, PutBandwidthEntry};
 
 constexpr ReportRow astCIDRows[] = {
     {"\nCID : %d", CIDLogEntry::u16CID},
@@ -134,24 +137,24 @@ constexpr ReportRow astCIDRows[] = {
     {"\nARQ : %d\n", CIDLogEntry::u16ARQ},
 };
 
-constexpr LogForm stCIDForm = {pcShortUnderline, CIDLogEntry::Size,
+constexpr LogForm stCIDForm = {strShortUnderline, CIDLogEntry::Size,
                                [](ByteView stEntry) { PutRows(stEntry, astCIDRows); }};
 
-constexpr LogForm stCQICHForm = {pcShortUnderline, CQICHLogEntry::Size, [](ByteView stEntry) {
+constexpr LogForm stCQICHForm = {strShortUnderline, CQICHLogEntry::Size, [](ByteView stEntry) {
                                      PutRow(stEntry, {"\nCQICH : %d\n", CQICHLogEntry::u32Value});
                                  }};
 
 // A log whose heading depends on the kind.
-void PutLogOfKind(const LogForm &stForm, const char *pcHeading, const char *pcUnknown,
+void PutLogOfKind(const LogForm &stForm, std::string_view strHeading, std::string_view strUnknown,
                   ByteView stData, uint16_t u16Length) {
     if (IsEmpty(stData, u16Length)) {
         return;
     }
-    if (pcHeading == nullptr) {
-        PutLine(pcUnknown);
+    if (strHeading.empty()) {
+        PutLine(strUnknown);
         return;
     }
-    PutLog(stForm, pcHeading, stData, u16Length);
+    PutLog(stForm, strHeading, stData, u16Length);
 }
 
 void PutLogger(uint32_t u32Kind, ByteView stData, uint16_t u16Length) {
@@ -218,12 +221,12 @@ uint32_t LogIndication(const WiMAXMessage *pstMessage) {
 }
 
 void DisplayRangeLog(uint32_t u32Kind, ByteView stData, uint16_t u16Length) {
-    PutLogOfKind(stRangingForm, NameOf(astRangingHeadings, u32Kind, nullptr),
+    PutLogOfKind(stRangingForm, NameOf(astRangingHeadings, u32Kind, ""),
                  "\nUNKNOWN RANGING LOG TYPE!!", stData, u16Length);
 }
 
 void DisplayPowerAdjLog(uint32_t u32Kind, ByteView stData, uint16_t u16Length) {
-    PutLogOfKind(stPowerForm, NameOf(astPowerHeadings, u32Kind, nullptr),
+    PutLogOfKind(stPowerForm, NameOf(astPowerHeadings, u32Kind, ""),
                  "\nUNKNOWN POWER ADJ LOG TYPE!!", stData, u16Length);
 }
 
@@ -245,12 +248,12 @@ void DisplayCQICHLog(ByteView stData, uint16_t u16Length) {
     }
 }
 
-uint32_t DebugDump(const char *pcTitle, ByteView stData) {
+uint32_t DebugDump(std::string_view strTitle, ByteView stData) {
     if (stData.pucData == nullptr || stData.u32Length == 0) {
         return 0;
     }
     PutText("\n================= ");
-    PutText(pcTitle);
+    PutText(strTitle);
     PutText(" =================\n");
     PutHexLines("\n %08x : ", 0, "%02x ", stData);
     PutLine("\n================================================");

@@ -3,6 +3,7 @@
 #define LOGGING_H
 
 #include <cstdint>
+#include <string_view>
 
 #include "Wire.h"
 
@@ -28,6 +29,6 @@ void DisplayCQICHLog(ByteView stData, uint16_t u16Length);
 
 // Prints the bytes under a title, eight a line; nothing when there are none.
 // Returns 0.
-uint32_t DebugDump(const char *pcTitle, ByteView stData);
+uint32_t DebugDump(std::string_view strTitle, ByteView stData);
 
 #endif

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <span>
+#include <string_view>
 
 #include "Console.h"
 #include "MIBRecord.h"
@@ -17,7 +18,7 @@ constexpr const char *pcClosingRule = "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~
 // A record of an answer.
 struct MIBAnswer {
     uint32_t u32AttributeID;
-    int32_t iStatus;
+    uint32_t u32Status;
     uint32_t u32DataLength;
     ByteView stValue;  // the value's bytes, as many as stated and in the payload
     ByteView stLayout; // all of the payload from the value on: for fixed layouts
@@ -29,39 +30,39 @@ MIBAnswer ReadRecord(ByteView stBytes) {
     using namespace MIBRecord;
     const ByteView stLayout = stBytes.From(aucValue);
     const uint32_t u32DataLength = Get(stBytes, MIBRecord::u32DataLength);
-    return {Get(stBytes, u32AttributeID), GetSigned(stBytes, s8Status), u32DataLength,
+    return {Get(stBytes, u32AttributeID), Get(stBytes, s8Status), u32DataLength,
             stLayout.From(0, u32DataLength), stLayout,
             // A record without a value has one value byte all the same.
             stLayout.From(std::max(u32DataLength, Size - aucValue))};
 }
 
 // Every modulation and coding scheme has one counter in a group.
-constexpr const char *apcSchemes[] = {
+constexpr std::string_view astrSchemes[] = {
     "CCQpsk12Rate1",  "CCQpsk12Rate2",  "CCQpsk12Rate4",  "CCQpsk12Rate6",  "CCQpsk34",
     "CC16Qam12",      "CC16Qam34",      "CC64Qam12",      "CC64Qam23",      "CC64Qam34",
     "CTCQpsk12Rate1", "CTCQpsk12Rate2", "CTCQpsk12Rate4", "CTCQpsk12Rate6", "CTCQpsk34",
     "CTC16Qam12",     "CTC16Qam34",     "CTC64Qam12",     "CTC64Qam23",     "CTC64Qam34",
     "CTC64Qam56",
 };
-static_assert(std::size(apcSchemes) == MIBCounterGroup::Count);
+static_assert(std::size(astrSchemes) == MIBCounterGroup::Count);
 
-constexpr const char *pcBurstsReceived = "TvlBasebandBurstRcv";
-constexpr const char *pcPdusReceived = "TvlBasebandPduRcv";
-constexpr const char *pcPdusSent = "TvlBasebandPduTx";
-constexpr const char *pcBurstsSent = "TvlBasebandBurstsTx";
+constexpr std::string_view strBurstsReceived = "TvlBasebandBurstRcv";
+constexpr std::string_view strPdusReceived = "TvlBasebandPduRcv";
+constexpr std::string_view strPdusSent = "TvlBasebandPduTx";
+constexpr std::string_view strBurstsSent = "TvlBasebandBurstsTx";
 
 // A counter group of a zone: its heading, the first part of its counters'
 // names, and where it begins.
 struct CounterGroup {
-    const char *pcHeading;
-    const char *pcPrefix;
+    std::string_view strHeading;
+    std::string_view strPrefix;
     uint32_t u32Offset;
 };
 
 constexpr CounterGroup astBurstGroups[] = {
-    {"\n\n~~~~~~~~~~MIMO MAT A ~~~~~~~~~~~\n", pcBurstsReceived, MIBBurstZone::stMatrixA},
-    {"\n\n~~~~~~~~~~MIMO MAT B ~~~~~~~~~~~\n", pcBurstsReceived, MIBBurstZone::stMatrixB},
-    {"\n\n~~~~~~~~~~NON MIMO ~~~~~~~~~~~\n", pcBurstsReceived, MIBBurstZone::stNonMIMO},
+    {"\n\n~~~~~~~~~~MIMO MAT A ~~~~~~~~~~~\n", strBurstsReceived, MIBBurstZone::stMatrixA},
+    {"\n\n~~~~~~~~~~MIMO MAT B ~~~~~~~~~~~\n", strBurstsReceived, MIBBurstZone::stMatrixB},
+    {"\n\n~~~~~~~~~~NON MIMO ~~~~~~~~~~~\n", strBurstsReceived, MIBBurstZone::stNonMIMO},
 };
 
 constexpr ReportRow astDLZoneRows[] = {
@@ -74,42 +75,42 @@ constexpr ReportRow astDLZoneRows[] = {
 };
 
 constexpr CounterGroup astDLGroups[] = {
-    {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Recieved MIMO MAT A Info ~~~~~~~~~~~\n", pcPdusReceived,
+    {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Recieved MIMO MAT A Info ~~~~~~~~~~~\n", strPdusReceived,
      MIBDLZone::stPdusMatrixA},
-    {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Recieved MIMO MAT B info~~~~~~~~~~~\n", pcPdusReceived,
+    {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Recieved MIMO MAT B info~~~~~~~~~~~\n", strPdusReceived,
      MIBDLZone::stPdusMatrixB},
-    {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Recieved NON MIMO info~~~~~~~~~~~\n", pcPdusReceived,
+    {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Recieved NON MIMO info~~~~~~~~~~~\n", strPdusReceived,
      MIBDLZone::stPdusNonMIMO},
     {"\n\n~~~~~~~~~~Per Zone Per MCS Bursts Recieved MIMO MAT A Info ~~~~~~~~~~~\n",
-     pcBurstsReceived, MIBDLZone::stBurstsMatrixA},
+     strBurstsReceived, MIBDLZone::stBurstsMatrixA},
     {"\n\n~~~~~~~~~~Per Zone Per MCS Bursts Recieved MIMO MAT B info~~~~~~~~~~~\n",
-     pcBurstsReceived, MIBDLZone::stBurstsMatrixB},
-    {"\n\n~~~~~~~~~~Per Zone Per MCS Bursts Recieved NON MIMO info~~~~~~~~~~~\n", pcBurstsReceived,
+     strBurstsReceived, MIBDLZone::stBurstsMatrixB},
+    {"\n\n~~~~~~~~~~Per Zone Per MCS Bursts Recieved NON MIMO info~~~~~~~~~~~\n", strBurstsReceived,
      MIBDLZone::stBurstsNonMIMO},
 };
 
 constexpr CounterGroup astULGroups[] = {
-    {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Transmitted CSM PILOT A Info ~~~~~~~~~~~\n", pcPdusSent,
+    {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Transmitted CSM PILOT A Info ~~~~~~~~~~~\n", strPdusSent,
      MIBULZone::stPdusPilotA},
-    {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Transmitted CSM PILOT B Info ~~~~~~~~~~~\n", pcPdusSent,
+    {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Transmitted CSM PILOT B Info ~~~~~~~~~~~\n", strPdusSent,
      MIBULZone::stPdusPilotB},
-    {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Transmitted NON CSM Info ~~~~~~~~~~~\n", pcPdusSent,
+    {"\n\n~~~~~~~~~~Per Zone Per MCS Pdus Transmitted NON CSM Info ~~~~~~~~~~~\n", strPdusSent,
      MIBULZone::stPdusNonCSM},
-    {"\n\n~~~~~~~~~~Per Zone Per MCS Bursts Sent CSM PILOTA Info ~~~~~~~~~~~\n", pcBurstsSent,
+    {"\n\n~~~~~~~~~~Per Zone Per MCS Bursts Sent CSM PILOTA Info ~~~~~~~~~~~\n", strBurstsSent,
      MIBULZone::stBurstsPilotA},
-    {"\n\n~~~~~~~~~~Per Zone Per MCS Bursts Sent CSM PILOTB Info ~~~~~~~~~~~\n", pcBurstsSent,
+    {"\n\n~~~~~~~~~~Per Zone Per MCS Bursts Sent CSM PILOTB Info ~~~~~~~~~~~\n", strBurstsSent,
      MIBULZone::stBurstsPilotB},
-    {"\n\n~~~~~~~~~~Per Zone Per MCS Bursts Sent NON CSM Info ~~~~~~~~~~~\n", pcBurstsSent,
+    {"\n\n~~~~~~~~~~Per Zone Per MCS Bursts Sent NON CSM Info ~~~~~~~~~~~\n", strBurstsSent,
      MIBULZone::stBurstsNonCSM},
 };
 
 void PutCounterGroups(ByteView stZone, std::span<const CounterGroup> astGroups) {
     using namespace MIBCounterGroup;
     for (const CounterGroup &stGroup : astGroups) {
-        PutText(stGroup.pcHeading);
+        PutText(stGroup.strHeading);
         for (uint32_t i = 0; i < Count; ++i) {
-            PutText(stGroup.pcPrefix);
-            PutText(apcSchemes[i]);
+            PutText(stGroup.strPrefix);
+            PutText(astrSchemes[i]);
             PutNumber(": [%d]\n",
                       Get(stZone, s32First, stGroup.u32Offset + i * WidthOf(s32First.eType)));
         }
@@ -180,14 +181,14 @@ void PutMRUTable(const MIBAnswer &stAnswer) {
 
 // The entries of a neighbour list, each with its number.
 template <void (*pfnPutEntry)(ByteView stEntry)>
-void PutNeighbours(const MIBAnswer &stAnswer, uint32_t u32EntrySize, const char *pcCount,
-                   const char *pcEntry) {
+void PutNeighbours(const MIBAnswer &stAnswer, uint32_t u32EntrySize, const ReportRow &stCount,
+                   const TextWith<1> &stEntry) {
     using namespace MIBNeighbourList;
-    PutRow(stAnswer.stLayout, {pcCount, u32Count});
+    PutRow(stAnswer.stLayout, stCount);
     const uint32_t u32Count = RecordsPresent(stAnswer.stLayout, astEntries, u32EntrySize,
                                              Get(stAnswer.stLayout, MIBNeighbourList::u32Count));
     for (uint32_t i = 0; i < u32Count; ++i) {
-        PutNumber(pcEntry, i);
+        PutNumber(stEntry, i);
         pfnPutEntry(stAnswer.stLayout.From(astEntries + i * u32EntrySize, u32EntrySize));
     }
 }
@@ -231,20 +232,21 @@ void PutMeasuredNeighbour(ByteView stEntry) {
 }
 
 void PutIntegerNeighbours(const MIBAnswer &stAnswer) {
-    PutNeighbours<PutNeighbour>(stAnswer, MIBNeighbour::Size, "Number of Neighbours %d\n",
+    PutNeighbours<PutNeighbour>(stAnswer, MIBNeighbour::Size,
+                                {"Number of Neighbours %d\n", MIBNeighbourList::u32Count},
                                 "~~~~~~ Neighbour %d ~~~~~~~~ \n");
 }
 
 void PutMeasuredNeighbours(const MIBAnswer &stAnswer) {
     PutNeighbours<PutMeasuredNeighbour>(stAnswer, MIBMeasuredNeighbour::Size,
-                                        "\nNumber of Neighbours %d\n",
+                                        {"\nNumber of Neighbours %d\n", MIBNeighbourList::u32Count},
                                         "\n~~~~~~~ Neighbour %d ~~~~~~~ \n");
 }
 
 void PutTriggerStatus(const MIBAnswer &stAnswer) {
     using namespace MIBTriggerStatus;
     struct Trigger {
-        const char *pcText;
+        std::string_view strText;
         Field stStatus;
     };
     constexpr Trigger astTriggers[] = {
@@ -252,37 +254,40 @@ void PutTriggerStatus(const MIBAnswer &stAnswer) {
         {"Trigger Status for IntraFA Group : ", u8IntraFA},
         {"Trigger Status for InterFA Group : ", u8InterFA},
     };
-    constexpr const char *pcNotDefined = "TRIGGER_STATUS_NOT_DEFINED";
+    constexpr std::string_view strNotDefined = "TRIGGER_STATUS_NOT_DEFINED";
     constexpr CodeName astNames[] = {
         {Failed, "TRIGGER_STATUS_FAILED"},
         {Passed, "TRIGGER_STATUS_PASSED"},
         {NoMeasurements, "TRIGGER_STATUS_NO_MEASUREMENTS"},
-        {NotDefined, pcNotDefined},
+        {NotDefined, strNotDefined},
     };
     constexpr const char *pcBanner = "\n\n~~~~~~~~~~ Trigger Status Information ~~~~~~~~~~";
     PutLine(pcBanner);
     for (const Trigger &stTrigger : astTriggers) {
-        PutText(stTrigger.pcText);
-        PutLine(NameOf(astNames, Get(stAnswer.stLayout, stTrigger.stStatus), pcNotDefined));
+        PutText(stTrigger.strText);
+        PutLine(NameOf(astNames, Get(stAnswer.stLayout, stTrigger.stStatus), strNotDefined));
     }
     PutClosingLine(pcBanner);
 }
 
 void PutControlMessagesDropped(const MIBAnswer &stAnswer) {
     using namespace MIBControlMessagesDropped;
-    constexpr const char *apcNames[] = {
-        "cm_responses",       "cm_control_newdsx_multiclassifier_resp",
-        "link_control_resp",  "status_rsp",
-        "stats_pointer_resp", "idle_mode_status",
-        "auth_ss_host_msg",   "low_priority_message",
+    constexpr TextWith<1> astTexts[] = {
+        "cm_responses                            : %d\n",
+        "cm_control_newdsx_multiclassifier_resp  : %d\n",
+        "link_control_resp                       : %d\n",
+        "status_rsp                              : %d\n",
+        "stats_pointer_resp                      : %d\n",
+        "idle_mode_status                        : %d\n",
+        "auth_ss_host_msg                        : %d\n",
+        "low_priority_message                    : %d\n",
     };
-    static_assert(std::size(apcNames) == Count);
+    static_assert(std::size(astTexts) == Count);
     constexpr const char *pcBanner =
         "\n\n~~~~~~~~~~ Control Messages Dropped By Application ~~~~~~~~~~";
     PutLine(pcBanner);
     for (uint32_t i = 0; i < Count; ++i) {
-        PutFormat("%-40s: %d\n", apcNames[i],
-                  GetSigned(stAnswer.stLayout, s32First, i * WidthOf(s32First.eType)));
+        PutNumber(astTexts[i], Get(stAnswer.stLayout, s32First, i * WidthOf(s32First.eType)));
     }
     PutClosingLine(pcBanner);
 }
@@ -326,18 +331,18 @@ template <const auto &astRows> void PutRowsOf(const MIBAnswer &stAnswer) {
     PutRows(stAnswer.stLayout, astRows);
 }
 
-constexpr char acBurstErrorRate[] = "\nDlPerRxBurstErrorRateUpper[%d]\t:\t%d\n";
-constexpr char acPerAttemptReceived[] = "\nPerAttemptRcvSuccess[%d]\t:\t%d\n";
-constexpr char acSubmapErrors[] = "\nSubmap Errors[%d]\t:\t%d\n";
-constexpr char acPerAttemptCompleted[] = "\nPerAttemptrcvTranscompleted[%d]\t:\t%d\n";
-constexpr char acSoundingType[] = "\nTxAAsoundingtype[%d]\t:\t%d\n";
+constexpr TextWith<2> stBurstErrorRate = "\nDlPerRxBurstErrorRateUpper[%d]\t:\t%d\n";
+constexpr TextWith<2> stPerAttemptReceived = "\nPerAttemptRcvSuccess[%d]\t:\t%d\n";
+constexpr TextWith<2> stSubmapErrors = "\nSubmap Errors[%d]\t:\t%d\n";
+constexpr TextWith<2> stPerAttemptCompleted = "\nPerAttemptrcvTranscompleted[%d]\t:\t%d\n";
+constexpr TextWith<2> stSoundingType = "\nTxAAsoundingtype[%d]\t:\t%d\n";
 
-template <const auto &acText> void PutFourCounters(const MIBAnswer &stAnswer) {
+template <const TextWith<2> &stText> void PutFourCounters(const MIBAnswer &stAnswer) {
     using namespace MIBFourCounters;
     for (uint32_t i = 0; i < Count; ++i) {
         const uint32_t au32Values[] = {
             i, Get(stAnswer.stLayout, s32First, i * WidthOf(s32First.eType))};
-        PutNumbers(acText, au32Values);
+        PutNumbers(stText, au32Values);
     }
 }
 
@@ -359,11 +364,11 @@ constexpr AttributeReport astReports[] = {
     {MIBAttribute::MeasuredNeighbours, PutMeasuredNeighbours},
     {MIBAttribute::AntennaSwitch, PutRowsOf<astAntennaSwitchRows>},
     {MIBAttribute::TriggerStatus, PutTriggerStatus},
-    {MIBAttribute::BurstErrorRate, PutFourCounters<acBurstErrorRate>},
-    {MIBAttribute::PerAttemptReceived, PutFourCounters<acPerAttemptReceived>},
-    {MIBAttribute::SubmapErrors, PutFourCounters<acSubmapErrors>},
-    {MIBAttribute::PerAttemptCompleted, PutFourCounters<acPerAttemptCompleted>},
-    {MIBAttribute::SoundingType, PutFourCounters<acSoundingType>},
+    {MIBAttribute::BurstErrorRate, PutFourCounters<stBurstErrorRate>},
+    {MIBAttribute::PerAttemptReceived, PutFourCounters<stPerAttemptReceived>},
+    {MIBAttribute::SubmapErrors, PutFourCounters<stSubmapErrors>},
+    {MIBAttribute::PerAttemptCompleted, PutFourCounters<stPerAttemptCompleted>},
+    {MIBAttribute::SoundingType, PutFourCounters<stSoundingType>},
     {MIBAttribute::ControlMessagesDropped, PutControlMessagesDropped},
 };
 
@@ -387,16 +392,16 @@ void PutOID(const MIBAnswer &stAnswer) { PutNumber("\n MIB OID - %d : ", stAnswe
 
 // A status other than success, of a single get or set.
 void PutSingleError(const MIBAnswer &stAnswer) {
-    PutFormat(" Error Code while MIB Set: (%d) \n", stAnswer.iStatus);
+    PutNumber(" Error Code while MIB Set: (%d) \n", stAnswer.u32Status);
 }
 
 void PutMultipleError(const MIBAnswer &stAnswer) {
-    PutFormat("Error Code - (%d) \n", stAnswer.iStatus);
+    PutNumber("Error Code - (%d) \n", stAnswer.u32Status);
 }
 
 void PutSetAnswer(const MIBAnswer &stAnswer) {
     PutText(pcGetHeading);
-    if (stAnswer.iStatus != 0) {
+    if (stAnswer.u32Status != 0) {
         PutSingleError(stAnswer);
     } else {
         PutText("\nMIB Set is Successful !!!");
@@ -407,7 +412,7 @@ void PutSetAnswer(const MIBAnswer &stAnswer) {
 bool PutGetAnswer(const MIBAnswer &stAnswer) {
     PutText(pcGetHeading);
     PutOID(stAnswer);
-    if (stAnswer.iStatus != 0) {
+    if (stAnswer.u32Status != 0) {
         PutSingleError(stAnswer);
         return false;
     }
@@ -421,7 +426,7 @@ bool PutGetAnswer(const MIBAnswer &stAnswer) {
 }
 
 void PutMultipleSetRecord(const MIBAnswer &stAnswer) {
-    if (stAnswer.iStatus != 0) {
+    if (stAnswer.u32Status != 0) {
         PutOID(stAnswer);
         PutMultipleError(stAnswer);
     }
@@ -429,7 +434,7 @@ void PutMultipleSetRecord(const MIBAnswer &stAnswer) {
 
 void PutMultipleGetRecord(const MIBAnswer &stAnswer) {
     PutOID(stAnswer);
-    if (stAnswer.iStatus != 0) {
+    if (stAnswer.u32Status != 0) {
         PutText(" ");
         PutMultipleError(stAnswer);
     } else {

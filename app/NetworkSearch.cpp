@@ -41,7 +41,7 @@ constexpr uint32_t au32Plan3500[] = {
 // The two wordings of the bandwidth dialogue.
 struct BandwidthPrompts {
     const char *pcCount;
-    const char *pcBandwidth;
+    TextWith<1> stBandwidth;
 };
 
 constexpr BandwidthPrompts st2500Prompts = {"\n ENTER NUM OF BW'S (Max 4) : ",
@@ -101,7 +101,7 @@ void AskBandwidths(ByteSpan stRequest, const BandwidthPrompts &stPrompts) {
     const uint32_t u32Count = Capped(AskOption(stPrompts.pcCount), MaxBandwidths);
     Put(stRequest, u32NumBandwidths, u32Count);
     for (uint32_t i = 0; i < u32Count; ++i) {
-        PutNumber(stPrompts.pcBandwidth, i);
+        PutNumber(stPrompts.stBandwidth, i);
         PutElement(stRequest, au32Bandwidths, i, AskInteger("") * 1000);
     }
 }
@@ -170,7 +170,7 @@ uint32_t AskWordInstead(const char *pcPrompt, uint32_t /*u32Before*/) {
 // One value of an NSP search that stands until the user replaces it.
 struct Default {
     Field stField;
-    const char *pcQuestion; // shows the default and asks whether to change it
+    NumberText stQuestion; // shows the default, in a number or not, and asks whether to change it
     const char *pcValue;
     uint32_t (*pfnAsk)(const char *pcPrompt, uint32_t u32Before);
 };
@@ -199,9 +199,9 @@ constexpr Default stStationCountDefault = {
 // entry's index.
 struct StationDefault {
     Field stField;
-    const char *pcDefault;
+    TextWith<2> stDefault;
     const char *pcChange;
-    const char *pcValue;
+    TextWith<1> stValue;
 };
 
 constexpr const char *pcChangeStation =
@@ -221,7 +221,7 @@ constexpr StationDefault astStationDefaults[] = {
 
 // Stores the default, and what the user types instead of it.
 uint32_t AskDefault(ByteSpan stRequest, const Default &stDefault, uint32_t u32Value) {
-    PutNumber(stDefault.pcQuestion, u32Value);
+    PutNumbersOf(stDefault.stQuestion, &u32Value);
     if (ReadOption() == 1) {
         u32Value = stDefault.pfnAsk(stDefault.pcValue, u32Value);
     }
@@ -233,9 +233,9 @@ void AskStationEntry(ByteSpan stEntry, uint32_t u32Index) {
     for (const StationDefault &stDefault : astStationDefaults) {
         const uint32_t u32Value = Get(stEntry, stDefault.stField);
         const uint32_t au32Numbers[] = {u32Index, u32Value};
-        PutNumbers(stDefault.pcDefault, au32Numbers);
+        PutNumbers(stDefault.stDefault, au32Numbers);
         if (AskOption(stDefault.pcChange) == 1) {
-            PutNumber(stDefault.pcValue, u32Index);
+            PutNumber(stDefault.stValue, u32Index);
             Put(stEntry, stDefault.stField, AskInteger("", u32Value));
         }
     }

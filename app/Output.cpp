@@ -73,7 +73,8 @@ bool TakeOutput(OutputBuffer *pstBuffer) {
 void LeaveOutput(OutputBuffer *pstBuffer) {
     if (pstBuffer->bHasOutput) {
         pstBuffer->bHasOutput = false;
-        gu32Turn.fetch_add(1, std::memory_order_release);
+        // Nobody else writes it during this turn.
+        gu32Turn.store(gu32Turn.load(std::memory_order_relaxed) + 1, std::memory_order_release);
     }
 }
 
@@ -140,19 +141,11 @@ void MakeOutputRoom() {
     }
 }
 
-void PutText(std::string_view strText) {
+void PutLongText(std::string_view strText) {
     while (!strText.empty()) {
-        const size_t uCount = std::min(strText.size(), uMostRoom);
-        char *pcRoom = OutputRoom(uCount);
-        std::memcpy(pcRoom, strText.data(), uCount);
-        EndOutputAt(pcRoom + uCount);
-        strText.remove_prefix(uCount);
+        PutText(strText.substr(0, uMostRoom));
+        strText.remove_prefix(std::min(strText.size(), uMostRoom));
     }
-}
-
-void PutLine(std::string_view strText) {
-    PutText(strText);
-    PutText("\n");
 }
 
 void PutFormat(const char *pcFormat, ...) {

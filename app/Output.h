@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstring>
 #include <string_view>
 
 struct OutputBuffer {
@@ -38,9 +39,31 @@ inline void EndOutputAt(const char *pcEnd) {
     gpstOutput->uUsed = static_cast<size_t>(pcEnd - gpstOutput->acText);
 }
 
-void PutText(std::string_view strText);
+// A text for which one room is too small.
+void PutLongText(std::string_view strText);
+// Inline, because the length of most texts is known when the program is
+// compiled.
+inline void PutText(std::string_view strText) {
+    if (strText.size() > uMostRoom) {
+        PutLongText(strText);
+    } else if (!strText.empty()) {
+        char *pcRoom = OutputRoom(strText.size());
+        std::memcpy(pcRoom, strText.data(), strText.size());
+        EndOutputAt(pcRoom + strText.size());
+    }
+}
 // The text and a line end, as puts does.
-void PutLine(std::string_view strText);
+inline void PutLine(std::string_view strText) {
+    if (strText.empty() || strText.size() >= uMostRoom) {
+        PutText(strText);
+        PutText("\n");
+        return;
+    }
+    char *pcRoom = OutputRoom(strText.size() + 1);
+    std::memcpy(pcRoom, strText.data(), strText.size());
+    pcRoom[strText.size()] = '\n';
+    EndOutputAt(pcRoom + strText.size() + 1);
+}
 [[gnu::format(printf, 1, 2)]] void PutFormat(const char *pcFormat, ...);
 // Writes what this thread has put, in turn with the other threads. Lost when
 // the client ends and the output does not take it.

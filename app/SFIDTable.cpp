@@ -1,6 +1,7 @@
 #include "SFIDTable.h"
 
 #include "Console.h"
+#include "Report.h"
 
 std::atomic<uint32_t> SFID_VALIDITY_TABLE[u32SFIDSlots];
 
@@ -28,7 +29,8 @@ void DisplaySFIDTable() {
     for (uint32_t i = 0; i < u32VisibleSFIDs; ++i) {
         const uint32_t u32SFID = SFID_VALIDITY_TABLE[i];
         if (u32SFID != 0) {
-            PutFormat("\nINDEX %u,  SF ID: %d", i, static_cast<int32_t>(u32SFID));
+            const uint32_t au32Entry[] = {i, u32SFID};
+            PutNumbers("\nINDEX %u,  SF ID: %d", au32Entry);
         }
     }
     PutText("\n");

@@ -1,6 +1,7 @@
 #include "StationInformation.h"
 
 #include <iterator>
+#include <string_view>
 
 #include "Console.h"
 #include "Menu.h"
@@ -37,7 +38,7 @@ constexpr CodeName astCalibration[] = {
 // and 2, show as band 0, and a status that is not known as all three.
 struct BandLine {
     uint32_t u32Bands;
-    const char *pcBands;
+    std::string_view strBands;
 };
 
 constexpr BandLine astBandLines[] = {
@@ -51,13 +52,13 @@ constexpr BandLine astBandLines[] = {
 };
 
 // In the order of the mask's bits.
-constexpr const char *apcSectionLines[] = {
+constexpr TextWith<1> astSectionLines[] = {
     "\nBit - 0\t\t\t: [%d]", "\nCompatibility\t\t: [%d]", "\nRF\t\t\t: [%d]",
     "\nPHY\t\t\t: [%d]",     "\nMAC\t\t\t: [%d]",         "\nCALIBRATION\t\t: [%d]",
     "\nHARDWARE\t\t: [%d]",  "\nMIB\t\t\t: [%d]",         "\nSECURITY\t\t: [%d]",
     "\nOMA-DM\t\t\t: [%d]",  "\nMRU\t\t\t: [%d]\n\n",
 };
-static_assert(std::size(apcSectionLines) == EEPROMSummary::Sections);
+static_assert(std::size(astSectionLines) == EEPROMSummary::Sections);
 
 constexpr ReportRow astSectionVersionRows[] = {
     {"\nRF SECTION VERSION        :   %d", EEPROMVersions::u32RF},
@@ -72,12 +73,12 @@ constexpr ReportRow astSectionVersionRows[] = {
     {"\nVSA SECTION VERSION       :   %d\n", EEPROMVersions::u32VSA},
 };
 
-const char *BandsOf(uint32_t u32Calibration) {
+std::string_view BandsOf(uint32_t u32Calibration) {
     const BandLine *pstLine = astBandLines;
     while ((u32Calibration & pstLine->u32Bands) != pstLine->u32Bands) {
         ++pstLine; // the last line has no bands and always fits
     }
-    return pstLine->pcBands;
+    return pstLine->strBands;
 }
 
 void PutInformation(ByteView stPayload) {
@@ -102,7 +103,7 @@ void PutEEPROMSummary(ByteView stPayload) {
     PutRow(stPayload, {"\nEEPROM Size\t\t: %d KB\n", u8SizeInKB});
     PutRow(stPayload, {"\nEEPROM Valid Info : 0x%x\n", u16ValidMask});
     for (uint32_t i = 0; i < Sections; ++i) {
-        PutNumber(apcSectionLines[i], Get(stPayload, u16ValidMask) >> i & 1);
+        PutNumber(astSectionLines[i], Get(stPayload, u16ValidMask) >> i & 1);
     }
     PutLine(pcInformationClosing);
 }

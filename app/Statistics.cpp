@@ -48,8 +48,13 @@ constexpr ReportRow astHeadRows[] = {
     {"\nCenterFrequency in KHz \t: %d", Statistics::u32CenterFrequency},
 };
 
-// Rows that show one number twice: decimal and hexadecimal.
-constexpr ReportRow astCounterRows[] = {
+// A row that shows one number twice: decimal and hexadecimal.
+struct TwiceRow {
+    TextWith<2> stText;
+    Field stField;
+};
+
+constexpr TwiceRow astCounterRows[] = {
     {"\nCUR CINR\t\t: %d (0x%x)", Statistics::u32CINR},
     {"\nCUR RSSI\t\t: %d (0x%x)", Statistics::u32RSSI},
     {"\nNum Of CqichTxmtd\t: %d (0x%x)", Statistics::u32CQICHTransmitted},
@@ -58,7 +63,7 @@ constexpr ReportRow astCounterRows[] = {
     {"\nNum Of Hcs Errors\t: %d (0x%x)", Statistics::u32HCSErrors},
 };
 
-constexpr ReportRow astRadioRows[] = {
+constexpr TwiceRow astRadioRows[] = {
     {"\nDownlink burst data FEC\t: %d (0x%x)", Statistics::u8BurstFEC},
     {"\nTx Power\t\t: %d (0x%x)", Statistics::s8TxPower},
 };
@@ -69,11 +74,11 @@ constexpr ReportRow astConnectionRows[] = {
     {"\nNumber of Connections \t:%d", Statistics::s32NumConnections},
 };
 
-void PutRowsTwice(ByteView stView, std::span<const ReportRow> astRows) {
-    for (const ReportRow &stRow : astRows) {
+void PutRowsTwice(ByteView stView, std::span<const TwiceRow> astRows) {
+    for (const TwiceRow &stRow : astRows) {
         const uint32_t u32Value = Get(stView, stRow.stField);
         const uint32_t au32Twice[] = {u32Value, u32Value};
-        PutNumbers(stRow.pcText, au32Twice);
+        PutNumbers(stRow.stText, au32Twice);
     }
 }
 

@@ -24,14 +24,14 @@ constexpr Menu stMenu = {"\n*********** VENDOR SPECIFIC PARAM ***********", apcM
 constexpr const char *pcClosingRule =
     "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~";
 
-int32_t AskEntry(ByteSpan stHead, const char *pcBanner, const char *pcEntry,
+int32_t AskEntry(ByteSpan stHead, const Banner &stBanner, std::string_view strEntry,
                  const VendorEntry &stEntry) {
     if (stHead.pucData == nullptr) {
         return 0;
     }
-    PutLine(pcBanner);
-    PutText(pcEntry);
-    PutClosingLine(pcBanner);
+    PutLine(stBanner.strText);
+    PutText(strEntry);
+    PutClosingLine(stBanner);
     if (AskOption(pcMenuPrompt) != 1) {
         PutText("SORRY!! INVALID OPTION SELECTED!!");
         return -1;
@@ -54,8 +54,8 @@ void KeepATRLock(ByteView stRecord) {
     }
 }
 
-void PutIndication(const char *pcBanner, ByteView stRecord) {
-    PutLine(pcBanner);
+void PutIndication(std::string_view strBanner, ByteView stRecord) {
+    PutLine(strBanner);
     DisplayVendorSpecificParamData(stRecord);
     PutLine(pcClosingRule);
 }

@@ -1,5 +1,7 @@
 #include "WiMAXOptions.h"
 
+#include <string_view>
+
 #include "Console.h"
 #include "Input.h"
 #include "LinkRecords.h"
@@ -31,7 +33,7 @@ enum Option : uint32_t {
 };
 
 // An option's line up to its status, which stands in a column.
-constexpr const char *apcOptionTexts[WiMAXOptions::Count] = {
+constexpr std::string_view astrOptionTexts[WiMAXOptions::Count] = {
     "\n bit[0] Bit Mapped payload        Status: ", "\n bit[1] MIB EEPROM Writes on/off  Status: ",
     "\n bit[2] Not used                  Status: ", "\n bit[3] MCS/HARQ MIB Writes on/off Status: ",
     "\n bit[4] EAP Security level        Status: ", "\n bit[5] Idle mode paging value    Status: ",
@@ -232,9 +234,10 @@ int32_t GetAllOptions() {
     return SendRequest(TYPE_WIMAX_OPTIONS, SUBTYPE_OPTION_GET_ALL, stRequest.View());
 }
 
-uint32_t PutAllOptions(ByteView stPayload, const char *pcBanner, const char *pcHeading) {
+uint32_t PutAllOptions(ByteView stPayload, std::string_view strBanner,
+                       std::string_view strHeading) {
     using namespace WiMAXOptions;
-    PutLine(pcBanner);
+    PutLine(strBanner);
     if (Get(stPayload, u32Status) != 0) {
         PutRow(stPayload, {"\n Response status as %d, Status not equal to zero", u32Status});
         return 0;
@@ -242,9 +245,9 @@ uint32_t PutAllOptions(ByteView stPayload, const char *pcBanner, const char *pcH
     const uint32_t u32Specifier = Get(stPayload, u8Specifier);
     const uint32_t au32Specifier[] = {u32Specifier, u32Specifier};
     PutNumbers("\n Received for wimax option specifier : [%d(%x)]", au32Specifier);
-    PutLine(pcHeading);
+    PutLine(strHeading);
     for (uint32_t i = 0; i < Count; ++i) {
-        PutText(apcOptionTexts[i]);
+        PutText(astrOptionTexts[i]);
         PutText((u32Specifier >> i & 1) != 0 ? "SET" : "RESET");
         PutNumber("  Payload: %d", Get(stPayload, au32Values, i * WidthOf(au32Values.eType)));
     }

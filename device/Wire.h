@@ -86,19 +86,38 @@ struct ByteSpan {
     constexpr operator ByteView() const { return {pucData, u32Length}; }
 };
 
+// The bits of a number and the one that is its sign, in a word that begins with
+// it, for every type.
+struct FieldBits {
+    uint32_t u32Mask;
+    uint32_t u32Sign;
+};
+
+inline constexpr FieldBits astFieldBits[] = {{0, 0},         {0xFF, 0},        {0xFF, 0x80},
+                                             {0xFFFF, 0},    {0xFFFF, 0x8000}, {0xFFFFFFFF, 0},
+                                             {0xFFFFFFFF, 0}};
+
+// The word at u32Offset, as far as the bytes reach.
+constexpr uint32_t GetWord(ByteView stView, uint32_t u32Offset) {
+    uint32_t u32Word = 0;
+    if (stView.u32Length >= 4 && u32Offset <= stView.u32Length - 4) {
+        const uint8_t *puc = stView.pucData + u32Offset;
+        u32Word = puc[0] | static_cast<uint32_t>(puc[1]) << 8 |
+                  static_cast<uint32_t>(puc[2]) << 16 | static_cast<uint32_t>(puc[3]) << 24;
+    } else {
+        for (uint32_t i = 0; i < 4; ++i) {
+            u32Word |= static_cast<uint32_t>(stView.At(u32Offset + i)) << (8 * i);
+        }
+    }
+    return u32Word;
+}
+
 // The number at u32Base + the field's offset, sign-extended to 32 bits for the
 // signed types.
 constexpr uint32_t Get(ByteView stView, Field stField, uint32_t u32Base = 0) {
-    const uint32_t u32Width = WidthOf(stField.eType);
-    uint32_t u32Value = 0;
-    for (uint32_t i = 0; i < u32Width; ++i) {
-        u32Value |= static_cast<uint32_t>(stView.At(u32Base + stField.u16Offset + i)) << (8 * i);
-    }
-    if (stField.eType == FieldType::I8 || stField.eType == FieldType::I16) {
-        const uint32_t u32SignBit = 1U << (8 * u32Width - 1);
-        u32Value = (u32Value ^ u32SignBit) - u32SignBit;
-    }
-    return u32Value;
+    const FieldBits stBits = astFieldBits[static_cast<uint8_t>(stField.eType)];
+    const uint32_t u32Value = GetWord(stView, u32Base + stField.u16Offset) & stBits.u32Mask;
+    return (u32Value ^ stBits.u32Sign) - stBits.u32Sign;
 }
 
 constexpr int32_t GetSigned(ByteView stView, Field stField, uint32_t u32Base = 0) {

@@ -1,6 +1,7 @@
 #include "Authentication.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "Console.h"
 #include "Input.h"
@@ -45,7 +46,7 @@ constexpr uint8_t aucKeyMaterial[EAPComplete::KeySize] = {
 };
 
 struct DumpedField {
-    const char *pcTitle;
+    std::string_view strTitle;
     uint32_t u32Offset;
     uint32_t u32Size;
 };
@@ -101,9 +102,9 @@ uint32_t AskUpTo(uint32_t u32Most, const char *pcPrompt, const char *pcPromptAga
 }
 
 // Asks for each byte; the prompt has its number, counted from u32First.
-void AskBytes(ByteSpan stBytes, const char *pcPrompt, uint32_t u32First) {
+void AskBytes(ByteSpan stBytes, const TextWith<1> &stPrompt, uint32_t u32First) {
     for (uint32_t i = 0; i < stBytes.u32Length; ++i) {
-        PutNumber(pcPrompt, u32First + i);
+        PutNumber(stPrompt, u32First + i);
         stBytes.Set(i, static_cast<uint8_t>(ReadOption()));
     }
 }
@@ -153,7 +154,7 @@ uint32_t WriteTestPattern() {
 
 void DumpFields(ByteView stPayload, std::span<const DumpedField> astFields) {
     for (const DumpedField &stField : astFields) {
-        DebugDump(stField.pcTitle, stPayload.From(stField.u32Offset, stField.u32Size));
+        DebugDump(stField.strTitle, stPayload.From(stField.u32Offset, stField.u32Size));
     }
 }
 

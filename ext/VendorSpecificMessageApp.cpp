@@ -16,7 +16,7 @@
 namespace {
 
 struct ExtendedEntry {
-    const char *pcText;
+    TextWith<1> stText;
     void (*pfnHandle)();
 };
 
@@ -31,7 +31,7 @@ constexpr int32_t iFirstEntryBase = 0;
 
 void DisplayExMenu(int32_t iLastEntry) {
     for (const ExtendedEntry &stEntry : astEntries) {
-        PutNumber(stEntry.pcText, static_cast<uint32_t>(++iLastEntry));
+        PutNumber(stEntry.stText, static_cast<uint32_t>(++iLastEntry));
     }
 }
 
