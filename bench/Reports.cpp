@@ -193,10 +193,11 @@ int main(int argc, char **argv) {
     BestReporter stReporter;
     benchmark::RunSpecifiedBenchmarks(&stReporter);
 
-    fprintf(pstResults, "%-40s %6s %9s | %-21s | %s\n", "", "", "null", "plain / report",
-            "report / bare write");
-    fprintf(pstResults, "%-40s %6s %9s | %10s %10s | %10s\n", "message (type.subtype)", "bytes",
-            "report ns", "null", "file", "file");
+    // The table of docs/benchmarks.md.
+    fprintf(pstResults, "| Message (type.subtype) | Bytes | Plain / report, null device "
+                        "| Report / bare write, null device | Plain / report, file "
+                        "| Report / bare write, file | Report, file (ns) |\n"
+                        "|---|---|---|---|---|---|---|\n");
     for (size_t i = 0; i < astMessages.size(); ++i) {
         const auto Best = [&](size_t uTarget, const char *pcWay) {
             return stReporter.Best[NameOf(astMessages[i], astTargets[uTarget], pcWay)];
@@ -204,9 +205,10 @@ int main(int argc, char **argv) {
         if (Best(0, "report") == 0 && Best(1, "report") == 0) {
             continue; // filtered out
         }
-        fprintf(pstResults, "%-40s %6zu %9.0f | %10.2f %10.2f | %10.2f\n", astMessages[i].pcName,
-                astrTexts[i].size(), Best(0, "report"), Best(0, "plain") / Best(0, "report"),
-                Best(1, "plain") / Best(1, "report"), Best(1, "report") / Best(1, "write"));
+        fprintf(pstResults, "| %s | %zu | %.2f | %.2f | %.2f | %.2f | %.0f |\n",
+                astMessages[i].pcName, astrTexts[i].size(), Best(0, "plain") / Best(0, "report"),
+                Best(0, "report") / Best(0, "write"), Best(1, "plain") / Best(1, "report"),
+                Best(1, "report") / Best(1, "write"), Best(1, "report"));
     }
     fclose(pstResults);
     return 0;
