@@ -115,24 +115,24 @@ inline char *WriteWhole(char *pcTo, const Conversion &stNumber, uint32_t u32Valu
 
 constexpr uint32_t u32Million = 1000000;
 
-// A number whose fraction is u64Part of u64Whole, rounded to six decimals, ties
+// A number whose fraction is a quotient, rounded to six decimals, ties
 // to even.
-char *WriteFixed(char *pcTo, bool bNegative, uint32_t u32Number, uint64_t u64Part,
-                 uint64_t u64Whole) {
-    const uint64_t u64Product = u64Part * u32Million;
-    auto u32Decimals = static_cast<uint32_t>(u64Product / u64Whole);
-    const uint64_t u64Rest = u64Product % u64Whole;
-    if (u64Rest > u64Whole / 2 || (u64Rest * 2 == u64Whole && u32Decimals % 2 != 0)) {
+char *WriteFixed(char *pcTo, bool bNegative, uint32_t u32Units, uint64_t u64Numerator,
+                 uint64_t u64Denominator) {
+    const uint64_t u64Product = u64Numerator * u32Million;
+    auto u32Decimals = static_cast<uint32_t>(u64Product / u64Denominator);
+    const uint64_t u64Rest = u64Product % u64Denominator;
+    if (u64Rest > u64Denominator / 2 || (u64Rest * 2 == u64Denominator && u32Decimals % 2 != 0)) {
         ++u32Decimals;
     }
     if (u32Decimals == u32Million) {
         u32Decimals = 0;
-        ++u32Number;
+        ++u32Units;
     }
     if (bNegative) {
         *pcTo++ = '-';
     }
-    pcTo = WriteDecimal(pcTo, u32Number);
+    pcTo = WriteDecimal(pcTo, u32Units);
     *pcTo++ = '.';
     return WriteThree(WriteThree(pcTo, u32Decimals / 1000), u32Decimals % 1000);
 }
@@ -234,12 +234,11 @@ void PutNumbersOf(const NumberText &stText, const uint32_t *pu32Values) {
 
 void PutElements(const TextWith<1> &stText, ByteView stView, Field stFirst, uint32_t u32Count) {
     const uint32_t u32Width = WidthOf(stFirst.eType);
-    const uint32_t u32Present =
-        std::min(u32Count, stView.From(stFirst.u16Offset).u32Length / u32Width);
-    for (uint32_t i = 0; i < u32Present;) {
-        const uint32_t u32End = std::min(u32Present, i + u32Group);
-        char *pcTo = OutputRoom((u32End - i) * NumberText::MostRoom);
-        for (; i < u32End; ++i) {
+    const uint32_t u32Bytes = stView.From(stFirst.u16Offset).u32Length;
+    for (uint32_t i = 0; i < u32Count && (i + 1) * u32Width <= u32Bytes;) {
+        const uint32_t u32End = std::min(u32Count, i + u32Group);
+        char *pcTo = OutputRoom(size_t{u32End - i} * NumberText::MostRoom);
+        for (; i < u32End && (i + 1) * u32Width <= u32Bytes; ++i) {
             pcTo = WriteText(pcTo, stText, [&](char *pcNumber, const Conversion &stNumber) {
                 return WriteWhole(pcNumber, stNumber, Get(stView, stFirst, i * u32Width));
             });
