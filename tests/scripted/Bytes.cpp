@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
-#include <cstring>
 
 namespace {
 
@@ -169,6 +168,7 @@ std::string FormatMessage(const uint8_t *pucBytes, size_t uCount) {
 
 std::unique_ptr<WiMAXMessage> RecordOf(const Bytes &aucMessage) {
     auto pstRecord = std::make_unique<WiMAXMessage>();
-    std::memcpy(pstRecord.get(), aucMessage.data(), std::min(aucMessage.size(), sizeof *pstRecord));
+    std::copy_n(aucMessage.data(), std::min(aucMessage.size(), sizeof *pstRecord),
+                reinterpret_cast<uint8_t *>(pstRecord.get()));
     return pstRecord;
 }
