@@ -11,7 +11,8 @@ build=build/coverage
 
 install_missing "${BUILD_PACKAGES[@]}" /usr/include/gtest/gtest.h=libgtest-dev python3=python3
 quietly cmake --preset coverage
-quietly cmake --build "$build" -j "$jobs"
+quietly cmake --build "$build" -j "$jobs" --target unit_tests qor020_scripted qor020 TarvelWiMAXApp \
+    VendorSpecificMessageApp
 find "$build" -name '*.gcda' -delete
 
 failed=0
