@@ -313,7 +313,7 @@ TEST_F(LinkStatusTest, NumbersOfASyncAreSigned) {
                               "\n BANDWIDTH : -10000 kHz"
                               "\n DCD change count : -7 "
                               "\n NSP Change count : -8 "
-                              "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
+                              "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
 }
 
 TEST_F(LinkStatusTest, ASyncThatWaitsForNetworkEntryHasDetailsToo) {
