@@ -27,6 +27,8 @@ SANITIZERS = {
 EMULATOR_PATIENCE = 6
 # How much of what was seen before stands above a difference.
 CONTEXT_LINES = 3
+# How long a client that goes on printing is read when the session has failed.
+SETTLE_SECONDS = 2
 
 
 class Failure(Exception):
@@ -385,8 +387,10 @@ class Client:
             self.pump(rest)
 
     def settle(self):
-        """Reads the rest of what an ended client left, or what comes next for a failure."""
-        while self.pump(0.3 if self.running() else 0):
+        """Reads the rest of what an ended client left, or what comes next for a failure: not all
+        that a client prints which never stops."""
+        deadline = time.monotonic() + SETTLE_SECONDS
+        while time.monotonic() < deadline and self.pump(0.3 if self.running() else 0):
             pass
 
     def type(self, data):

@@ -231,7 +231,7 @@ TEST_F(AntennaSwitchingTest, AConfigurationThatWasWrittenIsReported) {
 TEST_F(AntennaSwitchingTest, AScanInFull) {
     EXPECT_EQ(ReportOf("28/2 | 1:4 2:4 | 5:4 -1:4 7:4 8:4 | -60:4 -61:4 00*120 | 20:4 21:4 00*120 |"
                        " -70:4 -71:4 00*120 | 10:4 -1:4 00*120 | 100:4 -1:4 00*120 |"
-                       " 1:4 2:4 3:4 -4:4 | -62:4 22:4 -72:4 12:4 | 0:4"),
+                       " -1:4 -2:4 -3:4 -4:4 | -62:4 -22:4 -72:4 -12:4 | 0:4"),
               std::string(pcBanner) +
                   "\n\tRECEIVED ANTENNA_SCANNING_RESPONSE !!"
                   "\nScanning Status : 1"
@@ -242,11 +242,11 @@ TEST_F(AntennaSwitchingTest, AScanInFull) {
                   "\nRSSI Measurement of Antenna 2:  -70 -71"
                   "\nCINR Measurement of Antenna 2:  10 -1"
                   "\nActual Framer Numbers Scanned:  100 4294967295"
-                  "\nCurrent GPIO Pattern:  1 2 3 -4"
+                  "\nCurrent GPIO Pattern:  -1 -2 -3 -4"
                   "\nCurrent RSSI of Antenna 1: -62"
-                  "\nCurrent CINR of Antenna 1: 22"
+                  "\nCurrent CINR of Antenna 1: -22"
                   "\nCurrent RSSI of Antenna 2: -72"
-                  "\nCurrent CINR of Antenna 2: 12" +
+                  "\nCurrent CINR of Antenna 2: -12" +
                   pcClosing);
 }
 

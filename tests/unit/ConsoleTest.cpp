@@ -265,6 +265,14 @@ TEST_F(OutputTest, AReaderThatGoesAwayEndsTheClientWithStatus141) {
     EXPECT_EQ(FakeDevice::Calls().back(), "CloseWiMAXDevice");
 }
 
+TEST_F(OutputTest, AnOutputThatCannotBeOpenedOnceMoreGetsItsFlagsBack) {
+    ASSERT_EQ(dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO), STDOUT_FILENO);
+    OpenConsole();
+    EXPECT_EQ(fcntl(STDOUT_FILENO, F_GETFL) & O_NONBLOCK, O_NONBLOCK);
+    CloseConsole();
+    EXPECT_EQ(fcntl(STDOUT_FILENO, F_GETFL) & O_NONBLOCK, 0);
+}
+
 // A pipe in the place of the output; the test is its reader.
 class PipeTest : public ConsoleTest {
   protected:

@@ -97,6 +97,15 @@ TEST_F(GPIOTest, OtherChoicesAreRefused) {
     EXPECT_EQ(FakeDevice::Sent(), Strings{});
 }
 
+TEST_F(GPIOTest, ABitIsAskedForButNotSentForAChoiceThatIsNone) {
+    for (const int32_t iChoice : {0, 4}) {
+        uint32_t u32Result = 7;
+        EXPECT_EQ(PrintedBy([&] { u32Result = SendGPIOMsg(iChoice); }, "16\n"), strBitPrompt);
+        EXPECT_EQ(u32Result, 0U);
+    }
+    EXPECT_EQ(FakeDevice::Sent(), Strings{});
+}
+
 TEST_F(GPIOTest, TheLowByteOfTheSendResultComesBack) {
     FakeDevice::SetSendResult(-3);
     uint32_t u32Result = 0;

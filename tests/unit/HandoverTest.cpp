@@ -50,6 +50,22 @@ TEST_F(HandoverTest, AnyByteButZeroSaysYes) {
     }
 }
 
+TEST_F(HandoverTest, NumbersAreSigned) {
+    EXPECT_EQ(
+        Report(HandOverResponse,
+               "23/1 | 01 00 ff fe fd fc fb fa f9 f8 f7 f6 f5 f4 -2:4 -45:4 -103:4 -17:4 0:4"),
+        std::string(pcBanner) +
+            "\nHANDOFF SUCCESS!!\n"
+            "\nLast Preamble ID: -17\n"
+            "\nCurrent Preamble ID: -103\n"
+            "\nHand over latency: -45\n"
+            "\nNumber of Ranging Failures: -2\n"
+            "\nCurrent BSID: ff fe fd fc fb fa"
+            "\nLast BSID: f9 f8 f7 f6 f5 f4"
+            "\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS 0\n" +
+            pcClosing);
+}
+
 TEST_F(HandoverTest, WithoutVendorDataItsLengthIsInvalid) {
     EXPECT_EQ(Report(HandOverResponse, Succeeded("00", "0:4")),
               std::string(pcBanner) + pcSuccess +

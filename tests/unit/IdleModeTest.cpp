@@ -98,6 +98,15 @@ TEST_F(IdleModeTest, TheInactivityTimerIsAnsweredWithANumber) {
               "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
 }
 
+TEST_F(IdleModeTest, NumbersOfTheReportsAreSigned) {
+    EXPECT_EQ(Report(IdleModeInactivityTImerResponse, "19/3 | -258:4"),
+              "\n~~~~~~~~~~ IDLE MODE INACTIVITY TIMER RESPONSE ~~~~~~~~~~\n\n"
+              "IDLE MODE INACTIVITY TIMER RETURN STATUS : -258 \n"
+              "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
+    EXPECT_NE(Indication("0:4 00*6 -301:4 -21:4 -114:4 0:4").find("\n PREAMBLE ID  : -114\n"),
+              std::string::npos);
+}
+
 TEST_F(IdleModeTest, AWakeUpSucceedsWithAnythingButZero) {
     const std::string strSuccess = "\n~~~~~~~~~~ IDLE MODE WAKEUP RESPONSE ~~~~~~~~~~\n\n"
                                    "IDLE MODE WAKEUP RESPONSE RECEIVED AS SUCCESS\n"

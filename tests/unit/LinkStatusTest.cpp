@@ -185,6 +185,23 @@ TEST_F(LinkStatusTest, ADiscoveryReportsItsStationAndEveryNSP) {
     EXPECT_EQ(Kept(g_BSNSPLIST, 0, 1405), Message(strPayload));
 }
 
+TEST_F(LinkStatusTest, NumbersOfADiscoveryAreSigned) {
+    EXPECT_EQ(DiscoveryReport("00 -1:4 00*2 ff fe fd fc fb fa -3:4 -4:4 0:4 00*1360 "
+                              "-12:4 -2587500:4 -10000:4 -67:4 -21:4"),
+              "\n--------received SUBTYPE_NETWORK_DISCOVERY_RESP-----------"
+              "\nNSP discovery complete : -1"
+              "\nBSINFO Response status is :NSP_DISCOVERY_SUCCESS"
+              "\nBS ID  :FF FE FD FC FB FA"
+              "\nDCD change count : -3"
+              "\nNSP change count : -4"
+              "\nNumber of NSP entries: 0"
+              "\nPID : -12"
+              "\nCF  : -2587500"
+              "\nBandwidth  : -10000"
+              "\nRSSI  : -67"
+              "\nCINR  : -21");
+}
+
 TEST_F(LinkStatusTest, ADiscoveryThatDidNotSucceedSaysWhyAndKeepsNothing) {
     const std::string strKept = strDiscoveryHead + "0:4 00*1360 " + strDiscoveryTail;
     DiscoveryReport(strKept);
@@ -282,6 +299,23 @@ TEST_F(LinkStatusTest, ASyncThatWasAchievedHasDetails) {
               strSyncBanner + "PHY_SYNC ACHIEVED - COMPRESSED MAP" + strSyncDetailsPrinted);
 }
 
+TEST_F(LinkStatusTest, NumbersOfASyncAreSigned) {
+    EXPECT_EQ(SyncReport("0:4 00 ee ff fe fd fc fb fa -12:4 -21:4 -2:4 -67:4 -3:4 "
+                         "-2587500:4 -10000:4 -7:4 -8:4"),
+              strSyncBanner + "PHY_SYNC ACHIEVED - NORMAL MAP"
+                              "\n BS ID  :FF FE FD FC FB FA"
+                              "\n PREAMBLE ID  : -12"
+                              "\n CINR MEAN : -21 dB"
+                              "\n CINR DEVIATION: -2 dB"
+                              "\n RSSI MEAN: -67 dBm"
+                              "\n RSSI DEVIATION: -3 dBm"
+                              "\n CENTER FREQUENCY: -2587500 kHz"
+                              "\n BANDWIDTH : -10000 kHz"
+                              "\n DCD change count : -7 "
+                              "\n NSP Change count : -8 "
+                              "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
+}
+
 TEST_F(LinkStatusTest, ASyncThatWaitsForNetworkEntryHasDetailsToo) {
     EXPECT_EQ(SyncReport("13:4 00 ee " + strSyncDetails),
               strSyncBanner + "WAIT_FOR_NETWORK_ENTRY_CMD - NORMAL MAP" + strSyncDetailsPrinted);
@@ -375,6 +409,24 @@ TEST_F(LinkStatusTest, ALinkUpHasTheBaseInformationAndVendorData) {
     EXPECT_EQ(EntryReport("00 1:4 " + strBaseInformation + "5:4 3:4 0a b0 ff"),
               strEntryBanner + "LINKUP_ACHIEVED" + strBaseInformationPrinted +
                   "\nVENDOR SPECIFIC DATA \n0x0a 0xb0 0xff \n" + strEntryClosing);
+}
+
+TEST_F(LinkStatusTest, NumbersOfTheBaseInformationAreSignedButTheBytes) {
+    EXPECT_EQ(EntryReport("00 1:4 ff fe fd fc fb fa f9 f8 -3:2 -300:2 -9:4 -70:4 -1:4 "
+                          "-2590:4 -2600:4 5:4 0:4"),
+              strEntryBanner +
+                  "LINKUP_ACHIEVED"
+                  "\n BASE ID :FF FE FD FC FB FA"
+                  "\n PREAMBLE INDEX : 248"
+                  "\n UL CELL ID : 249"
+                  "\n CINR DEVIATION : -300 dB"
+                  "\n CINR MEAN : -3 dB"
+                  "\n DURATION : -9"
+                  "\n MEAN RSSI REPORT : -70"
+                  "\n STANDARD DEVIATION RSSI REPORT : 0xFFFFFFFF"
+                  "\n UL CENTER FREQUENCY : -2590 MHz"
+                  "\n DL CENTER FREQUENCY : -2600 MHz" +
+                  strEntryClosing);
 }
 
 TEST_F(LinkStatusTest, BaseInformationIsPrintedWhenItIsPresent) {

@@ -415,6 +415,21 @@ TEST_F(MIBRequestsTest, AMultipleGetStopsWithoutMIBSupport) {
                   "\n Error : -27" + strNoMIBs + strMenu);
 }
 
+TEST_F(MIBRequestsTest, AMultipleGetStopsWithoutMIBSupportInTheMiddle) {
+    // The first five messages are sent when the 1896th record has its ID.
+    FakeDevice::QueueSendResult(0);
+    FakeDevice::QueueSendResult(-27);
+    int32_t iResult = 7;
+    const std::string strShown = PrintedBy([&] { iResult = MultipleMIBGetRequest(); }, IDs(1900));
+    EXPECT_EQ(iResult, -27);
+    const std::vector<std::string> Expected = {Recorded(GetRecords(0, 379)),
+                                               Recorded(GetRecords(379, 379))};
+    EXPECT_EQ(Sent(), Expected);
+    const std::string strEnd = "\nEntering 1896 out of 1900.\n" + strGetPrompt + strNoMIBs;
+    ASSERT_GE(strShown.size(), strEnd.size());
+    EXPECT_EQ(strShown.substr(strShown.size() - strEnd.size()), strEnd);
+}
+
 TEST_F(MIBRequestsTest, AMultipleSetPacksItsRecords) {
     gbInsideSubMenu = 1;
     int32_t iResult = 7;

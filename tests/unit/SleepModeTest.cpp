@@ -114,6 +114,13 @@ TEST_F(SleepModeTest, TheIndicationShowsTheFirstDefinition) {
     EXPECT_EQ(FakeDevice::Deliver(Message("26/2 | 00*200")), 1U);
 }
 
+TEST_F(SleepModeTest, TheNumberOfDefinitionsIsSignedTheSleepWindowIsNot) {
+    EXPECT_EQ(Report(SleepModeIndication, "26/2 | -2:4 00*6 ff ff 00*188"),
+              "\n~~~~~~ SLEEP MODE INDICATION MESSAGE ~~~~~~\n"
+              "\n APP: numOfDefinitions -2"
+              "\n APP: u16FinalSleepWindowBase 65535 \n");
+}
+
 TEST_F(SleepModeTest, OtherSubtypesAreUnknown) {
     EXPECT_EQ(Report(SleepModeIndication, "26/1 | 00*200"),
               "\nUNKNOWN SLEEP MODE INDICATION TYPE!!\n");

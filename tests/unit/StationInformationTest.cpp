@@ -60,6 +60,35 @@ TEST_F(StationInformationTest, TheInformationInFull) {
               "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
 }
 
+TEST_F(StationInformationTest, VersionsAreSignedInDecimal) {
+    EXPECT_EQ(ReportOf("7/1 | -4:4 -12:4 -7:4 \"d\" 00*127 -1:4 -2:4 -345:4"
+                       " -1:4 -2:4 -3:4 -4:4 ff fe fd fc fb fa ff ff 0e"),
+              "\n~~~~~~~~~~~~~~~ SS INFO RESPONSE ~~~~~~~~~~~~~~\n"
+              "\nFirmware Version : -4.-12.-7"
+              "\nDriver Version : d"
+              "\nLibrary Version : -1.-2.-345"
+              "\nBaseband Chip Version : ffffffff"
+              "\nRF Chip Version : fffffffe"
+              "\nMAC ADDRESS : ff-fe-fd-fc-fb-fa"
+              "\nCalibration Status: CALIBRATED"
+              "\nCalibrated Band Information: Band 0 & Band 1 & Band 2\n"
+              "EEPROM Version : fffffffd.fffffffc\n"
+              "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
+    EXPECT_EQ(ReportOf("7/3 | -1:4 -2:4 -3:4 -4:4 -5:4 -6:4 -7:4 -8:4 -9:4 00*16 10:4"),
+              "\n~~~~~~~~~~~~~~~ SS EEPROM DETAILED INFO RESPONSE ~~~~~~~~~~~~~~\n"
+              "\nRF SECTION VERSION        :   -1"
+              "\nPHY SECTION VERSION       :   -2"
+              "\nMAC SECTION VERSION       :   -3"
+              "\nCAL SECTION VERSION       :   -4"
+              "\nHW SECTION VERSION        :   -5"
+              "\nMIB SECTION VERSION       :   -6"
+              "\nSECURITY SECTION VERSION  :   -7"
+              "\nOMADM SECTION VERSION     :   -8"
+              "\nMRU SECTION VERSION       :   -9"
+              "\nVSA SECTION VERSION       :   10\n"
+              "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
+}
+
 TEST_F(StationInformationTest, CalibrationAndBandsOfEachStatus) {
     const std::string strBands = "\nCalibrated Band Information: ";
     const std::string strCalibrated = "\nCalibration Status: CALIBRATED";

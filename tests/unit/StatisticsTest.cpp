@@ -102,6 +102,28 @@ TEST_F(StatisticsTest, TheReportInFull) {
         "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
 }
 
+TEST_F(StatisticsTest, NumbersAreSignedInDecimalAndWholeInHexadecimal) {
+    EXPECT_EQ(ReportOf("17/1 | -952:4 -1000:4 -3:4 -7:4 -8:4 -9:4 -70:4 -25:4 00*24 -2:4 -4:4"
+                       " 00*170 80 00*9 ff fe fd fc fb fa 00*279 ff 00*418 -2600000:4"),
+              "\n~~~~~~~~~~ BASEBAND STATISTICS RESPONSE ~~~~~~~~~~\n"
+              "\nNum frames recvd\t: -1000"
+              "\nSize of Stats Struct\t: -952"
+              "\nCenterFrequency in KHz \t: -2600000"
+              "\nCUR CINR\t\t: -25 (0xffffffe7)"
+              "\nCUR RSSI\t\t: -70 (0xffffffba)"
+              "\nNum Of CqichTxmtd\t: -9 (0xfffffff7)"
+              "\nNum Of CRC Errors\t: -7 (0xfffffff9)"
+              "\nFrames in Error\t\t: -3 (0xfffffffd)"
+              "\nNum Of Hcs Errors\t: -8 (0xfffffff8)"
+              "\n\nFrame Error Rate\t: 1.000000"
+              "\nDownlink burst data FEC\t: 255 (0xff)"
+              "\nTx Power\t\t: -128 (0xffffff80)"
+              "\nBaseID\t\t\t: ff fe fd fc fb fa"
+              "\nNumber of BRTH \t:0xfffffffe"
+              "\nNumber of Connections \t:-4"
+              "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
+}
+
 TEST_F(StatisticsTest, WithoutFramesThereIsNoErrorRate) {
     EXPECT_EQ(ReportOf("17/1 | 952:4 0:4 3:4 00*940"),
               "\n~~~~~~~~~~ BASEBAND STATISTICS RESPONSE ~~~~~~~~~~\n"

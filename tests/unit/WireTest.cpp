@@ -110,6 +110,14 @@ TEST(WireTest, AMessageIsSeenWithItsWholeDataArea) {
     EXPECT_EQ(View(nullptr).stPayload.u32Length, 0U);
 }
 
+TEST(WireTest, AFieldWithoutATypeTakesNothing) {
+    for (const FieldType eType : {FieldType::None, static_cast<FieldType>(77)}) {
+        EXPECT_EQ(WidthOf(eType), 0U);
+        EXPECT_EQ(Get(stBytes, {1, eType}), 0U);
+    }
+    EXPECT_EQ(EndOf({5, FieldType::None}), 5U);
+}
+
 TEST(WireTest, TheHeaderServesACProgram) {
     EXPECT_EQ(MessageSizeInC(), 10244U);
     EXPECT_EQ(OpenInC(), 1U);
