@@ -1,0 +1,631 @@
+#!/usr/bin/env python3
+"""Plays session files again and again, each time with one thing going wrong: a device call, a
+console call or an allocation that fails, the input that ends, a signal. README.md beside this
+file says what must come of it."""
+
+import argparse
+import concurrent.futures
+import errno
+import mmap
+import os
+import pathlib
+import signal
+import struct
+import sys
+import tempfile
+import time
+import zlib
+
+from run_session import Client, Failure, FormatError, Session, check_all, play, play_steps
+
+KINDS = ("device", "console", "allocation", "end", "signal")
+CALLS = ("OpenWiMAXDevice", "RegisterCallback", "SendWiMAXMessage", "CloseWiMAXDevice", "rdm ", "wrm ")
+MOST_NEGATIVE = -(1 << 31)
+DEVICE_RESULTS = (-1, -27, -76, 1, MOST_NEGATIVE)
+SIGNALS = ("INT", "TERM", "HUP")
+LONGEST_END = 0.5  # seconds from a signal to the end of the client
+
+# How a run that something went wrong in must go on.
+UNCHANGED = "unchanged"  # as if nothing had been
+INPUT_GONE = "input gone"  # ends as at the end of the input
+OUTPUT_GONE = "output gone"  # ends as without a reader
+ANY_END = "any end"  # ends, in whatever way the client has for it
+
+# A write of one byte only, in place of an error.
+SHORT = "short"
+
+# What each call can fail with, by the descriptor it is made on. A call that is not here, or not
+# on this descriptor, is left alone: an event's write fails only when 2^64 events are waiting.
+CONSOLE_ERRORS = {
+    "read 0": {"EINTR": UNCHANGED, "EAGAIN": UNCHANGED, "EIO": INPUT_GONE, "EBADF": INPUT_GONE},
+    "read other": {"EAGAIN": UNCHANGED, "EINTR": UNCHANGED},
+    "write 1": {
+        "EINTR": UNCHANGED,
+        "EAGAIN": UNCHANGED,
+        SHORT: UNCHANGED,
+        "EIO": OUTPUT_GONE,
+        "EPIPE": OUTPUT_GONE,
+        "ENOSPC": OUTPUT_GONE,
+        "EBADF": OUTPUT_GONE,
+    },
+    "write 2": {"EINTR": ANY_END, "EAGAIN": ANY_END, "EIO": ANY_END},
+    "write file": {"EINTR": ANY_END, "ENOSPC": ANY_END, "EIO": ANY_END, SHORT: ANY_END},
+    "poll other": {"EINTR": UNCHANGED, "ENOMEM": ANY_END},
+    "ppoll other": {"EINTR": UNCHANGED, "ENOMEM": ANY_END},
+    "select other": {"EINTR": ANY_END, "ENOMEM": ANY_END},
+    "pselect other": {"EINTR": ANY_END, "ENOMEM": ANY_END},
+    "epoll_wait other": {"EINTR": UNCHANGED},
+    "nanosleep other": {"EINTR": UNCHANGED},
+    "clock_nanosleep other": {"EINTR": UNCHANGED},
+    "open other": {"EINTR": ANY_END, "EMFILE": ANY_END, "ENOENT": ANY_END, "EACCES": ANY_END},
+    "eventfd other": {"EMFILE": ANY_END, "ENOMEM": ANY_END},
+    "pipe2 other": {"EMFILE": ANY_END},
+    "epoll_create1 other": {"EMFILE": ANY_END, "ENOMEM": ANY_END},
+    "sigaction other": {"EINVAL": ANY_END},
+    "fopen file": {"ENOMEM": ANY_END, "EACCES": ANY_END, "EMFILE": ANY_END},
+    "fwrite file": {"ENOSPC": ANY_END, "EIO": ANY_END},
+    "fflush file": {"ENOSPC": ANY_END, "EIO": ANY_END},
+    "fclose file": {"ENOSPC": ANY_END, "EIO": ANY_END},
+    **{
+        f"epoll_ctl {target}": {"ENOMEM": ANY_END, "ENOSPC": ANY_END}
+        for target in ("0", "1", "2", "file", "other")
+    },
+    **{
+        f"fcntl {target}": {"EBADF": ANY_END, "EINTR": ANY_END, "ENOMEM": ANY_END}
+        for target in ("0", "1", "2", "file", "other")
+    },
+    **{
+        f"{name} {target}": {"EIO": ANY_END}
+        for name in ("ioctl", "tcgetattr", "isatty")
+        for target in ("0", "1", "2")
+    },
+    **{f"dup {target}": {"EMFILE": ANY_END} for target in ("0", "1", "2")},
+    **{f"close {target}": {"EINTR": UNCHANGED, "EIO": UNCHANGED} for target in ("file", "other")},
+}
+# Calls that the client makes in loops are failed at the beginning, at the end and here and there
+# between: bounds of how often, by --all and in a sample.
+ENDS_OF_A_LOOP = 200
+INSIDE_A_LOOP = 100
+# A report takes one write; what is given up on may need another try, because threads race.
+TRIES = 3
+
+# In the library's record, where a planned failure came to pass.
+FAILED_LINE = "failed a call"
+
+REPORT_HEAD = 4
+REPORT_ROW = struct.Struct("<16s5I")
+REPORT_TARGETS = ("0", "1", "2", "file", "other")
+REPORT_ROWS = 64
+
+
+class Fired(Exception):
+    """The planned failure has come to pass: what the session expects no longer holds."""
+
+
+class Bench:
+    """What a worker keeps from run to run: the library's pipes, the report of the faults."""
+
+    def __init__(self, options):
+        self.options = options
+        self.top = pathlib.Path(tempfile.mkdtemp(prefix="sweep."))
+        for name in ("control", "record"):
+            os.mkfifo(self.top / name)
+        self.control = os.open(self.top / "control", os.O_RDWR | os.O_NONBLOCK)
+        self.record = os.open(self.top / "record", os.O_RDWR | os.O_NONBLOCK)
+        report = self.top / "report"
+        report.write_bytes(bytes(REPORT_HEAD + REPORT_ROWS * REPORT_ROW.size))
+        with open(report, "r+b") as file:
+            self.report = mmap.mmap(file.fileno(), 0)
+        self.sessions = {}
+
+    def session(self, path):
+        if path not in self.sessions:
+            self.sessions[path] = Session(path)
+        return self.sessions[path]
+
+    def begin(self):
+        """Nothing of the run before may reach the next one."""
+        self.report[:] = bytes(len(self.report))
+        for pipe in (self.control, self.record):
+            try:
+                while os.read(pipe, 65536):
+                    pass
+            except BlockingIOError:
+                pass
+
+    def counts(self):
+        """How often the client made each call: {"read 0": 12}."""
+        counts = {}
+        for row in range(REPORT_ROWS):
+            name, *numbers = REPORT_ROW.unpack_from(self.report, REPORT_HEAD + row * REPORT_ROW.size)
+            for target, number in zip(REPORT_TARGETS, numbers):
+                if number:
+                    counts[f"{name.rstrip(bytes(1)).decode()} {target}"] = number
+        return counts
+
+
+class SweptClient(Client):
+    """A client that something goes wrong for."""
+
+    def __init__(self, session, bench, directory, faults):
+        self.bench = bench
+        self.faults = faults  # environment that plans them
+        self.heeds_failure = False
+        self.failed_behind = None  # number of calls before the failure
+        self.typed = 0
+        self.commanded = 0
+        bench.begin()
+        super().__init__(session, bench.options, directory)
+        os.set_blocking(self.input, False)
+
+    def set_up_library(self, session, directory, environment):
+        (self.bench.top / "script").write_text("".join(line + "\n" for line in session.script), "latin-1")
+        self.control = self.bench.control
+        self.selector.register(self.bench.record, 1, "record")
+        for name in ("script", "control", "record"):
+            environment["QOR020_" + name.upper()] = str(self.bench.top / name)
+        environment.update(self.faults)
+        if self.bench.options.faults:
+            environment["LD_PRELOAD"] = os.path.abspath(self.bench.options.faults)
+            environment["FAULTS_REPORT"] = str(self.bench.top / "report")
+            environment["ASAN_OPTIONS"] += ":verify_asan_link_order=0"
+
+    def calls(self):
+        return [line for line in self.record_lines if line.startswith(CALLS)]
+
+    def take_record(self, chunk):
+        super().take_record(chunk)
+        if FAILED_LINE in self.record_lines:
+            at = self.record_lines.index(FAILED_LINE)
+            del self.record_lines[at]
+            self.failed_behind = sum(line.startswith(CALLS) for line in self.record_lines[:at])
+
+    def pump(self, seconds):
+        came = super().pump(seconds)
+        if self.heeds_failure and self.failed_behind is not None:
+            raise Fired
+        return came
+
+    def type(self, data):
+        deadline = time.monotonic() + self.session.timeout
+        while data:
+            try:
+                written = os.write(self.input, data[:4096])
+            except BlockingIOError:
+                written = 0
+            except OSError as error:
+                raise Failure("the client does not read its input any more") from error
+            data = data[written:]
+            self.typed += written
+            while self.pump(0 if written else 0.01):
+                pass
+            if time.monotonic() > deadline:
+                raise Failure("timed out waiting for the client to read its input")
+
+    def end_input(self):
+        if self.session.pty:
+            self.type(b"\x04\x04")  # the first one ends a line that was begun
+        else:
+            super().end_input()
+
+    def command(self, text):
+        self.commanded += 1
+        super().command(text)
+
+    def play_rest(self):
+        """Types and commands what is left, all at once, ends the input and waits for the end."""
+        self.heeds_failure = False
+        typed, commanded = self.typed, self.commanded
+        for kind, value, _ in self.session.steps:
+            if kind == "type":
+                rest, typed = value[typed:], max(typed - len(value), 0)
+                try:
+                    self.type(rest)
+                except Failure:
+                    if self.running():
+                        raise
+            elif kind == "command":
+                if commanded == 0:
+                    os.write(self.control, value.encode("latin-1") + b"\n")
+                commanded = max(commanded - 1, 0)
+        try:
+            self.end_input()
+        except Failure:
+            pass  # ended before
+        return self.finish()
+
+
+class Case:
+    """One session with one thing going wrong. Its text names it, and brings it back."""
+
+    def __init__(self, path, text):
+        self.path = path
+        self.text = text
+        self.kind, *self.rest = text.split(":")
+
+    def environment(self):
+        if self.kind == "device":
+            return {"QOR020_FAIL": ":".join(self.rest)}
+        if self.kind == "console":
+            name, target, number, error = self.rest
+            code = -1 if error == SHORT else getattr(errno, error)
+            return {"FAULTS_PLAN": f"{name} {target} {number} {code}"}
+        if self.kind == "allocation":
+            return {"FAULTS_PLAN": f"malloc other {self.rest[0]} {errno.ENOMEM}"}
+        return {}
+
+    def outcome(self):
+        return CONSOLE_ERRORS[" ".join(self.rest[:2])][self.rest[3]] if self.kind == "console" else ANY_END
+
+    def sampled(self, every):
+        return zlib.crc32(f"{self.path.parent.name}/{self.path.stem} {self.text}".encode()) % every == 0
+
+
+def with_client(bench, session, faults, act):
+    """Runs a client in a directory of its own and returns what act(client, directory) does."""
+    with tempfile.TemporaryDirectory(prefix="run.", dir=bench.top) as top:
+        directory = pathlib.Path(top)
+        client = SweptClient(session, bench, directory, faults)
+        try:
+            return act(client, directory)
+        except Failure as failure:
+            client.heeds_failure = False
+            client.kill()
+            client.settle()
+            shown = client.errors.decode("utf-8", "replace").strip()
+            raise Failure(f"{failure}" + (f"; on standard error: {shown}" if shown else "")) from failure
+        finally:
+            client.kill()
+            client.close()
+
+
+def shape(call, exact):
+    """What is compared of a call: all of it but its result, or no bytes where they are random."""
+    call = call.partition(" -> ")[0]
+    return call if exact else call.partition(" |")[0]
+
+
+def typed_text(session):
+    return b"".join(value for kind, value, _ in session.steps if kind == "type")
+
+
+class Reference:
+    """The session as it goes when nothing goes wrong."""
+
+    def __init__(self, bench, session):
+        def act(client, directory):
+            status = play(session, client)
+            check_all(session, client, directory, status)
+            return client.calls()
+
+        began = time.monotonic()
+        self.calls = with_client(bench, session, {}, act)
+        self.took = time.monotonic() - began
+        self.counts = bench.counts()
+
+    def check_calls(self, session, calls, before):
+        """The calls before the failure are the session's, and the device is closed at the end."""
+        exact = session.checks_calls
+        for number, (call, expected) in enumerate(zip(calls[:before], self.calls), 1):
+            if shape(call, exact) != shape(expected, exact):
+                raise Failure(f"call {number} is {call}, expected {expected}")
+        if len(calls[:before]) > len(self.calls):
+            raise Failure(f"a call too many: {calls[len(self.calls)]}")
+        opened = any(
+            call.startswith("OpenWiMAXDevice") and not call.endswith(" fail") for call in calls
+        )
+        closes = sum(call.startswith("CloseWiMAXDevice") for call in calls)
+        if opened and not calls[-1].startswith("CloseWiMAXDevice"):
+            raise Failure(f"the device stays open; the last call is {calls[-1]}")
+        if b"100" not in typed_text(session).split() and closes != int(opened):
+            raise Failure(f"closed {closes} times")
+
+
+def check_end(session, client, status, allowed):
+    if status < 0:
+        raise Failure(f"killed by {signal.Signals(-status).name}")
+    lines = client.errors.count(b"\n")
+    if status not in allowed:
+        raise Failure(f"exit status {status}, expected one of {sorted(allowed)}")
+    if status == 1:
+        if lines != 1 or not client.errors.endswith(b"\n") or len(client.errors) > 200:
+            raise Failure("exit status 1 without one line on standard error")
+    elif client.errors not in (b"", session.stderr):
+        raise Failure("on standard error")
+    wrong = [line for line in client.record_lines if line.startswith("error ")]
+    if wrong:
+        raise Failure("the scripted library says: " + "; ".join(wrong))
+
+
+def run_failure(bench, session, reference, case):
+    """A call or an allocation fails. Returns whether it came to that."""
+    outcome = case.outcome()
+
+    def act(client, directory):
+        if outcome == UNCHANGED:
+            status = play(session, client)
+            check_all(session, client, directory, status)
+            return client.failed_behind is not None
+        client.heeds_failure = True
+        try:
+            status = play(session, client)
+        except Fired:
+            status = client.play_rest()
+        except Failure:
+            # The output ends before the news of the failure is here.
+            client.heeds_failure = False
+            client.settle()
+            if client.failed_behind is None:
+                raise
+            status = client.play_rest()
+        if client.failed_behind is None:
+            return False
+        allowed = {0, session.status}
+        if outcome == OUTPUT_GONE:
+            allowed = {141} | ({session.status} if session.status > 128 else set())
+        elif outcome == ANY_END and case.kind == "allocation":
+            allowed |= {1}
+        elif outcome == ANY_END and case.kind == "console":
+            allowed |= {1, 141}
+        check_end(session, client, status, allowed)
+        reference.check_calls(session, client.calls(), client.failed_behind)
+        return True
+
+    return with_client(bench, session, case.environment(), act)
+
+
+def play_until_byte(session, client, count, tail):
+    """Plays the session up to this number of typed bytes, types the tail and ends the input."""
+    for step in session.steps:
+        kind, value, _ = step
+        if kind == "type" and client.typed + len(value) >= count:
+            client.type(value[: count - client.typed] + tail)
+            client.end_input()
+            return client.finish()
+        play_steps(session, client, [step])
+    raise Failure("the session types less")
+
+
+def run_end(bench, session, reference, case):
+    """The input ends behind a byte."""
+    count = int(case.rest[0])
+    text = typed_text(session)
+
+    def cut(tail):
+        def act(client, _):
+            status = play_until_byte(session, client, count, tail)
+            check_end(session, client, status, {0, session.status} if session.status in (0, 255) else {0})
+            return client.calls()
+
+        return with_client(bench, session, {}, act)
+
+    calls = cut(b"")
+    inside_a_word = 0 < count < len(text) and not text[count - 1 : count + 1].split()[1:] and not (
+        text[count - 1 : count].isspace() or text[count : count + 1].isspace()
+    )
+    if inside_a_word:
+        # The word that was cut counts as if it had been typed like that.
+        whole = cut(b"\n")
+        exact = session.checks_calls
+        if [shape(call, exact) for call in calls] != [shape(call, exact) for call in whole]:
+            raise Failure(f"calls {calls}, but {whole} when the cut word has a line end")
+        reference.check_calls(session, calls, 0)
+    else:
+        reference.check_calls(session, calls, len(calls) - 1 if calls else 0)
+    return True
+
+
+def run_signal(bench, session, reference, case):
+    """A signal comes in a step that waits, at its beginning or at its end."""
+    index, name, position = int(case.rest[0]), case.rest[1], case.rest[2]
+    number = getattr(signal, "SIG" + name)
+
+    def act(client, _):
+        play_steps(session, client, session.steps[: index + (position == "behind")])
+        began = time.monotonic()
+        client.process.send_signal(number)
+        status = client.finish()
+        took = time.monotonic() - began
+        check_end(session, client, status, {128 + number})
+        reference.check_calls(session, client.calls(), len(client.calls()) - 1)
+        if took > LONGEST_END:
+            raise Failure(f"ended {took:.1f} s after the signal")
+        return True
+
+    return with_client(bench, session, {}, act)
+
+
+RUNNERS = {
+    "device": run_failure,
+    "console": run_failure,
+    "allocation": run_failure,
+    "end": run_end,
+    "signal": run_signal,
+}
+
+
+def spread(count):
+    """The numbers 1 to count, or those at the ends and some between when there are too many."""
+    if count <= 2 * ENDS_OF_A_LOOP + INSIDE_A_LOOP:
+        return range(1, count + 1)
+    step = (count - 2 * ENDS_OF_A_LOOP) // INSIDE_A_LOOP
+    return sorted(
+        {*range(1, ENDS_OF_A_LOOP + 1), *range(ENDS_OF_A_LOOP, count, step)}
+        | set(range(count - ENDS_OF_A_LOOP + 1, count + 1))
+    )
+
+
+def device_cases(session, reference):
+    for number in spread(len(reference.calls)):
+        opens = reference.calls[number - 1].startswith("OpenWiMAXDevice")
+        for result in (-1,) if opens else DEVICE_RESULTS:
+            yield f"device:{number}:{result}"
+
+
+def console_cases(session, reference):
+    for call, count in sorted(reference.counts.items()):
+        for error in CONSOLE_ERRORS.get(call, ()):
+            for number in spread(count):
+                yield f"console:{call.replace(' ', ':')}:{number}:{error}"
+
+
+def allocation_cases(session, reference):
+    for number in spread(reference.counts.get("malloc other", 0)):
+        yield f"allocation:{number}"
+
+
+def end_cases(session, reference):
+    whole = len(typed_text(session))
+    typed = 0
+    for kind, value, _ in session.steps:
+        if kind in ("signal", "close output", "eof"):
+            return
+        if kind == "type":
+            yield from (f"end:{typed + number - 1}" for number in spread(len(value)))
+            typed += len(value)
+    yield f"end:{whole}"
+
+
+def signal_cases(session, reference):
+    deeds = ("type", "signal", "close output", "eof")
+    last = max((i for i, step in enumerate(session.steps) if step[0] in deeds), default=0)
+    started = False
+    for index, (kind, _, _) in enumerate(session.steps[:last]):
+        if kind in ("signal", "close output", "eof"):
+            return
+        if kind in ("output", "await", "command"):
+            for name in SIGNALS:
+                # Before the first output the signals need not be caught yet.
+                if started:
+                    yield f"signal:{index}:{name}:before"
+                yield f"signal:{index}:{name}:behind"
+            started = True
+
+
+PLANNERS = {
+    "device": device_cases,
+    "console": console_cases,
+    "allocation": allocation_cases,
+    "end": end_cases,
+    "signal": signal_cases,
+}
+
+BENCH = None
+REFERENCES = {}
+
+
+def set_up_worker(options):
+    global BENCH
+    BENCH = Bench(options)
+
+
+def reference_of(path):
+    if path not in REFERENCES:
+        REFERENCES[path] = Reference(BENCH, BENCH.session(path))
+    return REFERENCES[path]
+
+
+def plan(path, kinds):
+    """The cases of a session, by kind, and how long it lasts; or why it cannot be played."""
+    try:
+        session = BENCH.session(path)
+        reference = reference_of(path)
+    except (Failure, FormatError) as failure:
+        return path, str(failure), {}, None
+    cases = {kind: list(PLANNERS[kind](session, reference)) for kind in kinds}
+    return path, None, cases, reference
+
+
+def run_cases(path, reference, texts):
+    """Runs cases of one session; returns (case, whether it fired, failure) of each."""
+    results = []
+    session = BENCH.session(path)
+    for text in texts:
+        case = Case(path, text)
+        fired, failure = False, None
+        for _ in range(TRIES):
+            try:
+                fired = RUNNERS[case.kind](BENCH, session, reference, case)
+                failure = None if fired else "it did not come to that"
+            except Failure as reason:
+                fired, failure = True, str(reason)
+            if failure is None or (fired and case.kind != "signal"):
+                break
+        results.append((text, fired, failure))
+    return path, results
+
+
+def chunks(items, size):
+    return (items[start : start + size] for start in range(0, len(items), size))
+
+
+def left_out(session):
+    """Why a session is not swept, or nothing."""
+    if session.scenario is not None:
+        return "the simulated modem answers when it likes"
+    return None
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("paths", nargs="+", type=pathlib.Path, help="session files, directories of them")
+    parser.add_argument("--client", required=True, help="the client's executable")
+    parser.add_argument("--scripted", required=True, help="the scripted libqor020.so")
+    parser.add_argument("--faults", help="libfaults.so, for console calls and allocations")
+    parser.add_argument("--kinds", default=",".join(KINDS), help="what goes wrong: " + ",".join(KINDS))
+    parser.add_argument("--case", action="append", help="only this case, as a failure names it")
+    parser.add_argument("--every", type=int, default=1, help="a sample: about one case in so many")
+    parser.add_argument("--longest", type=float, default=1e9, help="leave out sessions that last longer")
+    parser.add_argument("--jobs", type=int, default=2 * (os.cpu_count() or 1))
+    options = parser.parse_args()
+    options.simulated = options.scenarios = None
+    kinds = options.kinds.split(",")
+    paths = []
+    for path in options.paths:
+        paths += sorted(path.rglob("*.session")) if path.is_dir() else [path]
+    failed = 0
+    sums = {kind: [0, 0, 0] for kind in kinds}
+    swept = []
+    for path in paths:
+        reason = left_out(Session(path))
+        if reason is None:
+            swept.append(path.absolute())
+    print(f"{len(swept)} of {len(paths)} sessions")
+    with concurrent.futures.ProcessPoolExecutor(
+        options.jobs, initializer=set_up_worker, initargs=(options,)
+    ) as pool:
+        tasks = []
+        plans = [pool.submit(plan, path, kinds) for path in swept]
+        for future in concurrent.futures.as_completed(plans):
+            path, failure, cases, reference = future.result()
+            if failure:
+                failed += 1
+                print(f"FAILED: {path}: {failure}")
+                continue
+            if reference.took > options.longest:
+                continue
+            for kind in kinds:
+                chosen = [
+                    text
+                    for text in options.case or cases[kind]
+                    if text.startswith(kind + ":") and (options.case or Case(path, text).sampled(options.every))
+                ]
+                for part in chunks(chosen, 40):
+                    tasks.append(pool.submit(run_cases, path, reference, part))
+        for future in concurrent.futures.as_completed(tasks):
+            path, results = future.result()
+            for text, fired, failure in results:
+                numbers = sums[text.partition(":")[0]]
+                numbers[0] += 1
+                numbers[1] += fired
+                if failure:
+                    numbers[2] += 1
+                    print(f"FAILED: {path} --case {text}: {failure}", flush=True)
+    for kind, (planned, fired, wrong) in sums.items():
+        print(f"{kind}: planned {planned}, fired {fired}, failed {wrong}")
+        failed += wrong
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
