@@ -4,7 +4,9 @@ console call or an allocation that fails, the input that ends, a signal. README.
 file says what must come of it."""
 
 import argparse
+import collections
 import concurrent.futures
+import contextlib
 import errno
 import mmap
 import os
@@ -82,11 +84,11 @@ CONSOLE_ERRORS = {
     **{f"dup {target}": {"EMFILE": ANY_END} for target in ("0", "1", "2")},
     **{f"close {target}": {"EINTR": UNCHANGED, "EIO": UNCHANGED} for target in ("file", "other")},
 }
-# Calls that the client makes in loops are failed at the beginning, at the end and here and there
-# between: bounds of how often, by --all and in a sample.
-ENDS_OF_A_LOOP = 200
-INSIDE_A_LOOP = 100
-# A report takes one write; what is given up on may need another try, because threads race.
+# Of calls, bytes and waits without number those at both ends are taken, and some between: as many
+# as a session's length allows. The sessions that go round as often as they like have the last row.
+SLOW = 1.0  # seconds
+BOUNDS = {"quick": (200, 100), "slow": (2, 1), "free": (20, 0)}  # at each end, between
+# Threads race, and so a call may be made once less than before; and a loaded machine is late.
 TRIES = 3
 
 # How long a client may take to end by itself before it is helped along.
@@ -97,6 +99,8 @@ FIRMWARE_WAIT = " 16/2 | 00*4 "
 # In the library's record, where a planned failure came to pass.
 FAILED_LINE = "failed a call"
 
+SHOWN_LINES = 12
+
 REPORT_HEAD = 4
 REPORT_ROW = struct.Struct("<16s5I")
 REPORT_TARGETS = ("0", "1", "2", "file", "other")
@@ -105,6 +109,10 @@ REPORT_ROWS = 64
 
 class Fired(Exception):
     """The planned failure has come to pass: what the session expects no longer holds."""
+
+
+class InputClosed(Failure):
+    """The client, or all of it but its output, has gone."""
 
 
 class Bench:
@@ -200,7 +208,7 @@ class SweptClient(Client):
             except BlockingIOError:
                 written = 0
             except OSError as error:
-                raise Failure("the client does not read its input any more") from error
+                raise InputClosed("the client does not read its input any more") from error
             data = data[written:]
             self.typed += written
             while self.pump(0 if written else 0.01):
@@ -225,11 +233,8 @@ class SweptClient(Client):
         for kind, value, _ in self.session.steps:
             if kind == "type":
                 rest, typed = value[typed:], max(typed - len(value), 0)
-                try:
+                with contextlib.suppress(InputClosed):
                     self.type(rest)
-                except Failure:
-                    if self.running():
-                        raise
             elif kind == "command":
                 if commanded == 0:
                     os.write(self.control, value.encode("latin-1") + b"\n")
@@ -241,8 +246,8 @@ class SweptClient(Client):
         """Ends the input, and what else ends the session when that does not end the client."""
         try:
             self.end_input()
-        except Failure:
-            return  # ended before
+        except InputClosed:
+            return
         for kind, value, _ in self.session.steps:
             if kind in ("signal", "close output") and self.stays(ENDING_PATIENCE):
                 if kind == "signal":
@@ -487,21 +492,26 @@ RUNNERS = {
 }
 
 
-def spread(session, count):
-    """The numbers 1 to count, or those at the ends and some between when there are too many."""
-    if runs_freely(session):
-        count = count // 3  # the next run may go round less often
-    if count <= 2 * ENDS_OF_A_LOOP + INSIDE_A_LOOP:
-        return range(1, count + 1)
-    step = (count - 2 * ENDS_OF_A_LOOP) // INSIDE_A_LOOP
-    return sorted(
-        {*range(1, ENDS_OF_A_LOOP + 1), *range(ENDS_OF_A_LOOP, count, step)}
-        | set(range(count - ENDS_OF_A_LOOP + 1, count + 1))
-    )
+def spread(session, reference, items):
+    """The items, or those at the ends and some between when there are too many."""
+    items = list(items)
+    kind = "free" if runs_freely(session) else "slow" if reference.took > SLOW else "quick"
+    ends, between = BOUNDS[kind]
+    inner = len(items) - 2 * ends
+    if inner <= between:
+        return items
+    if kind == "free":
+        return items[:ends]  # the next run may go round less often
+    chosen = {ends + inner * number // between for number in range(between)}
+    return [
+        item
+        for at, item in enumerate(items)
+        if at < ends or at in chosen or at >= len(items) - ends
+    ]
 
 
 def device_cases(session, reference):
-    for number in spread(session, len(reference.calls)):
+    for number in spread(session, reference, range(1, len(reference.calls) + 1)):
         opens = reference.calls[number - 1].startswith("OpenWiMAXDevice")
         for result in (-1,) if opens else DEVICE_RESULTS:
             yield f"device:{number}:{result}"
@@ -510,41 +520,47 @@ def device_cases(session, reference):
 def console_cases(session, reference):
     for call, count in sorted(reference.counts.items()):
         for error in CONSOLE_ERRORS.get(call, ()):
-            for number in spread(session, count):
+            for number in spread(session, reference, range(1, count + 1)):
                 yield f"console:{call.replace(' ', ':')}:{number}:{error}"
 
 
 def allocation_cases(session, reference):
-    for number in spread(session, reference.counts.get("malloc other", 0)):
+    count = reference.counts.get("malloc other", 0)
+    for number in spread(session, reference, range(1, count + 1)):
         yield f"allocation:{number}"
 
 
+# Steps behind which the end of a session is on its way.
+ENDING_STEPS = ("signal", "close output", "eof")
+
+
 def end_cases(session, reference):
-    whole = len(typed_text(session))
+    yield "end:0"
     typed = 0
     for kind, value, _ in session.steps:
-        if kind in ("signal", "close output", "eof"):
+        if kind in ENDING_STEPS:
             return
         if kind == "type":
-            yield from (f"end:{typed + number - 1}" for number in spread(session, len(value)))
+            ends = range(typed + 1, typed + len(value) + 1)
+            yield from (f"end:{count}" for count in spread(session, reference, ends))
             typed += len(value)
-    yield f"end:{whole}"
 
 
 def signal_cases(session, reference):
-    deeds = ("type", "signal", "close output", "eof")
-    last = max((i for i, step in enumerate(session.steps) if step[0] in deeds), default=0)
-    started = False
-    for index, (kind, _, _) in enumerate(session.steps[:last]):
-        if kind in ("signal", "close output", "eof"):
-            return
-        if kind in ("output", "await", "command"):
-            for name in SIGNALS:
-                # Before the first output the signals need not be caught yet.
-                if started:
-                    yield f"signal:{index}:{name}:before"
-                yield f"signal:{index}:{name}:behind"
-            started = True
+    deeds = ("type", *ENDING_STEPS)
+    last = max((at for at, (kind, _, _) in enumerate(session.steps) if kind in deeds), default=0)
+    first = min((at for at, (kind, _, _) in enumerate(session.steps) if kind in ENDING_STEPS), default=last)
+    waits = [
+        at
+        for at, (kind, _, _) in enumerate(session.steps[: min(first, last)])
+        if kind in ("output", "await", "command")
+    ]
+    for index in spread(session, reference, waits):
+        for name in SIGNALS:
+            # Before the first output the signals need not be caught yet.
+            if index != waits[0]:
+                yield f"signal:{index}:{name}:before"
+            yield f"signal:{index}:{name}:behind"
 
 
 PLANNERS = {
@@ -604,10 +620,20 @@ def chunks(items, size):
     return (items[start : start + size] for start in range(0, len(items), size))
 
 
-def left_out(session):
+def shortened(text):
+    """As much of a failure as says what is wrong."""
+    lines = text.split("\n")
+    return "\n".join(line[:300] for line in lines[:SHOWN_LINES]) + ("\n..." if len(lines) > SHOWN_LINES else "")
+
+
+def left_out(session, options):
     """Why a session is not swept, or nothing."""
     if session.scenario is not None:
-        return "the simulated modem answers when it likes"
+        return "on the simulated modem, which answers when it likes"
+    if session.lasts is not None and session.lasts[0] > options.longest:
+        return f"lasts more than {options.longest:g} s"
+    if zlib.crc32(session.path.stem.encode()) % options.every_session:
+        return "not in the sample of sessions"
     return None
 
 
@@ -617,9 +643,10 @@ def main():
     parser.add_argument("--client", required=True, help="the client's executable")
     parser.add_argument("--scripted", required=True, help="the scripted libqor020.so")
     parser.add_argument("--faults", help="libfaults.so, for console calls and allocations")
-    parser.add_argument("--kinds", default=",".join(KINDS), help="what goes wrong: " + ",".join(KINDS))
+    parser.add_argument("--kinds", help="what goes wrong, of " + ",".join(KINDS))
     parser.add_argument("--case", action="append", help="only this case, as a failure names it")
     parser.add_argument("--every", type=int, default=1, help="a sample: about one case in so many")
+    parser.add_argument("--every-session", type=int, default=1, help="a sample of the sessions")
     parser.add_argument("--plan", action="store_true", help="only count what would be run")
     parser.add_argument("--longest", type=float, default=1e9, help="leave out sessions that last longer")
     parser.add_argument("--jobs", type=int, default=2 * (os.cpu_count() or 1))
@@ -630,18 +657,17 @@ def main():
 
 
 def sweep(options):
-    kinds = options.kinds.split(",")
+    kinds = (options.kinds or ",".join(KINDS)).split(",")
     paths = []
     for path in options.paths:
         paths += sorted(path.rglob("*.session")) if path.is_dir() else [path]
     failed = 0
     sums = {kind: [0, 0, 0] for kind in kinds}
-    swept = []
-    for path in paths:
-        reason = left_out(Session(path))
-        if reason is None:
-            swept.append(path.absolute())
+    reasons = {path.absolute(): left_out(Session(path), options) for path in paths}
+    swept = [path for path, reason in reasons.items() if reason is None]
     print(f"{len(swept)} of {len(paths)} sessions")
+    for reason, count in sorted(collections.Counter(filter(None, reasons.values())).items()):
+        print(f"left out, {reason}: {count}")
     with concurrent.futures.ProcessPoolExecutor(
         options.jobs, initializer=set_up_worker, initargs=(options,)
     ) as pool:
@@ -651,7 +677,7 @@ def sweep(options):
             path, failure, cases, reference = future.result()
             if failure:
                 failed += 1
-                print(f"FAILED: {path}: {failure}")
+                print(f"FAILED: {path}: {shortened(failure)}", flush=True)
                 continue
             if reference.took > options.longest:
                 continue
@@ -674,7 +700,7 @@ def sweep(options):
                 numbers[1] += fired
                 if failure:
                     numbers[2] += 1
-                    print(f"FAILED: {path} --case {text}: {failure}", flush=True)
+                    print(f"FAILED: {path} --case {text}: {shortened(failure)}", flush=True)
     for kind, (planned, fired, wrong) in sums.items():
         print(f"{kind}: planned {planned}, fired {fired}, failed {wrong}")
         failed += wrong
