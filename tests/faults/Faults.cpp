@@ -4,7 +4,6 @@
 // so with FaultsOwnCalls.
 #include <atomic>
 #include <cerrno>
-#include <csignal>
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
@@ -20,6 +19,7 @@
 #include <sys/ioctl.h>
 #include <sys/mman.h>
 #include <sys/select.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/uio.h>
 #include <termios.h>
@@ -33,11 +33,11 @@ constexpr size_t uTargets = 5;
 constexpr std::string_view astrTargets[uTargets] = {"0", "1", "2", "file", "other"};
 
 constexpr std::string_view astrCalls[] = {
-    "read",      "readv",      "write", "writev",          "poll",      "ppoll",
-    "select",    "pselect",    "open",  "fcntl",           "eventfd",   "epoll_create1",
-    "epoll_ctl", "epoll_wait", "close", "ioctl",           "sigaction", "nanosleep",
-    "tcgetattr", "isatty",     "fopen", "fwrite",          "fflush",    "fclose",
-    "dup",       "dup2",       "pipe2", "clock_nanosleep", "malloc"};
+    "read",          "readv",     "write",      "writev", "recv",   "send",      "poll",
+    "ppoll",         "select",    "pselect",    "open",   "fcntl",  "fstat",     "eventfd",
+    "epoll_create1", "epoll_ctl", "epoll_wait", "close",  "ioctl",  "nanosleep", "clock_nanosleep",
+    "tcgetattr",     "isatty",    "fopen",      "fwrite", "fflush", "fclose",    "dup",
+    "dup2",          "pipe2",     "malloc"};
 constexpr size_t uCalls = sizeof astrCalls / sizeof astrCalls[0];
 constexpr size_t uNameSize = 16;
 
@@ -73,13 +73,49 @@ template <typename Function> Function *Next(Function * /*pfnLike*/, const char *
     return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, pcName));
 }
 
-Target TargetOf(int iDescriptor) {
+// Calls the next function of that name.
+#define NEXT(name) static auto *pfnNext = Next(::name, #name)
+
+// The standard descriptors as they were when the client began.
+struct stat gastStandard[3];
+
+struct stat StatusOf(int iDescriptor) {
+    NEXT(fstat);
+    struct stat stStatus {};
+    pfnNext(iDescriptor, &stStatus);
+    return stStatus;
+}
+
+// A pipe or a terminal that was opened once more counts as what it is; on a terminal, which is
+// both, as what the call is for.
+Target TargetOf(int iDescriptor, Target eFor = Target::Input) {
     if (iDescriptor >= STDIN_FILENO && iDescriptor <= STDERR_FILENO) {
         return static_cast<Target>(iDescriptor);
     }
-    struct stat stStatus {};
-    return fstat(iDescriptor, &stStatus) == 0 && S_ISREG(stStatus.st_mode) ? Target::File
-                                                                           : Target::Other;
+    const struct stat stStatus = StatusOf(iDescriptor);
+    if (S_ISREG(stStatus.st_mode)) {
+        return Target::File;
+    }
+    const auto Is = [&stStatus](Target eTarget) {
+        const struct stat &stStandard = gastStandard[static_cast<size_t>(eTarget)];
+        return stStandard.st_dev == stStatus.st_dev && stStandard.st_ino == stStatus.st_ino;
+    };
+    const Target eOther = eFor == Target::Input ? Target::Output : Target::Input;
+    return Is(eFor) ? eFor : Is(eOther) ? eOther : Target::Other;
+}
+
+// A read that would find nothing is not counted: how many there are is a matter of time.
+bool IsReady(int iDescriptor) {
+    NEXT(poll);
+    pollfd stPoll{iDescriptor, POLLIN, 0};
+    return pfnNext(&stPoll, 1, 0) != 0;
+}
+
+Target TargetOfPath(std::string_view strPath) {
+    return strPath == "/proc/self/fd/0"   ? Target::Input
+           : strPath == "/proc/self/fd/1" ? Target::Output
+           : strPath.starts_with("/")     ? Target::Other
+                                          : Target::File;
 }
 
 constexpr size_t RowOf(std::string_view strCall) {
@@ -143,6 +179,9 @@ void Begin() {
         return;
     }
     gpstReport = static_cast<Report *>(pvReport);
+    for (int i = STDIN_FILENO; i <= STDERR_FILENO; ++i) {
+        gastStandard[i] = StatusOf(i);
+    }
     for (size_t i = 0; i < uCalls; ++i) {
         astrCalls[i].copy(gpstReport->astRows[i].acName, uNameSize - 1);
     }
@@ -163,8 +202,7 @@ int CountedMain(int iArguments, char **ppcArguments, char **ppcEnvironment) {
 
 } // namespace
 
-// Calls the next function of that name unless the plan has the call fail.
-#define NEXT(name) static auto *pfnNext = Next(::name, #name)
+// Returns from the function when the plan has the call fail.
 #define FAIL_WITH(name, target, result)                                                            \
     do {                                                                                           \
         constexpr size_t uRow = RowOf(#name);                                                      \
@@ -192,7 +230,9 @@ int __libc_start_main(Main *pfnMain, int iArguments, char **ppcArguments, void (
 }
 
 ssize_t read(int iDescriptor, void *pvBytes, size_t uSize) {
-    FAIL_WITH(read, TargetOf(iDescriptor), -1);
+    if (IsReady(iDescriptor)) {
+        FAIL_WITH(read, TargetOf(iDescriptor), -1);
+    }
     NEXT(read);
     return pfnNext(iDescriptor, pvBytes, uSize);
 }
@@ -205,7 +245,7 @@ ssize_t readv(int iDescriptor, const iovec *pstParts, int iParts) {
 
 ssize_t write(int iDescriptor, const void *pvBytes, size_t uSize) {
     NEXT(write);
-    const int iFault = Fault(RowOf("write"), TargetOf(iDescriptor));
+    const int iFault = Fault(RowOf("write"), TargetOf(iDescriptor, Target::Output));
     if (iFault > 0) {
         return -1;
     }
@@ -214,7 +254,7 @@ ssize_t write(int iDescriptor, const void *pvBytes, size_t uSize) {
 
 ssize_t writev(int iDescriptor, const iovec *pstParts, int iParts) {
     NEXT(writev);
-    const int iFault = Fault(RowOf("writev"), TargetOf(iDescriptor));
+    const int iFault = Fault(RowOf("writev"), TargetOf(iDescriptor, Target::Output));
     if (iFault > 0) {
         return -1;
     }
@@ -225,8 +265,34 @@ ssize_t writev(int iDescriptor, const iovec *pstParts, int iParts) {
     return pfnNext(iDescriptor, pstParts, iParts);
 }
 
+ssize_t recv(int iDescriptor, void *pvBytes, size_t uSize, int iFlags) {
+    if (IsReady(iDescriptor)) {
+        FAIL_WITH(recv, TargetOf(iDescriptor), -1);
+    }
+    NEXT(recv);
+    return pfnNext(iDescriptor, pvBytes, uSize, iFlags);
+}
+
+ssize_t send(int iDescriptor, const void *pvBytes, size_t uSize, int iFlags) {
+    NEXT(send);
+    const int iFault = Fault(RowOf("send"), TargetOf(iDescriptor, Target::Output));
+    if (iFault > 0) {
+        return -1;
+    }
+    return pfnNext(iDescriptor, pvBytes, iFault == iShort && uSize > 1 ? 1 : uSize, iFlags);
+}
+
+int fstat(int iDescriptor, struct stat *pstStatus) {
+    FAIL_WITH(fstat, TargetOf(iDescriptor), -1);
+    NEXT(fstat);
+    return pfnNext(iDescriptor, pstStatus);
+}
+
+// One that waits for nothing is a pause between two looks, and there are as many as it takes.
 int poll(pollfd *pstPolls, nfds_t uPolls, int iTimeout) {
-    FAIL_WITH(poll, Target::Other, -1);
+    if (uPolls != 0) {
+        FAIL_WITH(poll, Target::Other, -1);
+    }
     NEXT(poll);
     return pfnNext(pstPolls, uPolls, iTimeout);
 }
@@ -256,7 +322,7 @@ int open(const char *pcPath, int iFlags, ...) {
     va_start(stArguments, iFlags);
     const mode_t uMode = (iFlags & O_CREAT) != 0 ? va_arg(stArguments, mode_t) : 0;
     va_end(stArguments);
-    FAIL_WITH(open, Target::Other, -1);
+    FAIL_WITH(open, TargetOfPath(pcPath), -1);
     NEXT(open);
     return pfnNext(pcPath, iFlags, uMode);
 }
@@ -312,14 +378,6 @@ int close(int iDescriptor) {
     const int iResult = pfnNext(iDescriptor);
     FAIL_WITH(close, eTarget, -1);
     return iResult;
-}
-
-int sigaction(int iSignal, const struct sigaction *pstAction, struct sigaction *pstBefore) {
-    FAIL_WITH(sigaction, Target::Other, -1);
-    static auto *pfnNext =
-        reinterpret_cast<int (*)(int, const struct sigaction *, struct sigaction *)>(
-            dlsym(RTLD_NEXT, "sigaction"));
-    return pfnNext(iSignal, pstAction, pstBefore);
 }
 
 int nanosleep(const timespec *pstTime, timespec *pstLeft) {
