@@ -92,7 +92,7 @@ CONSOLE_ERRORS = {
 # Of calls, bytes and waits without number those at both ends are taken, and some between: as many
 # as a session's length allows. The sessions that go round as often as they like have the last row.
 SLOW = 1.0  # seconds
-BOUNDS = {"quick": (200, 100), "slow": (2, 1), "free": (10, 0)}  # at each end, between
+BOUNDS = {"quick": (200, 100), "slow": (2, 1), "free": (6, 0)}  # at each end, between
 # Threads race, and so a call may be made once less than before; and a loaded machine is late.
 TRIES = 3
 
