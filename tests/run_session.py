@@ -255,6 +255,13 @@ def difference(expected, got):
     )
 
 
+def heed_signals():
+    """A signal that was ignored where the tests were started (nohup) is not ignored in them."""
+    for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+        if signal.getsignal(number) == signal.SIG_IGN:
+            signal.signal(number, signal.SIG_DFL)
+
+
 class Client:
     """The client as a process, its output and the library's record read as they come."""
 
@@ -311,6 +318,7 @@ class Client:
     def start(self, session, options, directory, environment):
         common = dict(cwd=directory, env=environment, stderr=subprocess.PIPE, close_fds=True)
         client = pathlib.Path(options.client).absolute()
+        heed_signals()
         command = [client.with_name(session.program) if session.program else client]
         if session.pty:
             self.master, slave = os.openpty()
