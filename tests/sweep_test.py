@@ -80,6 +80,17 @@ class SweepTest(unittest.TestCase):
         self.assertEqual(self.outcome("console:read:0:900:EINTR"), "did not fire")
         self.assertEqual(self.outcome("allocation:900"), "did not fire")
 
+    def test_a_look_that_was_not_needed_is_the_one_before(self):
+        path = self.top / "a.session"
+        case = sweep.Case(path, "console:poll:other:27:EINTR")
+        for count, number in ((25, 25), (26, 26), (24, 27), (30, 27), (0, 27)):
+            self.assertEqual(
+                case.no_later_than({"poll other": count}).text,
+                f"console:poll:other:{number}:EINTR",
+            )
+        read = sweep.Case(path, "console:read:0:27:EIO")
+        self.assertEqual(read.no_later_than({"read 0": 26}).text, "console:read:0:27:EIO")
+
     def test_another_exit_status_fails(self):
         with mock.patch.dict(sweep.CONSOLE_ERRORS, {"read 0": {"EIO": sweep.OUTPUT_GONE}}):
             failure = self.outcome("console:read:0:1:EIO")
