@@ -56,18 +56,20 @@ void Prepare(Stream *pstStream, int iAccess) {
     }
     *pstStream = {iStandard, iStandard};
     struct stat stKind {};
-    if (fstat(iStandard, &stKind) != 0 || S_ISREG(stKind.st_mode) || S_ISBLK(stKind.st_mode)) {
+    // What cannot be found out counts as a stream that may wait.
+    [[maybe_unused]] const int iFailed = fstat(iStandard, &stKind);
+    if (S_ISREG(stKind.st_mode) || S_ISBLK(stKind.st_mode)) {
         return; // files never wait
     }
     pstStream->bSocket = S_ISSOCK(stKind.st_mode);
     const int iFlags = fcntl(iStandard, F_GETFL);
-    if (pstStream->bSocket || iFlags < 0 || (iFlags & O_NONBLOCK) != 0) {
+    if (pstStream->bSocket || (iFlags >= 0 && (iFlags & O_NONBLOCK) != 0)) {
         return;
     }
     const int iOwn = CanReopen(iStandard, stKind.st_mode) ? Reopen(iStandard, iAccess) : -1;
     if (iOwn >= 0) {
         pstStream->iDescriptor = iOwn;
-    } else if (fcntl(iStandard, F_SETFL, iFlags | O_NONBLOCK) == 0) {
+    } else if (iFlags >= 0 && fcntl(iStandard, F_SETFL, iFlags | O_NONBLOCK) == 0) {
         pstStream->iFlagsBefore = iFlags;
     }
 }

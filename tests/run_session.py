@@ -260,6 +260,13 @@ def difference(expected, got):
     )
 
 
+def heed_signals():
+    """A signal that was ignored where the tests were started (nohup) is not ignored in them."""
+    for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+        if signal.getsignal(number) == signal.SIG_IGN:
+            signal.signal(number, signal.SIG_DFL)
+
+
 class Client:
     """The client as a process, its output and the library's record read as they come."""
 
@@ -317,6 +324,7 @@ class Client:
     def start(self, session, options, directory, environment):
         common = dict(cwd=directory, env=environment, stderr=subprocess.PIPE, close_fds=True)
         client = pathlib.Path(options.client).absolute()
+        heed_signals()
         program = client.with_name(session.program) if session.program else client
         command = [*options.emulator, program]
         if session.pty:
@@ -476,29 +484,35 @@ class Client:
             os.close(descriptor)
 
 
-def play(session, client):
-    ignore_rest = False
-    for kind, value, number in session.steps:
+def take_step(session, client, kind, value):
+    if kind == "output":
+        client.expect(session.joined(value))
+    elif kind == "await":
+        client.expect_somewhere(value)
+    elif kind == "type":
+        client.type(value)
+    elif kind == "command":
+        client.command(value)
+    elif kind == "signal":
+        client.process.send_signal(value)
+    elif kind == "eof":
+        client.end_input()
+    elif kind == "close output":
+        client.close_output()
+
+
+def play_steps(session, client, steps):
+    for kind, value, number in steps:
         try:
-            if kind == "output":
-                client.expect(session.joined(value))
-            elif kind == "await":
-                client.expect_somewhere(value)
-            elif kind == "type":
-                client.type(value)
-            elif kind == "command":
-                client.command(value)
-            elif kind == "signal":
-                client.process.send_signal(value)
-            elif kind == "eof":
-                client.end_input()
-            elif kind == "close output":
-                client.close_output()
-            elif kind == "...":
-                ignore_rest = True
+            take_step(session, client, kind, value)
         except Failure as failure:
             raise Failure(f"{session.path}:{number}: {failure}") from failure
+
+
+def play(session, client):
+    play_steps(session, client, session.steps)
     status = client.finish()
+    ignore_rest = any(kind == "..." for kind, _, _ in session.steps)
     if client.output and not ignore_rest:
         raise Failure("output that the session does not have\n" + "\n".join(bars(client.output)))
     return status
@@ -539,6 +553,14 @@ def check_files(session, directory):
             raise Failure(f"the file {name} does not hold {text!r}")
 
 
+def check_all(session, client, directory, status):
+    check_calls(session, client)
+    check_files(session, directory)
+    if client.errors != session.stderr:
+        raise Failure("on standard error")
+    check_status(session, status)
+
+
 def run(session, options):
     with tempfile.TemporaryDirectory(prefix="session.") as top:
         directory = pathlib.Path(top) / "work"
@@ -548,11 +570,7 @@ def run(session, options):
         try:
             status = play(session, client)
             took = time.monotonic() - began
-            check_calls(session, client)
-            check_files(session, directory)
-            if client.errors != session.stderr:
-                raise Failure("on standard error")
-            check_status(session, status)
+            check_all(session, client, directory, status)
             if session.lasts and not session.lasts[0] <= took <= session.lasts[1]:
                 raise Failure(f"took {took:.1f} s, expected {session.lasts}")
         except Failure:

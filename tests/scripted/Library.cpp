@@ -22,11 +22,29 @@
 #pragma GCC visibility pop
 #include "Bytes.h"
 
+// Defined when the library of faults is loaded, too: what runs while it is set is not the
+// client's. Returns what was set before.
+extern "C" [[gnu::weak, gnu::visibility("default")]] bool FaultsOwnCalls(bool bOwn);
+
 namespace {
 
 constexpr uint32_t u32DefaultHandle = 1;
 // How long a close waits for a callback that does not return.
 constexpr std::chrono::seconds CloseWait{5};
+
+// From here to the end of the block it is the library that calls and allocates, or the client
+// again.
+struct Calls {
+    explicit Calls(bool bOwn) : bBefore(FaultsOwnCalls != nullptr && FaultsOwnCalls(bOwn)) {}
+    ~Calls() {
+        if (FaultsOwnCalls != nullptr) {
+            FaultsOwnCalls(bBefore);
+        }
+    }
+    Calls(const Calls &) = delete;
+    Calls &operator=(const Calls &) = delete;
+    bool bBefore;
+};
 
 // A message on its way to the callback. An empty buffer stands for a null
 // pointer when bNull is set.
@@ -49,6 +67,12 @@ struct PlannedRead {
     Bytes aucBytes;
 };
 
+// The call that fails whatever the script says, and how.
+struct PlannedFailure {
+    uint64_t u64Call = 0; // counted from 1; 0: none
+    int32_t iResult = 0;
+};
+
 struct Library {
     std::mutex Lock;
     std::condition_variable Changed;
@@ -59,6 +83,8 @@ struct Library {
     std::deque<PlannedSend> stSends;
     std::deque<PlannedRead> stReads;
     std::deque<int32_t> iWriteResults;
+    PlannedFailure stFailure;
+    uint64_t u64Calls = 0;
     std::optional<uint32_t> u32NextLength;
 
     WiMAXCallback pfnCallback = nullptr;
@@ -74,6 +100,7 @@ struct Library {
 };
 
 void Deliver(Library &stLibrary);
+void PlanFailure(Library &stLibrary, const char *pcFailure);
 void ReadControl(Library &stLibrary, const char *pcPath);
 void RunScript(Library &stLibrary, const char *pcPath);
 
@@ -84,12 +111,21 @@ Library &TheLibrary() {
         if (const char *pcRecord = std::getenv("QOR020_RECORD")) {
             pstLibrary->iRecord = open(pcRecord, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
         }
+        if (const char *pcFailure = std::getenv("QOR020_FAIL")) {
+            PlanFailure(*pstLibrary, pcFailure);
+        }
         if (const char *pcScript = std::getenv("QOR020_SCRIPT")) {
             RunScript(*pstLibrary, pcScript);
         }
-        std::thread([pstLibrary] { Deliver(*pstLibrary); }).detach();
+        std::thread([pstLibrary] {
+            const Calls stOwn(true);
+            Deliver(*pstLibrary);
+        }).detach();
         if (const char *pcControl = std::getenv("QOR020_CONTROL")) {
-            std::thread([pstLibrary, pcControl] { ReadControl(*pstLibrary, pcControl); }).detach();
+            std::thread([pstLibrary, pcControl] {
+                const Calls stOwn(true);
+                ReadControl(*pstLibrary, pcControl);
+            }).detach();
         }
         return pstLibrary;
     }();
@@ -107,6 +143,28 @@ void RecordLine(const Library &stLibrary, const std::string &strLine) {
 void Complain(const Library &stLibrary, const std::string &strText) {
     RecordLine(stLibrary, "error " + strText);
     (void)fprintf(stderr, "libqor020: %s\n", strText.c_str());
+}
+
+// "CALL:RESULT".
+void PlanFailure(Library &stLibrary, const char *pcFailure) {
+    char *pcColon = nullptr;
+    stLibrary.stFailure.u64Call = std::strtoull(pcFailure, &pcColon, 10);
+    if (*pcColon != ':') {
+        Complain(stLibrary, std::string("not CALL:RESULT: ") + pcFailure);
+        return;
+    }
+    stLibrary.stFailure.iResult = static_cast<int32_t>(std::strtoll(pcColon + 1, nullptr, 10));
+}
+
+// Counts a call of the client, with the lock held. True when it is the one to fail; the result is
+// that of the plan then.
+template <typename Result> bool Fails(Library &stLibrary, Result *pResult) {
+    if (++stLibrary.u64Calls != stLibrary.stFailure.u64Call) {
+        return false;
+    }
+    *pResult = static_cast<Result>(stLibrary.stFailure.iResult);
+    RecordLine(stLibrary, "failed a call");
+    return true;
 }
 
 template <typename Value> Value TakeOr(std::deque<Value> *pQueue, Value Default) {
@@ -150,9 +208,12 @@ uint32_t CallBack(WiMAXCallback pfnCallback, uint32_t u32Context, const Delivery
     const uint32_t u32Length =
         stDelivery.u32StatedLength.value_or(static_cast<uint32_t>(stDelivery.aucMessage.size()));
     if (stDelivery.bNull) {
+        const Calls stClient(false);
         return pfnCallback(u32Context, nullptr, u32Length);
     }
-    return pfnCallback(u32Context, RecordOf(stDelivery.aucMessage).get(), u32Length);
+    const auto pstRecord = RecordOf(stDelivery.aucMessage);
+    const Calls stClient(false);
+    return pfnCallback(u32Context, pstRecord.get(), u32Length);
 }
 
 // The library's own thread: one message after the other.
@@ -412,9 +473,11 @@ std::string FormatAddress(uint32_t u32Address) {
 } // namespace
 
 uint32_t OpenWiMAXDevice() {
+    const Calls stOwn(true);
     Library &stLibrary = TheLibrary();
     const std::lock_guard Held(stLibrary.Lock);
-    const uint32_t u32Handle = TakeOr(&stLibrary.u32OpenResults, u32DefaultHandle);
+    uint32_t u32Handle = TakeOr(&stLibrary.u32OpenResults, u32DefaultHandle);
+    Fails(stLibrary, &u32Handle);
     stLibrary.bClosed = stLibrary.bClosed && u32Handle == WIMAX_NO_DEVICE;
     RecordLine(stLibrary,
                "OpenWiMAXDevice" +
@@ -423,9 +486,11 @@ uint32_t OpenWiMAXDevice() {
 }
 
 int32_t RegisterCallback(uint32_t hDevice, WiMAXCallback pfnCallback, uint32_t u32Context) {
+    const Calls stOwn(true);
     Library &stLibrary = TheLibrary();
     const std::lock_guard Held(stLibrary.Lock);
-    const int32_t iResult = TakeOr(&stLibrary.iRegisterResults, 0);
+    int32_t iResult = TakeOr(&stLibrary.iRegisterResults, 0);
+    Fails(stLibrary, &iResult);
     RecordLine(stLibrary, "RegisterCallback " + std::to_string(hDevice) + " " +
                               (pfnCallback == nullptr ? "null " : "") + std::to_string(u32Context) +
                               Arrow(iResult));
@@ -438,9 +503,14 @@ int32_t RegisterCallback(uint32_t hDevice, WiMAXCallback pfnCallback, uint32_t u
 }
 
 int32_t SendWiMAXMessage(uint32_t hDevice, void *pvMessage, uint32_t u32Length) {
+    const Calls stOwn(true);
     Library &stLibrary = TheLibrary();
     std::unique_lock Held(stLibrary.Lock);
     PlannedSend stSend = TakeOr(&stLibrary.stSends, PlannedSend{});
+    if (Fails(stLibrary, &stSend.iResult)) {
+        stSend.aucReply.reset();
+        stSend.stAnswers.clear();
+    }
     std::string strLine =
         "SendWiMAXMessage " + std::to_string(hDevice) + " " + std::to_string(u32Length);
     if (pvMessage == nullptr) {
@@ -471,6 +541,7 @@ int32_t SendWiMAXMessage(uint32_t hDevice, void *pvMessage, uint32_t u32Length) 
 }
 
 int32_t CloseWiMAXDevice() {
+    const Calls stOwn(true);
     Library &stLibrary = TheLibrary();
     std::unique_lock Held(stLibrary.Lock);
     stLibrary.pfnCallback = nullptr;
@@ -484,15 +555,20 @@ int32_t CloseWiMAXDevice() {
     if (std::this_thread::get_id() != stLibrary.DeliveryThread) {
         stLibrary.Changed.wait_for(Held, CloseWait, [&] { return !stLibrary.bInCallback; });
     }
-    const int32_t iResult = TakeOr(&stLibrary.iCloseResults, 0);
+    int32_t iResult = TakeOr(&stLibrary.iCloseResults, 0);
+    Fails(stLibrary, &iResult);
     RecordLine(stLibrary, "CloseWiMAXDevice" + Arrow(iResult));
     return iResult;
 }
 
 int32_t rdm(uint32_t u32Address, void *pvBuffer, uint32_t u32Count) {
+    const Calls stOwn(true);
     Library &stLibrary = TheLibrary();
     const std::lock_guard Held(stLibrary.Lock);
-    const PlannedRead stRead = TakeOr(&stLibrary.stReads, PlannedRead{});
+    PlannedRead stRead = TakeOr(&stLibrary.stReads, PlannedRead{});
+    if (Fails(stLibrary, &stRead.iResult)) {
+        stRead.aucBytes.clear();
+    }
     RecordLine(stLibrary, "rdm " + FormatAddress(u32Address) + " " + std::to_string(u32Count) +
                               (pvBuffer == nullptr ? " null" : "") + Arrow(stRead.iResult));
     // A read that fails leaves the buffer alone, unless the script has bytes for it.
@@ -505,9 +581,11 @@ int32_t rdm(uint32_t u32Address, void *pvBuffer, uint32_t u32Count) {
 }
 
 int32_t wrm(uint32_t u32Address, const void *pvBuffer, uint32_t u32Count) {
+    const Calls stOwn(true);
     Library &stLibrary = TheLibrary();
     const std::lock_guard Held(stLibrary.Lock);
-    const int32_t iResult = TakeOr(&stLibrary.iWriteResults, 0);
+    int32_t iResult = TakeOr(&stLibrary.iWriteResults, 0);
+    Fails(stLibrary, &iResult);
     RecordLine(stLibrary,
                "wrm " + FormatAddress(u32Address) + " " + std::to_string(u32Count) +
                    (pvBuffer == nullptr
