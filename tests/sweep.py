@@ -745,6 +745,7 @@ def main():
     parser.add_argument("--jobs", type=int, default=2 * (os.cpu_count() or 1))
     options = parser.parse_args()
     options.simulated = options.scenarios = None
+    options.emulator = []
     options.kinds = options.kinds.split(",") if options.kinds else list(PLANNERS)
     if not {"console", "allocation"} & set(options.kinds):
         options.faults = None

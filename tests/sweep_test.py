@@ -149,4 +149,5 @@ if __name__ == "__main__":
         parser.add_argument("--" + name)
     OPTIONS, rest = parser.parse_known_args()
     OPTIONS.simulated = OPTIONS.scenarios = None
+    OPTIONS.emulator = []
     unittest.main(argv=[sys.argv[0], *rest])

@@ -111,10 +111,8 @@ TEST(WireTest, AMessageIsSeenWithItsWholeDataArea) {
 }
 
 TEST(WireTest, AFieldWithoutATypeTakesNothing) {
-    for (const FieldType eType : {FieldType::None, static_cast<FieldType>(77)}) {
-        EXPECT_EQ(WidthOf(eType), 0U);
-        EXPECT_EQ(Get(stBytes, {1, eType}), 0U);
-    }
+    EXPECT_EQ(WidthOf(FieldType::None), 0U);
+    EXPECT_EQ(Get(stBytes, {1, FieldType::None}), 0U);
     EXPECT_EQ(EndOf({5, FieldType::None}), 5U);
 }
 
