@@ -286,7 +286,10 @@ class Client:
     def ended_after(self, began, limit=PATIENCE):
         """Seconds until it has ended, or None; reads nothing meanwhile. What this machine makes
         a short sleep last longer than it should is left out: the client's sleeps last longer, too."""
-        waiter = os.pidfd_open(self.process.pid)
+        try:
+            waiter = os.pidfd_open(self.process.pid)
+        except ProcessLookupError:  # ended and waited for already
+            return time.monotonic() - began
         overslept = 0.0
         try:
             while not select.select([waiter], [], [], 0.01)[0]:

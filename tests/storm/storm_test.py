@@ -540,6 +540,8 @@ class Cancelling(StormTest):
 
     def cancelled(self, **settings):
         """Closes and opens again under a flood; the console goes on."""
+        if sanitized(OPTIONS):
+            self.skipTest("the sanitizers do not bear it")
         broken = []
         for _ in range(RUNS):
             with Client(close="cancels", body=600, **settings) as client:
@@ -572,8 +574,6 @@ class Cancelling(StormTest):
         self.cancelled(threads=2)
 
     def test_threads_cancelled_at_once(self):
-        if b"__tsan_init" in OPTIONS.client_bytes:
-            self.skipTest("the sanitizer does not bear it")
         self.cancelled(threads=2, cancels_at_once=1)
 
     def test_cancelled_thread_that_waits_for_a_key(self):
@@ -966,8 +966,8 @@ class Storms(StormTest):
         if end == "input ends":
             # It cuts neither the firmware download short nor a repeated register test.
             words = [word for word in words if word not in (b"3", b"7")]
-        if b"__tsan_init" in OPTIONS.client_bytes and settings["close"] == "cancels":
-            settings["close"] = "waits"  # the sanitizer does not bear it
+        if sanitized(OPTIONS) and settings["close"] == "cancels":
+            settings["close"] = "waits"  # the sanitizers do not bear it
         slow = chance.choice((0, 0.001, 0.005))
         with Client(output=output, input=chance.choice(("pipe", "socket")), **settings) as client:
             stop = threading.Event()
