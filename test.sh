@@ -11,6 +11,7 @@ sections=(
     "format      always      the layout of the sources"
     "fuzz        always      each fuzz target for some seconds"
     "linter      always      clang-tidy"
+    "sweep       --long      every session with each thing that can go wrong, in full"
     "armhf       --machines  all tests on 32-bit ARM, run by qemu"
     "mips        --machines  all tests on 32-bit big-endian MIPS, run by qemu"
     "s390x       --machines  all tests on 64-bit big-endian S/390, run by qemu"
@@ -139,6 +140,14 @@ test_preset() { check configure "$1" ON && check build "$1" && run_tests "$1"; }
 section_release() { test_preset release; }
 section_asan_ubsan() { test_preset asan-ubsan; }
 section_tsan() { test_preset tsan; }
+
+# Hours, unlike the samples among the tests.
+section_sweep() {
+    check configure release ON && check build release &&
+        check tests/sweep.py --client build/release/TarvelWiMAXApp \
+            --scripted build/release/scripted/libqor020.so \
+            --faults build/release/tests/faults/libfaults.so tests/sessions
+}
 
 # The cross compiler of a machine and what runs its programs. Where they cannot be had, the machine
 # is skipped.
