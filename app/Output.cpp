@@ -143,7 +143,7 @@ void MakeOutputRoom() {
 
 void PutLongText(std::string_view strText) {
     while (!strText.empty()) {
-        PutText(strText.substr(0, uMostRoom));
+        PutShortText(strText.substr(0, uMostRoom));
         strText.remove_prefix(std::min(strText.size(), uMostRoom));
     }
 }

@@ -39,7 +39,12 @@ inline void EndOutputAt(const char *pcEnd) {
     gpstOutput->uUsed = static_cast<size_t>(pcEnd - gpstOutput->acText);
 }
 
-// A text for which one room is too small.
+// A text for which one room is enough, or too small.
+inline void PutShortText(std::string_view strText) {
+    char *pcRoom = OutputRoom(strText.size());
+    std::memcpy(pcRoom, strText.data(), strText.size());
+    EndOutputAt(pcRoom + strText.size());
+}
 void PutLongText(std::string_view strText);
 // Inline, because the length of most texts is known when the program is
 // compiled.
@@ -47,9 +52,7 @@ inline void PutText(std::string_view strText) {
     if (strText.size() > uMostRoom) {
         PutLongText(strText);
     } else if (!strText.empty()) {
-        char *pcRoom = OutputRoom(strText.size());
-        std::memcpy(pcRoom, strText.data(), strText.size());
-        EndOutputAt(pcRoom + strText.size());
+        PutShortText(strText);
     }
 }
 // The text and a line end, as puts does.
