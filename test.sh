@@ -174,7 +174,7 @@ section_format() {
 fuzz() {
     local log=build/fuzz/$1.log
     mkdir -p "build/fuzz/found/$1"
-    if (cd build/fuzz && "./fuzz/fuzz_$1" -max_total_time="$fuzz_seconds" -max_len=4096 \
+    if (cd build/fuzz && "./fuzz/fuzz_$1" -max_total_time="$fuzz_seconds" -max_len=12000 \
         "found/$1" "../../fuzz/corpus/$1") >"$log" 2>&1; then
         echo "fuzz_$1: $(tail -1 "$log")"
     else

@@ -130,12 +130,16 @@ constexpr bool HasReal(const NumberText &stText) {
 }
 
 // A text with exactly so many numbers, all of them whole.
-template <uint32_t u32Count> struct TextWith : NumberText {
-    consteval TextWith(const char *pcFormat) : NumberText(pcFormat) {
-        if (u8Numbers != u32Count || HasReal(*this)) {
+// No derived structure: clang 14 breaks down on those that are made while it compiles.
+template <uint32_t u32Count> struct TextWith {
+    NumberText stText;
+
+    consteval TextWith(const char *pcFormat) : stText(pcFormat) {
+        if (stText.u8Numbers != u32Count || HasReal(stText)) {
             throw "no text with that many whole numbers";
         }
     }
+    constexpr operator const NumberText &() const { return stText; }
 };
 
 #endif

@@ -231,16 +231,15 @@ int32_t GetOmaParam(OMADMNodes astPath, std::vector<uint8_t> *paucResult) {
 
 int32_t SetOmaParam(ByteView stRecord) {
     using namespace OMADMParameter;
-    const uint32_t u32ValueSize =
-        std::min(Get(stRecord, OMADMParameter::u32ValueSize), MaxValueSize);
+    const uint32_t u32Carried = std::min(Get(stRecord, u32ValueSize), MaxValueSize);
     WiMAXMessage stMessage;
     const uint32_t u32Length =
-        FillWiMAXMsg(&stMessage, TYPE_OMADM, SUBTYPE_OMADM_SET, Size + u32ValueSize);
+        FillWiMAXMsg(&stMessage, TYPE_OMADM, SUBTYPE_OMADM_SET, Size + u32Carried);
     const ByteSpan stPayload = PayloadOf(stMessage);
-    Put(stPayload, OMADMParameter::u32ValueSize, u32ValueSize);
+    Put(stPayload, u32ValueSize, u32Carried);
     PutBytes(stPayload, astPath, stRecord.From(astPath, OMADMPath::Size));
     Put(stPayload, u32NumElements, Get(stRecord, u32NumElements));
-    PutBytes(stPayload, aucValue, stRecord.From(aucValue, u32ValueSize));
+    PutBytes(stPayload, aucValue, stRecord.From(aucValue, u32Carried));
     const int32_t iResult = SendMessage(&stMessage, u32Length);
     if (iResult != 0) {
         PutFormat(pcGetFailed, iResult);

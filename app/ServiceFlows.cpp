@@ -463,9 +463,9 @@ int32_t SendDSDRequest() {
     Put(stRequest.Span(), u8MsgCode, ServiceFlowRecord::DeleteRequest);
     WrapTID();
     Put(stRequest.Span(), u16TID, NextTID());
-    const uint32_t u32SFID = AskSFID();
-    PutNumber("\nSending SF ID :%d....", u32SFID);
-    Put(stRequest.Span(), DeleteFlowRequest::u32SFID, u32SFID);
+    const uint32_t u32Chosen = AskSFID();
+    PutNumber("\nSending SF ID :%d....", u32Chosen);
+    Put(stRequest.Span(), u32SFID, u32Chosen);
     return SendRequest(TYPE_SERVICE_FLOW, SUBTYPE_DSD, stRequest.View());
 }
 

@@ -1,16 +1,14 @@
-// A person who types anything, on a device that answers anything. The bytes up
-// to the first zero are typed; those behind it are the device's.
+// A whole run of the client: a person who types anything, on a modem and an
+// operating system that do anything.
 #include <algorithm>
 
 #include "Client.h"
-#include "FuzzGround.h"
+#include "Stage.h"
+#include "VendorSpecificMessageApp.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *pucBytes, size_t uCount) {
-    const ByteView stBytes{pucBytes, static_cast<uint32_t>(uCount)};
-    const auto u32Typed =
-        static_cast<uint32_t>(std::find(pucBytes, pucBytes + uCount, uint8_t{0}) - pucBytes);
-    BeginRun(stBytes.From(0, u32Typed));
-    SetDeviceBytes(stBytes.From(u32Typed + 1));
-    RunClient(RunMainMenu);
+    Stage::Begin({pucBytes, static_cast<uint32_t>(uCount)});
+    Stage::RunClientWith(Stage::Next(StepKind::Extended) != nullptr ? RunExtendedMenu
+                                                                    : RunMainMenu);
     return 0;
 }

@@ -55,6 +55,8 @@ TEST(Scenario, MistakesAreReportedWithTheirLine) {
         std::string strReason;
     } astCases[] = {
         {"sede = 1\n", "bad.toml:1: \"sede\" is not known here"},
+        {"[\n", "bad.toml:1: Error while parsing key: expected bare key starting character or "
+                "string delimiter, saw '\\n'"},
         {"[device]\npresent = true\nabsent = true\n", "bad.toml:3: \"absent\" is not known here"},
         {"\n\n[planet]\nname = \"x\"\n", "bad.toml:3: \"planet\" is not known here"},
         {strStation + "colour = 1\n", "bad.toml:8: \"colour\" is not known here"},
