@@ -75,7 +75,7 @@ std::string AnyWord(Dice &stDice) {
     case 1:
         return std::to_string(static_cast<int32_t>(AnyNumber(stDice)));
     case 2:
-        return std::string(1, static_cast<char>(stDice.Roll(256)));
+        return {static_cast<char>(stDice.Roll(256))};
     case 3:
         return std::to_string(stDice.Of(Attributes()));
     default:
@@ -306,7 +306,7 @@ void MutateSteps(Steps *pastSteps, Dice &stDice) {
         break;
     case 3: { // typed in two pieces, with something between them
         if (Place->eKind == StepKind::Type && Place->aucData.size() > 1) {
-            const auto uCut = static_cast<ptrdiff_t>(1 + stDice.Roll(Place->aucData.size() - 1));
+            const auto uCut = static_cast<ptrdiff_t>(stDice.Roll(Place->aucData.size() - 1)) + 1;
             OwnStep stSecond{StepKind::Type, {Place->aucData.begin() + uCut, Place->aucData.end()}};
             Place->aucData.resize(static_cast<size_t>(uCut));
             pastSteps->insert(Place + 1, {NewStep(stDice), std::move(stSecond)});

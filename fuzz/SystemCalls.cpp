@@ -1,5 +1,6 @@
 // The calls of the operating system that the linker leads here, on the stage;
 // elsewhere they are real.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
@@ -105,7 +106,7 @@ ssize_t ReadTyped(void *pvBytes, size_t uCount, bool bNonBlocking) {
         return 0;
     }
     const ByteView stTyped = pstTyped->stData.From(gstRun.u32Typed, static_cast<uint32_t>(uCount));
-    std::memcpy(pvBytes, stTyped.pucData, stTyped.u32Length);
+    std::copy_n(stTyped.pucData, stTyped.u32Length, static_cast<uint8_t *>(pvBytes));
     gstRun.u32Typed += stTyped.u32Length;
     ++gstRun.u32Changes;
     return stTyped.u32Length;

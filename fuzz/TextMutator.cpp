@@ -95,7 +95,7 @@ extern "C" size_t LLVMFuzzerCustomCrossOver(const uint8_t *pucFirst, size_t uFir
     const Lines astrOther = ReadLines(pucSecond, uSecond);
     const auto uFrom = static_cast<ptrdiff_t>(stDice.Roll(astrOther.size()));
     const auto uLines =
-        static_cast<ptrdiff_t>(stDice.Roll(astrOther.size() - static_cast<size_t>(uFrom)) + 1);
+        static_cast<ptrdiff_t>(stDice.Roll(astrOther.size() - static_cast<size_t>(uFrom))) + 1;
     astrLines.insert(astrLines.begin() + static_cast<ptrdiff_t>(stDice.Roll(astrLines.size() + 1)),
                      astrOther.begin() + uFrom, astrOther.begin() + uFrom + uLines);
     return WriteLines(astrLines, pucBytes, uMost);
