@@ -50,9 +50,10 @@ class StormTest(unittest.TestCase):
     def soon(self, times):
         """Within half a second; the odd one may be late on a machine that has too much to do."""
         shown = " ".join("never" if took is None else f"{took:.3f}" for took in times)
-        late = [took for took in times if took is None or took >= SOON]
+        soon = 2 * SOON if sanitized(OPTIONS) else SOON
+        late = [took for took in times if took is None or took >= soon]
         print(f"seconds to the end: {shown} ({len(late)} of {len(times)} late)")
-        self.assertLessEqual(len(late), max(len(times) // 10, 0 if len(times) < 10 else 1), shown)
+        self.assertLessEqual(len(late), len(times) // 5, shown)
         self.assertTrue(all(took is not None and took < LATE for took in times), shown)
 
     def ended_well(self, client, status):
