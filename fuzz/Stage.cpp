@@ -34,6 +34,9 @@ using namespace Stage;
 constexpr int aiSignals[] = {SIGINT, SIGTERM, SIGHUP};
 constexpr int aiErrors[] = {EINTR, EAGAIN, EIO, ENOSPC, ENOMEM, EPIPE, EMFILE};
 
+// The EEPROM test makes a round for each look at the input.
+constexpr uint32_t u32MostLooks = 4;
+
 // A client that waits in vain this often, or does this much, gets a signal.
 constexpr uint32_t u32MostWaits = 600;
 constexpr uint32_t u32MostCalls = 60000;
@@ -207,7 +210,7 @@ bool Happens(const Step &stStep) {
         break;
     case StepKind::Pause:
         if (gstRun.aeStreams[STDIN_FILENO] != StreamKind::File) {
-            gstRun.u32Pause = stStep.stData.At(0);
+            gstRun.u32Pause = stStep.stData.At(0) % u32MostLooks;
         }
         break;
     case StepKind::Output:
@@ -477,9 +480,11 @@ void Stage::Complain(const char *pcText) {
     std::abort();
 }
 
-// Blocks that are too large are not there, as without a sanitizer; where they
-// come from is of no interest.
+// Large blocks are refused, as without a sanitizer. The rest is speed: freed
+// blocks come back soon, and where blocks come from is told when it is asked
+// for, by ASAN_OPTIONS=malloc_context_size=30.
 extern "C" const char *__asan_default_options();
 const char *__asan_default_options() {
-    return "allocator_may_return_null=1:malloc_context_size=2:max_allocation_size_mb=256";
+    return "allocator_may_return_null=1:max_allocation_size_mb=256:malloc_context_size=1:"
+           "quarantine_size_mb=4:thread_local_quarantine_size_kb=64";
 }

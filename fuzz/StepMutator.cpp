@@ -1,5 +1,7 @@
 // Changes inputs that are steps, knowing what steps, messages and words are.
+#include <array>
 #include <cstring>
+#include <memory_resource>
 #include <string>
 
 #include "Catalogue.h"
@@ -10,13 +12,25 @@ extern "C" size_t LLVMFuzzerMutate(uint8_t *pucBytes, size_t uCount, size_t uMos
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
+// What a mutation needs is forgotten before the next one.
+struct Arena {
+    std::array<std::byte, 1 << 20> aucRoom;
+    std::pmr::monotonic_buffer_resource stMemory{aucRoom.data(), aucRoom.size()};
+};
+
+void ForgetMutation() {
+    static Arena stArena;
+    std::pmr::set_default_resource(&stArena.stMemory);
+    stArena.stMemory.release();
+}
+
+using Bytes = std::pmr::vector<uint8_t>;
 
 struct OwnStep {
     StepKind eKind;
     Bytes aucData;
 };
-using Steps = std::vector<OwnStep>;
+using Steps = std::pmr::vector<OwnStep>;
 
 ByteView ViewOf(const Bytes &aucBytes) {
     return {aucBytes.data(), static_cast<uint32_t>(aucBytes.size())};
@@ -38,7 +52,8 @@ Steps ReadSteps(const uint8_t *pucBytes, size_t uCount) {
 
 // The steps that there is room for.
 size_t WriteSteps(const Steps &astSteps, uint8_t *pucBytes, size_t uMost) {
-    Bytes aucAll;
+    std::vector<uint8_t> aucAll;
+    aucAll.reserve(uMost);
     for (const OwnStep &stStep : astSteps) {
         if (aucAll.size() + StepHeader::Size + stStep.aucData.size() <= uMost) {
             AppendStep(&aucAll, stStep.eKind, ViewOf(stStep.aucData));
@@ -322,6 +337,7 @@ void MutateSteps(Steps *pastSteps, Dice &stDice) {
 
 extern "C" size_t LLVMFuzzerCustomMutator(uint8_t *pucBytes, size_t uCount, size_t uMost,
                                           unsigned uSeed) {
+    ForgetMutation();
     Dice stDice(uSeed);
     Steps astSteps = ReadSteps(pucBytes, uCount);
     for (uint32_t i = stDice.Roll(4); i < 4; ++i) {
@@ -335,6 +351,7 @@ extern "C" size_t LLVMFuzzerCustomMutator(uint8_t *pucBytes, size_t uCount, size
 extern "C" size_t LLVMFuzzerCustomCrossOver(const uint8_t *pucFirst, size_t uFirst,
                                             const uint8_t *pucSecond, size_t uSecond,
                                             uint8_t *pucBytes, size_t uMost, unsigned uSeed) {
+    ForgetMutation();
     Dice stDice(uSeed);
     Steps astSteps = ReadSteps(pucFirst, uFirst);
     const Steps astOther = ReadSteps(pucSecond, uSecond);

@@ -15,7 +15,7 @@ enum class StepKind : uint8_t {
     Type,    // bytes are typed
     Message, // the library's thread gets a message: see MessageStep
     Signal,  // u8, an index of aiSignals in Stage.cpp; u8 delay as that of a message
-    Pause,   // u8 looks at the input find nothing; who waits, waits it out
+    Pause,   // u8 looks (a few) at the input find nothing; who waits, waits it out
     Output,  // u8 OutputState, u8 how many looks or writes it lasts
     Error,   // the next call of a kind fails: u8 SystemCall, u8 error
     Turns,   // at the next places where threads can change, they do so where a bit is set

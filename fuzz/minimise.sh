@@ -9,13 +9,14 @@ cmake --preset fuzz >/dev/null
 cmake --build build/fuzz --target fuzz_targets -j "$(nproc)" >/dev/null
 rm -rf build/fuzz/seeds
 fuzz/seeds.py build/fuzz/seeds
+. fuzz/lengths.sh
 targets=("$@")
 [ ${#targets[@]} -gt 0 ] || targets=(bytes callback console requests scenario state)
 for target in "${targets[@]}"; do
     new=build/fuzz/minimised/$target
     rm -rf "$new"
     mkdir -p "$new" "build/fuzz/found/$target" "build/fuzz/seeds/$target" "fuzz/corpus/$target"
-    (cd build/fuzz && "fuzz/fuzz_$target" -merge=1 -max_len=12000 -rss_limit_mb=0 "minimised/$target" \
+    (cd build/fuzz && "fuzz/fuzz_$target" -merge=1 -use_counters=0 "-max_len=${longest[$target]}" -rss_limit_mb=0 "minimised/$target" \
         "../../fuzz/corpus/$target" "found/$target" "seeds/$target") >"build/fuzz/merge-$target.log" 2>&1
     rm -rf "fuzz/corpus/$target"
     cp -r "$new" "fuzz/corpus/$target"
