@@ -18,14 +18,15 @@ namespace {
 constexpr const char *pcMenuClosing = "\n\n************************************";
 constexpr const char *pcInvalidOption = "\nSORRY! INVALID OPTION SELECTED!";
 
-constexpr const char *apcMenuLines[] = {
+constexpr const char *apcAntennaSwitchingMenuLines[] = {
     "\n 1. Antenna Config Request",
     "\n 2. Antenna Scanning Request",
     "\n 3. Antenna Selection Request",
 };
 
-constexpr Menu stMenu = {"\n\n*********** Antenna Switching Selection Menu ***********",
-                         apcMenuLines, pcMenuClosing};
+constexpr Menu stAntennaSwitchingMenu = {
+    "\n\n*********** Antenna Switching Selection Menu ***********", apcAntennaSwitchingMenuLines,
+    pcMenuClosing};
 
 // A menu without a banner.
 constexpr const char *apcConfigLines[] = {
@@ -260,7 +261,7 @@ void PutSelectionResponse(ByteView stPayload) {
 } // namespace
 
 int32_t AntennaSwitchingSelectionMenu() {
-    switch (AskMenu(stMenu)) {
+    switch (AskMenu(stAntennaSwitchingMenu)) {
     case 1:
         return SendAntennaConfigRequest();
     case 2:

@@ -19,14 +19,15 @@ static_assert(strFirmwareFile.size() < DownloadRequest::PathSize);
 
 constexpr uint32_t u32PollInterval = 4000; // microseconds
 
-constexpr const char *apcMenuLines[] = {
+constexpr const char *apcChipsetControlMenuLines[] = {
     "\n 1. CHIPSET RESET",
     "\n 2. FIRMWARE DOWNLOAD",
     "\n 3. BASEBAND MODEM STATUS CHECK",
 };
 
-constexpr Menu stMenu = {"\n******** CONNCETION MGMT MENU ********", apcMenuLines,
-                         "\n\n**************************************"};
+constexpr Menu stChipsetControlMenu = {"\n******** CONNCETION MGMT MENU ********",
+                                       apcChipsetControlMenuLines,
+                                       "\n\n**************************************"};
 
 constexpr CodeName astModemStates[] = {
     {ModemStatus::Active, "\nMODEM STATUS: MODE_ACTIVE"},
@@ -110,7 +111,7 @@ uint32_t FirmwareDownload() {
 }
 
 uint32_t ChipsetControl() {
-    switch (AskMenu(stMenu)) {
+    switch (AskMenu(stChipsetControlMenu)) {
     case 1:
         return ResetChipset();
     case 2:

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr const char *apcMenuLines[] = {
+constexpr const char *apcConnectionManagementMenuLines[] = {
     "\n 1. NETWORK SEARCH REQUEST",
     "\n 2. SYNC UP REQUEST",
     "\n 3. NETWORK ENTRY REQUEST",
@@ -29,8 +29,9 @@ constexpr const char *apcMenuLines[] = {
     "\n 14. LOW POWER SCAN MODE",
 };
 
-constexpr Menu stMenu = {"\n******** CONNECTION MGMT MENU ********", apcMenuLines,
-                         "\n\n**************************************"};
+constexpr Menu stConnectionManagementMenu = {"\n******** CONNECTION MGMT MENU ********",
+                                             apcConnectionManagementMenuLines,
+                                             "\n\n**************************************"};
 
 constexpr const char *apcScanModeLines[] = {
     "\n Scan modes available:",         "\n 1. LOW_POW_NON_MIMO_SCAN_ANT1",
@@ -40,8 +41,6 @@ constexpr const char *apcScanModeLines[] = {
 
 constexpr Menu stScanModeMenu = {"\n Low power scan mode", apcScanModeLines,
                                  "\n 5. DEFAULT_SCAN_MODE"};
-
-uint32_t LowByte(int32_t iSendResult) { return static_cast<uint32_t>(iSendResult) & 0xFF; }
 
 uint32_t SearchNetwork() {
     const int32_t iResult = NetworkSearchOptions();
@@ -129,12 +128,12 @@ constexpr uint32_t (*apfnActions[])() = {
     EnterNetworkByNSP,
     SetLowPowerScanMode,
 };
-static_assert(std::size(apfnActions) == std::size(apcMenuLines));
+static_assert(std::size(apfnActions) == std::size(apcConnectionManagementMenuLines));
 
 } // namespace
 
 uint32_t ConnectionManagement() {
-    const int32_t iChoice = AskMenu(stMenu);
+    const int32_t iChoice = AskMenu(stConnectionManagementMenu);
     if (iChoice < 1 || iChoice > std::ssize(apfnActions)) {
         return 1;
     }

@@ -15,13 +15,14 @@
 
 namespace {
 
-constexpr const char *apcMenuLines[] = {
+constexpr const char *apcDeviceConfigurationMenuLines[] = {
     "\n 1. STATISTICS RESET CONTROL REQUEST",
     "\n 2. SET CINR AND RSSI FOR NETWORK SEARCH",
 };
 
-constexpr Menu stMenu = {"\n*********** DEVICE CONFIGURATION REQUESTS ***********", apcMenuLines,
-                         "\n\n*****************************************************"};
+constexpr Menu stDeviceConfigurationMenu = {
+    "\n*********** DEVICE CONFIGURATION REQUESTS ***********", apcDeviceConfigurationMenuLines,
+    "\n\n*****************************************************"};
 
 struct StatusText {
     uint32_t u32Status;
@@ -65,7 +66,7 @@ bool ReadMACAddress(ByteSpan stOctets) {
 } // namespace
 
 uint32_t DeviceConfigRequest() {
-    switch (AskMenu(stMenu)) {
+    switch (AskMenu(stDeviceConfigurationMenu)) {
     case 1:
         return static_cast<uint32_t>(StatisticsResetControlRequest());
     case 2:

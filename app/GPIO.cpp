@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr const char *apcMenuLines[] = {
+constexpr const char *apcGPIOMenuLines[] = {
     "\n 1. GPIO SET REQUEST",
     "\n 2. GPIO UN-SET REQUEST",
     "\n 3. GPIO STATUS REQUEST",
@@ -17,8 +17,8 @@ constexpr const char *apcMenuLines[] = {
     "\n 5. GPIO GET LED BEHAVIOR SETTINGS",
 };
 
-constexpr Menu stMenu = {"\n*********** GPIO MENU ***********", apcMenuLines,
-                         "\n\n************************************"};
+constexpr Menu stGPIOMenu = {"\n*********** GPIO MENU ***********", apcGPIOMenuLines,
+                             "\n\n************************************"};
 
 // What each of the first three choices sends.
 struct BitRequest {
@@ -63,7 +63,7 @@ constexpr const char *apcSaveLines[] = {
     "\n************************************************",
 };
 
-constexpr const char *pcOptionPrompt = "\n Enter option : ";
+constexpr const char *pcGPIOOptionPrompt = "\n Enter option : ";
 constexpr const char *pcStateRule = "\n********************************************";
 
 // A state of the driver: its bit is the one of its number, counted from 0, in
@@ -95,13 +95,13 @@ int32_t AskDriverState(const char *pcName) {
     }
     PutText("\n-1. Return to LED settings menu");
     PutText(pcStateRule);
-    return AskOption(pcOptionPrompt);
+    return AskOption(pcGPIOOptionPrompt);
 }
 
 int32_t AskLED() {
     PutLine("\n********* LED State information ***********");
     PutTexts(apcLEDLines);
-    return AskOption(pcOptionPrompt);
+    return AskOption(pcGPIOOptionPrompt);
 }
 
 void AskLEDs(ByteSpan stEntries) {
@@ -123,7 +123,7 @@ void AskLEDs(ByteSpan stEntries) {
 uint32_t AskSaveFlag() {
     PutLine("\n********* Save LED State information ***********");
     PutTexts(apcSaveLines);
-    return AskOption(pcOptionPrompt) == 1 ? 1 : 0;
+    return AskOption(pcGPIOOptionPrompt) == 1 ? 1 : 0;
 }
 
 void PutBitState(ByteView stPayload) {
@@ -157,7 +157,7 @@ void PutLEDState(ByteView stPayload) {
 } // namespace
 
 uint32_t GPIOMsgs() {
-    const int32_t iChoice = AskMenu(stMenu);
+    const int32_t iChoice = AskMenu(stGPIOMenu);
     switch (iChoice) {
     case 1:
     case 2:

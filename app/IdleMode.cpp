@@ -11,17 +11,15 @@
 
 namespace {
 
-constexpr int32_t iNoMIBSupport = -27;
-
-constexpr const char *apcMenuLines[] = {
+constexpr const char *apcIdleModeMenuLines[] = {
     "\n 1. IDLE MODE REQUEST",
     "\n 2. IDLE MODE STATUS REQUEST",
     "\n 3. IDLE MODE INACTIVITY TIMER CHANGE REQUEST",
     "\n 4. IDLE MODE WAKE UP REQUEST",
 };
 
-constexpr Menu stMenu = {"\n\n*********** Idle Mode SubMenu ***********", apcMenuLines,
-                         "\n\n************************************"};
+constexpr Menu stIdleModeMenu = {"\n\n*********** Idle Mode SubMenu ***********",
+                                 apcIdleModeMenuLines, "\n\n************************************"};
 
 constexpr const char *pcIndicationClosing = "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~";
 constexpr const char *pcWakeUpClosing = "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~";
@@ -29,7 +27,7 @@ constexpr const char *pcWakeUpClosing = "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~
 constexpr const char *pcIdleModeFailure =
     "\nFailed to send the IDLE MODE REQUEST Message to device!!";
 
-int32_t Send(uint32_t u32SubType, const char *pcFailure, ByteView stPayload = {}) {
+int32_t SendOrReport(uint32_t u32SubType, const char *pcFailure, ByteView stPayload = {}) {
     if (SendRequest(TYPE_IDLE_MODE, u32SubType, stPayload) != 0) {
         PutText(pcFailure);
     }
@@ -54,27 +52,30 @@ uint32_t PutWordReport(const WiMAXMessage *pstMessage, std::string_view strBanne
 
 } // namespace
 
-int32_t SendIdleModeRequest() { return Send(SUBTYPE_IDLE_MODE, pcIdleModeFailure); }
+int32_t SendIdleModeRequest() { return SendOrReport(SUBTYPE_IDLE_MODE, pcIdleModeFailure); }
 
-int32_t SendIdleModeStatusRequest() { return Send(SUBTYPE_IDLE_MODE_STATUS, pcIdleModeFailure); }
+int32_t SendIdleModeStatusRequest() {
+    return SendOrReport(SUBTYPE_IDLE_MODE_STATUS, pcIdleModeFailure);
+}
 
 int32_t SendIdleModeInactivityTimerRequest() {
     Record<StatusWord::Size> stTimer;
     Put(stTimer.Span(), StatusWord::u32Value,
         AskUnsigned("\nEnter the Idle Mode Inactivity Timer value (in secs) : "));
-    return Send(SUBTYPE_IDLE_MODE_INACTIVITY_TIMER,
-                "\nFailed to send the IDLE MODE INACITIVITY TIMER REQUEST Message to device!!",
-                stTimer.View());
+    return SendOrReport(
+        SUBTYPE_IDLE_MODE_INACTIVITY_TIMER,
+        "\nFailed to send the IDLE MODE INACITIVITY TIMER REQUEST Message to device!!",
+        stTimer.View());
 }
 
 int32_t SendIdleModeWakeupRequest() {
-    return Send(SUBTYPE_IDLE_MODE_WAKE_UP,
-                "\nFailed to send the IDLE MODE WAKEUP REQUEST Message to device!!");
+    return SendOrReport(SUBTYPE_IDLE_MODE_WAKE_UP,
+                        "\nFailed to send the IDLE MODE WAKEUP REQUEST Message to device!!");
 }
 
 int32_t SendIdleModeMsg() {
     int32_t iResult = 0;
-    switch (AskMenu(stMenu)) {
+    switch (AskMenu(stIdleModeMenu)) {
     case 1:
         iResult = SendIdleModeRequest();
         break;

@@ -10,7 +10,7 @@ const CharSource stInput{[](void *) { return NextInputChar(); },
 
 // One word of the input as a source of its own. A zero byte ends what can be
 // converted of it, as it ends a C string.
-struct Word {
+struct TypedWord {
     int iGivenBack = -1;
     bool bEnded = false;
 
@@ -47,14 +47,14 @@ struct Word {
     }
 };
 
-CharSource SourceOf(Word &stWord) {
-    return {[](void *pvState) { return static_cast<Word *>(pvState)->Next(); },
-            [](void *pvState, int iChar) { static_cast<Word *>(pvState)->iGivenBack = iChar; },
+CharSource SourceOf(TypedWord &stWord) {
+    return {[](void *pvState) { return static_cast<TypedWord *>(pvState)->Next(); },
+            [](void *pvState, int iChar) { static_cast<TypedWord *>(pvState)->iGivenBack = iChar; },
             &stWord};
 }
 
 // Shows what was printed and goes to the next word.
-Word BeginWord() {
+TypedWord BeginWord() {
     FlushOutput();
     const int iFirst = SkipSpace(stInput);
     if (iFirst < 0) {
@@ -73,7 +73,7 @@ bool Done(ScanResult eResult) {
 } // namespace
 
 int32_t ReadOption() {
-    Word stWord = BeginWord();
+    TypedWord stWord = BeginWord();
     int32_t iValue = 0;
     ScanDecimal(SourceOf(stWord), &iValue);
     stWord.DropRest();
@@ -81,14 +81,14 @@ int32_t ReadOption() {
 }
 
 uint32_t ReadHexNum(uint32_t *pu32Value) {
-    Word stWord = BeginWord();
+    TypedWord stWord = BeginWord();
     const ScanResult eResult = ScanHexadecimal(SourceOf(stWord), pu32Value);
     stWord.DropRest();
     return eResult == ScanResult::Converted ? 1 : 0;
 }
 
 void ReadWord(char *pcWord, uint32_t u32Size) {
-    Word stWord = BeginWord();
+    TypedWord stWord = BeginWord();
     uint32_t u32Length = 0;
     for (int iChar = stWord.Next(); iChar >= 0; iChar = stWord.Next()) {
         if (u32Length + 1 < u32Size) {
@@ -99,7 +99,7 @@ void ReadWord(char *pcWord, uint32_t u32Size) {
 }
 
 uint32_t ReadHexBytes(uint8_t *pucBytes, uint32_t u32Count) {
-    Word stWord = BeginWord();
+    TypedWord stWord = BeginWord();
     uint32_t u32Read = 0;
     uint32_t u32Value = 0;
     while (u32Read < u32Count &&
@@ -132,7 +132,7 @@ bool ReadIntegerOrDropWord(int32_t *piValue) {
     if (ReadInteger(piValue)) {
         return true;
     }
-    Word{}.DropRest();
+    TypedWord{}.DropRest();
     return false;
 }
 

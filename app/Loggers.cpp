@@ -10,10 +10,12 @@
 
 namespace {
 
-constexpr const char *apcMenuLines[] = {"\n 1. START LOGGER REQUEST", "\n 2. STOP LOGGER REQUEST"};
+constexpr const char *apcLoggersMenuLines[] = {"\n 1. START LOGGER REQUEST",
+                                               "\n 2. STOP LOGGER REQUEST"};
 
-constexpr Menu stMenu = {"\n*********** LOGGER REQUEST MENU ***********", apcMenuLines,
-                         "\n\n*******************************************"};
+constexpr Menu stLoggersMenu = {"\n*********** LOGGER REQUEST MENU ***********",
+                                apcLoggersMenuLines,
+                                "\n\n*******************************************"};
 
 constexpr const char *apcLoggers[] = {
     "\n 1. IR LOGGER", "\n 2. BR LOGGER", "\n 3. PR LOGGER",  "\n 4. BWL LOGGER",
@@ -35,7 +37,7 @@ uint32_t SendLoggerRequest(uint32_t u32Type, const char *pcTitle, const char *pc
 } // namespace
 
 uint32_t LoggerRequests() {
-    switch (AskMenu(stMenu)) {
+    switch (AskMenu(stLoggersMenu)) {
     case 1:
         return StartLoggerRequest();
     case 2:

@@ -10,15 +10,15 @@
 
 namespace {
 
-constexpr const char *pcMenuClosing = "\n\n********************************************";
+constexpr const char *pcLoggingMenuClosing = "\n\n********************************************";
 
 constexpr const char *apcMACLines[] = {"\n 1. ENABLE MAC LOGGING ", "\n 2. DISABLE MAC LOGGING "};
 constexpr const char *apcPHYLines[] = {"\n 1. ENABLE PHY LOGGING ", "\n 2. DISABLE PHY LOGGING "};
 
 constexpr Menu stMACMenu = {"\n\n*********** MAC LOGGING CONTROL ***********", apcMACLines,
-                            pcMenuClosing};
+                            pcLoggingMenuClosing};
 constexpr Menu stPHYMenu = {"\n\n*********** PHY LOGGING CONTROL ***********", apcPHYLines,
-                            pcMenuClosing};
+                            pcLoggingMenuClosing};
 
 uint32_t ControlLogging(const Menu &stMenu, uint32_t u32Type, const char *pcFailure) {
     const int32_t iChoice = AskMenu(stMenu);

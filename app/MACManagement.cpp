@@ -78,14 +78,15 @@ namespace {
 constexpr char acUnknownMessage[] = "UNKNOWN MAC Management message.";
 static_assert(sizeof acUnknownMessage <= iMACMessageNameSize);
 
-constexpr const char *apcMenuLines[] = {
+constexpr const char *apcMACManagementMenuLines[] = {
     "\n 1. ENABLE MAC MANAGEMENT MSGS",
     "\n 2. DISABLE MAC MANAGEMENT MSGS",
     "\n 3. GET MAC MESSAGES STATUS LOGGING ",
 };
 
-constexpr Menu stMenu = {"\n******** MAC MANAGEMENT MESSAGE MENU********", apcMenuLines,
-                         "\n\n********************************************"};
+constexpr Menu stMACManagementMenu = {"\n******** MAC MANAGEMENT MESSAGE MENU********",
+                                      apcMACManagementMenuLines,
+                                      "\n\n********************************************"};
 
 // Refused is what lies below the middle entry and above it at once, and that
 // is nothing: every choice goes out.
@@ -152,7 +153,7 @@ void PutTraceState(ByteView stPayload) {
 } // namespace
 
 uint32_t MACMgmtMessageRequest() {
-    const int32_t iChoice = AskMenu(stMenu);
+    const int32_t iChoice = AskMenu(stMACManagementMenu);
     if (IsRefused(iChoice)) {
         PutLine("SORRY!! INCORRECT OPTION!!");
         return 0;

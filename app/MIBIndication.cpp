@@ -13,7 +13,7 @@
 namespace {
 
 constexpr const char *pcGetHeading = "\nGet Response received"; // of set answers too
-constexpr const char *pcClosingRule = "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~";
+constexpr const char *pcMIBClosingRule = "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~";
 
 // A record of an answer.
 struct MIBAnswer {
@@ -379,7 +379,7 @@ const AttributeReport *ReportOf(uint32_t u32AttributeID) {
     return pstFound != std::end(astReports) ? pstFound : nullptr;
 }
 
-void PutValue(const MIBAnswer &stAnswer) {
+void PutMIBValue(const MIBAnswer &stAnswer) {
     constexpr Field stWord{0, FieldType::I32};
     PutEachByte(" 0x%02x", stAnswer.stValue);
     if (stAnswer.u32DataLength == WidthOf(stWord.eType)) {
@@ -418,7 +418,7 @@ bool PutGetAnswer(const MIBAnswer &stAnswer) {
     }
     const AttributeReport *pstReport = ReportOf(stAnswer.u32AttributeID);
     if (pstReport == nullptr) {
-        PutValue(stAnswer);
+        PutMIBValue(stAnswer);
         return false;
     }
     pstReport->pfnPut(stAnswer);
@@ -438,7 +438,7 @@ void PutMultipleGetRecord(const MIBAnswer &stAnswer) {
         PutText(" ");
         PutMultipleError(stAnswer);
     } else {
-        PutValue(stAnswer);
+        PutMIBValue(stAnswer);
     }
 }
 
@@ -482,6 +482,6 @@ uint32_t MIBIndication(const WiMAXMessage *pstMessage) {
     default:
         break;
     }
-    PutLine(pcClosingRule);
+    PutLine(pcMIBClosingRule);
     return 1;
 }

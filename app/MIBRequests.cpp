@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr int32_t iNoMIBSupport = -27;
 constexpr int32_t iMRUTableEmpty = -76;
 constexpr int32_t iAutomatedTest = 999; // typed in place of an ID
 constexpr int32_t iGetEveryMIB = 5;     // not listed
@@ -24,13 +23,13 @@ constexpr uint32_t u32AddressSize = 6;
 
 constexpr const char *pcNoMIBSupport = "\n BINARY DOES NOT SUPPORT MIBS";
 
-constexpr const char *apcMenuLines[] = {
+constexpr const char *apcMIBRequestsMenuLines[] = {
     "\n 1. MIB GET REQUEST",          "\n 2. MIB SET REQUEST", "\n 3. Multiple MIB GET REQUEST",
     "\n 4. Multiple MIB SET REQUEST", "\n-1. GO TO MAIN MENU",
 };
 
-constexpr Menu stMenu = {"\n\n*********** MIB Request ***********", apcMenuLines,
-                         "\n\n******************************"};
+constexpr Menu stMIBRequestsMenu = {"\n\n*********** MIB Request ***********",
+                                    apcMIBRequestsMenuLines, "\n\n******************************"};
 
 // What the listed choices do, in their order.
 constexpr int32_t (*apfnActions[])() = {
@@ -358,7 +357,7 @@ int32_t MultipleMIBSetRequest() {
 int32_t MIBRequest() {
     int32_t iResult = 0; // of the last dialogue: reported after every choice
     for (;;) {
-        const int32_t iChoice = AskMenu(stMenu);
+        const int32_t iChoice = AskMenu(stMIBRequestsMenu);
         if (iChoice == iLeaveMenu) {
             return 0;
         }

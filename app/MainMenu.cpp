@@ -55,7 +55,7 @@ struct MainMenuEntry {
     Afterwards eFlag = Afterwards::Cleared;
 };
 
-constexpr MainMenuEntry astEntries[] = {
+constexpr MainMenuEntry astMainMenu[] = {
     {1, "\n 1. CONNECTION MANAGEMENT REQUESTS", [] { ConnectionManagement(); }},
     {2, "\n 2. SS INFO REQUESTS", [] { GetSSInfoRequest(); }},
     {3, "\n 3. CHIPSET CONTROL REQUESTS", [] { ChipsetControl(); }, Afterwards::Kept},
@@ -83,7 +83,7 @@ constexpr MainMenuEntry astEntries[] = {
 
 int32_t AskMainMenu() {
     PutLine("\n******** MAIN MENU ********");
-    for (const MainMenuEntry &stEntry : astEntries) {
+    for (const MainMenuEntry &stEntry : astMainMenu) {
         if (stEntry.pcText != nullptr) {
             PutText(stEntry.pcText);
         }
@@ -95,7 +95,7 @@ int32_t AskMainMenu() {
 }
 
 void HandleChoice(int32_t iChoice) {
-    for (const MainMenuEntry &stEntry : astEntries) {
+    for (const MainMenuEntry &stEntry : astMainMenu) {
         if (stEntry.iChoice == iChoice) {
             stEntry.pfnHandle();
             if (stEntry.eFlag == Afterwards::Cleared) {

@@ -19,6 +19,9 @@ extern std::atomic<uint8_t> gbInsideSubMenu;
 uint32_t FillWiMAXMsg(WiMAXMessage *pstMessage, uint32_t u32Type, uint32_t u32SubType,
                       uint32_t u32PayloadLength);
 
+// What a send results in where the modem does without MIBs.
+inline constexpr int32_t iNoMIBSupport = -27;
+
 // Shows what was printed so far, then sends: u32Length bytes, never more than
 // the record has. Returns the library's result.
 int32_t SendMessage(WiMAXMessage *pstMessage, uint32_t u32Length);
@@ -29,5 +32,8 @@ int32_t SendRequest(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload = 
 // as the library left it.
 int32_t SendForAnswer(WiMAXMessage *pstMessage, uint32_t u32Type, uint32_t u32SubType,
                       ByteView stPayload);
+
+// Some menus go by the lowest byte of a send's result alone.
+inline uint32_t LowByte(int32_t iSendResult) { return static_cast<uint32_t>(iSendResult) & 0xFF; }
 
 #endif

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr const char *apcMenuLines[] = {
+constexpr const char *apcNetworkSearchMenuLines[] = {
     "\n 1. SEARCH FOR ALL 2.5GHz and 2.6GHz BAND RANGE",
     "\n 2. SEARCH FOR ALL 3.5GHZ BAND RANGE",
     "\n 3. SEARCH FOR FRQUENCY BAND",
@@ -21,8 +21,9 @@ constexpr const char *apcMenuLines[] = {
     "\n-1. RETURN TO MAIN MENU",
 };
 
-constexpr Menu stMenu = {"\n******** NETWORK SEARCH MENU ********", apcMenuLines,
-                         "\n\n**************************************"};
+constexpr Menu stNetworkSearchMenu = {"\n******** NETWORK SEARCH MENU ********",
+                                      apcNetworkSearchMenuLines,
+                                      "\n\n**************************************"};
 
 // kHz
 constexpr uint32_t au32AllBandwidths[] = {10000, 8750, 7000, 5000};
@@ -273,7 +274,7 @@ int32_t SearchByNSP() {
 } // namespace
 
 int32_t NetworkSearchOptions() {
-    const int32_t iChoice = AskMenu(stMenu);
+    const int32_t iChoice = AskMenu(stNetworkSearchMenu);
     if (iChoice >= 1 && iChoice <= 3) {
         return SearchByFrequency(iChoice);
     }

@@ -31,15 +31,15 @@ constexpr const char *pcGetFailed =
 constexpr const char *pcErrorReceived = "\nError Received as: [%d]\n";
 constexpr const char *pcNotChecked = "\nOut of bound array read is not checked !!!";
 
-constexpr const char *apcMenuLines[] = {
+constexpr const char *apcOMADMMenuLines[] = {
     "\n 1. OMA DM Get Version info",         "\n 2. OMA DM Few Tests Menu",
     "\n 3. Security Parameter GET REQUEST",  "\n 4. Security Parameter SET REQUEST",
     "\n 5. Security Parameter Size REQUEST", "\n 6. IMEI Read request",
     "\n 7. OMADM tree update API test",      "\n-1. GO TO MAIN MENU",
 };
 
-constexpr Menu stMenu = {"\n\n*********** OMA DM/Security Request ***********", apcMenuLines,
-                         "\n\n******************************"};
+constexpr Menu stOMADMMenu = {"\n\n*********** OMA DM/Security Request ***********",
+                              apcOMADMMenuLines, "\n\n******************************"};
 
 void GetNetworkParameters() {
     OMADMGetNetworkParameterNode();
@@ -396,7 +396,7 @@ void OMADM_TestMenu() {
 void OMADMRequest() {
     int32_t iResult = 0; // of the last request: reported after every choice
     for (;;) {
-        const int32_t iChoice = AskMenu(stMenu);
+        const int32_t iChoice = AskMenu(stOMADMMenu);
         switch (iChoice) {
         case iLeaveMenu:
             return;

@@ -14,14 +14,14 @@ namespace {
 
 enum Option : int32_t { Read = 1, Write = 2, RepeatedRead = 3, RepeatedWrite = 4 };
 
-constexpr const char *apcMenuLines[] = {
+constexpr const char *apcRegisterMenuLines[] = {
     "\n 1. READ REGISTER",
     "\n 2. WRITE TO REGISTER",
     "\n-1. GO TO MAIN MENU",
 };
 
-constexpr Menu stMenu = {"\n******** RDM-WRM MENU ********", apcMenuLines,
-                         "\n\n******************************"};
+constexpr Menu stRegisterMenu = {"\n******** RDM-WRM MENU ********", apcRegisterMenuLines,
+                                 "\n\n******************************"};
 
 constexpr uint32_t u32Repetitions = 15000;
 constexpr uint32_t u32RepetitionPause = 1000; // microseconds
@@ -198,7 +198,7 @@ const OptionRow *FindOption(int32_t iChoice) {
 int32_t TestRDMWRM() {
     Settings stSettings;
     for (;;) {
-        const int32_t iChoice = AskMenu(stMenu);
+        const int32_t iChoice = AskMenu(stRegisterMenu);
         if (iChoice == iLeaveMenu) {
             return 1;
         }

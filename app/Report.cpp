@@ -12,14 +12,14 @@
 namespace {
 
 // The three digits of every number below 1000, and how many of them count.
-struct Digits {
+struct ThreeDigits {
     char acDigits[3];
     uint8_t u8Count;
 };
 
 // Four characters can be copied from any digit on.
 constexpr auto astDigits = [] {
-    std::array<Digits, 1001> astTable{};
+    std::array<ThreeDigits, 1001> astTable{};
     for (uint32_t i = 0; i < 1000; ++i) {
         astTable[i] = {{static_cast<char>('0' + i / 100), static_cast<char>('0' + i / 10 % 10),
                         static_cast<char>('0' + i % 10)},
@@ -35,7 +35,7 @@ inline char *WriteThree(char *pcTo, uint32_t u32Value) {
 
 // A number below 1000 without zeros before it.
 inline char *WriteFirst(char *pcTo, uint32_t u32Value) {
-    const Digits &stDigits = astDigits[u32Value];
+    const ThreeDigits &stDigits = astDigits[u32Value];
     std::memcpy(pcTo, reinterpret_cast<const char *>(&stDigits) + 3 - stDigits.u8Count, 4);
     return pcTo + stDigits.u8Count;
 }
@@ -89,7 +89,7 @@ char *WriteWide(char *pcTo, const Conversion &stNumber, uint32_t u32Value, bool 
     return std::copy_n(acNumber, u32Digits, pcTo);
 }
 
-inline char *WriteWhole(char *pcTo, const Conversion &stNumber, uint32_t u32Value) {
+inline char *WriteInteger(char *pcTo, const Conversion &stNumber, uint32_t u32Value) {
     const bool bUpperCase = stNumber.eKind == NumberKind::UpperHex;
     const bool bHexadecimal = bUpperCase || stNumber.eKind == NumberKind::LowerHex;
     if (stNumber.u8Width == 2 && stNumber.bZeroFilled) {
@@ -150,7 +150,7 @@ char *WriteQuotient(char *pcTo, const Conversion &stNumber, uint32_t u32Value, b
     if (stNumber.eKind == NumberKind::Real) {
         return WriteFixed(pcTo, bNegative, u32Whole, u32Magnitude % u32Divisor, u32Divisor);
     }
-    return WriteWhole(pcTo, stNumber, bNegative ? 0 - u32Whole : u32Whole);
+    return WriteInteger(pcTo, stNumber, bNegative ? 0 - u32Whole : u32Whole);
 }
 
 template <size_t uSize> inline void CopyBlock(char *pcTo, const char *pcFrom) {
@@ -198,7 +198,7 @@ inline char *WriteRow(char *pcTo, ByteView stView, const ReportRow &stRow, uint3
     return WriteText(pcTo, stRow.stText, [&](char *pcNumber, const Conversion &stNumber) {
         const uint32_t u32Value = Get(stView, stField, u32Base);
         u32Base += WidthOf(stField.eType);
-        return stRow.u32Divisor == 1 ? WriteWhole(pcNumber, stNumber, u32Value)
+        return stRow.u32Divisor == 1 ? WriteInteger(pcNumber, stNumber, u32Value)
                                      : WriteQuotient(pcNumber, stNumber, u32Value,
                                                      IsSigned(stField.eType), stRow.u32Divisor);
     });
@@ -228,7 +228,7 @@ void PutRows(ByteView stView, std::span<const ReportRow> astRows, uint32_t u32Ba
 void PutNumbersOf(const NumberText &stText, const uint32_t *pu32Values) {
     EndOutputAt(WriteText(OutputRoom(NumberText::MostRoom), stText,
                           [&](char *pcTo, const Conversion &stNumber) {
-                              return WriteWhole(pcTo, stNumber, *pu32Values++);
+                              return WriteInteger(pcTo, stNumber, *pu32Values++);
                           }));
 }
 
@@ -240,7 +240,7 @@ void PutElements(const TextWith<1> &stText, ByteView stView, Field stFirst, uint
         char *pcTo = OutputRoom(size_t{u32End - i} * NumberText::MostRoom);
         for (; i < u32End && (i + 1) * u32Width <= u32Bytes; ++i) {
             pcTo = WriteText(pcTo, stText, [&](char *pcNumber, const Conversion &stNumber) {
-                return WriteWhole(pcNumber, stNumber, Get(stView, stFirst, i * u32Width));
+                return WriteInteger(pcNumber, stNumber, Get(stView, stFirst, i * u32Width));
             });
         }
         EndOutputAt(pcTo);

@@ -47,7 +47,7 @@ void AskValueBytes(ByteSpan stRecord, uint32_t u32Bytes) {
     }
 }
 
-void PutValue(ByteView stRecord) {
+void PutParameterValue(ByteView stRecord) {
     using namespace SecurityRecord;
     const uint32_t u32DataLength = Get(stRecord, SecurityRecord::u32DataLength);
     PutEachByte(" 0x%02x", stRecord.From(aucValue, u32DataLength));
@@ -77,7 +77,7 @@ bool PutAnswer(uint32_t u32SubType, ByteView stRecord) {
             PutRow(stRecord, {" ERROR RECEIVED : [%d]", s8Status});
             return false;
         }
-        PutValue(stRecord);
+        PutParameterValue(stRecord);
         return true;
     case SUBTYPE_SECURITY_SIZE:
         PutRow(stRecord, {"\n Security Param ID - [%d], Size : [%d]\n", u32ParameterID});

@@ -19,15 +19,15 @@ uint8_t SFID_ADD_INDICATION[u32KeptAddIndications * ServiceFlowRecord::Size];
 
 namespace {
 
-constexpr const char *apcMenuLines[] = {
+constexpr const char *apcServiceFlowsMenuLines[] = {
     "\n 1. SF ADD REQUEST",
     "\n 2. SF CHANGE REQUEST",
     "\n 3. SF DELETE REQUEST",
     "\n 4. ERTPS GRANT CHANGE REQUEST",
 };
 
-constexpr Menu stMenu = {"\n***** SERVICE FLOW MENU *****", apcMenuLines,
-                         "\n\n****************************"};
+constexpr Menu stServiceFlowsMenu = {"\n***** SERVICE FLOW MENU *****", apcServiceFlowsMenuLines,
+                                     "\n\n****************************"};
 
 constexpr const char *apcQoSLines[] = {
     "\n0-Active and Admitted sets to null",
@@ -483,7 +483,7 @@ int32_t SendeRTPSChangeRequest() {
 }
 
 int32_t ServiceFlowRequest() {
-    switch (AskMenu(stMenu)) {
+    switch (AskMenu(stServiceFlowsMenu)) {
     case 1:
         return SendDSARequest();
     case 2:

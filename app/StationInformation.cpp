@@ -11,14 +11,15 @@
 
 namespace {
 
-constexpr const char *apcMenuLines[] = {
+constexpr const char *apcStationInformationMenuLines[] = {
     "\n 1. SS INFO REQUEST",
     "\n 2. SS EEPROM INFO REQUEST",
     "\n 3. SS EEPROM DETAILED INFO REQUEST",
 };
 
-constexpr Menu stMenu = {"\n******** SS INFO MENU ********", apcMenuLines,
-                         "\n\n**************************************"};
+constexpr Menu stStationInformationMenu = {"\n******** SS INFO MENU ********",
+                                           apcStationInformationMenuLines,
+                                           "\n\n**************************************"};
 
 constexpr const char *pcInformationClosing = "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~";
 
@@ -117,8 +118,8 @@ void PutSectionVersions(ByteView stPayload) {
 } // namespace
 
 uint32_t GetSSInfoRequest() {
-    const int32_t iChoice = AskMenu(stMenu);
-    const bool bListed = iChoice >= 1 && iChoice <= std::ssize(apcMenuLines);
+    const int32_t iChoice = AskMenu(stStationInformationMenu);
+    const bool bListed = iChoice >= 1 && iChoice <= std::ssize(apcStationInformationMenuLines);
     // The lines of the menu are in the order of the subtypes.
     const uint32_t u32SubType = bListed ? static_cast<uint32_t>(iChoice) : 0;
     return static_cast<uint8_t>(SendRequest(TYPE_SS_INFO, u32SubType));

@@ -13,10 +13,10 @@
 
 namespace {
 
-constexpr const char *apcMenuLines[] = {"\n 1. BASEBAND STATISTICS REQUEST"};
+constexpr const char *apcStatisticsMenuLines[] = {"\n 1. BASEBAND STATISTICS REQUEST"};
 
-constexpr Menu stMenu = {"\n******** STATISTICS MENU ********", apcMenuLines,
-                         "\n\n*********************************"};
+constexpr Menu stStatisticsMenu = {"\n******** STATISTICS MENU ********", apcStatisticsMenuLines,
+                                   "\n\n*********************************"};
 
 constexpr const char *apcIntervalLines[] = {
     "\nENTER THE INTERVAL FOR PERIODIC REQUEST (IN MILLI SECONDS).",
@@ -113,7 +113,7 @@ void PutStatistics(ByteView stPayload) {
 } // namespace
 
 uint32_t GetStatisticsRequest() {
-    if (AskMenu(stMenu) != 1) {
+    if (AskMenu(stStatisticsMenu) != 1) {
         return 1;
     }
     PutTexts(apcIntervalLines);

@@ -12,14 +12,15 @@ SharedBytes<VendorRegion::ATRLock.u16Size> gaucRespATRLock;
 
 namespace {
 
-constexpr const char *apcMenuLines[] = {
+constexpr const char *apcVendorSpecificParametersMenuLines[] = {
     "\n 1. VSA READ REQUEST",
     "\n 2. VSA WRITE REQUEST",
     "\n 3. VSA Size REQUEST",
 };
 
-constexpr Menu stMenu = {"\n*********** VENDOR SPECIFIC PARAM ***********", apcMenuLines,
-                         "\n\n*********************************************"};
+constexpr Menu stVendorSpecificParametersMenu = {
+    "\n*********** VENDOR SPECIFIC PARAM ***********", apcVendorSpecificParametersMenuLines,
+    "\n\n*********************************************"};
 
 constexpr const char *pcClosingRule =
     "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~";
@@ -98,7 +99,7 @@ int32_t SendVSASizeRequest() { return SendVendorSpecificParamRequest({}, SUBTYPE
 
 int32_t VendorSpecificParamRequest() {
     int32_t iResult = 0;
-    switch (AskMenu(stMenu)) {
+    switch (AskMenu(stVendorSpecificParametersMenu)) {
     case 1:
         iResult = SendVSAReadRequest();
         break;

@@ -13,15 +13,16 @@ std::atomic<uint32_t> g_SetWimaxOptionsFlag{0};
 
 namespace {
 
-constexpr const char *apcMenuLines[] = {
+constexpr const char *apcWiMAXOptionsMenuLines[] = {
     "\n 1. SET WIMAX OPTIONS",
     "\n 2. SET WIMAX OPTIONS ALL",
     "\n 3. GET WIMAX OPTIONS ALL",
     "\n-1. RETURN TO MAIN MENU",
 };
 
-constexpr Menu stMenu = {"\n******** WIMAX OPTIONS MENU ********", apcMenuLines,
-                         "\n\n**************************************"};
+constexpr Menu stWiMAXOptionsMenu = {"\n******** WIMAX OPTIONS MENU ********",
+                                     apcWiMAXOptionsMenuLines,
+                                     "\n\n**************************************"};
 
 // The option's number is its bit in the specifier.
 enum Option : uint32_t {
@@ -266,7 +267,7 @@ void PutOneOption(ByteView stPayload) {
 } // namespace
 
 int32_t FillSetWiMAXOptions() {
-    switch (AskMenu(stMenu)) {
+    switch (AskMenu(stWiMAXOptionsMenu)) {
     case 1:
         return SetOneOption();
     case 2:

@@ -71,15 +71,13 @@ constexpr DumpedField astEAPSIMFields[] = {
     {"AUTH_INFO_IMEI", AuthParamIndication::aucIMEI, AuthParamIndication::IMEISize},
 };
 
-uint32_t LowByte(int32_t iSendResult) { return static_cast<uint32_t>(iSendResult) & 0xFF; }
-
-uint32_t Send(uint32_t u32SubType, ByteView stPayload = {}) {
+uint32_t SendToAuthenticator(uint32_t u32SubType, ByteView stPayload = {}) {
     return LowByte(SendRequest(TYPE_AUTHENTICATION, u32SubType, stPayload));
 }
 
 uint32_t SendEAPTransfer() {
     const Record<EAPTransfer::EmptySize> stEmpty;
-    return Send(SUBTYPE_EAP_TRANSFER, stEmpty.View());
+    return SendToAuthenticator(SUBTYPE_EAP_TRANSFER, stEmpty.View());
 }
 
 uint32_t SendEAPComplete() {
@@ -93,7 +91,7 @@ uint32_t SendEAPComplete() {
 }
 
 // Asks until the answer, taken as unsigned, is u32Most or less.
-uint32_t AskUpTo(uint32_t u32Most, const char *pcPrompt, const char *pcPromptAgain) {
+uint32_t AskLengthUpTo(uint32_t u32Most, const char *pcPrompt, const char *pcPromptAgain) {
     uint32_t u32Value = AskUnsigned(pcPrompt);
     while (u32Value > u32Most) {
         u32Value = AskUnsigned(pcPromptAgain);
@@ -117,13 +115,13 @@ uint32_t TestEncryption() {
     const ByteSpan stPayload = PayloadOf(stMessage);
     PutText("\nPadding algorithm to be used:");
     Put(stPayload, u32Padding,
-        AskUpTo(
+        AskLengthUpTo(
             PaddingPKCS1,
             "\n0 - Indicates no padding. \n1 - Indicates padding based on PKCS1. \nEnter 0 or 1:",
             "\nEnter either 0 or 1"));
     const uint32_t u32KeySize =
-        AskUpTo(MaxKeySize, "\nNumber of AES symmetric keys you want to enter (0-32) : ",
-                "\nRange of number is 0 to 32");
+        AskLengthUpTo(MaxKeySize, "\nNumber of AES symmetric keys you want to enter (0-32) : ",
+                      "\nRange of number is 0 to 32");
     PutText("\nEnter array elements of symmetric key");
     AskBytes(stPayload.From(u8AESkey, u32KeySize),
              "\nEnter array elements of symmetric key u8AESkey[%d] : ", 0);
@@ -138,7 +136,7 @@ uint32_t TestEncryption() {
 uint32_t ReadParameters(uint32_t u32Method) {
     Record<AuthParamRead::Size> stRequest;
     Put(stRequest.Span(), AuthParamRead::u8Method, u32Method);
-    return Send(SUBTYPE_AUTH_PARAM_READ, stRequest.View());
+    return SendToAuthenticator(SUBTYPE_AUTH_PARAM_READ, stRequest.View());
 }
 
 // Every data byte holds its own index.
@@ -149,7 +147,7 @@ uint32_t WriteTestPattern() {
     for (uint32_t i = 0; i < DataSize; ++i) {
         stRequest.aucBytes[aucData + i] = static_cast<uint8_t>(i);
     }
-    return Send(SUBTYPE_AUTH_PARAM_WRITE, stRequest.View());
+    return SendToAuthenticator(SUBTYPE_AUTH_PARAM_WRITE, stRequest.View());
 }
 
 void DumpFields(ByteView stPayload, std::span<const DumpedField> astFields) {
@@ -224,7 +222,7 @@ uint32_t EAPRequests() {
 uint32_t AuthRequest() {
     switch (AskMenu(stAuthMenu)) {
     case 1:
-        return Send(SUBTYPE_AUTH_STATUS);
+        return SendToAuthenticator(SUBTYPE_AUTH_STATUS);
     case 2:
         return ReadParameters(AuthMethod::EAPAKA);
     case 3:

@@ -14,12 +14,13 @@ class AntennaSwitchingTest : public ConsoleTest {
     }
 };
 
-constexpr const char *pcMenu = "\n\n*********** Antenna Switching Selection Menu ***********\n"
-                               "\n 1. Antenna Config Request"
-                               "\n 2. Antenna Scanning Request"
-                               "\n 3. Antenna Selection Request"
-                               "\n\n************************************\n"
-                               "\nENTER OPTION : ";
+constexpr const char *pcAntennaSwitchingMenu =
+    "\n\n*********** Antenna Switching Selection Menu ***********\n"
+    "\n 1. Antenna Config Request"
+    "\n 2. Antenna Scanning Request"
+    "\n 3. Antenna Selection Request"
+    "\n\n************************************\n"
+    "\nENTER OPTION : ";
 constexpr const char *pcConfigMenu = "\n 1. Get GPIO Configuration from Firmware"
                                      "\n 2. Set GPIO Configuration to Firmware"
                                      "\n\n************************************\n"
@@ -49,15 +50,16 @@ constexpr const char *pcTxAuto = "\nEnter the Tx Auto Selction Choice :"
                                  "\nValues [0 - Disable Auto Tx Selection"
                                  "\n        1 - Auto Tx Selection ] : ";
 
-constexpr const char *pcBanner =
+constexpr const char *pcAntennaSwitchingBanner =
     "\n~~~~~~~~~~~~~~~ ANTENNA_SWITCHING_SELECTION MESSAGE RECEIVED ~~~~~~~~~~~~~~~\n";
-constexpr const char *pcClosing = "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
+constexpr const char *pcAntennaSwitchingClosing =
+    "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
 
 TEST_F(AntennaSwitchingTest, TheMenuLeadsToTheThreeRequests) {
     EXPECT_EQ(PrintedBy([] { AntennaSwitchingSelectionMenu(); }, "1\n1\n"),
-              std::string(pcMenu) + pcConfigMenu);
+              std::string(pcAntennaSwitchingMenu) + pcConfigMenu);
     EXPECT_EQ(PrintedBy([] { AntennaSwitchingSelectionMenu(); }, "2\n0\n"),
-              std::string(pcMenu) + pcScanChoice);
+              std::string(pcAntennaSwitchingMenu) + pcScanChoice);
     FakeDevice::SetSendResult(-9);
     Type("3\n0 0 0 0 0 0 0\n");
     EXPECT_EQ(AntennaSwitchingSelectionMenu(), -9);
@@ -70,7 +72,7 @@ TEST_F(AntennaSwitchingTest, TheMenuLeadsToTheThreeRequests) {
 
 TEST_F(AntennaSwitchingTest, OtherChoicesAreRefused) {
     EXPECT_EQ(PrintedBy([] { EXPECT_EQ(AntennaSwitchingSelectionMenu(), 0); }, "4\n"),
-              std::string(pcMenu) + pcInvalidOption);
+              std::string(pcAntennaSwitchingMenu) + pcInvalidOption);
     for (const char *pcTyped : {"0\n", "3\n", "-1\n"}) {
         EXPECT_EQ(PrintedBy([] { EXPECT_EQ(SendAntennaConfigRequest(), 0); }, pcTyped),
                   std::string(pcConfigMenu) + pcInvalidOption);
@@ -171,68 +173,70 @@ TEST_F(AntennaSwitchingTest, AFixedSelectionIsEntered) {
 
 TEST_F(AntennaSwitchingTest, AConfigurationThatWasReadIsShown) {
     EXPECT_EQ(ReportOf("28/1 | 3:4 1:4 | 1:4 2:4 15:4 9:4 | 7:4 | 0:4 0:4"),
-              std::string(pcBanner) +
+              std::string(pcAntennaSwitchingBanner) +
                   "\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!"
                   "\nTotal Number of Rx GPIO's to be used: 3"
                   "\nList of Rx GPIO's are :  1 2 15"
                   "\nTotal Number of Tx GPIO's to be used: 1"
                   "\nList of Tx GPIO's are :  7" +
-                  pcClosing);
+                  pcAntennaSwitchingClosing);
     EXPECT_EQ(ReportOf("28/1 | 0:4 0:4 | ff*20 | 0:4 0:4"),
-              std::string(pcBanner) +
+              std::string(pcAntennaSwitchingBanner) +
                   "\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!"
                   "\nTotal Number of Rx GPIO's to be used: 0"
                   "\nList of Rx GPIO's are : "
                   "\nTotal Number of Tx GPIO's to be used: 0"
                   "\nList of Tx GPIO's are : " +
-                  pcClosing);
+                  pcAntennaSwitchingClosing);
 }
 
 TEST_F(AntennaSwitchingTest, NoMorePinsAreShownThanTheRecordHas) {
     EXPECT_EQ(ReportOf("28/1 | -1:4 2:4 | 1:4 2:4 3:4 -1:4 | 7:4 | 0:4 0:4"),
-              std::string(pcBanner) +
+              std::string(pcAntennaSwitchingBanner) +
                   "\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!"
                   "\nTotal Number of Rx GPIO's to be used: -1"
                   "\nList of Rx GPIO's are :  1 2 3 -1"
                   "\nTotal Number of Tx GPIO's to be used: 2"
                   "\nList of Tx GPIO's are :  7" +
-                  pcClosing);
+                  pcAntennaSwitchingClosing);
 }
 
 TEST_F(AntennaSwitchingTest, AConfigurationThatCouldNotBeReadIsReported) {
     EXPECT_EQ(ReportOf("28/1 | 3:4 1:4 | 00*20 | 0:4 -5:4"),
-              std::string(pcBanner) +
+              std::string(pcAntennaSwitchingBanner) +
                   "\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!"
                   "\n\tFailed in Getting the configuration from Firmware !!! "
                   "\n\tError Status Received :: -5" +
-                  pcClosing);
+                  pcAntennaSwitchingClosing);
 }
 
 TEST_F(AntennaSwitchingTest, AConfigurationThatWasWrittenIsReported) {
     EXPECT_EQ(ReportOf("28/1 | 3:4 1:4 | 00*20 | 1:4 0:4"),
-              std::string(pcBanner) +
+              std::string(pcAntennaSwitchingBanner) +
                   "\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!"
                   "\n\nSetting the GPIO configuration from Host is Successfull !!" +
-                  pcClosing);
+                  pcAntennaSwitchingClosing);
     EXPECT_EQ(ReportOf("28/1 | 3:4 1:4 | 00*20 | 1:4 12:4"),
-              std::string(pcBanner) +
-                  "\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!Error code returned: 12" + pcClosing);
+              std::string(pcAntennaSwitchingBanner) +
+                  "\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!Error code returned: 12" +
+                  pcAntennaSwitchingClosing);
     // Whatever is not a read is a write.
     EXPECT_EQ(ReportOf("28/1 | 3:4 1:4 | 00*20 | -1:4 0:4"),
-              std::string(pcBanner) +
+              std::string(pcAntennaSwitchingBanner) +
                   "\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!"
                   "\n\nSetting the GPIO configuration from Host is Successfull !!" +
-                  pcClosing);
+                  pcAntennaSwitchingClosing);
     EXPECT_EQ(ReportOf("28/1 | 3:4 1:4 | 00*20 | 2:4 -7:4"),
-              std::string(pcBanner) +
-                  "\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!Error code returned: -7" + pcClosing);
+              std::string(pcAntennaSwitchingBanner) +
+                  "\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!Error code returned: -7" +
+                  pcAntennaSwitchingClosing);
 }
 
 TEST_F(AntennaSwitchingTest, AScanInFull) {
     EXPECT_EQ(ReportOf("28/2 | 1:4 2:4 | 5:4 -1:4 7:4 8:4 | -60:4 -61:4 00*120 | 20:4 21:4 00*120 |"
                        " -70:4 -71:4 00*120 | 10:4 -1:4 00*120 | 100:4 -1:4 00*120 |"
                        " -1:4 -2:4 -3:4 -4:4 | -62:4 -22:4 -72:4 -12:4 | 0:4"),
-              std::string(pcBanner) +
+              std::string(pcAntennaSwitchingBanner) +
                   "\n\tRECEIVED ANTENNA_SCANNING_RESPONSE !!"
                   "\nScanning Status : 1"
                   "\nAcual Frames Scanned : 2"
@@ -247,11 +251,11 @@ TEST_F(AntennaSwitchingTest, AScanInFull) {
                   "\nCurrent CINR of Antenna 1: -22"
                   "\nCurrent RSSI of Antenna 2: -72"
                   "\nCurrent CINR of Antenna 2: -12" +
-                  pcClosing);
+                  pcAntennaSwitchingClosing);
 }
 
 TEST_F(AntennaSwitchingTest, AScanWithoutFramesHasItsTitles) {
-    EXPECT_EQ(ReportOf("28/2 | -7:4 0:4 00*692"), std::string(pcBanner) +
+    EXPECT_EQ(ReportOf("28/2 | -7:4 0:4 00*692"), std::string(pcAntennaSwitchingBanner) +
                                                       "\n\tRECEIVED ANTENNA_SCANNING_RESPONSE !!"
                                                       "\nScanning Status : -7"
                                                       "\nAcual Frames Scanned : 0"
@@ -266,30 +270,30 @@ TEST_F(AntennaSwitchingTest, AScanWithoutFramesHasItsTitles) {
                                                       "\nCurrent CINR of Antenna 1: 0"
                                                       "\nCurrent RSSI of Antenna 2: 0"
                                                       "\nCurrent CINR of Antenna 2: 0" +
-                                                      pcClosing);
+                                                      pcAntennaSwitchingClosing);
 }
 
 TEST_F(AntennaSwitchingTest, AnAbortedScanSaysNothingElse) {
     EXPECT_EQ(ReportOf("28/2 | 0:4 2:4 ff*688 0:4"),
-              std::string(pcBanner) +
+              std::string(pcAntennaSwitchingBanner) +
                   "\n\tRECEIVED ANTENNA_SCANNING_RESPONSE !!"
                   "\nScanning Status : 0"
                   "\n **************** Scan Aborted*****************\n" +
-                  pcClosing);
+                  pcAntennaSwitchingClosing);
     EXPECT_EQ(ReportOf("28/2"), ReportOf("28/2 | 00*700"));
 }
 
 TEST_F(AntennaSwitchingTest, AScanWithAnErrorSaysNothingElse) {
     EXPECT_EQ(ReportOf("28/2 | 1:4 2:4 00*688 3:4"),
-              std::string(pcBanner) +
+              std::string(pcAntennaSwitchingBanner) +
                   "\n\tRECEIVED ANTENNA_SCANNING_RESPONSE !!"
                   "\n\tError in Antenna Scanning Response :: 3" +
-                  pcClosing);
+                  pcAntennaSwitchingClosing);
     EXPECT_EQ(ReportOf("28/2 | 0:4 2:4 00*688 -3:4"),
-              std::string(pcBanner) +
+              std::string(pcAntennaSwitchingBanner) +
                   "\n\tRECEIVED ANTENNA_SCANNING_RESPONSE !!"
                   "\n\tError in Antenna Scanning Response :: -3" +
-                  pcClosing);
+                  pcAntennaSwitchingClosing);
 }
 
 TEST_F(AntennaSwitchingTest, NoMoreThanThirtyTwoFramesAreShown) {
@@ -310,24 +314,25 @@ TEST_F(AntennaSwitchingTest, NoMoreThanThirtyTwoFramesAreShown) {
 }
 
 TEST_F(AntennaSwitchingTest, TheStatusOfASelectionIsReported) {
-    EXPECT_EQ(ReportOf("28/5 | 0:4"), std::string(pcBanner) +
+    EXPECT_EQ(ReportOf("28/5 | 0:4"), std::string(pcAntennaSwitchingBanner) +
                                           "\n\tRECEIVED ANTENNA_SELECTION_RESPONSE !!"
                                           "\n\tSuccesfully set the Rx/Tx Antennas !!" +
-                                          pcClosing);
+                                          pcAntennaSwitchingClosing);
     EXPECT_EQ(ReportOf("28/5 | 2:4"),
-              std::string(pcBanner) +
+              std::string(pcAntennaSwitchingBanner) +
                   "\n\tRECEIVED ANTENNA_SELECTION_RESPONSE !!"
                   "\n\tFailed in Setting Rx/Tx Antennas: Error Received : 2" +
-                  pcClosing);
+                  pcAntennaSwitchingClosing);
     EXPECT_EQ(ReportOf("28/5 | -2:4"),
-              std::string(pcBanner) +
+              std::string(pcAntennaSwitchingBanner) +
                   "\n\tRECEIVED ANTENNA_SELECTION_RESPONSE !!"
                   "\n\tFailed in Setting Rx/Tx Antennas: Error Received : -2" +
-                  pcClosing);
+                  pcAntennaSwitchingClosing);
 }
 
 TEST_F(AntennaSwitchingTest, OtherSubtypesAreFramedAndEmpty) {
-    EXPECT_EQ(ReportOf("28/3 | 00*700"), std::string(pcBanner) + pcClosing);
+    EXPECT_EQ(ReportOf("28/3 | 00*700"),
+              std::string(pcAntennaSwitchingBanner) + pcAntennaSwitchingClosing);
     EXPECT_EQ(FakeDevice::Deliver(Message("28/3")), 1U);
     EXPECT_EQ(PrintedBy([] { EXPECT_EQ(AntennaSwitchingAndSelectionResponse(nullptr), 1U); }), "");
 }

@@ -25,7 +25,7 @@ constexpr const char *pcAuthMenu = "\n****** AUTHENTICATION REQ MENU ******\n"
 
 constexpr const char *pcEAPBanner = "\n~~~~~~ EAP RESPONSE MESSAGE ~~~~~~\n";
 constexpr const char *pcAuthBanner = "\n~~~~~~ AUTHENTICATION RESPONSE MESSAGE ~~~~~~\n";
-constexpr const char *pcClosing = "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
+constexpr const char *pcAuthenticationClosing = "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
 constexpr const char *pcDumpEnd = "\n================================================\n";
 
 class AuthenticationTest : public ConsoleTest {
@@ -51,26 +51,29 @@ class AuthenticationTest : public ConsoleTest {
 
     // The two frames around what the EAP part and the authentication part print.
     static std::string Framed(const std::string &strEAP, const std::string &strAuth) {
-        return pcEAPBanner + strEAP + pcAuthBanner + strAuth + pcClosing + pcClosing;
+        return pcEAPBanner + strEAP + pcAuthBanner + strAuth + pcAuthenticationClosing +
+               pcAuthenticationClosing;
     }
 };
 
-std::vector<std::string> OneSent(const std::string &strMessage) { return {Recorded(strMessage)}; }
+std::vector<std::string> OneRequest(const std::string &strMessage) {
+    return {Recorded(strMessage)};
+}
 
 TEST_F(AuthenticationTest, AnEmptyTransferIsSent) {
     EXPECT_EQ(PrintedBy(EAPRequests, "1\n"), pcEAPMenu);
-    EXPECT_EQ(FakeDevice::Sent(), OneSent("4/7 | 00 00"));
+    EXPECT_EQ(FakeDevice::Sent(), OneRequest("4/7 | 00 00"));
 }
 
 TEST_F(AuthenticationTest, TheKeyMaterialIsSentButForItsEnd) {
     Record<64> stKey;
     EXPECT_EQ(GetCompleteRequestData(stKey.Span()), 64U);
     EXPECT_EQ(PrintedBy(EAPRequests, "2\n"), pcEAPMenu);
-    EXPECT_EQ(FakeDevice::Sent(), OneSent("4/8 | 00 40 00 "
-                                          "51 07 c4 9a 2e f8 63 bd 10 d5 7f 48 a1 36 ec 0b "
-                                          "94 6a 23 df 58 81 1c e7 3d b2 75 0e c9 46 fa 67 "
-                                          "18 ad d0 5b 82 39 f4 6f 05 ce 91 2a 7c b7 e3 40 "
-                                          "9d 16 54 cb 68 f1 3a 87 de 02 79 a5 4c"));
+    EXPECT_EQ(FakeDevice::Sent(), OneRequest("4/8 | 00 40 00 "
+                                             "51 07 c4 9a 2e f8 63 bd 10 d5 7f 48 a1 36 ec 0b "
+                                             "94 6a 23 df 58 81 1c e7 3d b2 75 0e c9 46 fa 67 "
+                                             "18 ad d0 5b 82 39 f4 6f 05 ce 91 2a 7c b7 e3 40 "
+                                             "9d 16 54 cb 68 f1 3a 87 de 02 79 a5 4c"));
     EXPECT_EQ(FormatBytes(stKey.aucBytes + 48, 16),
               "9d 16 54 cb 68 f1 3a 87 de 02 79 a5 4c e0 1f b6");
 }
@@ -97,7 +100,7 @@ TEST_F(AuthenticationTest, AnEncryptionIsAskedForAndSentWithItsFirstByte) {
                                        "\nEnter Data length to be encrypted : "
                                        "\nEnter data to be encrypted u8Data[1] : "
                                        "\nEnter data to be encrypted u8Data[2] : ");
-    EXPECT_EQ(FakeDevice::Sent(), OneSent("4/9 | 2:4 1:4 01 ff 01 00*29 41"));
+    EXPECT_EQ(FakeDevice::Sent(), OneRequest("4/9 | 2:4 1:4 01 ff 01 00*29 41"));
 }
 
 TEST_F(AuthenticationTest, AnEncryptionWithoutKeyAndDataIsSentToo) {
@@ -109,7 +112,7 @@ TEST_F(AuthenticationTest, AnEncryptionWithoutKeyAndDataIsSentToo) {
                                        "\nNumber of AES symmetric keys you want to enter (0-32) : "
                                        "\nEnter array elements of symmetric key"
                                        "\nEnter Data length to be encrypted : ");
-    EXPECT_EQ(FakeDevice::Sent(), OneSent("4/9 | 00*41"));
+    EXPECT_EQ(FakeDevice::Sent(), OneRequest("4/9 | 00*41"));
 }
 
 TEST_F(AuthenticationTest, PaddingAndKeySizeAreAskedAgainUntilTheyFit) {
@@ -125,7 +128,7 @@ TEST_F(AuthenticationTest, PaddingAndKeySizeAreAskedAgainUntilTheyFit) {
                                        "\nRange of number is 0 to 32"
                                        "\nEnter array elements of symmetric key"
                                        "\nEnter Data length to be encrypted : ");
-    EXPECT_EQ(FakeDevice::Sent(), OneSent("4/9 | 00*41"));
+    EXPECT_EQ(FakeDevice::Sent(), OneRequest("4/9 | 00*41"));
 }
 
 TEST_F(AuthenticationTest, ThirtyTwoKeyBytesFillTheKey) {
@@ -134,7 +137,7 @@ TEST_F(AuthenticationTest, ThirtyTwoKeyBytesFillTheKey) {
         strTyped += " 7";
     }
     PrintedBy(EAPRequests, strTyped + " 0\n");
-    EXPECT_EQ(FakeDevice::Sent(), OneSent("4/9 | 00*8 07*32 00"));
+    EXPECT_EQ(FakeDevice::Sent(), OneRequest("4/9 | 00*8 07*32 00"));
 }
 
 TEST_F(AuthenticationTest, DataStopsWhereThePayloadStops) {
@@ -148,7 +151,7 @@ TEST_F(AuthenticationTest, DataStopsWhereThePayloadStops) {
             strTyped += " 9";
         }
         PrintedBy(EAPRequests, strTyped + "\nrest");
-        EXPECT_EQ(FakeDevice::Sent(), OneSent("4/9 | 10200:4 00*36 09"));
+        EXPECT_EQ(FakeDevice::Sent(), OneRequest("4/9 | 10200:4 00*36 09"));
         EXPECT_EQ(strEnd, "09*4");
         Type("\n");
         EXPECT_EQ(ReadOption(), 0); // what was not read as data
@@ -186,7 +189,7 @@ TEST_F(AuthenticationTest, TheMenusReturnTheLowByteOfTheSendResult) {
 
 TEST_F(AuthenticationTest, TheStatusIsAskedFor) {
     EXPECT_EQ(PrintedBy(AuthRequest, "1\n"), pcAuthMenu);
-    EXPECT_EQ(FakeDevice::Sent(), OneSent("4/1"));
+    EXPECT_EQ(FakeDevice::Sent(), OneRequest("4/1"));
 }
 
 TEST_F(AuthenticationTest, ParametersAreReadByMethod) {
@@ -198,14 +201,14 @@ TEST_F(AuthenticationTest, ParametersAreReadByMethod) {
 TEST_F(AuthenticationTest, TheTestPatternIsWritten) {
     EXPECT_EQ(PrintedBy(AuthRequest, "3\n"), pcAuthMenu);
     EXPECT_EQ(FakeDevice::Sent(),
-              OneSent("4/4 | 00 d7 00"
-                      " 000102030405060708090a0b0c0d0e0f 101112131415161718191a1b1c1d1e1f"
-                      " 202122232425262728292a2b2c2d2e2f 303132333435363738393a3b3c3d3e3f"
-                      " 404142434445464748494a4b4c4d4e4f 505152535455565758595a5b5c5d5e5f"
-                      " 606162636465666768696a6b6c6d6e6f 707172737475767778797a7b7c7d7e7f"
-                      " 808182838485868788898a8b8c8d8e8f 909192939495969798999a9b9c9d9e9f"
-                      " a0a1a2a3a4a5a6a7a8a9aaabacadaeaf b0b1b2b3b4b5b6b7b8b9babbbcbdbebf"
-                      " c0c1c2c3c4c5c6c7c8c9cacbcccdcecf d0d1d2d3d4d5d6 00 00"));
+              OneRequest("4/4 | 00 d7 00"
+                         " 000102030405060708090a0b0c0d0e0f 101112131415161718191a1b1c1d1e1f"
+                         " 202122232425262728292a2b2c2d2e2f 303132333435363738393a3b3c3d3e3f"
+                         " 404142434445464748494a4b4c4d4e4f 505152535455565758595a5b5c5d5e5f"
+                         " 606162636465666768696a6b6c6d6e6f 707172737475767778797a7b7c7d7e7f"
+                         " 808182838485868788898a8b8c8d8e8f 909192939495969798999a9b9c9d9e9f"
+                         " a0a1a2a3a4a5a6a7a8a9aaabacadaeaf b0b1b2b3b4b5b6b7b8b9babbbcbdbebf"
+                         " c0c1c2c3c4c5c6c7c8c9cacbcccdcecf d0d1d2d3d4d5d6 00 00"));
     EXPECT_EQ(FakeDevice::SendArgumentsOfAll(), (std::vector<FakeDevice::SendArguments>{{1, 224}}));
 }
 

@@ -15,12 +15,12 @@ class ChipsetControlTest : public ConsoleTest {
     }
 };
 
-constexpr const char *pcMenu = "\n******** CONNCETION MGMT MENU ********\n"
-                               "\n 1. CHIPSET RESET"
-                               "\n 2. FIRMWARE DOWNLOAD"
-                               "\n 3. BASEBAND MODEM STATUS CHECK"
-                               "\n\n**************************************\n"
-                               "\nENTER OPTION : ";
+constexpr const char *pcChipsetControlMenu = "\n******** CONNCETION MGMT MENU ********\n"
+                                             "\n 1. CHIPSET RESET"
+                                             "\n 2. FIRMWARE DOWNLOAD"
+                                             "\n 3. BASEBAND MODEM STATUS CHECK"
+                                             "\n\n**************************************\n"
+                                             "\nENTER OPTION : ";
 constexpr const char *pcDownloadBanner =
     "\n~~~~~~~~~~ FIRMWARE DOWNLOAD STATUS RECEIVED ~~~~~~~~~~\n";
 constexpr const char *pcDownloadClosing =
@@ -35,10 +35,10 @@ std::vector<std::string> BothRequests() {
 }
 
 TEST_F(ChipsetControlTest, AResetIsSent) {
-    EXPECT_EQ(PrintedBy([] { EXPECT_EQ(ChipsetControl(), 1U); }, "1\n"), pcMenu);
+    EXPECT_EQ(PrintedBy([] { EXPECT_EQ(ChipsetControl(), 1U); }, "1\n"), pcChipsetControlMenu);
     FakeDevice::SetSendResult(3);
     EXPECT_EQ(PrintedBy([] { EXPECT_EQ(ChipsetControl(), 0U); }, "1\n"),
-              std::string(pcMenu) + "\nFailed to send the RESET Message to device!!");
+              std::string(pcChipsetControlMenu) + "\nFailed to send the RESET Message to device!!");
     EXPECT_EQ(FakeDevice::Sent(), (std::vector<std::string>{"16/1", "16/1"}));
 }
 
@@ -59,7 +59,7 @@ TEST_F(ChipsetControlTest, TheModemStatusIsInTheRequestsBuffer) {
     for (const auto &stState : astStates) {
         FakeDevice::QueueReply(Message(stState.pcReply));
         EXPECT_EQ(PrintedBy([] { EXPECT_EQ(ChipsetControl(), 1U); }, "3\n"),
-                  std::string(pcMenu) + stState.pcText);
+                  std::string(pcChipsetControlMenu) + stState.pcText);
     }
     EXPECT_EQ(FakeDevice::Sent().at(0), "16/3 | 00");
     EXPECT_EQ(FakeDevice::SendArgumentsOfAll().at(0).u32Length, 5U);
@@ -69,13 +69,15 @@ TEST_F(ChipsetControlTest, AModemStatusThatCannotBeAskedForIsReported) {
     for (const int32_t iResult : {-1, 1}) {
         FakeDevice::SetSendResult(iResult);
         EXPECT_EQ(PrintedBy([] { EXPECT_EQ(ChipsetControl(), 0U); }, "3\n"),
-                  std::string(pcMenu) + "\nFailed to get the baseband modem status :-(!!");
+                  std::string(pcChipsetControlMenu) +
+                      "\nFailed to get the baseband modem status :-(!!");
     }
 }
 
 TEST_F(ChipsetControlTest, OtherChoicesDoNothing) {
     for (const char *pcTyped : {"5\n", "0\n", "-1\n"}) {
-        EXPECT_EQ(PrintedBy([] { EXPECT_EQ(ChipsetControl(), 1U); }, pcTyped), pcMenu);
+        EXPECT_EQ(PrintedBy([] { EXPECT_EQ(ChipsetControl(), 1U); }, pcTyped),
+                  pcChipsetControlMenu);
     }
     EXPECT_EQ(FakeDevice::Sent(), std::vector<std::string>{});
 }
@@ -84,7 +86,8 @@ TEST_F(ChipsetControlTest, TheFirmwareFollowsTheConfiguration) {
     FakeDevice::QueueAnswer(Message(pcConfigurationDone));
     gbInsideSubMenu = 1;
     EXPECT_EQ(PrintedBy([] { EXPECT_EQ(ChipsetControl(), 0U); }, "2\n"),
-              std::string(pcMenu) + "received path\nreceived path\n" + pcDownloadBanner +
+              std::string(pcChipsetControlMenu) + "received path\nreceived path\n" +
+                  pcDownloadBanner +
                   "\n Firmware Download Status : 0"
                   "\n Configuration File : /lib/firmware/macqor.cfg" +
                   pcDownloadClosing);

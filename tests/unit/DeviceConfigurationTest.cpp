@@ -11,11 +11,12 @@ class DeviceConfigurationTest : public ConsoleTest {
     }
 };
 
-constexpr const char *pcMenu = "\n*********** DEVICE CONFIGURATION REQUESTS ***********\n"
-                               "\n 1. STATISTICS RESET CONTROL REQUEST"
-                               "\n 2. SET CINR AND RSSI FOR NETWORK SEARCH"
-                               "\n\n*****************************************************\n"
-                               "\nENTER OPTION : ";
+constexpr const char *pcDeviceConfigurationMenu =
+    "\n*********** DEVICE CONFIGURATION REQUESTS ***********\n"
+    "\n 1. STATISTICS RESET CONTROL REQUEST"
+    "\n 2. SET CINR AND RSSI FOR NETWORK SEARCH"
+    "\n\n*****************************************************\n"
+    "\nENTER OPTION : ";
 constexpr const char *pcAddress = "\n******** MAC ADDRESS ********\n"
                                   "\n Enter the MAC Address (xx-xx-xx-xx-xx-xx) : ";
 constexpr const char *pcAddressRefused = "\n******** MAC ADDRESS ********\n"
@@ -25,24 +26,26 @@ constexpr const char *pcAddressRefused = "\n******** MAC ADDRESS ********\n"
 TEST_F(DeviceConfigurationTest, TheFirstLineLeadsToTheStatisticsResetPolicy) {
     FakeDevice::SetSendResult(-3);
     EXPECT_EQ(PrintedBy([] { EXPECT_EQ(DeviceConfigRequest(), UINT32_MAX - 2); }, "1\n2\n"),
-              std::string(pcMenu) + "\n*********** STATISTICS RESET CONTROL REQUEST ***********\n"
-                                    "\n 1. DISABLE STATISTICS RESET ON RE-SYNCH"
-                                    "\n 2. ENABLE STATISTICS RESET ON RE-SYCH"
-                                    "\n\n******************************************************\n"
-                                    "\nENTER OPTION : ");
+              std::string(pcDeviceConfigurationMenu) +
+                  "\n*********** STATISTICS RESET CONTROL REQUEST ***********\n"
+                  "\n 1. DISABLE STATISTICS RESET ON RE-SYNCH"
+                  "\n 2. ENABLE STATISTICS RESET ON RE-SYCH"
+                  "\n\n******************************************************\n"
+                  "\nENTER OPTION : ");
     EXPECT_EQ(FakeDevice::Sent(), std::vector<std::string>{"17/2 | 01 00 00 00"});
 }
 
 TEST_F(DeviceConfigurationTest, TheSecondLineLeadsToTheSearchThresholds) {
     EXPECT_EQ(PrintedBy([] { EXPECT_EQ(DeviceConfigRequest(), 0U); }, "2\n5\n-90\n"),
-              std::string(pcMenu) + "\n Enter CINR value you want to set for network search : "
-                                    "\n Enter RSSI value you want to set for network search : ");
+              std::string(pcDeviceConfigurationMenu) +
+                  "\n Enter CINR value you want to set for network search : "
+                  "\n Enter RSSI value you want to set for network search : ");
     EXPECT_EQ(FakeDevice::Sent(), std::vector<std::string>{Recorded("13/5 | -90:4 5:4")});
 }
 
 TEST_F(DeviceConfigurationTest, OtherChoicesAreRefused) {
     EXPECT_EQ(PrintedBy([] { EXPECT_EQ(DeviceConfigRequest(), UINT32_MAX); }, "3\n"),
-              std::string(pcMenu) + "\nSORRY!! INVALID OPTION SELECTED!!");
+              std::string(pcDeviceConfigurationMenu) + "\nSORRY!! INVALID OPTION SELECTED!!");
     EXPECT_EQ(FakeDevice::Sent(), std::vector<std::string>{});
 }
 

@@ -4,14 +4,14 @@
 
 namespace {
 
-const std::string strMenu = "\n*********** GPIO MENU ***********\n"
-                            "\n 1. GPIO SET REQUEST"
-                            "\n 2. GPIO UN-SET REQUEST"
-                            "\n 3. GPIO STATUS REQUEST"
-                            "\n 4. GPIO SET LED BEHAVIOR SETTINGS"
-                            "\n 5. GPIO GET LED BEHAVIOR SETTINGS"
-                            "\n\n************************************\n"
-                            "\nENTER OPTION : ";
+const std::string strGPIOMenu = "\n*********** GPIO MENU ***********\n"
+                                "\n 1. GPIO SET REQUEST"
+                                "\n 2. GPIO UN-SET REQUEST"
+                                "\n 3. GPIO STATUS REQUEST"
+                                "\n 4. GPIO SET LED BEHAVIOR SETTINGS"
+                                "\n 5. GPIO GET LED BEHAVIOR SETTINGS"
+                                "\n\n************************************\n"
+                                "\nENTER OPTION : ";
 const std::string strBitPrompt = "\nPlease enter the bit place value (0-16) : ";
 const std::string strPolarity = "\n***************LED information***************"
                                 "\nPlease select polarity of GPIO"
@@ -31,10 +31,10 @@ const std::string strSaveMenu = "\n********* Save LED State information ********
                                 "\n 2. Continue without saving LED state information to CFG file"
                                 "\n************************************************"
                                 "\n Enter option : ";
-const std::string strSetPrompt = "\nEnter 1 to set and 0 to unset ";
+const std::string strGPIOSetPrompt = "\nEnter 1 to set and 0 to unset ";
 
-const std::string strBanner = "\n~~~~~~ GPIO INDICATION ~~~~~~\n";
-const std::string strClosing = "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
+const std::string strGPIOBanner = "\n~~~~~~ GPIO INDICATION ~~~~~~\n";
+const std::string strGPIOClosing = "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
 
 std::string StateMenu(const std::string &strLED) {
     return "\nEnter drives state for " + strLED +
@@ -67,9 +67,9 @@ class GPIOTest : public ConsoleTest {
 };
 
 TEST_F(GPIOTest, BitsAreSetClearedAndAskedFor) {
-    EXPECT_EQ(PrintedBy(GPIOMsgs, "1\n0\n"), strMenu + strBitPrompt);
-    EXPECT_EQ(PrintedBy(GPIOMsgs, "2\n16\n"), strMenu + strBitPrompt);
-    EXPECT_EQ(PrintedBy(GPIOMsgs, "3\n5\n"), strMenu + strBitPrompt);
+    EXPECT_EQ(PrintedBy(GPIOMsgs, "1\n0\n"), strGPIOMenu + strBitPrompt);
+    EXPECT_EQ(PrintedBy(GPIOMsgs, "2\n16\n"), strGPIOMenu + strBitPrompt);
+    EXPECT_EQ(PrintedBy(GPIOMsgs, "3\n5\n"), strGPIOMenu + strBitPrompt);
     EXPECT_EQ(FakeDevice::Sent(), (Strings{Recorded("22/1 | 00 00 00 00 01 00 00 00"),
                                            Recorded("22/1 | 10 00 00 00 00 00 00 00"),
                                            Recorded("22/2 | 05 00 00 00 ff 00 00 00")}));
@@ -91,7 +91,7 @@ TEST_F(GPIOTest, OtherChoicesAreRefused) {
     for (const char *pcTyped : {"0\n", "6\n", "-1\n"}) {
         uint32_t u32Result = 7;
         EXPECT_EQ(PrintedBy([&] { u32Result = GPIOMsgs(); }, pcTyped),
-                  strMenu + "SORRY!! INVALID GPIO OPTION SELECTED!!\n");
+                  strGPIOMenu + "SORRY!! INVALID GPIO OPTION SELECTED!!\n");
         EXPECT_EQ(u32Result, 1U);
     }
     EXPECT_EQ(FakeDevice::Sent(), Strings{});
@@ -119,7 +119,7 @@ TEST_F(GPIOTest, TheLowByteOfTheSendResultComesBack) {
 
 TEST_F(GPIOTest, LeavingTheLEDMenuAtOnceConfiguresNone) {
     EXPECT_EQ(PrintedBy(GPIOMsgs, "4\n1\n-1\n2\n"),
-              strMenu + strPolarity + strLEDMenu + strSaveMenu);
+              strGPIOMenu + strPolarity + strLEDMenu + strSaveMenu);
     EXPECT_EQ(FakeDevice::Sent(), Strings{Recorded("22/3 | 00 00 00 00 7f*12")});
     EXPECT_EQ(FakeDevice::SendArgumentsOfAll(), (std::vector{FakeDevice::SendArguments{1, 20}}));
 }
@@ -127,8 +127,8 @@ TEST_F(GPIOTest, LeavingTheLEDMenuAtOnceConfiguresNone) {
 TEST_F(GPIOTest, StatesBelongToTheOnMaskOrTheBlinkMask) {
     EXPECT_EQ(PrintedBy(SetLEDStateInformaton, "1\n1\n2\n1\n7\n1\n-1\n-1\n1\n"),
               strPolarity + strLEDMenu + "\nEnter the settings for RED_LED" + StateMenu("RED LED") +
-                  strSetPrompt + StateMenu("RED LED") + strSetPrompt + StateMenu("RED LED") +
-                  strLEDMenu + strSaveMenu);
+                  strGPIOSetPrompt + StateMenu("RED LED") + strGPIOSetPrompt +
+                  StateMenu("RED LED") + strLEDMenu + strSaveMenu);
     EXPECT_EQ(FakeDevice::Sent(), Strings{Recorded("22/3 | 01 00 00 00 01 40 02 7f*9")});
 }
 
@@ -193,31 +193,33 @@ TEST_F(GPIOTest, DriverStatesOfOneLED) {
                       iResult = SetDriverStateInformation(4, true, {aucEntry, 3}, "ANY LED");
                   },
                   "8\n9\n-1\n"),
-              StateMenu("ANY LED") + strSetPrompt + StateMenu("ANY LED"));
+              StateMenu("ANY LED") + strGPIOSetPrompt + StateMenu("ANY LED"));
     EXPECT_EQ(iResult, -1);
     EXPECT_EQ(Bytes(aucEntry, aucEntry + 3), (Bytes{0x84, 0x00, 0x80}));
 }
 
 TEST_F(GPIOTest, TheLEDBehaviourIsAskedFor) {
-    EXPECT_EQ(PrintedBy(GPIOMsgs, "5\n"), strMenu);
+    EXPECT_EQ(PrintedBy(GPIOMsgs, "5\n"), strGPIOMenu);
     EXPECT_EQ(FakeDevice::Sent(), Strings{"22/4"});
     EXPECT_EQ(FakeDevice::SendArgumentsOfAll(), (std::vector{FakeDevice::SendArguments{1, 4}}));
 }
 
 TEST_F(GPIOTest, BitStatesAreReported) {
     EXPECT_EQ(Report(GPIOIndication, "22/2 | 16:4 1:4"),
-              strBanner + "\n Bit 16 : SET" + strClosing);
+              strGPIOBanner + "\n Bit 16 : SET" + strGPIOClosing);
     EXPECT_EQ(Report(GPIOIndication, "22/2 | 0:4 0:4"),
-              strBanner + "\n Bit 0 : UNSET" + strClosing);
+              strGPIOBanner + "\n Bit 0 : UNSET" + strGPIOClosing);
     EXPECT_EQ(Report(GPIOIndication, "22/2 | 3:4 00 00 00 01"),
-              strBanner + "\n Bit 3 : SET" + strClosing);
-    EXPECT_EQ(Report(GPIOIndication, "22/2 | 03"), strBanner + "\n Bit 3 : UNSET" + strClosing);
+              strGPIOBanner + "\n Bit 3 : SET" + strGPIOClosing);
+    EXPECT_EQ(Report(GPIOIndication, "22/2 | 03"),
+              strGPIOBanner + "\n Bit 3 : UNSET" + strGPIOClosing);
 }
 
 TEST_F(GPIOTest, LEDBehaviourIsReported) {
-    EXPECT_EQ(Report(GPIOIndication, "22/3"), strBanner + "SET Information updated" + strClosing);
+    EXPECT_EQ(Report(GPIOIndication, "22/3"),
+              strGPIOBanner + "SET Information updated" + strGPIOClosing);
     EXPECT_EQ(Report(GPIOIndication, "22/4 | 01 40 02 82 0d b2 7f 7f 7f 04 00"),
-              strBanner +
+              strGPIOBanner +
                   "StateInfo[0].ucLedType = 1\n"
                   "StateInfo[0].ucLedOnState = 40\n"
                   "StateInfo[0].ucLedBlinkState = 2\n"
@@ -231,12 +233,12 @@ TEST_F(GPIOTest, LEDBehaviourIsReported) {
                   "StateInfo[3].ucLedOnState = 0\n"
                   "StateInfo[3].ucLedBlinkState = 0\n"
                   "GET Information updated to driver" +
-                  strClosing);
+                  strGPIOClosing);
 }
 
 TEST_F(GPIOTest, OtherSubtypesPrintTheBannersOnly) {
-    EXPECT_EQ(Report(GPIOIndication, "22/1 | 1:4 1:4"), strBanner + strClosing);
-    EXPECT_EQ(Report(GPIOIndication, "22/5 | 1:4 1:4"), strBanner + strClosing);
+    EXPECT_EQ(Report(GPIOIndication, "22/1 | 1:4 1:4"), strGPIOBanner + strGPIOClosing);
+    EXPECT_EQ(Report(GPIOIndication, "22/5 | 1:4 1:4"), strGPIOBanner + strGPIOClosing);
     EXPECT_EQ(FakeDevice::Deliver(Message("22/5")), 1U);
     EXPECT_EQ(FakeDevice::Deliver(Message("22/2 | 1:4 1:4")), 1U);
 }

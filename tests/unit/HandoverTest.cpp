@@ -6,8 +6,8 @@ namespace {
 
 class HandoverTest : public ConsoleTest {};
 
-constexpr const char *pcBanner = "\n~~~~~~ HANDOVER RESPONSE MESSAGE ~~~~~~\n";
-constexpr const char *pcClosing = "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
+constexpr const char *pcHandoverBanner = "\n~~~~~~ HANDOVER RESPONSE MESSAGE ~~~~~~\n";
+constexpr const char *pcHandoverClosing = "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
 constexpr const char *pcSuccess = "\nHANDOFF SUCCESS!!\n"
                                   "\nLast Preamble ID: 17\n"
                                   "\nCurrent Preamble ID: 103\n"
@@ -24,19 +24,19 @@ std::string Succeeded(const std::string &strIPRefresh, const std::string &strVen
 
 TEST_F(HandoverTest, ASuccessIsReportedInFull) {
     EXPECT_EQ(Report(HandOverResponse, Succeeded("01", "3:4 0a 0b ff")),
-              std::string(pcBanner) + pcSuccess +
+              std::string(pcHandoverBanner) + pcSuccess +
                   "\nIP Refresh needs to be done\n"
                   "\nVENDOR SPECIFIC DATA LENGTH : 3\n"
                   "\nVENDOR SPECIFIC DATA\n"
                   "0x0a 0x0b 0xff \n" +
-                  pcClosing);
+                  pcHandoverClosing);
 }
 
 TEST_F(HandoverTest, AnyByteButZeroSaysYes) {
     for (const char *pcYes : {"02", "80", "ff"}) {
         EXPECT_EQ(
             Report(HandOverResponse, std::string("23/1 | ") + pcYes + " " + pcYes + " 00*28 0:4"),
-            std::string(pcBanner) +
+            std::string(pcHandoverBanner) +
                 "\nHANDOFF SUCCESS!!\n"
                 "\nLast Preamble ID: 0\n"
                 "\nCurrent Preamble ID: 0\n"
@@ -46,7 +46,7 @@ TEST_F(HandoverTest, AnyByteButZeroSaysYes) {
                 "\nLast BSID: 00 00 00 00 00 00"
                 "\nIP Refresh needs to be done\n"
                 "\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS 0\n" +
-                pcClosing);
+                pcHandoverClosing);
     }
 }
 
@@ -54,7 +54,7 @@ TEST_F(HandoverTest, NumbersAreSigned) {
     EXPECT_EQ(
         Report(HandOverResponse,
                "23/1 | 01 00 ff fe fd fc fb fa f9 f8 f7 f6 f5 f4 -2:4 -45:4 -103:4 -17:4 0:4"),
-        std::string(pcBanner) +
+        std::string(pcHandoverBanner) +
             "\nHANDOFF SUCCESS!!\n"
             "\nLast Preamble ID: -17\n"
             "\nCurrent Preamble ID: -103\n"
@@ -63,38 +63,42 @@ TEST_F(HandoverTest, NumbersAreSigned) {
             "\nCurrent BSID: ff fe fd fc fb fa"
             "\nLast BSID: f9 f8 f7 f6 f5 f4"
             "\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS 0\n" +
-            pcClosing);
+            pcHandoverClosing);
 }
 
 TEST_F(HandoverTest, WithoutVendorDataItsLengthIsInvalid) {
     EXPECT_EQ(Report(HandOverResponse, Succeeded("00", "0:4")),
-              std::string(pcBanner) + pcSuccess +
-                  "\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS 0\n" + pcClosing);
+              std::string(pcHandoverBanner) + pcSuccess +
+                  "\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS 0\n" +
+                  pcHandoverClosing);
 }
 
 TEST_F(HandoverTest, TheLastValidLengthOfVendorDataIs255) {
     const std::string strReport = Report(HandOverResponse, Succeeded("00", "255:4 5a*255"));
     EXPECT_NE(strReport.find("\nVENDOR SPECIFIC DATA LENGTH : 255\n"), std::string::npos);
-    EXPECT_EQ(strReport.size(), std::string(pcBanner).size() + std::string(pcSuccess).size() +
+    EXPECT_EQ(strReport.size(), std::string(pcHandoverBanner).size() +
+                                    std::string(pcSuccess).size() +
                                     std::string("\nVENDOR SPECIFIC DATA LENGTH : 255\n").size() +
                                     std::string("\nVENDOR SPECIFIC DATA\n").size() +
-                                    size_t{255} * 5 + 1 + std::string(pcClosing).size());
+                                    size_t{255} * 5 + 1 + std::string(pcHandoverClosing).size());
     EXPECT_EQ(Report(HandOverResponse, Succeeded("00", "256:4 5a*256")),
-              std::string(pcBanner) + pcSuccess +
-                  "\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS 256\n" + pcClosing);
+              std::string(pcHandoverBanner) + pcSuccess +
+                  "\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS 256\n" +
+                  pcHandoverClosing);
 }
 
 TEST_F(HandoverTest, ANegativeLengthOfVendorDataIsInvalid) {
     EXPECT_EQ(Report(HandOverResponse, Succeeded("00", "-1:4")),
-              std::string(pcBanner) + pcSuccess +
-                  "\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS -1\n" + pcClosing);
+              std::string(pcHandoverBanner) + pcSuccess +
+                  "\nINVALID VENDOR SPECIFIC DATA LENGTH! RECEIVED LENGTH IS -1\n" +
+                  pcHandoverClosing);
 }
 
 TEST_F(HandoverTest, AFailureSaysNothingElse) {
     EXPECT_EQ(Report(HandOverResponse, "23/1 | 00 01 ff*36"),
-              std::string(pcBanner) + "\nHANDOFF FALIED!!\n" + pcClosing);
+              std::string(pcHandoverBanner) + "\nHANDOFF FALIED!!\n" + pcHandoverClosing);
     EXPECT_EQ(Report(HandOverResponse, "23/1"),
-              std::string(pcBanner) + "\nHANDOFF FALIED!!\n" + pcClosing);
+              std::string(pcHandoverBanner) + "\nHANDOFF FALIED!!\n" + pcHandoverClosing);
 }
 
 TEST_F(HandoverTest, OtherMessagesAreRefused) {

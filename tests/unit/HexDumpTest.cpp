@@ -9,16 +9,17 @@ namespace {
 
 class HexDumpTest : public ConsoleTest {};
 
-constexpr uint8_t aucBytes[] = {0x00, 0x09, 0x0A, 0x0F, 0x10, 0x7F, 0x80,
-                                0x99, 0xA0, 0xFE, 0xFF, 0x5A, 0xC3};
-constexpr ByteView stBytes{aucBytes, sizeof aucBytes};
+constexpr uint8_t aucHexDumpBytes[] = {0x00, 0x09, 0x0A, 0x0F, 0x10, 0x7F, 0x80,
+                                       0x99, 0xA0, 0xFE, 0xFF, 0x5A, 0xC3};
+constexpr ByteView stHexDumpBytes{aucHexDumpBytes, sizeof aucHexDumpBytes};
 
 TEST_F(HexDumpTest, EveryByteByItsText) {
-    EXPECT_EQ(PrintedBy([] { PutEachByte(" 0x%02x", stBytes); }),
+    EXPECT_EQ(PrintedBy([] { PutEachByte(" 0x%02x", stHexDumpBytes); }),
               " 0x00 0x09 0x0a 0x0f 0x10 0x7f 0x80 0x99 0xa0 0xfe 0xff 0x5a 0xc3");
-    EXPECT_EQ(PrintedBy([] { PutEachByte("0x%02X ", stBytes.From(9)); }), "0xFE 0xFF 0x5A 0xC3 ");
-    EXPECT_EQ(PrintedBy([] { PutEachByte("%02x", stBytes.From(9)); }), "feff5ac3");
-    EXPECT_EQ(PrintedBy([] { PutEachByte("<<<<<<<%02x>>>>>>>", stBytes.From(11)); }),
+    EXPECT_EQ(PrintedBy([] { PutEachByte("0x%02X ", stHexDumpBytes.From(9)); }),
+              "0xFE 0xFF 0x5A 0xC3 ");
+    EXPECT_EQ(PrintedBy([] { PutEachByte("%02x", stHexDumpBytes.From(9)); }), "feff5ac3");
+    EXPECT_EQ(PrintedBy([] { PutEachByte("<<<<<<<%02x>>>>>>>", stHexDumpBytes.From(11)); }),
               "<<<<<<<5a>>>>>>><<<<<<<c3>>>>>>>");
 }
 
@@ -42,29 +43,31 @@ TEST_F(HexDumpTest, NothingPrintsNothing) {
 TEST_F(HexDumpTest, WhatStoodBeforeStays) {
     EXPECT_EQ(PrintedBy([] {
                   PutText("before:");
-                  PutEachByte(" %02x", stBytes.From(0, 2));
-                  PutHexLines("\r\n  %08x : ", 8, "%02x ", stBytes.From(2, 1));
+                  PutEachByte(" %02x", stHexDumpBytes.From(0, 2));
+                  PutHexLines("\r\n  %08x : ", 8, "%02x ", stHexDumpBytes.From(2, 1));
               }),
               "before: 00 09\r\n  00000008 : 0a ");
 }
 
 TEST_F(HexDumpTest, ALineIsWrittenWithoutTheConsole) {
     char acLine[uMostHexLine];
-    const char *pcEnd = WriteHexLine(acLine, "\r\n  %08x : ", 8, "%02x ", stBytes.From(2, 1));
+    const char *pcEnd =
+        WriteHexLine(acLine, "\r\n  %08x : ", 8, "%02x ", stHexDumpBytes.From(2, 1));
     EXPECT_EQ(std::string(acLine, static_cast<size_t>(pcEnd - acLine)), "\r\n  00000008 : 0a ");
 }
 
 TEST_F(HexDumpTest, EightBytesALineBehindTheirAddress) {
-    EXPECT_EQ(PrintedBy([] { PutHexLines("\n %08x : ", 0, "%02x ", stBytes); }),
+    EXPECT_EQ(PrintedBy([] { PutHexLines("\n %08x : ", 0, "%02x ", stHexDumpBytes); }),
               "\n 00000000 : 00 09 0a 0f 10 7f 80 99 "
               "\n 00000008 : a0 fe ff 5a c3 ");
-    EXPECT_EQ(
-        PrintedBy([] { PutHexLines("\n 0x%08X :", 0xABCDEF12, " %02x", stBytes.From(0, 8)); }),
-        "\n 0xABCDEF12 : 00 09 0a 0f 10 7f 80 99");
+    EXPECT_EQ(PrintedBy([] {
+                  PutHexLines("\n 0x%08X :", 0xABCDEF12, " %02x", stHexDumpBytes.From(0, 8));
+              }),
+              "\n 0xABCDEF12 : 00 09 0a 0f 10 7f 80 99");
 }
 
 TEST_F(HexDumpTest, AddressesWrapAround) {
-    EXPECT_EQ(PrintedBy([] { PutHexLines("\n %08x:", 0xFFFFFFF8, "%02x", stBytes); }),
+    EXPECT_EQ(PrintedBy([] { PutHexLines("\n %08x:", 0xFFFFFFF8, "%02x", stHexDumpBytes); }),
               "\n fffffff8:00090a0f107f8099"
               "\n 00000000:a0feff5ac3");
 }

@@ -4,13 +4,13 @@
 
 namespace {
 
-const std::string strMenu = "\n\n*********** Idle Mode SubMenu ***********\n"
-                            "\n 1. IDLE MODE REQUEST"
-                            "\n 2. IDLE MODE STATUS REQUEST"
-                            "\n 3. IDLE MODE INACTIVITY TIMER CHANGE REQUEST"
-                            "\n 4. IDLE MODE WAKE UP REQUEST"
-                            "\n\n************************************\n"
-                            "\nENTER OPTION : ";
+const std::string strIdleModeMenu = "\n\n*********** Idle Mode SubMenu ***********\n"
+                                    "\n 1. IDLE MODE REQUEST"
+                                    "\n 2. IDLE MODE STATUS REQUEST"
+                                    "\n 3. IDLE MODE INACTIVITY TIMER CHANGE REQUEST"
+                                    "\n 4. IDLE MODE WAKE UP REQUEST"
+                                    "\n\n************************************\n"
+                                    "\nENTER OPTION : ";
 
 class IdleModeTest : public ConsoleTest {
   protected:
@@ -133,12 +133,12 @@ TEST_F(IdleModeTest, NullMessagesPrintNothing) {
 TEST_F(IdleModeTest, TheMenuSendsOneRequestAndReturnsZero) {
     int32_t iResult = -1;
     const auto Run = [&] { iResult = SendIdleModeMsg(); };
-    EXPECT_EQ(PrintedBy(Run, "1\n"), strMenu);
+    EXPECT_EQ(PrintedBy(Run, "1\n"), strIdleModeMenu);
     EXPECT_EQ(iResult, 0);
-    EXPECT_EQ(PrintedBy(Run, "2\n"), strMenu);
+    EXPECT_EQ(PrintedBy(Run, "2\n"), strIdleModeMenu);
     EXPECT_EQ(PrintedBy(Run, "3\n30\n"),
-              strMenu + "\nEnter the Idle Mode Inactivity Timer value (in secs) : ");
-    EXPECT_EQ(PrintedBy(Run, "4\n"), strMenu);
+              strIdleModeMenu + "\nEnter the Idle Mode Inactivity Timer value (in secs) : ");
+    EXPECT_EQ(PrintedBy(Run, "4\n"), strIdleModeMenu);
     EXPECT_EQ(FakeDevice::Sent(),
               (std::vector<std::string>{"19/1", "19/2", "19/3 | 1e 00 00 00", "19/4"}));
     EXPECT_EQ(FakeDevice::SendArgumentsOfAll(),
@@ -148,7 +148,7 @@ TEST_F(IdleModeTest, TheMenuSendsOneRequestAndReturnsZero) {
 TEST_F(IdleModeTest, AChoiceThatIsNoneSendsNothing) {
     for (const char *pcTyped : {"0\n", "5\n", "-1\n", "abc\n"}) {
         EXPECT_EQ(PrintedBy(SendIdleModeMsg, pcTyped),
-                  strMenu + "\nSORRY! INVALID OPTION SELECTED!\n");
+                  strIdleModeMenu + "\nSORRY! INVALID OPTION SELECTED!\n");
     }
     EXPECT_TRUE(FakeDevice::Sent().empty());
 }
@@ -173,7 +173,7 @@ TEST_F(IdleModeTest, RequestsReturnZeroAndReportAFailedSend) {
               "\nFailed to send the IDLE MODE WAKEUP REQUEST Message to device!!");
     EXPECT_EQ(iResult, 0);
     EXPECT_EQ(PrintedBy(SendIdleModeMsg, "1\n"),
-              strMenu + "\nFailed to send the IDLE MODE REQUEST Message to device!!");
+              strIdleModeMenu + "\nFailed to send the IDLE MODE REQUEST Message to device!!");
     FakeDevice::SetSendResult(1);
     EXPECT_EQ(PrintedBy(SendIdleModeWakeupRequest),
               "\nFailed to send the IDLE MODE WAKEUP REQUEST Message to device!!");

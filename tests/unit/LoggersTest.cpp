@@ -4,11 +4,11 @@
 
 namespace {
 
-const std::string strMenu = "\n*********** LOGGER REQUEST MENU ***********\n"
-                            "\n 1. START LOGGER REQUEST"
-                            "\n 2. STOP LOGGER REQUEST"
-                            "\n\n*******************************************\n"
-                            "\nENTER OPTION : ";
+const std::string strLoggersMenu = "\n*********** LOGGER REQUEST MENU ***********\n"
+                                   "\n 1. START LOGGER REQUEST"
+                                   "\n 2. STOP LOGGER REQUEST"
+                                   "\n\n*******************************************\n"
+                                   "\nENTER OPTION : ";
 const std::string strList = "\n 1. IR LOGGER"
                             "\n 2. BR LOGGER"
                             "\n 3. PR LOGGER"
@@ -29,8 +29,8 @@ using Strings = std::vector<std::string>;
 class LoggersTest : public ConsoleTest {};
 
 TEST_F(LoggersTest, ALoggerIsStartedAndStopped) {
-    EXPECT_EQ(PrintedBy(LoggerRequests, "1\n1\n"), strMenu + strStart);
-    EXPECT_EQ(PrintedBy(LoggerRequests, "2\n8\n"), strMenu + strStop);
+    EXPECT_EQ(PrintedBy(LoggerRequests, "1\n1\n"), strLoggersMenu + strStart);
+    EXPECT_EQ(PrintedBy(LoggerRequests, "2\n8\n"), strLoggersMenu + strStop);
     EXPECT_EQ(FakeDevice::Sent(), (Strings{"8/1", "9/8"}));
     const FakeDevice::SendArguments stArguments{1, 4};
     EXPECT_EQ(FakeDevice::SendArgumentsOfAll(), std::vector(2, stArguments));
@@ -62,7 +62,7 @@ TEST_F(LoggersTest, LoggersThatAreNoneAreRefused) {
 TEST_F(LoggersTest, OtherChoicesDoNothing) {
     for (const char *pcTyped : {"3\n", "0\n", "-1\n"}) {
         uint32_t u32Result = 7;
-        EXPECT_EQ(PrintedBy([&] { u32Result = LoggerRequests(); }, pcTyped), strMenu);
+        EXPECT_EQ(PrintedBy([&] { u32Result = LoggerRequests(); }, pcTyped), strLoggersMenu);
         EXPECT_EQ(u32Result, 1U);
     }
     EXPECT_EQ(FakeDevice::Sent(), Strings{});
@@ -71,7 +71,8 @@ TEST_F(LoggersTest, OtherChoicesDoNothing) {
 TEST_F(LoggersTest, TheLowByteOfTheSendResultComesBackAndIsNotReported) {
     FakeDevice::SetSendResult(-2);
     uint32_t u32Result = 0;
-    EXPECT_EQ(PrintedBy([&] { u32Result = LoggerRequests(); }, "1\n3\n"), strMenu + strStart);
+    EXPECT_EQ(PrintedBy([&] { u32Result = LoggerRequests(); }, "1\n3\n"),
+              strLoggersMenu + strStart);
     EXPECT_EQ(u32Result, 254U);
 }
 

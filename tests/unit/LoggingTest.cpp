@@ -4,8 +4,8 @@
 
 namespace {
 
-const std::string strBanner = "\n~~~~~~ LOGGER INDICATION RECEIVED ~~~~~~\n";
-const std::string strClosing = "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
+const std::string strLoggingBanner = "\n~~~~~~ LOGGER INDICATION RECEIVED ~~~~~~\n";
+const std::string strLoggingClosing = "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
 
 const std::string strMACMenu = "\n\n*********** MAC LOGGING CONTROL ***********\n"
                                "\n 1. ENABLE MAC LOGGING "
@@ -24,10 +24,11 @@ class LoggingTest : public ConsoleTest {
   protected:
     static std::string Log(const std::string &strKindAndPayload) {
         const std::string strReport = Report(LogIndication, "8/" + strKindAndPayload);
-        EXPECT_TRUE(strReport.starts_with(strBanner)) << strReport;
-        EXPECT_TRUE(strReport.ends_with(strClosing)) << strReport;
-        return strReport.substr(strBanner.size(),
-                                strReport.size() - strBanner.size() - strClosing.size());
+        EXPECT_TRUE(strReport.starts_with(strLoggingBanner)) << strReport;
+        EXPECT_TRUE(strReport.ends_with(strLoggingClosing)) << strReport;
+        return strReport.substr(strLoggingBanner.size(), strReport.size() -
+                                                             strLoggingBanner.size() -
+                                                             strLoggingClosing.size());
     }
 };
 
@@ -98,7 +99,7 @@ TEST_F(LoggingTest, OtherTypesAreInvalid) {
 
 TEST_F(LoggingTest, UnknownKindsPrintTheBannersOnly) {
     for (const char *pcMessage : {"8/0 | 4:2 00*4", "8/9 | 4:2 00*4", "8/257 | 4:2 00*4"}) {
-        EXPECT_EQ(Report(LogIndication, pcMessage), strBanner + strClosing);
+        EXPECT_EQ(Report(LogIndication, pcMessage), strLoggingBanner + strLoggingClosing);
     }
     EXPECT_EQ(FakeDevice::Deliver(Message("8/0 | 4:2 00*4")), 1U);
     EXPECT_EQ(FakeDevice::Deliver(Message("8/9 | 4:2 00*4")), 1U);

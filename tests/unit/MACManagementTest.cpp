@@ -6,15 +6,15 @@
 
 namespace {
 
-const std::string strMenu = "\n******** MAC MANAGEMENT MESSAGE MENU********\n"
-                            "\n 1. ENABLE MAC MANAGEMENT MSGS"
-                            "\n 2. DISABLE MAC MANAGEMENT MSGS"
-                            "\n 3. GET MAC MESSAGES STATUS LOGGING "
-                            "\n\n********************************************\n"
-                            "\nENTER OPTION : ";
+const std::string strMACManagementMenu = "\n******** MAC MANAGEMENT MESSAGE MENU********\n"
+                                         "\n 1. ENABLE MAC MANAGEMENT MSGS"
+                                         "\n 2. DISABLE MAC MANAGEMENT MSGS"
+                                         "\n 3. GET MAC MESSAGES STATUS LOGGING "
+                                         "\n\n********************************************\n"
+                                         "\nENTER OPTION : ";
 
-const std::string strBanner = "\n~~~~~~~~~~MAC MGMT INDICATION ~~~~~~~~~~\n";
-const std::string strClosing = "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
+const std::string strMACManagementBanner = "\n~~~~~~~~~~MAC MGMT INDICATION ~~~~~~~~~~\n";
+const std::string strMACManagementClosing = "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
 
 struct Name {
     uint32_t u32Code;
@@ -104,14 +104,14 @@ class MACManagementTest : public ConsoleTest {
 
 TEST_F(MACManagementTest, ATraceRecordIsPrintedFieldByField) {
     EXPECT_EQ(Trace("01 cd 34 ab 12 4:4 5:4 01 fa 00 00 02 | 04 00 a5 ff 10"),
-              strBanner +
+              strMACManagementBanner +
                   "\nFRAME NUMBER : 0x12AB34CD"
                   "\nMESSAGE DIRECTION : MS to BS"
                   "\nMESSAGE : (CODE : 4) Ranging Request "
                   "\nData (5) bytes :\n 0x04 0x00 0xa5 0xff 0x10\n"
                   "\nCID  :  0xFA01"
                   "\nCMAC OK  :  2" +
-                  strClosing);
+                  strMACManagementClosing);
 }
 
 TEST_F(MACManagementTest, DirectionsHaveTheirLinesAndOthersNone) {
@@ -119,11 +119,11 @@ TEST_F(MACManagementTest, DirectionsHaveTheirLinesAndOthersNone) {
         return Trace(strDirection + " 7:4 1:4 0:4 65535:4 00");
     };
     const auto Expected = [](const std::string &strLine) {
-        return strBanner + "\nFRAME NUMBER : 0x7" + strLine +
+        return strMACManagementBanner + "\nFRAME NUMBER : 0x7" + strLine +
                "\nMESSAGE : (CODE : 1) Downlink Channel Descriptor "
                "\nCID  :  0xFFFF"
                "\nCMAC OK  :  0" +
-               strClosing;
+               strMACManagementClosing;
     };
     EXPECT_EQ(ReportFor("00"), Expected("\nMESSAGE DIRECTION : BS to MS"));
     EXPECT_EQ(ReportFor("01"), Expected("\nMESSAGE DIRECTION : MS to BS"));
@@ -190,30 +190,30 @@ TEST_F(MACManagementTest, TheWholeBufferIsClearedBeforeTheNameIsCopied) {
 
 TEST_F(MACManagementTest, NoBodyHasNoDataHeading) {
     EXPECT_EQ(Trace("00 ff ff ff ff 53:4 0:4 ff ff ff ff ff | 01 02 03"),
-              strBanner +
+              strMACManagementBanner +
                   "\nFRAME NUMBER : 0xFFFFFFFF"
                   "\nMESSAGE DIRECTION : BS to MS"
                   "\nMESSAGE : (CODE : 53) neighbour advertisement message "
                   "\nCID  :  0xFFFFFFFF"
                   "\nCMAC OK  :  255" +
-                  strClosing);
+                  strMACManagementClosing);
 }
 
 TEST_F(MACManagementTest, ANegativeLengthHasAHeadingAndNoBytes) {
     EXPECT_EQ(Trace("00 0:4 2:4 -5:4 0:4 01 | 01 02 03"),
-              strBanner +
+              strMACManagementBanner +
                   "\nFRAME NUMBER : 0x0"
                   "\nMESSAGE DIRECTION : BS to MS"
                   "\nMESSAGE : (CODE : 2) Downlink Access Definition "
                   "\nData (-5) bytes :\n\n"
                   "\nCID  :  0x0"
                   "\nCMAC OK  :  1" +
-                  strClosing);
+                  strMACManagementClosing);
 }
 
 TEST_F(MACManagementTest, TheBodyEndsWhereTheDataAreaDoes) {
     EXPECT_EQ(Trace("00 0:4 2:4 ff ff ff 7f 0:4 01 | 01 02 00*10219 03"),
-              strBanner +
+              strMACManagementBanner +
                   "\nFRAME NUMBER : 0x0"
                   "\nMESSAGE DIRECTION : BS to MS"
                   "\nMESSAGE : (CODE : 2) Downlink Access Definition "
@@ -222,7 +222,7 @@ TEST_F(MACManagementTest, TheBodyEndsWhereTheDataAreaDoes) {
                   " 0x03\n"
                   "\nCID  :  0x0"
                   "\nCMAC OK  :  1" +
-                  strClosing);
+                  strMACManagementClosing);
 }
 
 TEST_F(MACManagementTest, BytesBehindTheBodyAreNotPrinted) {
@@ -269,9 +269,9 @@ TEST_F(MACManagementTest, TheTypeIsNotLookedAt) {
 }
 
 TEST_F(MACManagementTest, ChoicesAreSubtypes) {
-    EXPECT_EQ(PrintedBy(MACMgmtMessageRequest, "1\n"), strMenu);
-    EXPECT_EQ(PrintedBy(MACMgmtMessageRequest, "2\n"), strMenu);
-    EXPECT_EQ(PrintedBy(MACMgmtMessageRequest, "3\n"), strMenu);
+    EXPECT_EQ(PrintedBy(MACMgmtMessageRequest, "1\n"), strMACManagementMenu);
+    EXPECT_EQ(PrintedBy(MACMgmtMessageRequest, "2\n"), strMACManagementMenu);
+    EXPECT_EQ(PrintedBy(MACMgmtMessageRequest, "3\n"), strMACManagementMenu);
     EXPECT_EQ(FakeDevice::Sent(), (std::vector<std::string>{"21/1", "21/2", "21/3"}));
     const FakeDevice::SendArguments stArguments{1, 4};
     EXPECT_EQ(FakeDevice::SendArgumentsOfAll(), std::vector(3, stArguments));
@@ -279,7 +279,7 @@ TEST_F(MACManagementTest, ChoicesAreSubtypes) {
 
 TEST_F(MACManagementTest, OtherChoicesAskForTheState) {
     for (const char *pcTyped : {"0\n", "4\n", "-1\n", "abc\n"}) {
-        EXPECT_EQ(PrintedBy(MACMgmtMessageRequest, pcTyped), strMenu);
+        EXPECT_EQ(PrintedBy(MACMgmtMessageRequest, pcTyped), strMACManagementMenu);
     }
     EXPECT_EQ(FakeDevice::Sent(), std::vector<std::string>(4, "21/3"));
 }
@@ -287,7 +287,7 @@ TEST_F(MACManagementTest, OtherChoicesAskForTheState) {
 TEST_F(MACManagementTest, TheLowByteOfTheSendResultComesBackAndIsNotReported) {
     FakeDevice::SetSendResult(-5);
     uint32_t u32Result = 0;
-    EXPECT_EQ(PrintedBy([&] { u32Result = MACMgmtMessageRequest(); }, "1\n"), strMenu);
+    EXPECT_EQ(PrintedBy([&] { u32Result = MACMgmtMessageRequest(); }, "1\n"), strMACManagementMenu);
     EXPECT_EQ(u32Result, 251U);
 }
 

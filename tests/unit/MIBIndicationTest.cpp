@@ -10,8 +10,10 @@
 
 namespace {
 
-const std::string strOpening = "\n~~~~~~~~~~~~~~~ MIB MESSAGE RECEIVED ~~~~~~~~~~~~~~~\n";
-const std::string strClosing = "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
+const std::string strMIBIndicationOpening =
+    "\n~~~~~~~~~~~~~~~ MIB MESSAGE RECEIVED ~~~~~~~~~~~~~~~\n";
+const std::string strMIBIndicationClosing =
+    "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
 
 // A record as text: no keys, the stated data length, the status, the value.
 std::string RecordText(uint32_t u32ID, uint32_t u32Length, const std::string &strStatus,
@@ -26,7 +28,7 @@ std::string GetText(uint32_t u32ID, uint32_t u32Length, const std::string &strVa
 }
 
 std::string GetOpening(const std::string &strID) {
-    return strOpening + "\nGet Response received\n MIB OID - " + strID + " : ";
+    return strMIBIndicationOpening + "\nGet Response received\n MIB OID - " + strID + " : ";
 }
 
 class MIBIndicationTest : public ConsoleTest {
@@ -52,74 +54,81 @@ TEST_F(MIBIndicationTest, ANullMessagePrintsNothing) {
 }
 
 TEST_F(MIBIndicationTest, AnUnknownSubtypeIsFramedOnly) {
-    EXPECT_EQ(Shown("24/5 | 01*60"), strOpening + strClosing);
-    EXPECT_EQ(Shown("24/0"), strOpening + strClosing);
+    EXPECT_EQ(Shown("24/5 | 01*60"), strMIBIndicationOpening + strMIBIndicationClosing);
+    EXPECT_EQ(Shown("24/0"), strMIBIndicationOpening + strMIBIndicationClosing);
     EXPECT_EQ(ResultOf("24/5 | 01*60"), 1U);
 }
 
 TEST_F(MIBIndicationTest, ASetIsReportedByItsStatus) {
     EXPECT_EQ(Shown("24/1 | " + RecordText(510, 4, "00", "01 02 03 04")),
-              strOpening + "\nGet Response received\nMIB Set is Successful !!!" + strClosing);
+              strMIBIndicationOpening + "\nGet Response received\nMIB Set is Successful !!!" +
+                  strMIBIndicationClosing);
     EXPECT_EQ(Shown("24/1 | " + RecordText(510, 0, "fb", "00")),
-              strOpening + "\nGet Response received Error Code while MIB Set: (-5) \n" +
-                  strClosing);
+              strMIBIndicationOpening +
+                  "\nGet Response received Error Code while MIB Set: (-5) \n" +
+                  strMIBIndicationClosing);
     EXPECT_EQ(Shown("24/1 | " + RecordText(510, 0, "07", "00")),
-              strOpening + "\nGet Response received Error Code while MIB Set: (7) \n" + strClosing);
+              strMIBIndicationOpening + "\nGet Response received Error Code while MIB Set: (7) \n" +
+                  strMIBIndicationClosing);
     EXPECT_EQ(ResultOf("24/1 | " + RecordText(510, 4, "00", "01 02 03 04")), 1U);
 }
 
 TEST_F(MIBIndicationTest, FourBytesAreShownAsANumberToo) {
     EXPECT_EQ(Shown(GetText(510, 4, "78 56 34 12")),
-              GetOpening("510") + " 0x78 0x56 0x34 0x12 UINT eq : 305419896\n" + strClosing);
+              GetOpening("510") + " 0x78 0x56 0x34 0x12 UINT eq : 305419896\n" +
+                  strMIBIndicationClosing);
     EXPECT_EQ(Shown(GetText(510, 4, "-2:4")),
-              GetOpening("510") + " 0xfe 0xff 0xff 0xff UINT eq : -2\n" + strClosing);
+              GetOpening("510") + " 0xfe 0xff 0xff 0xff UINT eq : -2\n" + strMIBIndicationClosing);
     EXPECT_EQ(ResultOf(GetText(510, 4, "-2:4")), 1U);
 }
 
 TEST_F(MIBIndicationTest, OtherValuesAreShownAsBytes) {
-    EXPECT_EQ(Shown(GetText(3, 2, "0f 00")), GetOpening("3") + " 0x0f 0x00\n" + strClosing);
+    EXPECT_EQ(Shown(GetText(3, 2, "0f 00")),
+              GetOpening("3") + " 0x0f 0x00\n" + strMIBIndicationClosing);
     EXPECT_EQ(Shown(GetText(3, 6, "01 02 03 a4 b5 c6")),
-              GetOpening("3") + " 0x01 0x02 0x03 0xa4 0xb5 0xc6\n" + strClosing);
-    EXPECT_EQ(Shown(GetText(3, 0, "ff")), GetOpening("3") + "\n" + strClosing);
-    EXPECT_EQ(Shown(GetText(4294967295, 1, "aa")), GetOpening("-1") + " 0xaa\n" + strClosing);
+              GetOpening("3") + " 0x01 0x02 0x03 0xa4 0xb5 0xc6\n" + strMIBIndicationClosing);
+    EXPECT_EQ(Shown(GetText(3, 0, "ff")), GetOpening("3") + "\n" + strMIBIndicationClosing);
+    EXPECT_EQ(Shown(GetText(4294967295, 1, "aa")),
+              GetOpening("-1") + " 0xaa\n" + strMIBIndicationClosing);
 }
 
 TEST_F(MIBIndicationTest, TheRestOfALongerPayloadIsNotPartOfTheValue) {
     EXPECT_EQ(Shown(GetText(3, 2, "0f 00 ee ee ee")),
-              GetOpening("3") + " 0x0f 0x00\n" + strClosing);
+              GetOpening("3") + " 0x0f 0x00\n" + strMIBIndicationClosing);
 }
 
 TEST_F(MIBIndicationTest, AGetThatFailedHasItsStatusInTheWordingOfASet) {
     EXPECT_EQ(Shown("24/2 | " + RecordText(510, 4, "ff", "01 02 03 04")),
-              GetOpening("510") + " Error Code while MIB Set: (-1) \n" + strClosing);
+              GetOpening("510") + " Error Code while MIB Set: (-1) \n" + strMIBIndicationClosing);
 }
 
 TEST_F(MIBIndicationTest, AFailedGetOfASpecialAttributeIsNotDecoded) {
     const std::string strMessage = "24/2 | " + RecordText(1608, 2520, "80", "00*2520");
-    EXPECT_EQ(Shown(strMessage),
-              GetOpening("1608") + " Error Code while MIB Set: (-128) \n" + strClosing);
+    EXPECT_EQ(Shown(strMessage), GetOpening("1608") + " Error Code while MIB Set: (-128) \n" +
+                                     strMIBIndicationClosing);
     EXPECT_EQ(ResultOf(strMessage), 1U);
 }
 
 TEST_F(MIBIndicationTest, ValuesEndWithThePayload) {
     EXPECT_EQ(Shown(GetText(3, 4294967295, "01 02 00*10211 03")),
-              GetOpening("3") + " 0x01 0x02" + Times(" 0x00", 10211) + " 0x03\n" + strClosing);
+              GetOpening("3") + " 0x01 0x02" + Times(" 0x00", 10211) + " 0x03\n" +
+                  strMIBIndicationClosing);
     // The stated length decides whether the bytes are a number.
     EXPECT_EQ(Shown(GetText(3, 5, "01 02 03 04 05")),
-              GetOpening("3") + " 0x01 0x02 0x03 0x04 0x05\n" + strClosing);
-    EXPECT_EQ(Shown("24/2 | 3:4"), GetOpening("3") + "\n" + strClosing);
-    EXPECT_EQ(Shown("24/2"), GetOpening("0") + "\n" + strClosing);
+              GetOpening("3") + " 0x01 0x02 0x03 0x04 0x05\n" + strMIBIndicationClosing);
+    EXPECT_EQ(Shown("24/2 | 3:4"), GetOpening("3") + "\n" + strMIBIndicationClosing);
+    EXPECT_EQ(Shown("24/2"), GetOpening("0") + "\n" + strMIBIndicationClosing);
 }
 
 TEST_F(MIBIndicationTest, AMultipleSetShowsTheRecordsThatFailed) {
     EXPECT_EQ(Shown("24/3 | 4:2 " + RecordText(1, 2, "00", "01 02") + RecordText(2, 0, "fe", "00") +
                     RecordText(804, 4, "00", "01 02 03 04") +
                     RecordText(501, 4, "05", "01 02 03 04")),
-              strOpening +
+              strMIBIndicationOpening +
                   "\nMultiple MIB Set Response receved"
                   "\n MIB OID - 2 : Error Code - (-2) \n"
                   "\n MIB OID - 501 : Error Code - (5) \n" +
-                  strClosing);
+                  strMIBIndicationClosing);
     EXPECT_EQ(ResultOf("24/3 | 00 00"), 1U);
 }
 
@@ -127,35 +136,36 @@ TEST_F(MIBIndicationTest, AMultipleGetShowsEveryRecord) {
     EXPECT_EQ(Shown("24/4 | 4:2 " + RecordText(1, 2, "00", "01 02") +
                     RecordText(1400, 4, "00", "ff 00 00 00") +
                     RecordText(9, 4, "f0", "01 02 03 04") + RecordText(7, 1, "00", "aa")),
-              strOpening +
+              strMIBIndicationOpening +
                   "\nGet Response received"
                   "\n MIB OID - 1 :  0x01 0x02\n"
                   "\n MIB OID - 1400 :  0xff 0x00 0x00 0x00 UINT eq : 255\n"
                   "\n MIB OID - 9 :  Error Code - (-16) \n"
                   "\n MIB OID - 7 :  0xaa\n" +
-                  strClosing);
+                  strMIBIndicationClosing);
     EXPECT_EQ(ResultOf("24/4 | 00 00"), 1U);
 }
 
 TEST_F(MIBIndicationTest, ARecordWithoutAValueTakesTwentySevenBytes) {
     EXPECT_EQ(Shown("24/4 | 2:2 " + RecordText(20, 0, "00", "99") + RecordText(21, 1, "00", "07")),
-              strOpening + "\nGet Response received\n MIB OID - 20 : \n\n MIB OID - 21 :  0x07\n" +
-                  strClosing);
+              strMIBIndicationOpening +
+                  "\nGet Response received\n MIB OID - 20 : \n\n MIB OID - 21 :  0x07\n" +
+                  strMIBIndicationClosing);
 }
 
 TEST_F(MIBIndicationTest, SpecialAttributesOfAMultipleGetAreShownAsBytes) {
     EXPECT_EQ(Shown("24/4 | 1:2 " + RecordText(1467, 4, "00", "05 00 00 00")),
-              strOpening +
+              strMIBIndicationOpening +
                   "\nGet Response received\n MIB OID - 1467 :  0x05 0x00 0x00 0x00 UINT eq : 5\n" +
-                  strClosing);
+                  strMIBIndicationClosing);
 }
 
 TEST_F(MIBIndicationTest, RecordsEndWithThePayload) {
-    const std::string strHead = strOpening + "\nGet Response received";
+    const std::string strHead = strMIBIndicationOpening + "\nGet Response received";
     // More announced than there are: all that have at least their status in the payload.
     EXPECT_EQ(Shown("24/4 | ff ff " + RecordText(1, 1, "00", "07")),
               strHead + "\n MIB OID - 1 :  0x07\n" + Times("\n MIB OID - 0 : \n", 378) +
-                  strClosing);
+                  strMIBIndicationClosing);
     EXPECT_EQ(CountOf(Shown("24/4 | ff ff " + RecordText(1, 10186, "00", "07")), "MIB OID"), 2U);
     EXPECT_EQ(CountOf(Shown("24/4 | ff ff " + RecordText(1, 10187, "00", "07")), "MIB OID"), 1U);
     // A record that ends with its status.
@@ -164,11 +174,12 @@ TEST_F(MIBIndicationTest, RecordsEndWithThePayload) {
         strHead +
             "\n MIB OID - 1 :  Error Code - (-4) \n"
             "\n MIB OID - 2 :  Error Code - (-5) \n" +
-            strClosing);
+            strMIBIndicationClosing);
     // A value that claims to be longer than everything.
     EXPECT_EQ(
         Shown("24/4 | 2:2 " + RecordText(1, 4294967295, "00", "07") + RecordText(2, 0, "00", "00")),
-        strHead + "\n MIB OID - 1 :  0x07 0x02" + Times(" 0x00", 10210) + "\n" + strClosing);
+        strHead + "\n MIB OID - 1 :  0x07 0x02" + Times(" 0x00", 10210) + "\n" +
+            strMIBIndicationClosing);
 }
 
 TEST_F(MIBIndicationTest, ActiveSFIDsAreListedAndKept) {

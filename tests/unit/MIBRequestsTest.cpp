@@ -8,14 +8,14 @@
 
 namespace {
 
-const std::string strMenu = "\n\n*********** MIB Request ***********\n"
-                            "\n 1. MIB GET REQUEST"
-                            "\n 2. MIB SET REQUEST"
-                            "\n 3. Multiple MIB GET REQUEST"
-                            "\n 4. Multiple MIB SET REQUEST"
-                            "\n-1. GO TO MAIN MENU"
-                            "\n\n******************************\n"
-                            "\nENTER OPTION : ";
+const std::string strMIBRequestsMenu = "\n\n*********** MIB Request ***********\n"
+                                       "\n 1. MIB GET REQUEST"
+                                       "\n 2. MIB SET REQUEST"
+                                       "\n 3. Multiple MIB GET REQUEST"
+                                       "\n 4. Multiple MIB SET REQUEST"
+                                       "\n-1. GO TO MAIN MENU"
+                                       "\n\n******************************\n"
+                                       "\nENTER OPTION : ";
 const std::string strInvalid = "\nSORRY! INVALID OPTION SELECTED!";
 const std::string strNoMIBs = "\n BINARY DOES NOT SUPPORT MIBS";
 
@@ -29,15 +29,15 @@ const std::string strGetPrompt = "\nEnter the MIB ID "
 const std::string strKeyPrompt = "\n Enter the key value: ";
 const std::string strSecondKeyPrompt = "\n Enter the 2nd key value: ";
 
-const std::string strSetPrompt = "\nStd Config MIBs : 0 - 499"
-                                 "\nConfig MIBs : 500 - 799"
-                                 "\n999 : Automated Test"
-                                 "\nEnter the MIB ID : ";
+const std::string strMIBRequestsSetPrompt = "\nStd Config MIBs : 0 - 499"
+                                            "\nConfig MIBs : 500 - 799"
+                                            "\n999 : Automated Test"
+                                            "\nEnter the MIB ID : ";
 const std::string strMultipleSetPrompt = "\nStd Config MIBs : 0 - 499"
                                          "\nConfig MIBs : 500 - 799"
                                          "\nEnter the MIB ID : ";
-const std::string strLengthPrompt = "\nEnter the number of data bytes : ";
-const std::string strDataPrompt = "\nEnter the data : ";
+const std::string strMIBRequestsLengthPrompt = "\nEnter the number of data bytes : ";
+const std::string strMIBRequestsDataPrompt = "\nEnter the data : ";
 const std::string strAddressPrompt = "\nEnter the data (xx-xx-xx-xx-xx-xx): ";
 const std::string strValuePrompt = "\n Enter the value : ";
 const std::string strMultipleGet = "\nEnter the number of MIB Objects for Get Request ";
@@ -65,35 +65,39 @@ class MIBRequestsTest : public ConsoleTest {
 TEST_F(MIBRequestsTest, TheMenuComesBackUntilItIsLeft) {
     int32_t iResult = 7;
     EXPECT_EQ(PrintedBy([&] { iResult = MIBRequest(); }, "0 6 x -1\n"),
-              strMenu + strInvalid + strMenu + strInvalid + strMenu + strInvalid + strMenu);
+              strMIBRequestsMenu + strInvalid + strMIBRequestsMenu + strInvalid +
+                  strMIBRequestsMenu + strInvalid + strMIBRequestsMenu);
     EXPECT_EQ(iResult, 0);
     EXPECT_TRUE(Sent().empty());
 }
 
 TEST_F(MIBRequestsTest, EveryListedChoiceHasItsDialogue) {
     EXPECT_EQ(PrintedBy(MIBRequest, "1 5 2 900 3 0 4 1 600 1 -1\n"),
-              strMenu + strGetPrompt + strMenu + strSetPrompt + "\n MIB entered is out of range\n" +
-                  strMenu + strMultipleGet + strMenu + strMultipleSet + "\nEntering 1 out of 1.\n" +
-                  strMultipleSetPrompt + strValuePrompt + strMenu);
+              strMIBRequestsMenu + strGetPrompt + strMIBRequestsMenu + strMIBRequestsSetPrompt +
+                  "\n MIB entered is out of range\n" + strMIBRequestsMenu + strMultipleGet +
+                  strMIBRequestsMenu + strMultipleSet + "\nEntering 1 out of 1.\n" +
+                  strMultipleSetPrompt + strValuePrompt + strMIBRequestsMenu);
     EXPECT_EQ(Sent().size(), 2U);
 }
 
 TEST_F(MIBRequestsTest, AResultIsReportedUntilTheNextDialogue) {
     FakeDevice::QueueSendResult(-27);
     EXPECT_EQ(PrintedBy(MIBRequest, "2 507 9 2 507 9 -1\n"),
-              strMenu + strSetPrompt + "\n MRU Reset is NOT SUCCESSFUL\n" + "\n Error : -27" +
-                  strNoMIBs + strMenu + strInvalid + "\n Error : -27" + strNoMIBs + strMenu +
-                  strSetPrompt + "\n MRU Reset is SUCCESSFUL\n" + strMenu + strInvalid + strMenu);
+              strMIBRequestsMenu + strMIBRequestsSetPrompt + "\n MRU Reset is NOT SUCCESSFUL\n" +
+                  "\n Error : -27" + strNoMIBs + strMIBRequestsMenu + strInvalid +
+                  "\n Error : -27" + strNoMIBs + strMIBRequestsMenu + strMIBRequestsSetPrompt +
+                  "\n MRU Reset is SUCCESSFUL\n" + strMIBRequestsMenu + strInvalid +
+                  strMIBRequestsMenu);
     FakeDevice::QueueSendResult(3);
-    EXPECT_EQ(PrintedBy(MIBRequest, "2 600 1 0 -1\n"), strMenu + strSetPrompt + strValuePrompt +
-                                                           "\n Error : 3" + strMenu + strInvalid +
-                                                           "\n Error : 3" + strMenu);
+    EXPECT_EQ(PrintedBy(MIBRequest, "2 600 1 0 -1\n"),
+              strMIBRequestsMenu + strMIBRequestsSetPrompt + strValuePrompt + "\n Error : 3" +
+                  strMIBRequestsMenu + strInvalid + "\n Error : 3" + strMIBRequestsMenu);
 }
 
 TEST_F(MIBRequestsTest, TheHiddenChoiceReadsAHundredAttributes) {
     FakeDevice::QueueSendResult(-5);
-    EXPECT_EQ(PrintedBy(MIBRequest, "5 -1\n"),
-              strMenu + "Error Code Returned : [-5]\n" + strInvalid + strMenu);
+    EXPECT_EQ(PrintedBy(MIBRequest, "5 -1\n"), strMIBRequestsMenu + "Error Code Returned : [-5]\n" +
+                                                   strInvalid + strMIBRequestsMenu);
     ASSERT_EQ(Sent().size(), 100U);
     EXPECT_EQ(Sent()[0], Recorded("24/2 | 00*27"));
     EXPECT_EQ(Sent()[1], Recorded("24/2 | 01 00*26"));
@@ -155,15 +159,16 @@ TEST_F(MIBRequestsTest, AGetThatIsRefused) {
     EXPECT_EQ(PrintedBy(MIBGetRequest, "1612\n"), strGetPrompt + "MRU TABLE is EMPTY");
     EXPECT_EQ(PrintedBy(MIBGetRequest, "1611\n"), strGetPrompt + "Error Code Returned : [-76]\n");
     FakeDevice::SetSendResult(-27);
-    EXPECT_EQ(PrintedBy(MIBRequest, "1 1612 -1\n"),
-              strMenu + strGetPrompt + "Error Code Returned : [-27]\n" + strMenu);
+    EXPECT_EQ(PrintedBy(MIBRequest, "1 1612 -1\n"), strMIBRequestsMenu + strGetPrompt +
+                                                        "Error Code Returned : [-27]\n" +
+                                                        strMIBRequestsMenu);
     FakeDevice::SetSendResult(4);
     EXPECT_EQ(PrintedBy(MIBGetRequest, "1612\n"), strGetPrompt);
 }
 
 TEST_F(MIBRequestsTest, ASetOfFourBytes) {
     EXPECT_EQ(PrintedBy(MIBSetRequest, "15\n4\n-2\n"),
-              strSetPrompt + strLengthPrompt + strDataPrompt);
+              strMIBRequestsSetPrompt + strMIBRequestsLengthPrompt + strMIBRequestsDataPrompt);
     EXPECT_EQ(Sent(), Just("24/1 | 15:4 00 00*16 4:4 00 fe ff ff ff 00"));
     EXPECT_EQ(LengthOf(0), 35U);
 }
@@ -175,7 +180,7 @@ TEST_F(MIBRequestsTest, ASetOfTwoBytes) {
 
 TEST_F(MIBRequestsTest, ASetOfSixBytesDoesNotStateTheirNumber) {
     EXPECT_EQ(PrintedBy(MIBSetRequest, "499\n6\n00-1a-2B-3c-4d-ff\n"),
-              strSetPrompt + strLengthPrompt + strAddressPrompt);
+              strMIBRequestsSetPrompt + strMIBRequestsLengthPrompt + strAddressPrompt);
     EXPECT_EQ(Sent(), Just("24/1 | 499:4 00 00*16 0:4 00 00 1a 2b 3c 4d ff 00"));
     EXPECT_EQ(LengthOf(0), 37U);
 }
@@ -214,18 +219,19 @@ TEST_F(MIBRequestsTest, KeysOfASet) {
     for (const int32_t iID : {23, 24, 25}) {
         FakeDevice::Reset();
         EXPECT_EQ(PrintedBy(MIBSetRequest, std::to_string(iID) + " 1 77 5 "),
-                  strSetPrompt + strLengthPrompt + strKeyPrompt + strDataPrompt);
+                  strMIBRequestsSetPrompt + strMIBRequestsLengthPrompt + strKeyPrompt +
+                      strMIBRequestsDataPrompt);
         EXPECT_EQ(Sent(), Just("24/1 | " + std::to_string(iID) + ":4 01 77:4 00*12 1:4 00 05 00"));
     }
     for (const int32_t iID : {20, 22, 26, 499}) {
         EXPECT_EQ(PrintedBy(MIBSetRequest, std::to_string(iID) + " 1 5 "),
-                  strSetPrompt + strLengthPrompt + strDataPrompt);
+                  strMIBRequestsSetPrompt + strMIBRequestsLengthPrompt + strMIBRequestsDataPrompt);
     }
 }
 
 TEST_F(MIBRequestsTest, NegativeIDsAreBelowFiveHundred) {
     EXPECT_EQ(PrintedBy(MIBSetRequest, "-7\n2\n1\n"),
-              strSetPrompt + strLengthPrompt + strDataPrompt);
+              strMIBRequestsSetPrompt + strMIBRequestsLengthPrompt + strMIBRequestsDataPrompt);
     EXPECT_EQ(Sent(), Just("24/1 | -7:4 00 00*16 2:4 00 01 00 00"));
 }
 
@@ -246,7 +252,7 @@ TEST_F(MIBRequestsTest, AConfigurationIDTakesFourBytesInAShortMessage) {
     for (const int32_t iID : {500, 799, 804}) {
         FakeDevice::Reset();
         EXPECT_EQ(PrintedBy(MIBSetRequest, std::to_string(iID) + "\n305419896\n"),
-                  strSetPrompt + strValuePrompt);
+                  strMIBRequestsSetPrompt + strValuePrompt);
         EXPECT_EQ(Sent(), Just("24/1 | " + std::to_string(iID) + ":4 00 00*16 4:4 00 78"));
         EXPECT_EQ(LengthOf(0), 31U);
     }
@@ -254,7 +260,7 @@ TEST_F(MIBRequestsTest, AConfigurationIDTakesFourBytesInAShortMessage) {
 
 TEST_F(MIBRequestsTest, ACenterFrequencyAndABandwidth) {
     EXPECT_EQ(PrintedBy(MIBSetRequest, "509\n2600000\n10000\n"),
-              strSetPrompt + "\n Enter Center Frequency : \n Enter bandwidth        : ");
+              strMIBRequestsSetPrompt + "\n Enter Center Frequency : \n Enter bandwidth        : ");
     EXPECT_EQ(Sent(), Just("24/1 | 509:4 00 00*16 16:4 00 2600000:4 10000:4 00*8 00"));
     EXPECT_EQ(LengthOf(0), 47U);
 }
@@ -262,12 +268,12 @@ TEST_F(MIBRequestsTest, ACenterFrequencyAndABandwidth) {
 TEST_F(MIBRequestsTest, TheMRUTableIsReset) {
     int32_t iResult = 7;
     EXPECT_EQ(PrintedBy([&] { iResult = MIBSetRequest(); }, "507\n"),
-              strSetPrompt + "\n MRU Reset is SUCCESSFUL\n");
+              strMIBRequestsSetPrompt + "\n MRU Reset is SUCCESSFUL\n");
     EXPECT_EQ(iResult, 0);
     EXPECT_EQ(Sent(), Just("24/1 | 507:4 00*23"));
     FakeDevice::SetSendResult(2);
     EXPECT_EQ(PrintedBy([&] { iResult = MIBSetRequest(); }, "507\n"),
-              strSetPrompt + "\n MRU Reset is NOT SUCCESSFUL\n");
+              strMIBRequestsSetPrompt + "\n MRU Reset is NOT SUCCESSFUL\n");
     EXPECT_EQ(iResult, 2);
 }
 
@@ -275,7 +281,7 @@ TEST_F(MIBRequestsTest, OtherIDsAreNotSet) {
     for (const int32_t iID : {800, 803, 805, 998, 1000, 1612, 2147483647}) {
         gbInsideSubMenu = 1;
         EXPECT_EQ(PrintedBy(MIBSetRequest, std::to_string(iID) + " "),
-                  strSetPrompt + "\n MIB entered is out of range\n");
+                  strMIBRequestsSetPrompt + "\n MIB entered is out of range\n");
         EXPECT_EQ(gbInsideSubMenu, 1);
     }
     EXPECT_TRUE(Sent().empty());
@@ -284,7 +290,7 @@ TEST_F(MIBRequestsTest, OtherIDsAreNotSet) {
 TEST_F(MIBRequestsTest, TheAutomatedWrites) {
     FakeDevice::SetSendResult(-1); // no write depends on another
     int32_t iResult = 7;
-    EXPECT_EQ(PrintedBy([&] { iResult = MIBSetRequest(); }, "999\n"), strSetPrompt);
+    EXPECT_EQ(PrintedBy([&] { iResult = MIBSetRequest(); }, "999\n"), strMIBRequestsSetPrompt);
     EXPECT_EQ(iResult, 0);
     // ID, no keys counted, key 1, twelve zeroes, length, status, value, one more.
     const char *const apcExpected[] = {
@@ -411,8 +417,8 @@ TEST_F(MIBRequestsTest, AMultipleGetStopsWithoutMIBSupport) {
 
     FakeDevice::SetSendResult(-27);
     EXPECT_EQ(PrintedBy(MIBRequest, "3 1 5 -1\n"),
-              strMenu + strMultipleGet + "\nEntering 1 out of 1.\n" + strGetPrompt + strNoMIBs +
-                  "\n Error : -27" + strNoMIBs + strMenu);
+              strMIBRequestsMenu + strMultipleGet + "\nEntering 1 out of 1.\n" + strGetPrompt +
+                  strNoMIBs + "\n Error : -27" + strNoMIBs + strMIBRequestsMenu);
 }
 
 TEST_F(MIBRequestsTest, AMultipleGetStopsWithoutMIBSupportInTheMiddle) {
@@ -435,11 +441,12 @@ TEST_F(MIBRequestsTest, AMultipleSetPacksItsRecords) {
     int32_t iResult = 7;
     EXPECT_EQ(PrintedBy([&] { iResult = MultipleMIBSetRequest(); },
                         "6\n15 4 -2\n0 2 199\n25 1 77 255\n1 6 1-2-3-4-5-6\n900 804 5\n507 6\n"),
-              strMultipleSet + "\nEntering 1 out of 6.\n" + strMultipleSetPrompt + strLengthPrompt +
-                  strDataPrompt + "\nEntering 2 out of 6.\n" + strMultipleSetPrompt +
-                  strLengthPrompt + strDataPrompt + "\nEntering 3 out of 6.\n" +
-                  strMultipleSetPrompt + strLengthPrompt + strKeyPrompt + strDataPrompt +
-                  "\nEntering 4 out of 6.\n" + strMultipleSetPrompt + strLengthPrompt +
+              strMultipleSet + "\nEntering 1 out of 6.\n" + strMultipleSetPrompt +
+                  strMIBRequestsLengthPrompt + strMIBRequestsDataPrompt +
+                  "\nEntering 2 out of 6.\n" + strMultipleSetPrompt + strMIBRequestsLengthPrompt +
+                  strMIBRequestsDataPrompt + "\nEntering 3 out of 6.\n" + strMultipleSetPrompt +
+                  strMIBRequestsLengthPrompt + strKeyPrompt + strMIBRequestsDataPrompt +
+                  "\nEntering 4 out of 6.\n" + strMultipleSetPrompt + strMIBRequestsLengthPrompt +
                   strAddressPrompt + "\nEntering 5 out of 6.\n" + strMultipleSetPrompt +
                   strReenter + strValuePrompt + "\nEntering 6 out of 6.\n" + strMultipleSetPrompt +
                   strValuePrompt);

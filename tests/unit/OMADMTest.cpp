@@ -541,17 +541,17 @@ TEST_F(OMADMFileTest, ATreeImageWhoseEndDoesNotFitIsNotSent) {
     EXPECT_EQ(FakeDevice::Sent().size(), 0U);
 }
 
-constexpr const char *pcMenu = "\n\n*********** OMA DM/Security Request ***********\n"
-                               "\n 1. OMA DM Get Version info"
-                               "\n 2. OMA DM Few Tests Menu"
-                               "\n 3. Security Parameter GET REQUEST"
-                               "\n 4. Security Parameter SET REQUEST"
-                               "\n 5. Security Parameter Size REQUEST"
-                               "\n 6. IMEI Read request"
-                               "\n 7. OMADM tree update API test"
-                               "\n-1. GO TO MAIN MENU"
-                               "\n\n******************************\n"
-                               "\nENTER OPTION : ";
+constexpr const char *pcOMADMMenu = "\n\n*********** OMA DM/Security Request ***********\n"
+                                    "\n 1. OMA DM Get Version info"
+                                    "\n 2. OMA DM Few Tests Menu"
+                                    "\n 3. Security Parameter GET REQUEST"
+                                    "\n 4. Security Parameter SET REQUEST"
+                                    "\n 5. Security Parameter Size REQUEST"
+                                    "\n 6. IMEI Read request"
+                                    "\n 7. OMADM tree update API test"
+                                    "\n-1. GO TO MAIN MENU"
+                                    "\n\n******************************\n"
+                                    "\nENTER OPTION : ";
 
 constexpr const char *pcTestMenu = "\n******** OMA-DM Testing Menu ********\n"
                                    "\n 1. Run Non Array Value Test "
@@ -564,7 +564,7 @@ constexpr const char *pcTestMenu = "\n******** OMA-DM Testing Menu ********\n"
                                    "\nENTER OPTION : ";
 
 TEST_F(OMADMTest, OtherChoicesAreRefusedAndTheMenuComesAgain) {
-    const std::string strMenu = pcMenu;
+    const std::string strMenu = pcOMADMMenu;
     const std::string strRefused = "\nSORRY! INVALID OPTION SELECTED!";
     EXPECT_EQ(PrintedBy(OMADMRequest, "0 8 abc -1\n"),
               strMenu + strRefused + strMenu + strRefused + strMenu + strRefused + strMenu);
@@ -573,7 +573,7 @@ TEST_F(OMADMTest, OtherChoicesAreRefusedAndTheMenuComesAgain) {
 TEST_F(OMADMTest, AnErrorIsPrintedAgainBehindEveryChoice) {
     FakeDevice::QueueSendResult(-30);
     FakeDevice::QueueSendResult(-11);
-    const std::string strMenu = pcMenu;
+    const std::string strMenu = pcOMADMMenu;
     EXPECT_EQ(PrintedBy(OMADMRequest, "1 6 9 2 -1 -1\n"),
               strMenu +
                   "\n Application is using Major Ver 3 and Minor Ver 0 of OMA-DM API\n"
@@ -591,7 +591,7 @@ TEST_F(OMADMTest, AnErrorIsPrintedAgainBehindEveryChoice) {
 
 TEST_F(OMADMFileTest, AnErrorIsPrintedAgainBehindTheTreeUpdate) {
     FakeDevice::QueueSendResult(-30);
-    const std::string strMenu = pcMenu;
+    const std::string strMenu = pcOMADMMenu;
     EXPECT_EQ(PrintedBy(OMADMRequest, "1 7 -1\n"),
               strMenu +
                   "\n Application is using Major Ver 3 and Minor Ver 0 of OMA-DM API\n"
@@ -602,7 +602,7 @@ TEST_F(OMADMFileTest, AnErrorIsPrintedAgainBehindTheTreeUpdate) {
 }
 
 TEST_F(OMADMTest, TheSecurityRequestsHaveTheirChoicesAndResults) {
-    const std::string strMenu = pcMenu;
+    const std::string strMenu = pcOMADMMenu;
     const std::string strAskID = "\nEnter the Security Parameter ID "
                                  "\n["
                                  "\n  Security Parameters (0 - 10)"

@@ -17,8 +17,8 @@ class ReportTest : public ConsoleTest {
     }
 };
 
-constexpr uint8_t aucBytes[] = {0x0A, 0xFF, 0x80, 0xFF, 0xFF, 0xFF, 0x01, 0xFE};
-constexpr ByteView stBytes{aucBytes, 8};
+constexpr uint8_t aucReportBytes[] = {0x0A, 0xFF, 0x80, 0xFF, 0xFF, 0xFF, 0x01, 0xFE};
+constexpr ByteView stReportBytes{aucReportBytes, 8};
 
 TEST_F(ReportTest, ConversionsPrintAsPrintfDoes) {
     const auto PrintedAs = [](const TextWith<1> &stText, uint32_t u32Value) {
@@ -164,12 +164,12 @@ TEST_F(ReportTest, ElementsAsFarAsTheViewHasThem) {
     constexpr Field stBytesField{1, FieldType::I8};
     constexpr Field stPairs{1, FieldType::U16};
     constexpr Field stWords{0, FieldType::I32};
-    EXPECT_EQ(Printed(stBytes, stBytesField, 3), " -1 -128 -1");
-    EXPECT_EQ(Printed(stBytes, stBytesField, UINT32_MAX), " -1 -128 -1 -1 -1 1 -2");
-    EXPECT_EQ(Printed(stBytes, stPairs, 9), " 33023 65535 511");
-    EXPECT_EQ(Printed(stBytes, stWords, 9), " -8323318 -33423361");
-    EXPECT_EQ(Printed(stBytes.From(0, 7), stWords, 9), " -8323318");
-    EXPECT_EQ(Printed(stBytes, stBytesField, 0), "");
+    EXPECT_EQ(Printed(stReportBytes, stBytesField, 3), " -1 -128 -1");
+    EXPECT_EQ(Printed(stReportBytes, stBytesField, UINT32_MAX), " -1 -128 -1 -1 -1 1 -2");
+    EXPECT_EQ(Printed(stReportBytes, stPairs, 9), " 33023 65535 511");
+    EXPECT_EQ(Printed(stReportBytes, stWords, 9), " -8323318 -33423361");
+    EXPECT_EQ(Printed(stReportBytes.From(0, 7), stWords, 9), " -8323318");
+    EXPECT_EQ(Printed(stReportBytes, stBytesField, 0), "");
     EXPECT_EQ(Printed({}, stBytesField, 4), "");
 }
 
@@ -202,9 +202,9 @@ TEST_F(ReportTest, TextsLongerThanABuffer) {
 
 TEST_F(ReportTest, ARowTakesItsConversionsFromFieldAfterField) {
     constexpr ReportRow stRow{"\nID :%02X %02X %02X", {0, FieldType::U8}};
-    EXPECT_EQ(PrintedBy([&] { PutRow(stBytes, stRow); }), "\nID :0A FF 80");
-    EXPECT_EQ(PrintedBy([&] { PutRow(stBytes, stRow, 1); }), "\nID :FF 80 FF");
-    EXPECT_EQ(PrintedBy([&] { PutRow(stBytes, stRow, 7); }), "\nID :FE 00 00");
+    EXPECT_EQ(PrintedBy([&] { PutRow(stReportBytes, stRow); }), "\nID :0A FF 80");
+    EXPECT_EQ(PrintedBy([&] { PutRow(stReportBytes, stRow, 1); }), "\nID :FF 80 FF");
+    EXPECT_EQ(PrintedBy([&] { PutRow(stReportBytes, stRow, 7); }), "\nID :FE 00 00");
 }
 
 TEST_F(ReportTest, SignedFieldsPrintSigned) {
@@ -212,12 +212,13 @@ TEST_F(ReportTest, SignedFieldsPrintSigned) {
                                      {"\n%d dB", {2, FieldType::I8}},
                                      {"\n%u", {2, FieldType::U8}},
                                      {" - plain text"}};
-    EXPECT_EQ(PrintedBy([&] { PutRows(stBytes, astRows); }),
+    EXPECT_EQ(PrintedBy([&] { PutRows(stReportBytes, astRows); }),
               "\n-128 dB\n-128 dB\n128 - plain text");
 }
 
 TEST_F(ReportTest, EveryByteByTheSameText) {
-    EXPECT_EQ(PrintedBy([] { PutEachByte(" 0x%02x", stBytes.From(0, 3)); }), " 0x0a 0xff 0x80");
+    EXPECT_EQ(PrintedBy([] { PutEachByte(" 0x%02x", stReportBytes.From(0, 3)); }),
+              " 0x0a 0xff 0x80");
     EXPECT_EQ(PrintedBy([] { PutEachByte(" 0x%02x", {}); }), "");
 }
 

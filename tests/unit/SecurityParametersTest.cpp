@@ -8,17 +8,19 @@
 
 namespace {
 
-const std::string strOpening = "\n~~~~~~~~~~~~~~~ Security RESPONSE RECEIVED ~~~~~~~~~~~~~~~\n";
-const std::string strClosing = "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
+const std::string strSecurityParametersOpening =
+    "\n~~~~~~~~~~~~~~~ Security RESPONSE RECEIVED ~~~~~~~~~~~~~~~\n";
+const std::string strSecurityParametersClosing =
+    "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
 
 const std::string strIDPrompt = "\nEnter the Security Parameter ID "
                                 "\n["
                                 "\n  Security Parameters (0 - 10)"
                                 "\n]";
-const std::string strSetPrompt =
+const std::string strSecurityParametersSetPrompt =
     "\nSecurity Parameters : (0 - 10)\nEnter the Security Parameter ID : ";
-const std::string strLengthPrompt = "\nEnter the number of data bytes : ";
-const std::string strDataPrompt = "\nEnter the data : ";
+const std::string strSecurityParametersLengthPrompt = "\nEnter the number of data bytes : ";
+const std::string strSecurityParametersDataPrompt = "\nEnter the data : ";
 
 class SecurityParametersTest : public ConsoleTest {
   protected:
@@ -62,27 +64,31 @@ TEST_F(SecurityParametersTest, AGetSendsTenBytesOfARecord) {
 }
 
 TEST_F(SecurityParametersTest, ASetOfFourBytesTakesOneNumber) {
-    EXPECT_EQ(PrintedBy(SecSetRequest, "7\n4\n-2\n"),
-              strSetPrompt + strLengthPrompt + strDataPrompt);
+    EXPECT_EQ(PrintedBy(SecSetRequest, "7\n4\n-2\n"), strSecurityParametersSetPrompt +
+                                                          strSecurityParametersLengthPrompt +
+                                                          strSecurityParametersDataPrompt);
     EXPECT_EQ(Sent(), Just("34/1 | 7:4 4:4 00 fe ff ff ff 00"));
 }
 
 TEST_F(SecurityParametersTest, ASetOfTwoBytesTakesOneNumber) {
-    EXPECT_EQ(PrintedBy(SecSetRequest, "0\n2\n65537\n"),
-              strSetPrompt + strLengthPrompt + strDataPrompt);
+    EXPECT_EQ(PrintedBy(SecSetRequest, "0\n2\n65537\n"), strSecurityParametersSetPrompt +
+                                                             strSecurityParametersLengthPrompt +
+                                                             strSecurityParametersDataPrompt);
     EXPECT_EQ(Sent(), Just("34/1 | 0:4 2:4 00 01 00 00"));
 }
 
 TEST_F(SecurityParametersTest, ASetOfThreeBytesTakesThreeNumbers) {
-    EXPECT_EQ(PrintedBy(SecSetRequest, "5\n3\n1 258\n-1\n"),
-              strSetPrompt + strLengthPrompt + strDataPrompt);
+    EXPECT_EQ(PrintedBy(SecSetRequest, "5\n3\n1 258\n-1\n"), strSecurityParametersSetPrompt +
+                                                                 strSecurityParametersLengthPrompt +
+                                                                 strSecurityParametersDataPrompt);
     EXPECT_EQ(Sent(), Just("34/1 | 5:4 3:4 00 01 02 ff 00"));
     EXPECT_EQ(FakeDevice::SendArgumentsOfAll()[0].u32Length, 13U + 4U);
 }
 
 TEST_F(SecurityParametersTest, ASetAsksAgainWithoutAWord) {
     EXPECT_EQ(PrintedBy(SecSetRequest, "11\n-1\n10\n1\n255\n"),
-              strSetPrompt + strLengthPrompt + strDataPrompt);
+              strSecurityParametersSetPrompt + strSecurityParametersLengthPrompt +
+                  strSecurityParametersDataPrompt);
     EXPECT_EQ(Sent(), Just("34/1 | 10:4 1:4 00 ff 00"));
 }
 
@@ -103,7 +109,8 @@ TEST_F(SecurityParametersTest, ASetReturnsTheResult) {
     FakeDevice::SetSendResult(-9);
     Type("5\n1\n1\n");
     EXPECT_EQ(SecSetRequest(), -9);
-    EXPECT_EQ(Printed(), strSetPrompt + strLengthPrompt + strDataPrompt);
+    EXPECT_EQ(Printed(), strSecurityParametersSetPrompt + strSecurityParametersLengthPrompt +
+                             strSecurityParametersDataPrompt);
 }
 
 TEST_F(SecurityParametersTest, NoMoreIsReadOrSentThanTheMessageHas) {
@@ -120,7 +127,9 @@ TEST_F(SecurityParametersTest, NoMoreIsReadOrSentThanTheMessageHas) {
 }
 
 TEST_F(SecurityParametersTest, NumbersOfBytesThatMakeNoSense) {
-    EXPECT_EQ(PrintedBy(SecSetRequest, "5\n0\n"), strSetPrompt + strLengthPrompt + strDataPrompt);
+    EXPECT_EQ(PrintedBy(SecSetRequest, "5\n0\n"), strSecurityParametersSetPrompt +
+                                                      strSecurityParametersLengthPrompt +
+                                                      strSecurityParametersDataPrompt);
     PrintedBy(SecSetRequest, "5\n-3\n");
     PrintedBy(SecSetRequest, "5\n65530\nx "); // the word stays for the next reader
     const std::vector<std::string> Expected = {
@@ -147,57 +156,64 @@ TEST_F(SecurityParametersTest, ANullMessagePrintsNothing) {
 
 TEST_F(SecurityParametersTest, ASetIsReportedByItsStatus) {
     EXPECT_EQ(Shown("34/1 | 5:4 0:4 00 00"),
-              strOpening + "\nGet Response received\nSecurity Parmater Set is Successful !!!" +
-                  strClosing);
+              strSecurityParametersOpening +
+                  "\nGet Response received\nSecurity Parmater Set is Successful !!!" +
+                  strSecurityParametersClosing);
     EXPECT_EQ(Shown("34/1 | 5:4 0:4 ff 00"),
-              strOpening +
+              strSecurityParametersOpening +
                   "\nGet Response received Error Code while Security Parameter Set: (-1) "
                   "\n" +
-                  strClosing);
+                  strSecurityParametersClosing);
     EXPECT_EQ(Shown("34/1 | 5:4 0:4 05 00"),
-              strOpening +
+              strSecurityParametersOpening +
                   "\nGet Response received Error Code while Security Parameter Set: (5) \n" +
-                  strClosing);
+                  strSecurityParametersClosing);
 }
 
 TEST_F(SecurityParametersTest, AGetShowsItsBytes) {
     EXPECT_EQ(Shown("34/2 | 5:4 3:4 00 01 a2 ff"),
-              strOpening + "\nGet Response received\n Security OID - 5 :  0x01 0xa2 0xff\n" +
-                  strClosing);
+              strSecurityParametersOpening +
+                  "\nGet Response received\n Security OID - 5 :  0x01 0xa2 0xff\n" +
+                  strSecurityParametersClosing);
     EXPECT_EQ(Shown("34/2 | 5:4 4:4 00 -2:4"),
-              strOpening +
+              strSecurityParametersOpening +
                   "\nGet Response received\n Security OID - 5 :  0xfe 0xff 0xff 0xff UINT "
                   "eq : -2\n" +
-                  strClosing);
+                  strSecurityParametersClosing);
 }
 
 TEST_F(SecurityParametersTest, AGetWithANegativeStatusHasNoClosingLine) {
     EXPECT_EQ(Shown("34/2 | 5:4 4:4 ff 01 02 03 04"),
-              strOpening + "\nGet Response received\n Security OID - 5 :  ERROR RECEIVED : [-1]");
+              strSecurityParametersOpening +
+                  "\nGet Response received\n Security OID - 5 :  ERROR RECEIVED : [-1]");
 }
 
 TEST_F(SecurityParametersTest, AGetWithAPositiveStatusShowsItsValue) {
     EXPECT_EQ(Shown("34/2 | 5:4 2:4 05 01 02"),
-              strOpening + "\nGet Response received\n Security OID - 5 :  0x01 0x02\n" +
-                  strClosing);
+              strSecurityParametersOpening +
+                  "\nGet Response received\n Security OID - 5 :  0x01 0x02\n" +
+                  strSecurityParametersClosing);
 }
 
 TEST_F(SecurityParametersTest, ASizeIsTheDataLength) {
-    EXPECT_EQ(Shown("34/3 | 7:4 128:4 00 00"),
-              strOpening + "\n Security Param ID - [7], Size : [128]\n" + strClosing);
+    EXPECT_EQ(Shown("34/3 | 7:4 128:4 00 00"), strSecurityParametersOpening +
+                                                   "\n Security Param ID - [7], Size : [128]\n" +
+                                                   strSecurityParametersClosing);
 }
 
 TEST_F(SecurityParametersTest, OtherSubtypesAreFramedOnly) {
-    EXPECT_EQ(Shown("34/4 | 01*28"), strOpening + strClosing);
-    EXPECT_EQ(Shown("34/0"), strOpening + strClosing);
+    EXPECT_EQ(Shown("34/4 | 01*28"), strSecurityParametersOpening + strSecurityParametersClosing);
+    EXPECT_EQ(Shown("34/0"), strSecurityParametersOpening + strSecurityParametersClosing);
 }
 
 TEST_F(SecurityParametersTest, ValuesEndWithThePayload) {
     EXPECT_EQ(Shown("34/2 | 5:4 4294967295:4 00 01 02 00*10228 03"),
-              strOpening + "\nGet Response received\n Security OID - 5 :  0x01 0x02" +
-                  Times(" 0x00", 10228) + " 0x03\n" + strClosing);
-    EXPECT_EQ(Shown("34/2"),
-              strOpening + "\nGet Response received\n Security OID - 0 : \n" + strClosing);
+              strSecurityParametersOpening +
+                  "\nGet Response received\n Security OID - 5 :  0x01 0x02" +
+                  Times(" 0x00", 10228) + " 0x03\n" + strSecurityParametersClosing);
+    EXPECT_EQ(Shown("34/2"), strSecurityParametersOpening +
+                                 "\nGet Response received\n Security OID - 0 : \n" +
+                                 strSecurityParametersClosing);
 }
 
 TEST_F(SecurityParametersTest, RandomAnswersAreHarmless) {
@@ -214,7 +230,8 @@ TEST_F(SecurityParametersTest, RandomAnswersAreHarmless) {
             aucMessage[3] = 0;
             const std::string strShown =
                 Report(ProcessSecResponse, FormatMessage(aucMessage.data(), aucMessage.size()));
-            ASSERT_EQ(strShown.substr(0, strOpening.size()), strOpening);
+            ASSERT_EQ(strShown.substr(0, strSecurityParametersOpening.size()),
+                      strSecurityParametersOpening);
             ASSERT_LE(strShown.size(), 52000U);
         }
     }

@@ -493,8 +493,8 @@ std::string SetOf(const std::string &strSFID, const std::string &strCID,
 }
 
 const std::string strNoSet = "00*2816 | ";
-const std::string strBanner = "\n~~~~~~ SERVICE FLOW RESPONSE MESSAGE ~~~~~~\n";
-const std::string strClosing = "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
+const std::string strServiceFlowsBanner = "\n~~~~~~ SERVICE FLOW RESPONSE MESSAGE ~~~~~~\n";
+const std::string strServiceFlowsClosing = "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
 
 std::string Indication(const std::string &strSubType, const std::string &strDirection,
                        const std::string &strSets, const std::string &strCode) {
@@ -507,13 +507,13 @@ TEST_F(ServiceFlowsTest, AnAddedFlowIsThatOfItsActiveSet) {
                                   SetOf("4097", "513", "01") + SetOf("4098", "514", "01") +
                                       SetOf("4099", "515", "01"),
                                   "00")),
-              strBanner +
+              strServiceFlowsBanner +
                   "\nSF ADD INDICATION RESPONSE MESSAGE RECEIVED.\n"
                   "\nService flow added with confirmation code : 0\n"
                   "\nService flow Identifier(u32SFID)          : 4099\n"
                   "\nConnection Identifier(u16CID)             : 515\n"
                   "\nDirection of Service Flow                 : 1\n" +
-                  strClosing);
+                  strServiceFlowsClosing);
 }
 
 TEST_F(ServiceFlowsTest, AnAddedFlowWithoutAnActiveSetIsThatOfItsAdmittedSet) {
@@ -521,25 +521,25 @@ TEST_F(ServiceFlowsTest, AnAddedFlowWithoutAnActiveSetIsThatOfItsAdmittedSet) {
                                   SetOf("4097", "513", "01") + SetOf("-2", "65535", "ff") +
                                       SetOf("4099", "515", "00"),
                                   "00")),
-              strBanner +
+              strServiceFlowsBanner +
                   "\nSF ADD INDICATION RESPONSE MESSAGE RECEIVED.\n"
                   "\nService flow added with confirmation code : 0\n"
                   "\nService flow Identifier(u32SFID)          : -2\n"
                   "\nConnection Identifier(u16CID)             : 65535\n"
                   "\nDirection of Service Flow                 : 0\n" +
-                  strClosing);
+                  strServiceFlowsClosing);
 }
 
 TEST_F(ServiceFlowsTest, AnAddedFlowMayHaveItsProvisionedSetOnly) {
     EXPECT_EQ(
         ReportOf(Indication("1", "ff", SetOf("4097", "513", "01") + strNoSet + strNoSet, "00")),
-        strBanner +
+        strServiceFlowsBanner +
             "\nSF ADD INDICATION RESPONSE MESSAGE RECEIVED.\n"
             "\nService flow added with confirmation code : 0\n"
             "\nService flow Identifier(u32SFID)          : 4097\n"
             "\nConnection Identifier(u16CID)             : 513\n"
             "\nDirection of Service Flow                 : 255\n" +
-            strClosing);
+            strServiceFlowsClosing);
 }
 
 TEST_F(ServiceFlowsTest, AnAddedFlowWithoutASetIsItsDirection) {
@@ -547,11 +547,11 @@ TEST_F(ServiceFlowsTest, AnAddedFlowWithoutASetIsItsDirection) {
                                   SetOf("4097", "513", "00") + SetOf("4098", "514", "00") +
                                       SetOf("4099", "515", "00"),
                                   "00")),
-              strBanner +
+              strServiceFlowsBanner +
                   "\nSF ADD INDICATION RESPONSE MESSAGE RECEIVED.\n"
                   "\nService flow added with confirmation code : 0\n"
                   "\nDirection of Service Flow                 : 1\n" +
-                  strClosing);
+                  strServiceFlowsClosing);
 }
 
 TEST_F(ServiceFlowsTest, AnAddedFlowIsNotEnteredInTheTable) {
@@ -562,29 +562,29 @@ TEST_F(ServiceFlowsTest, AnAddedFlowIsNotEnteredInTheTable) {
 TEST_F(ServiceFlowsTest, ARefusedAddIsItsConfirmationCode) {
     EXPECT_EQ(
         ReportOf(Indication("1", "01", strNoSet + strNoSet + SetOf("4099", "515", "01"), "03")),
-        strBanner +
+        strServiceFlowsBanner +
             "\nSF ADD INDICATION RESPONSE MESSAGE RECEIVED.\n"
             "\nConfirmation code received as non-zero\n"
             "\nConfirmation code received : 3 \n" +
-            strClosing);
+            strServiceFlowsClosing);
 }
 
 TEST_F(ServiceFlowsTest, AChangedFlowIsItsConfirmationCode) {
     EXPECT_EQ(
         ReportOf(Indication("3", "01", strNoSet + strNoSet + SetOf("4099", "515", "01"), "00")),
-        strBanner +
+        strServiceFlowsBanner +
             "\nSF CHANGE INDICATION RESPONSE MESSAGE RECEIVED."
             "\nService flow changed with confirmation code 0" +
-            strClosing);
+            strServiceFlowsClosing);
 }
 
 TEST_F(ServiceFlowsTest, ARefusedChangeIsItsConfirmationCode) {
     EXPECT_EQ(ReportOf(Indication("3", "00", "00*8448 ", "ff")),
-              strBanner +
+              strServiceFlowsBanner +
                   "\nSF CHANGE INDICATION RESPONSE MESSAGE RECEIVED."
                   "\nConfirmation code received as non-zero\n"
                   "\nConfirmation code received : 255 \n" +
-                  strClosing);
+                  strServiceFlowsClosing);
 }
 
 TEST_F(ServiceFlowsTest, ADeletedFlowLeavesTheTable) {
@@ -593,7 +593,8 @@ TEST_F(ServiceFlowsTest, ADeletedFlowLeavesTheTable) {
     AddSFID(4097);
     // A delete indication has no confirmation code to look at.
     EXPECT_EQ(ReportOf(Indication("2", "00", SetOf("4097", "0", "00") + strNoSet + strNoSet, "03")),
-              strBanner + "\nSF DELETE INDICATION RESPONSE MESSAGE RECEIVED." + strClosing);
+              strServiceFlowsBanner + "\nSF DELETE INDICATION RESPONSE MESSAGE RECEIVED." +
+                  strServiceFlowsClosing);
     EXPECT_EQ(SFID_VALIDITY_TABLE[0], 0U);
     EXPECT_EQ(SFID_VALIDITY_TABLE[1], 4098U);
     EXPECT_EQ(SFID_VALIDITY_TABLE[2], 4097U);
@@ -602,14 +603,15 @@ TEST_F(ServiceFlowsTest, ADeletedFlowLeavesTheTable) {
 TEST_F(ServiceFlowsTest, ADeletedFlowThatNobodyKnowsLeavesTheTableAsItIs) {
     AddSFID(4097);
     EXPECT_EQ(ReportOf("6/2 | 00*8 4098:4"),
-              strBanner + "\nSF DELETE INDICATION RESPONSE MESSAGE RECEIVED." + strClosing);
+              strServiceFlowsBanner + "\nSF DELETE INDICATION RESPONSE MESSAGE RECEIVED." +
+                  strServiceFlowsClosing);
     EXPECT_EQ(SFID_VALIDITY_TABLE[0], 4097U);
 }
 
 TEST_F(ServiceFlowsTest, OtherIndicationsAreInvalid) {
     for (const char *pcSubType : {"0", "4", "257", "65535"}) {
         EXPECT_EQ(ReportOf(std::string("6/") + pcSubType + " | 00*8468 03 00*3"),
-                  strBanner + "\nINVALID SF RESPONSE MESSAGE RECEIVED!!");
+                  strServiceFlowsBanner + "\nINVALID SF RESPONSE MESSAGE RECEIVED!!");
     }
 }
 

@@ -17,16 +17,17 @@ class StationInformationTest : public ConsoleTest {
     }
 };
 
-constexpr const char *pcMenu = "\n******** SS INFO MENU ********\n"
-                               "\n 1. SS INFO REQUEST"
-                               "\n 2. SS EEPROM INFO REQUEST"
-                               "\n 3. SS EEPROM DETAILED INFO REQUEST"
-                               "\n\n**************************************\n"
-                               "\nENTER OPTION : ";
+constexpr const char *pcStationInformationMenu = "\n******** SS INFO MENU ********\n"
+                                                 "\n 1. SS INFO REQUEST"
+                                                 "\n 2. SS EEPROM INFO REQUEST"
+                                                 "\n 3. SS EEPROM DETAILED INFO REQUEST"
+                                                 "\n\n**************************************\n"
+                                                 "\nENTER OPTION : ";
 
 TEST_F(StationInformationTest, EachMenuLineAsksForItsReport) {
     for (const char *pcTyped : {"1\n", "2\n", "3\n"}) {
-        EXPECT_EQ(PrintedBy([] { EXPECT_EQ(GetSSInfoRequest(), 0U); }, pcTyped), pcMenu);
+        EXPECT_EQ(PrintedBy([] { EXPECT_EQ(GetSSInfoRequest(), 0U); }, pcTyped),
+                  pcStationInformationMenu);
     }
     EXPECT_EQ(FakeDevice::Sent(), (std::vector<std::string>{"7/1", "7/2", "7/3"}));
     EXPECT_EQ(FakeDevice::SendArgumentsOfAll().at(2).u32Length, 4U);
@@ -34,14 +35,15 @@ TEST_F(StationInformationTest, EachMenuLineAsksForItsReport) {
 
 TEST_F(StationInformationTest, OtherChoicesAskForSubtypeZero) {
     for (const char *pcTyped : {"9\n", "0\n", "4\n", "-1\n"}) {
-        EXPECT_EQ(PrintedBy([] { GetSSInfoRequest(); }, pcTyped), pcMenu);
+        EXPECT_EQ(PrintedBy([] { GetSSInfoRequest(); }, pcTyped), pcStationInformationMenu);
     }
     EXPECT_EQ(FakeDevice::Sent(), (std::vector<std::string>{"7/0", "7/0", "7/0", "7/0"}));
 }
 
 TEST_F(StationInformationTest, TheLowByteOfTheSendResultIsReturned) {
     FakeDevice::SetSendResult(-2);
-    EXPECT_EQ(PrintedBy([] { EXPECT_EQ(GetSSInfoRequest(), 254U); }, "1\n"), pcMenu);
+    EXPECT_EQ(PrintedBy([] { EXPECT_EQ(GetSSInfoRequest(), 254U); }, "1\n"),
+              pcStationInformationMenu);
 }
 
 TEST_F(StationInformationTest, TheInformationInFull) {

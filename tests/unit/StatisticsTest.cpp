@@ -20,10 +20,10 @@ class StatisticsTest : public ConsoleTest {
     }
 };
 
-constexpr const char *pcMenu = "\n******** STATISTICS MENU ********\n"
-                               "\n 1. BASEBAND STATISTICS REQUEST"
-                               "\n\n*********************************\n"
-                               "\nENTER OPTION : ";
+constexpr const char *pcStatisticsMenu = "\n******** STATISTICS MENU ********\n"
+                                         "\n 1. BASEBAND STATISTICS REQUEST"
+                                         "\n\n*********************************\n"
+                                         "\nENTER OPTION : ";
 constexpr const char *pcInterval = "\nENTER THE INTERVAL FOR PERIODIC REQUEST (IN MILLI SECONDS)."
                                    "\nENTER ZERO TO STOP CURRENT PERIODIC REQUEST "
                                    "\nOR TO REQUEST BASEBAND STATISTICS ONLY ONCE. "
@@ -33,11 +33,12 @@ constexpr const char *pcResetMenu = "\n*********** STATISTICS RESET CONTROL REQU
                                     "\n 2. ENABLE STATISTICS RESET ON RE-SYCH"
                                     "\n\n******************************************************\n"
                                     "\nENTER OPTION : ";
-constexpr const char *pcClosing = "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
+constexpr const char *pcStatisticsClosing =
+    "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
 
 TEST_F(StatisticsTest, TheIntervalIsSent) {
     EXPECT_EQ(PrintedBy([] { EXPECT_EQ(GetStatisticsRequest(), 0U); }, "1\n1000\n"),
-              std::string(pcMenu) + pcInterval);
+              std::string(pcStatisticsMenu) + pcInterval);
     EXPECT_EQ(FakeDevice::Sent(), std::vector<std::string>{"17/1 | e8 03 00 00"});
     EXPECT_EQ(FakeDevice::SendArgumentsOfAll(), (std::vector<FakeDevice::SendArguments>{{1, 8}}));
 }
@@ -51,12 +52,12 @@ TEST_F(StatisticsTest, AnIntervalOfZeroIsSentToo) {
 TEST_F(StatisticsTest, AFailedSendDoesNotMatter) {
     FakeDevice::SetSendResult(-1);
     EXPECT_EQ(PrintedBy([] { EXPECT_EQ(GetStatisticsRequest(), 0U); }, "1\n5\n"),
-              std::string(pcMenu) + pcInterval);
+              std::string(pcStatisticsMenu) + pcInterval);
 }
 
 TEST_F(StatisticsTest, OtherChoicesSendNothing) {
-    EXPECT_EQ(PrintedBy([] { EXPECT_EQ(GetStatisticsRequest(), 1U); }, "2\n"), pcMenu);
-    EXPECT_EQ(PrintedBy([] { EXPECT_EQ(GetStatisticsRequest(), 1U); }, "0\n"), pcMenu);
+    EXPECT_EQ(PrintedBy([] { EXPECT_EQ(GetStatisticsRequest(), 1U); }, "2\n"), pcStatisticsMenu);
+    EXPECT_EQ(PrintedBy([] { EXPECT_EQ(GetStatisticsRequest(), 1U); }, "0\n"), pcStatisticsMenu);
     EXPECT_EQ(FakeDevice::Sent(), std::vector<std::string>{});
 }
 
@@ -164,7 +165,8 @@ TEST_F(StatisticsTest, NoConnectionsAreListedForACountOfZeroOrLess) {
     for (const char *pcCount : {"0", "-1", "-2147483648"}) {
         const std::string strReport =
             ReportOf(std::string("17/1 | 00*60 ") + pcCount + ":4 ff*888");
-        const std::string strEnd = std::string("\nNumber of Connections \t:") + pcCount + pcClosing;
+        const std::string strEnd =
+            std::string("\nNumber of Connections \t:") + pcCount + pcStatisticsClosing;
         ASSERT_GE(strReport.size(), strEnd.size());
         EXPECT_EQ(strReport.substr(strReport.size() - strEnd.size()), strEnd);
     }
@@ -175,7 +177,7 @@ TEST_F(StatisticsTest, TheConnectionListEndsWithTheDataArea) {
     const std::string strEnd = std::string("\nNumber of Connections \t:2147483647"
                                            "\nTransport CID \t:0x1") +
                                Times("\nTransport CID \t:0x0", 2542) + "\nTransport CID \t:0x2" +
-                               pcClosing;
+                               pcStatisticsClosing;
     ASSERT_GE(strReport.size(), strEnd.size());
     EXPECT_EQ(strReport.substr(strReport.size() - strEnd.size()), strEnd);
 }

@@ -5,12 +5,13 @@
 
 namespace {
 
-constexpr const char *pcMenu = "\n*********** VENDOR SPECIFIC PARAM ***********\n"
-                               "\n 1. VSA READ REQUEST"
-                               "\n 2. VSA WRITE REQUEST"
-                               "\n 3. VSA Size REQUEST"
-                               "\n\n*********************************************\n"
-                               "\nENTER OPTION : ";
+constexpr const char *pcVendorSpecificParametersMenu =
+    "\n*********** VENDOR SPECIFIC PARAM ***********\n"
+    "\n 1. VSA READ REQUEST"
+    "\n 2. VSA WRITE REQUEST"
+    "\n 3. VSA Size REQUEST"
+    "\n\n*********************************************\n"
+    "\nENTER OPTION : ";
 
 constexpr const char *pcRule = "\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n";
 constexpr const char *pcReadHeading =
@@ -38,14 +39,14 @@ std::vector<std::string> OneSent(const char *pcMessage) { return {Recorded(pcMes
 
 TEST_F(VendorSpecificTest, AReadAsksOffsetAndSize) {
     EXPECT_EQ(PrintedBy(VendorSpecificParamRequest, "1 217 8\n"),
-              std::string(pcMenu) +
+              std::string(pcVendorSpecificParametersMenu) +
                   "Enter the VSA offset : Enter the Size of VSA Data to be Read : ");
     EXPECT_EQ(FakeDevice::Sent(), OneSent("10/1 | d9 00 08 00 00*9"));
 }
 
 TEST_F(VendorSpecificTest, AWriteAsksEachByteWithoutAPrompt) {
     EXPECT_EQ(PrintedBy(VendorSpecificParamRequest, "2 225 3 1 255 -1\n"),
-              std::string(pcMenu) +
+              std::string(pcVendorSpecificParametersMenu) +
                   "Enter the VSA offset : Enter the Size of VSA Data to Write : ");
     EXPECT_EQ(FakeDevice::Sent(), OneSent("10/3 | e1 00 03 00 01 ff ff 00"));
 }
@@ -63,7 +64,7 @@ TEST_F(VendorSpecificTest, AWriteOfNothingAsksNoByteAndSendsFive) {
 }
 
 TEST_F(VendorSpecificTest, ASizeRequestHasNoPayload) {
-    EXPECT_EQ(PrintedBy(VendorSpecificParamRequest, "3\n"), pcMenu);
+    EXPECT_EQ(PrintedBy(VendorSpecificParamRequest, "3\n"), pcVendorSpecificParametersMenu);
     EXPECT_EQ(FakeDevice::Sent(), OneSent("10/4"));
 }
 
@@ -100,16 +101,17 @@ TEST_F(VendorSpecificTest, AReadLargerThanAMessageIsCut) {
 TEST_F(VendorSpecificTest, ANegativeResultIsPrinted) {
     FakeDevice::SetSendResult(-5);
     EXPECT_EQ(PrintedBy(VendorSpecificParamRequest, "3\n"),
-              std::string(pcMenu) + "\nRECEIVED ERROR : -5\n");
+              std::string(pcVendorSpecificParametersMenu) + "\nRECEIVED ERROR : -5\n");
     FakeDevice::SetSendResult(5);
-    EXPECT_EQ(PrintedBy(VendorSpecificParamRequest, "3\n"), pcMenu);
+    EXPECT_EQ(PrintedBy(VendorSpecificParamRequest, "3\n"), pcVendorSpecificParametersMenu);
     EXPECT_EQ(FakeDevice::Sent().size(), 2U);
 }
 
 TEST_F(VendorSpecificTest, AnyOtherChoiceIsRefused) {
     for (const char *pcChoice : {"0\n", "4\n", "-1\n", "x\n"}) {
         EXPECT_EQ(PrintedBy(VendorSpecificParamRequest, pcChoice),
-                  std::string(pcMenu) + "\nSORRY! INVALID OPTION SELECTED!");
+                  std::string(pcVendorSpecificParametersMenu) +
+                      "\nSORRY! INVALID OPTION SELECTED!");
     }
     EXPECT_EQ(FakeDevice::Sent().size(), 0U);
 }
