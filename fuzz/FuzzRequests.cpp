@@ -1,11 +1,11 @@
 // Requests to the simulated modem, of any bytes; pauses let its time pass. What
 // is planned to be read is the file that requests name.
 #include "Files.h"
-#include "Modem.h"
 #include "Steps.h"
+#include "library/WholeModem.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *pucBytes, size_t uCount) {
-    Modem stModem(Scenario::BuiltIn());
+    WholeModem stModem(Scenario::BuiltIn());
     // A record of its own, so that every byte beside it is found.
     const auto pstRecord = std::make_unique<WiMAXMessage>();
     std::string strFile;

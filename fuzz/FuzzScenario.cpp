@@ -1,13 +1,13 @@
 // A scenario file of any bytes: it is refused with its reason, or a modem lives
 // in it for some seconds.
 #include "Files.h"
-#include "Modem.h"
+#include "library/WholeModem.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *pucBytes, size_t uCount) {
     const ModemFile stNoState("");
     try {
         const std::string strText(pucBytes, pucBytes + uCount);
-        Modem stModem(Scenario::FromText(strText, "scenario"));
+        WholeModem stModem(Scenario::FromText(strText, "scenario"));
         stModem.AdvanceTo(3 * i64Second);
         for (MessageBytes aucMessage; stModem.TakeMessage(&aucMessage);) {
         }

@@ -5,12 +5,12 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "BitWriter.h"
 #include "DiagnosticRecords.h"
 #include "LinkRecords.h"
 #include "MobilityRecords.h"
-#include "Modem.h"
 #include "ServiceFlowRecord.h"
+#include "air/BitWriter.h"
+#include "library/WholeModem.h"
 
 namespace {
 
@@ -134,7 +134,7 @@ class TracedModem {
                     u32Code, Get(stRecord, u32CID), Get(stRecord, u8CMACResult));
     }
 
-    Modem m_stModem;
+    WholeModem m_stModem;
     Capture &m_stCapture;
 };
 

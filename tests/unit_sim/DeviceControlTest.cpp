@@ -5,10 +5,10 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "Link.h"
 #include "ModemBench.h"
 #include "StationRecords.h"
 #include "TestScenarios.h"
+#include "link/Link.h"
 
 namespace {
 

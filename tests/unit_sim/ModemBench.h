@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "Modem.h"
+#include "library/WholeModem.h"
 
 class ModemBench {
   public:
@@ -32,7 +32,7 @@ class ModemBench {
     };
     void Collect();
 
-    Modem m_stModem;
+    WholeModem m_stModem;
     std::vector<Arrival> m_astArrivals;
 };
 

@@ -10,7 +10,7 @@ namespace {
 // What is said about a scenario; empty when nothing is wrong with it.
 std::string ReasonAgainst(const std::string &strScenario) {
     try {
-        const Modem stModem(Scenario::FromText(strScenario, "bad.toml"));
+        const WholeModem stModem(Scenario::FromText(strScenario, "bad.toml"));
         return "";
     } catch (const ScenarioError &stError) {
         return stError.what();
@@ -23,14 +23,14 @@ const std::string strStation = "[[station]]\nbsid = \"00120A010203\"\nfrequency 
 TEST(Scenario, EveryShippedOneIsGood) {
     int iCount = 0;
     for (const auto &stEntry : std::filesystem::directory_iterator(SCENARIO_DIRECTORY)) {
-        EXPECT_NO_THROW(Modem(Scenario::FromFile(stEntry.path()))) << stEntry.path();
+        EXPECT_NO_THROW(WholeModem(Scenario::FromFile(stEntry.path()))) << stEntry.path();
         ++iCount;
     }
     EXPECT_GE(iCount, 9);
 }
 
 TEST(Scenario, TheBuiltInOneHasStationsOnBothBandsOfThreeAccessProviders) {
-    Modem stModem(Scenario::BuiltIn());
+    WholeModem stModem(Scenario::BuiltIn());
     std::vector<uint32_t> au32NAPs;
     int iLow = 0;
     int iHigh = 0;
@@ -126,11 +126,11 @@ TEST(Scenario, AFileThatCannotBeReadIsReported) {
 }
 
 TEST(Scenario, OpensFailAsItSays) {
-    const Modem stLate(Scenario::FromText("[device]\nfailed-opens = 2\n", ""));
+    const WholeModem stLate(Scenario::FromText("[device]\nfailed-opens = 2\n", ""));
     EXPECT_FALSE(stLate.OpensAt(1));
     EXPECT_FALSE(stLate.OpensAt(2));
     EXPECT_TRUE(stLate.OpensAt(3));
-    const Modem stAbsent(Scenario::FromText("[device]\npresent = false\n", ""));
+    const WholeModem stAbsent(Scenario::FromText("[device]\npresent = false\n", ""));
     EXPECT_FALSE(stAbsent.OpensAt(1000));
 }
 
@@ -138,7 +138,7 @@ TEST(Scenario, OpensFailAsItSays) {
 
 TEST(Radio, SignalsVarySlowlyWithinTheirBounds) {
     const std::string strVarying = strStation + "variation = 5\nvariation-period = 4\n";
-    Modem stModem(Scenario::FromText(strVarying, ""));
+    WholeModem stModem(Scenario::FromText(strVarying, ""));
     const Station &stStation = stModem.Air().Stations().front();
     double fLeast = 0;
     double fMost = -200;
@@ -158,9 +158,9 @@ TEST(Radio, SignalsVarySlowlyWithinTheirBounds) {
 
 TEST(Radio, TheSameSeedGivesTheSameValuesAndAnotherOneOthers) {
     const std::string strVarying = strStation + "variation = 5\n";
-    Modem stFirst(Scenario::FromText("seed = 1\n" + strVarying, ""));
-    Modem stAgain(Scenario::FromText("seed = 1\n" + strVarying, ""));
-    Modem stOther(Scenario::FromText("seed = 2\n" + strVarying, ""));
+    WholeModem stFirst(Scenario::FromText("seed = 1\n" + strVarying, ""));
+    WholeModem stAgain(Scenario::FromText("seed = 1\n" + strVarying, ""));
+    WholeModem stOther(Scenario::FromText("seed = 2\n" + strVarying, ""));
     const auto RSSI = [](Modem &stModem) {
         return stModem.Air().Measure(stModem.Air().Stations().front(), 3 * i64Second).fRSSI;
     };

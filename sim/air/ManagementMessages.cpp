@@ -1,0 +1,806 @@
+#include "air/ManagementMessages.h"
+
+#include <algorithm>
+
+#include "MobilityRecords.h"
+#include "ServiceFlowRecord.h"
+#include "time/Random.h"
+
+namespace {
+
+// A parameter that is the same for all stations and modems.
+struct FixedTLV {
+    uint32_t u32Type;
+    uint32_t u32Width; // bytes
+    uint32_t u32Value;
+};
+
+void Put(BitWriter &stBody, std::span<const FixedTLV> astTLVs) {
+    for (const FixedTLV &stTLV : astTLVs) {
+        stBody.TLV(stTLV.u32Type, stTLV.u32Width, stTLV.u32Value);
+    }
+}
+
+// Convolutional turbo codes, as DCD and UCD number them, by ascending rate: the burst
+// profile's place is its DIUC, or its UIUC less 1.
+constexpr std::array<uint32_t, 6> au32BurstProfiles{13, 15, 16, 17, 18, 20};
+namespace BurstTLV {
+enum : uint32_t { Profile = 1, FEC = 150 };
+}
+
+// One frame of 5 ms: 29 symbols down, 18 up.
+constexpr uint32_t u32FrameDurationCode = 4;
+constexpr uint32_t u32DownlinkSymbols = 29;
+constexpr uint32_t u32UplinkSymbols = 18;
+
+namespace DCDTLV {
+enum : uint32_t {
+    EIRP = 2,
+    Frequency = 12,
+    BSID = 13,
+    MACVersion = 148,
+    PagingGroups = 35,
+};
+}
+constexpr uint32_t u32MACVersion = 5; // with mobility
+
+constexpr std::array astDCDParameters{
+    FixedTLV{7, 1, 148},   // gap from downlink to uplink, physical slots
+    FixedTLV{8, 1, 84},    // and back
+    FixedTLV{9, 2, 0xFFA6} // received power wanted for initial ranging, -90 dBm
+};
+constexpr std::array astDCDMobility{
+    FixedTLV{31, 1, 6},    // dB, to add a station
+    FixedTLV{32, 1, 10},   // and to give one up
+    FixedTLV{50, 1, 0x80}, // handover alone
+    FixedTLV{51, 1, 4},    // hysteresis, dB
+    FixedTLV{52, 1, 100}   // time to trigger, ms
+};
+
+namespace UCDTLV {
+enum : uint32_t {
+    Profile = 1,
+    Frequency = 5,
+    InitialCodes = 150,
+    PeriodicCodes = 151,
+    BandwidthRequestCodes = 152,
+    FirstCode = 155,
+    PermutationBase = 156,
+    FEC = 150,
+    RangingDataRatio = 151,
+    HandoverCodes = 194,
+};
+}
+// Backoff windows, as exponents of 2.
+constexpr uint32_t u32BackoffStart = 0;
+constexpr uint32_t u32BackoffEnd = 10;
+constexpr std::array astUCDParameters{
+    FixedTLV{2, 1, 8},                 // frames that a bandwidth request waits for its grant
+    FixedTLV{153, 1, u32BackoffStart}, // periodic ranging
+    FixedTLV{154, 1, u32BackoffEnd},
+};
+
+// What this modem can do; the station can do the same.
+constexpr std::array astCapabilities{
+    FixedTLV{1, 1, 0x02},       // full frequency division: not
+    FixedTLV{2, 2, 0x3232},     // transition gaps, 50 microseconds
+    FixedTLV{4, 1, 0x03},       // piggybacked requests, 3-bit fragment numbers
+    FixedTLV{3, 4, 0xD7D7D3CF}, // greatest powers for BPSK, QPSK, 16-QAM, 64-QAM
+    FixedTLV{26, 1, 0x4B},      // power saving classes
+    FixedTLV{150, 1, 0x18},     // 512 and 1024 carriers
+    FixedTLV{151, 1, 0x05},     // demodulator: 64-QAM, turbo codes
+    FixedTLV{152, 1, 0x05},     // modulator: the same
+    FixedTLV{154, 1, 0x01},     // permutations
+    FixedTLV{160, 1, 0x03},     // measurements
+};
+// PKM version 2, EAP at the first entry, CMAC.
+constexpr uint32_t u32SecurityNegotiation = 25;
+constexpr std::array astSecurityNegotiation{FixedTLV{1, 1, 0x02}, FixedTLV{2, 1, 0x02},
+                                            FixedTLV{3, 1, 0x02}};
+
+constexpr std::array astRegistration{
+    FixedTLV{2, 1, 0},    // no secondary management
+    FixedTLV{4, 1, 0x01}, // IP version 4
+    FixedTLV{6, 2, 8},    // uplink CIDs
+    FixedTLV{15, 2, 8},   // downlink CIDs
+    FixedTLV{10, 1, 0},   // ARQ
+    FixedTLV{27, 1, 1},   // handover
+    FixedTLV{31, 1, 0x07} // mobility: handover, sleep, idle
+};
+
+namespace RNGREQTLV {
+enum : uint32_t {
+    BurstProfile = 1,
+    MACAddress = 2,
+    ServingBSID = 5,
+    Purpose = 6,
+    MACVersion = 148,
+};
+}
+namespace RNGRSPTLV {
+enum : uint32_t {
+    Timing = 1,
+    Power = 2,
+    Frequency = 3,
+    Status = 4,
+    MACAddress = 8,
+    BasicCID = 9,
+    PrimaryCID = 10,
+    Optimisation = 21,
+    Code = 150,
+};
+}
+// SBC, authentication, address, time of day, file transfer, state and REG are left out.
+constexpr uint32_t u32FullOptimisation = 0x00FF;
+
+constexpr uint32_t u32AKSequence = 1;
+constexpr uint32_t u32PrimarySAID = 0x0100;
+constexpr uint32_t u32KeyLifetime = 43200; // seconds
+namespace PKMAttribute {
+enum : uint32_t {
+    TEK = 8,
+    KeyLifetime = 9,
+    KeySequence = 10,
+    SAID = 12,
+    TEKParameters = 13,
+    ErrorCode = 16,
+    SecurityCapabilities = 19,
+    CryptoSuite = 20,
+    SADescriptor = 23,
+    SAType = 24,
+    SecurityNegotiation = 25,
+    EAPPayload = 28,
+    Nonce = 29,
+    SAServiceType = 31,
+    FrameNumber = 32,
+    MSRandom = 33,
+    BSRandom = 34,
+
+    CMACDigest = 40,
+    AKID = 45,
+};
+}
+constexpr uint32_t u32AES = 0x020103; // CCM, with the keys encrypted by AES
+constexpr uint32_t u32UnauthorisedSAID = 2;
+
+constexpr uint32_t u32PagingGroup = 1;
+
+BitWriter U64(uint64_t u64Value) {
+    BitWriter stBytes;
+    stBytes.U32(static_cast<uint32_t>(u64Value >> 32)).U32(static_cast<uint32_t>(u64Value));
+    return stBytes;
+}
+
+uint32_t Clamped(double fValue, double fLeast, double fMost) {
+    return Rounded(std::clamp(fValue, fLeast, fMost));
+}
+
+// From -123 dBm on, as measurement reports carry it.
+uint32_t RSSICode(double fRSSI) { return Clamped(fRSSI + 123, 0, 83); }
+
+} // namespace
+
+uint32_t CINRCode(double fCINR) { return Clamped(fCINR + 10, 0, 63); }
+
+ByteView ViewOf(const std::array<uint8_t, 6> &aucBytes) {
+    return {aucBytes.data(), static_cast<uint32_t>(aucBytes.size())};
+}
+
+BitWriter DCDBody(const Station &stStation) {
+    BitWriter stBody;
+    stBody.U8(0).U8(stStation.u32DCDChangeCount);
+    stBody.TLV(DCDTLV::EIRP, 2, iStationEIRP);
+    Put(stBody, astDCDParameters);
+    stBody.TLV(DCDTLV::Frequency, 4, stStation.u32Frequency);
+    stBody.TLV(DCDTLV::BSID, ViewOf(stStation.aucBSID));
+    Put(stBody, astDCDMobility);
+    stBody.TLV(DCDTLV::PagingGroups, 2, u32PagingGroup);
+    stBody.TLV(DCDTLV::MACVersion, 1, u32MACVersion);
+    for (uint32_t i = 0; i < au32BurstProfiles.size(); ++i) {
+        BitWriter stProfile;
+        stProfile
+            .U8(i) // the DIUC
+            .TLV(BurstTLV::FEC, 1, au32BurstProfiles[i]);
+        stBody.TLV(BurstTLV::Profile, stProfile);
+    }
+    return stBody;
+}
+
+BitWriter UCDBody(const Station &stStation) {
+    BitWriter stBody;
+    stBody.U8(stStation.u32DCDChangeCount);
+    stBody.U8(u32BackoffStart).U8(u32BackoffEnd); // ranging
+    stBody.U8(u32BackoffStart).U8(u32BackoffEnd); // bandwidth requests
+    Put(stBody, astUCDParameters);
+    stBody.TLV(UCDTLV::Frequency, 4, stStation.u32Frequency)
+        .TLV(UCDTLV::InitialCodes, 1, RangingCodes::Initial.u32Count)
+        .TLV(UCDTLV::PeriodicCodes, 1, RangingCodes::Periodic.u32Count)
+        .TLV(UCDTLV::BandwidthRequestCodes, 1, RangingCodes::BandwidthRequest.u32Count)
+        .TLV(UCDTLV::FirstCode, 1, RangingCodes::Initial.u32First)
+        .TLV(UCDTLV::HandoverCodes, 1, RangingCodes::Handover.u32Count)
+        .TLV(UCDTLV::PermutationBase, 1, stStation.u32CellID & 0x7F);
+    for (uint32_t i = 0; i < au32BurstProfiles.size(); ++i) {
+        BitWriter stProfile;
+        stProfile
+            .U8(i + 1) // the UIUC
+            .TLV(UCDTLV::FEC, 1, au32BurstProfiles[i])
+            .TLV(UCDTLV::RangingDataRatio, 1, 0);
+        stBody.TLV(UCDTLV::Profile, stProfile);
+    }
+    return stBody;
+}
+
+BitWriter NBRADVBody(const Station &stStation, std::span<const Station *const> apstNeighbours) {
+    constexpr uint32_t u32DCDSettings = 1;
+    constexpr size_t uMost = UINT8_MAX;
+    BitWriter stBody;
+    stBody.U8(0); // nothing is skipped
+    stBody.U24(stStation.NAPID());
+    stBody.U8(static_cast<uint32_t>(std::min(apstNeighbours.size(), uMost)));
+    for (const Station *pstNeighbour :
+         apstNeighbours.first(std::min(apstNeighbours.size(), uMost))) {
+        BitWriter stSettings;
+        stSettings.TLV(DCDTLV::Frequency, 4, pstNeighbour->u32Frequency);
+        BitWriter stEntry;
+        stEntry
+            .U16(0) // physical layer as here
+            .Bytes(ViewOf(pstNeighbour->aucBSID).From(3))
+            .U8(pstNeighbour->u32Preamble)
+            .U8(u32FullOptimisation)
+            .U8(0x1F) // all scheduling services
+            .Bits(pstNeighbour->u32DCDChangeCount, 4)
+            .Bits(pstNeighbour->u32DCDChangeCount, 4)
+            .TLV(u32DCDSettings, stSettings);
+        stBody.U8(stEntry.View().u32Length).Bytes(stEntry.View());
+    }
+    return stBody;
+}
+
+BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame) {
+    BitWriter stBody;
+    stBody.U8(u32FrameDurationCode).U24(u32Frame);
+    stBody.U8(stStation.u32DCDChangeCount);
+    stBody.Bytes(ViewOf(stStation.aucBSID));
+    stBody.U8(u32DownlinkSymbols);
+    // A burst with the broadcast messages, one with the rest: DIUC, symbol offset,
+    // subchannel offset, boosting, symbols, subchannels, repetition.
+    stBody.Bits(0, 4).Bits(1, 8).Bits(0, 6).Bits(0, 3).Bits(4, 7).Bits(10, 6).Bits(1, 2);
+    stBody.Bits(2, 4).Bits(5, 8).Bits(0, 6).Bits(0, 3).Bits(24, 7).Bits(30, 6).Bits(0, 2);
+    return stBody.Pad();
+}
+
+BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants) {
+    constexpr uint32_t u32RangingRegion = 12;
+    constexpr uint32_t u32CDMAAllocation = 14;
+    constexpr uint32_t u32AllocationStart = 0x2A80; // physical slots behind the frame's start
+    BitWriter stBody;
+    stBody.U8(0).U8(stStation.u32DCDChangeCount).U32(u32AllocationStart).U8(u32UplinkSymbols);
+    if (stGrants.u32BasicCID) {
+        stBody.U16(*stGrants.u32BasicCID).Bits(3, 4).Bits(10, 10).Bits(0, 2);
+    }
+    // Symbol offset, subchannel offset, symbols, subchannels, method, dedicated.
+    for (const uint32_t u32Method : {0U, 2U}) { // initial; bandwidth requests and periodic
+        stBody.U16(WellKnownCID::Broadcast).Bits(u32RangingRegion, 4);
+        stBody.Bits(u32Method == 0 ? 0 : 2, 8).Bits(0, 7).Bits(u32Method == 0 ? 2 : 1, 7);
+        stBody.Bits(6, 7).Bits(u32Method, 2).Bits(0, 1);
+    }
+    if (stGrants.stCDMA) {
+        const RangingSignal &stSignal = *stGrants.stCDMA;
+        stBody.U16(WellKnownCID::InitialRanging).Bits(u32CDMAAllocation, 4);
+        stBody.Bits(6, 6).Bits(1, 4).Bits(0, 2).Bits(stSignal.u32Frame, 4);
+        stBody.U8(stSignal.u32Code)
+            .U8(stSignal.u32Symbol)
+            .Bits(stSignal.u32SubChannel, 7)
+            .Bits(0, 1);
+    }
+    return stBody.Pad();
+}
+
+BitWriter RNGREQBody(RangingPurpose ePurpose, const MACAddressBytes &aucMAC,
+                     const Station *pstFormer) {
+    BitWriter stBody;
+    stBody.U8(0);
+    stBody.TLV(RNGREQTLV::BurstProfile, 1, 0).TLV(RNGREQTLV::MACAddress, ViewOf(aucMAC));
+    if (ePurpose != RangingPurpose::Entry && pstFormer != nullptr) {
+        stBody.TLV(RNGREQTLV::ServingBSID, ViewOf(pstFormer->aucBSID));
+        stBody.TLV(RNGREQTLV::Purpose, 1, 1); // handover, or back from idle mode
+    }
+    return stBody.TLV(RNGREQTLV::MACVersion, 1, u32MACVersion);
+}
+
+BitWriter RNGRSPBody(const RangingSignal &stSignal, const Corrections &stCorrections,
+                     RangingStatus eStatus) {
+    BitWriter stCode;
+    stCode.Bits(stSignal.u32Symbol, 10).Bits(stSignal.u32SubChannel, 6);
+    stCode.Bits(stSignal.u32Code, 8).Bits(stSignal.u32Frame, 8);
+    BitWriter stBody;
+    stBody.U8(0)
+        .TLV(RNGRSPTLV::Timing, 4, static_cast<uint32_t>(stCorrections.iTiming))
+        .TLV(RNGRSPTLV::Power, 1, static_cast<uint32_t>(stCorrections.iPower))
+        .TLV(RNGRSPTLV::Frequency, 4, static_cast<uint32_t>(stCorrections.iFrequency))
+        .TLV(RNGRSPTLV::Status, 1, static_cast<uint32_t>(eStatus))
+        .TLV(RNGRSPTLV::Code, stCode);
+    return stBody;
+}
+
+BitWriter RNGRSPBody(RangingPurpose ePurpose, RangingStatus eStatus, const MACAddressBytes &aucMAC,
+                     uint32_t u32BasicCID, uint32_t u32PrimaryCID) {
+    BitWriter stBody;
+    stBody.U8(0)
+        .TLV(RNGRSPTLV::Status, 1, static_cast<uint32_t>(eStatus))
+        .TLV(RNGRSPTLV::MACAddress, ViewOf(aucMAC));
+    if (eStatus == RangingStatus::Success) {
+        stBody.TLV(RNGRSPTLV::BasicCID, 2, u32BasicCID)
+            .TLV(RNGRSPTLV::PrimaryCID, 2, u32PrimaryCID);
+        if (ePurpose != RangingPurpose::Entry) {
+            stBody.TLV(RNGRSPTLV::Optimisation, 2, u32FullOptimisation);
+        }
+    }
+    return stBody;
+}
+
+BitWriter SBCBody() {
+    BitWriter stSecurity;
+    Put(stSecurity, astSecurityNegotiation);
+    BitWriter stBody;
+    Put(stBody, astCapabilities);
+    return stBody.TLV(u32SecurityNegotiation, stSecurity);
+}
+
+BitWriter PKMBody(uint32_t u32Code, uint32_t u32Identifier, const KeyExchange &stKeys,
+                  uint32_t u32Frame, ByteView stEAP) {
+    using namespace PKMAttribute;
+    BitWriter stBody;
+    stBody.U8(u32Code).U8(u32Identifier);
+    const auto PutSuite = [](BitWriter &stTo) { stTo.TLV(CryptoSuite, 3, u32AES); };
+    const auto PutSATEK = [&](bool bWithMSRandom) {
+        if (bWithMSRandom) {
+            stBody.TLV(MSRandom, U64(stKeys.u64MSRandom));
+        }
+        stBody.TLV(BSRandom, U64(stKeys.u64BSRandom))
+            .TLV(KeySequence, 1, u32AKSequence)
+            .TLV(AKID, U64(stKeys.u64AKID));
+    };
+    const auto PutNegotiation = [&] {
+        BitWriter stSecurity;
+        Put(stSecurity, astSecurityNegotiation);
+        stBody.TLV(SecurityNegotiation, stSecurity);
+    };
+    const auto PutSAID = [&] {
+        stBody.TLV(KeySequence, 1, u32AKSequence).TLV(SAID, 2, u32PrimarySAID);
+    };
+    switch (u32Code) {
+    case PKMCode::EAPTransfer:
+        stBody.TLV(EAPPayload, stEAP);
+        break;
+    case PKMCode::SATEKChallenge:
+        PutSATEK(false);
+        stBody.TLV(KeyLifetime, 4, u32KeyLifetime);
+        break;
+    case PKMCode::SATEKRequest: {
+        PutSATEK(true);
+        BitWriter stCapabilities; // one suite, without the list around it that analysers trip over
+        PutSuite(stCapabilities);
+        stBody.TLV(SecurityCapabilities, stCapabilities);
+        PutNegotiation();
+        break;
+    }
+    case PKMCode::SATEKResponse: {
+        PutSATEK(true);
+        BitWriter stDescriptor;
+        stDescriptor.TLV(SAID, 2, u32PrimarySAID).TLV(SAType, 1, 0).TLV(SAServiceType, 1, 0);
+        PutSuite(stDescriptor);
+        stBody.TLV(FrameNumber, 3, u32Frame).TLV(SADescriptor, stDescriptor);
+        PutNegotiation();
+        break;
+    }
+    case PKMCode::KeyRequest:
+        PutSAID();
+        stBody.TLV(Nonce, U64(stKeys.u64Nonce));
+        break;
+    case PKMCode::KeyReply:
+        PutSAID();
+        for (uint32_t i = 0; i < std::size(stKeys.aaucTEK); ++i) {
+            BitWriter stParameters;
+            stParameters
+                .TLV(TEK, ByteView{stKeys.aaucTEK[i].data(),
+                                   static_cast<uint32_t>(stKeys.aaucTEK[i].size())})
+                .TLV(KeyLifetime, 4, u32KeyLifetime / 2 * (i + 1))
+                .TLV(KeySequence, 1, i);
+            stBody.TLV(TEKParameters, stParameters);
+        }
+        stBody.TLV(Nonce, U64(stKeys.u64Nonce));
+        break;
+    case PKMCode::KeyReject:
+        PutSAID();
+        stBody.TLV(ErrorCode, 1, u32UnauthorisedSAID).TLV(Nonce, U64(stKeys.u64Nonce));
+        break;
+    default:
+        break;
+    }
+    return stBody;
+}
+
+BitWriter EAPPacket(EAP::Code eCode, uint32_t u32Identifier, EAP::Step eStep, uint64_t u64Secret) {
+    constexpr uint32_t u32IdentityType = 1;
+    constexpr uint32_t u32KeyAgreementType = 23;
+    constexpr uint32_t u32ChallengeSubType = 1;
+    constexpr std::string_view strIdentity = "0310150123456789@wireless.example";
+    enum Attribute : uint32_t { Random = 1, Token = 2, Answer = 3, Authenticator = 11 };
+    ::Random stRandom(u64Secret, "eap");
+    BitWriter stData;
+    // Attributes count their length in words of four bytes.
+    const auto PutAttribute = [&](uint32_t u32Type, uint32_t u32Bytes, uint32_t u32Head) {
+        stData.U8(u32Type).U8((4 + u32Bytes) / 4).U16(u32Head);
+        for (uint32_t i = 0; i < u32Bytes; ++i) {
+            stData.U8(stRandom.Below(256));
+        }
+    };
+    if (eStep == EAP::Identity) {
+        stData.U8(u32IdentityType);
+        if (eCode == EAP::Response) {
+            for (const char cChar : strIdentity) {
+                stData.U8(static_cast<uint8_t>(cChar));
+            }
+        }
+    } else if (eStep == EAP::Challenge) {
+        stData.U8(u32KeyAgreementType).U8(u32ChallengeSubType).U16(0);
+        if (eCode == EAP::Request) {
+            PutAttribute(Random, 16, 0);
+            PutAttribute(Token, 16, 0);
+        } else {
+            PutAttribute(Answer, 8, 64); // bits
+        }
+        PutAttribute(Authenticator, 16, 0);
+    }
+    BitWriter stPacket;
+    stPacket.U8(eCode).U8(u32Identifier).U16(4 + stData.View().u32Length).Bytes(stData.View());
+    return stPacket;
+}
+
+BitWriter REGREQBody() {
+    BitWriter stBody;
+    Put(stBody, astRegistration);
+    return stBody;
+}
+
+BitWriter REGRSPBody(bool bAccepted) {
+    BitWriter stBody;
+    stBody.U8(bAccepted ? 0 : 1);
+    if (bAccepted) {
+        Put(stBody, astRegistration);
+    }
+    return stBody;
+}
+
+namespace {
+
+namespace DREGTLV {
+enum : uint32_t { PagingInformation = 1, PagingController = 3, Retain = 4, PagingCycle = 52 };
+}
+constexpr uint32_t u32RetainAll = 0x7F;
+constexpr uint32_t u32FramesPerSecond = 200;
+
+} // namespace
+
+BitWriter DREGREQBody(DeregistrationRequest eRequest, uint32_t u32PagingCycle) {
+    BitWriter stBody;
+    stBody.U8(eRequest);
+    if (eRequest == GoIdle) {
+        stBody.TLV(DREGTLV::PagingCycle, 2, u32PagingCycle * u32FramesPerSecond)
+            .TLV(DREGTLV::Retain, 1, u32RetainAll);
+    }
+    return stBody;
+}
+
+BitWriter DREGCMDBody(const Station &stStation, uint32_t u32Action, uint32_t u32PagingCycle) {
+    constexpr uint32_t u32GoIdle = 5;
+    BitWriter stBody;
+    stBody.U8(u32Action);
+    if (u32Action == u32GoIdle) {
+        BitWriter stPaging;
+        stPaging.U16(u32PagingCycle * u32FramesPerSecond).U8(0).U16(u32PagingGroup);
+        stBody.TLV(DREGTLV::PagingInformation, stPaging)
+            .TLV(DREGTLV::PagingController, ViewOf(stStation.aucBSID))
+            .TLV(DREGTLV::Retain, 1, u32RetainAll);
+    }
+    return stBody;
+}
+
+uint32_t MACAddressHash(const MACAddressBytes &aucMAC) {
+    constexpr uint32_t u32Polynomial = 0x864CFB;
+    constexpr uint32_t u32HighestBit = 0x800000;
+    uint32_t u32Hash = 0;
+    for (const uint8_t u8Byte : aucMAC) {
+        u32Hash ^= uint32_t{u8Byte} << 16;
+        for (uint32_t i = 0; i < 8; ++i) {
+            u32Hash = (u32Hash & u32HighestBit) != 0 ? u32Hash << 1 ^ u32Polynomial : u32Hash << 1;
+        }
+    }
+    return u32Hash & 0xFFFFFF;
+}
+
+BitWriter PAGADVBody(const MACAddressBytes *pstPaged) {
+    constexpr uint32_t u32EnterNetwork = 2;
+    BitWriter stBody;
+    stBody.U16(1).U16(u32PagingGroup);
+    stBody.U8(pstPaged != nullptr ? 1 : 0);
+    if (pstPaged != nullptr) {
+        stBody.U24(MACAddressHash(*pstPaged)).Bits(u32EnterNetwork, 2).Bits(0, 6);
+    }
+    return stBody;
+}
+
+namespace {
+
+constexpr uint32_t u32ReportRequest = 1;
+constexpr uint32_t u32ReportType = 1; // bit 2: CINR, bit 3: RSSI
+constexpr uint32_t u32WithCINRAndRSSI = 0x06;
+constexpr uint32_t u32Report = 1;
+namespace ReportTLV {
+enum : uint32_t { CINR = 4, RSSI = 5 };
+}
+
+} // namespace
+
+BitWriter REPREQBody() {
+    BitWriter stRequest;
+    stRequest.TLV(u32ReportType, 1, u32WithCINRAndRSSI);
+    BitWriter stBody;
+    return stBody.TLV(u32ReportRequest, stRequest);
+}
+
+// Mean and standard deviation, each one byte.
+BitWriter REPRSPBody(const Measurement &stMeasurement) {
+    constexpr double fMostDeviation = 29;
+    const auto Pair = [](uint32_t u32Mean, double fDeviation) {
+        return u32Mean << 8 | Clamped(fDeviation, 0, fMostDeviation);
+    };
+    BitWriter stReport;
+    stReport
+        .TLV(ReportTLV::CINR, 2, Pair(CINRCode(stMeasurement.fCINR), stMeasurement.fCINRDeviation))
+        .TLV(ReportTLV::RSSI, 2, Pair(RSSICode(stMeasurement.fRSSI), stMeasurement.fRSSIDeviation));
+    BitWriter stBody;
+    return stBody.TLV(u32Report, stReport);
+}
+
+BitWriter MSHOREQBody(const Station &stTarget, const Measurement &stMeasurement) {
+    constexpr uint32_t u32CINRAndRSSI = 0x03;
+    BitWriter stBody;
+    stBody.U8(u32CINRAndRSSI)
+        .U8(0) // stations by their place in the neighbour advertisement
+        .U8(1) // stations by their ID
+        .Bytes(ViewOf(stTarget.aucBSID))
+        .U8(stTarget.u32Preamble)
+        .U8(CINRCode(stMeasurement.fCINR))
+        .U8(RSSICode(stMeasurement.fRSSI))
+        .U8(2)      // all services expected
+        .Bits(0, 1) // no arrival time difference
+        .Bits(0, 3) // no stations of a diversity set
+        .Pad();
+    return stBody;
+}
+
+BitWriter BSHORSPBody(const Station &stTarget) {
+    constexpr uint32_t u32AllServices = 2;
+    constexpr uint32_t u32ActionTime = 2; // frames
+    BitWriter stBody;
+    stBody.Bits(0, 3)
+        .Bits(0, 5) // handover, as it was asked for
+        .Bits(0, 1) // recommended
+        .Bits(1, 1) // resources are kept
+        .Bits(0, 6)
+        .U8(1)
+        .Bytes(ViewOf(stTarget.aucBSID))
+        .U8(u32AllServices)
+        .U8(stTarget.u32Preamble)
+        .U8(u32FullOptimisation)
+        .Bits(0, 3)
+        .Pad()
+        .U8(u32ActionTime);
+    return stBody;
+}
+
+BitWriter HOINDBody(HandoverIndication eIndication, const Station &stTarget) {
+    BitWriter stBody;
+    stBody.Bits(0, 6).Bits(0, 2).Bits(eIndication, 2).Bits(0, 2).Bits(0, 4);
+    if (eIndication == ServingReleased) {
+        stBody.Bytes(ViewOf(stTarget.aucBSID));
+    }
+    return stBody;
+}
+
+namespace {
+
+bool Defines(ByteView stClass) {
+    const uint32_t u32Activity = Get(stClass, PSCDefinition::u8Activity);
+    return u32Activity == PSCDefinition::ActivityDefinition ||
+           u32Activity == PSCDefinition::ActivityDefinitionAndActivation;
+}
+
+bool Activates(ByteView stClass) {
+    const uint32_t u32Activity = Get(stClass, PSCDefinition::u8Activity);
+    return u32Activity == PSCDefinition::ActivityActivation ||
+           u32Activity == PSCDefinition::ActivityDefinitionAndActivation;
+}
+
+uint32_t CIDsOf(ByteView stClass) {
+    return std::min(Get(stClass, PSCDefinition::u32NumOfCIDs), PSCDefinition::MaxCIDs);
+}
+
+void PutCIDs(BitWriter &stBody, ByteView stClass, uint32_t u32Count) {
+    for (uint32_t i = 0; i < u32Count; ++i) {
+        stBody.U16(Get(stClass, PSCDefinition::au16CID, i * WidthOf(PSCDefinition::au16CID.eType)));
+    }
+}
+
+constexpr uint32_t u32SleepDelay = 2; // frames from the answer to the first window
+
+} // namespace
+
+BitWriter SLPREQBody(ByteView stClass, uint32_t u32Frame) {
+    using namespace PSCDefinition;
+    constexpr uint32_t u32MostCIDs = 7; // in three bits
+    BitWriter stBody;
+    stBody.U8(1);
+    stBody.Bits(Defines(stClass) ? 1 : 0, 1).Bits(Activates(stClass) ? 1 : 0, 1);
+    stBody.Bits(Get(stClass, u8PSCID), 6);
+    if (Activates(stClass)) {
+        stBody.Bits(u32Frame + u32SleepDelay, 6).Bits(0, 2);
+    }
+    if (Defines(stClass)) {
+        const uint32_t u32CIDs = std::min(CIDsOf(stClass), u32MostCIDs);
+        stBody.Bits(Get(stClass, u8PSCType), 2)
+            .Bits(Get(stClass, u8Direction), 2)
+            .Bits(Get(stClass, u8TTWF), 1)
+            .Bits(0, 3)
+            .U8(Get(stClass, u8InitialSleepWindow))
+            .U8(Get(stClass, u8ListenWindow))
+            .Bits(Get(stClass, u16FinalSleepWindowBase), 10)
+            .Bits(Get(stClass, u8FinalSleepWindowExp), 3)
+            .Bits(u32CIDs, 3);
+        PutCIDs(stBody, stClass, u32CIDs);
+    }
+    return stBody;
+}
+
+BitWriter SLPRSPBody(ByteView stClass, uint32_t u32Frame) {
+    using namespace PSCDefinition;
+    constexpr uint32_t u32MostCIDs = 15; // in four bits
+    BitWriter stData;
+    stData.Bits(Defines(stClass) ? 1 : 0, 1).Bits(Activates(stClass) ? 1 : 0, 1);
+    stData.Bits(Get(stClass, u8PSCID), 6);
+    if (Activates(stClass)) {
+        stData.Bits(u32Frame + u32SleepDelay, 6).Bits(0, 2);
+    }
+    if (Defines(stClass)) {
+        const uint32_t u32CIDs = std::min(CIDsOf(stClass), u32MostCIDs);
+        stData.Bits(Get(stClass, u8PSCType), 2)
+            .Bits(Get(stClass, u8Direction), 2)
+            .U8(Get(stClass, u8InitialSleepWindow))
+            .U8(Get(stClass, u8ListenWindow))
+            .Bits(Get(stClass, u16FinalSleepWindowBase), 10)
+            .Bits(Get(stClass, u8FinalSleepWindowExp), 3)
+            .Bits(Get(stClass, u8TIR), 1)
+            .Bits(Get(stClass, u8TTWF), 1)
+            .Bits(0, 1);
+        if (Get(stClass, u8TIR) != 0) {
+            stData.Bits(Get(stClass, u8PSCID), 10).Bits(0, 2);
+        }
+        stData.Bits(u32CIDs, 4);
+        PutCIDs(stData, stClass, u32CIDs);
+    }
+    stData.Pad();
+    BitWriter stBody;
+    stBody.U8(1).Bits(stData.View().u32Length, 7).Bits(1, 1).Bytes(stData.View());
+    return stBody;
+}
+
+BitWriter TRFINDBody(uint32_t u32SleepID) {
+    BitWriter stBody;
+    stBody.Bits(1, 1).Bits(1, 7).Bits(u32SleepID, 10).Pad();
+    return stBody;
+}
+
+namespace {
+
+namespace FlowTLV {
+enum : uint32_t {
+    SFID = 1,
+    CID = 2,
+    ServiceClassName = 3,
+    ParamSets = 5,
+    Priority = 6,
+    MostRate = 7,
+    LeastRate = 9,
+    Scheduling = 11,
+    Policy = 12,
+    Jitter = 13,
+    Latency = 14,
+    TargetSAID = 17,
+    ARQ = 18,
+    CS = 28,
+    Uplink = 145,
+    Downlink = 146,
+};
+}
+
+void PutFlow(BitWriter &stBody, const FlowParameters &stFlow, bool bWithParameters) {
+    using namespace SFParamSet;
+    BitWriter stTLVs;
+    if (stFlow.u32SFID != 0) {
+        stTLVs.TLV(FlowTLV::SFID, 4, stFlow.u32SFID);
+    }
+    if (stFlow.u32CID != 0) {
+        stTLVs.TLV(FlowTLV::CID, 2, stFlow.u32CID);
+    }
+    if (bWithParameters) {
+        const ByteView stSet = stFlow.stSet;
+        const uint32_t u32NameRoom = EndOf(au8ServiceClassName) + 32;
+        const uint32_t u32Name = std::min(Get(stSet, u8ServiceClassNameLength),
+                                          u32NameRoom - au8ServiceClassName.u16Offset);
+        if (u32Name > 1) {
+            stTLVs.TLV(FlowTLV::ServiceClassName,
+                       stSet.From(au8ServiceClassName.u16Offset, u32Name));
+        }
+        stTLVs.TLV(FlowTLV::ParamSets, 1, Get(stSet, u8QoSParamSetType))
+            .TLV(FlowTLV::Priority, 1, Get(stSet, u8TrafficPriority))
+            .TLV(FlowTLV::MostRate, 4, Get(stSet, u32MaxSustainedTrafficRate))
+            .TLV(FlowTLV::LeastRate, 4, Get(stSet, u32MinReservedTrafficRate))
+            .TLV(FlowTLV::Scheduling, 1, Get(stSet, u8SchedulingType))
+            .TLV(FlowTLV::Policy, 4, Get(stSet, u8RetransmissionPolicy))
+            .TLV(FlowTLV::Jitter, 4, Get(stSet, u32ToleratedJitter))
+            .TLV(FlowTLV::Latency, 4, Get(stSet, u32MaximumLatency))
+            .TLV(FlowTLV::TargetSAID, 2, u32PrimarySAID)
+            .TLV(FlowTLV::ARQ, 1, 0)
+            .TLV(FlowTLV::CS, 1, Get(stSet, u8CSSpecification));
+    }
+    stBody.TLV(stFlow.bUplink ? FlowTLV::Uplink : FlowTLV::Downlink, stTLVs);
+}
+
+} // namespace
+
+BitWriter DSxREQBody(uint32_t u32TransactionID, const FlowParameters &stFlow) {
+    BitWriter stBody;
+    stBody.U16(u32TransactionID);
+    PutFlow(stBody, stFlow, true);
+    return stBody;
+}
+
+BitWriter DSxRSPBody(uint32_t u32TransactionID, uint32_t u32Confirmation,
+                     const FlowParameters &stFlow) {
+    BitWriter stBody;
+    stBody.U16(u32TransactionID).U8(u32Confirmation);
+    if (u32Confirmation == 0) {
+        PutFlow(stBody, stFlow, false);
+    }
+    return stBody;
+}
+
+BitWriter DSXRVDBody(uint32_t u32TransactionID, uint32_t u32Confirmation) {
+    BitWriter stBody;
+    return stBody.U16(u32TransactionID).U8(u32Confirmation);
+}
+
+BitWriter DSDREQBody(uint32_t u32TransactionID, uint32_t u32SFID) {
+    BitWriter stBody;
+    return stBody.U16(u32TransactionID).U32(u32SFID);
+}
+
+BitWriter DSDRSPBody(uint32_t u32TransactionID, uint32_t u32Confirmation, uint32_t u32SFID) {
+    BitWriter stBody;
+    return stBody.U16(u32TransactionID).U8(u32Confirmation).U32(u32SFID);
+}
+
+void PutCMACTuple(BitWriter &stBody, uint32_t u32PacketNumber, uint64_t u64Digest) {
+    constexpr uint32_t u32CMACTuple = 141;
+    BitWriter stTuple;
+    stTuple.U8(u32AKSequence).U32(u32PacketNumber).Bytes(U64(u64Digest).View());
+    stBody.TLV(u32CMACTuple, stTuple);
+}
+
+void PutCMACAttribute(BitWriter &stBody, uint32_t u32PacketNumber, uint64_t u64Digest) {
+    BitWriter stDigest;
+    stDigest.U32(u32PacketNumber).Bytes(U64(u64Digest).View());
+    stBody.TLV(PKMAttribute::CMACDigest, stDigest);
+}

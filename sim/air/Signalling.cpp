@@ -1,0 +1,676 @@
+#include "air/Signalling.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+
+#include "LinkRecords.h"
+#include "ServiceFlowRecord.h"
+
+namespace {
+
+using enum LinkState;
+
+// Stages of the network entry, in their order.
+enum Stage : uint32_t { Ranging, Capabilities, Authentication, Registration, TrafficKeys };
+
+// CIDs: basic ones up to this one, then as many primary ones, then transport.
+constexpr uint32_t u32BasicCIDs = 511;
+
+constexpr double fWantedPower = -90; // dBm, at the station
+constexpr double fLeastPower = -40;
+constexpr double fMostPower = 23;
+constexpr auto iLeastPower = static_cast<int32_t>(fLeastPower * fQuarters);
+constexpr auto iMostPower = static_cast<int32_t>(fMostPower * fQuarters);
+// So far the station's corrections may take the modem from its own measurement.
+constexpr int32_t iMostCorrection = 32; // quarter dB
+
+constexpr uint32_t u32ModemTransactions = 0x0000;
+constexpr uint32_t u32StationTransactions = 0x8000;
+constexpr uint32_t u32CodesWithoutAnswer = 4;
+
+constexpr uint32_t u32DREGGoIdle = 5;
+constexpr uint32_t u32DREGTerminate = 4;
+
+bool IsManagement(const Connection &stConnection) { return stConnection.u32SFID == 0; }
+
+} // namespace
+
+Signalling::Signalling(const Section &stRoot, uint64_t u64Seed, Scheduler &stClock, Radio &stAir,
+                       const Attachment &stAt, const Options &stOptions,
+                       const MACAddressBytes &aucAddress)
+    : m_stClock(stClock), m_stAir(stAir), m_stAt(stAt), m_stOptions(stOptions),
+      m_aucAddress(aucAddress), m_stRandom(u64Seed, "signalling"), m_stStep(stClock),
+      m_stMaps(stClock), m_stDescriptors(stClock), m_stNeighbours(stClock), m_stPaging(stClock),
+      m_stRanging(stClock), m_stReport(stClock) {
+    const Section stSettings = stRoot.Table("signalling");
+    const auto ReadPeriod = [&](const char *pcKey, double fDefault) {
+        return stSettings.Seconds(pcKey, 0.005, 1e6, fDefault);
+    };
+    m_iMapPeriod = ReadPeriod("map-period", 1);
+    m_iDescriptorPeriod = ReadPeriod("descriptor-period", 5);
+    m_iNeighbourPeriod = ReadPeriod("neighbour-period", 10);
+    m_iRangingPeriod = ReadPeriod("ranging-period", 2);
+    m_iReportPeriod = ReadPeriod("report-period", 10);
+    m_fCMACFailures = stSettings.Number("cmac-failures", 0, 0.9, 0);
+}
+
+void Signalling::Start() {
+    m_apfnSteps.clear();
+    m_stStep.Stop();
+    m_pstTarget = nullptr;
+    m_bToldToIdle = false;
+    m_astConnections.clear();
+    m_iPower = 0;
+    m_iOpenLoopPower = 0;
+    if (m_stAt.Registered()) {
+        AdjustOpenLoop(*m_stAt.pstServing);
+        MakeConnections();
+        m_pstFormer = m_stAt.pstServing;
+    }
+    FollowState();
+}
+
+uint32_t Signalling::Frame() const {
+    return static_cast<uint32_t>(m_stClock.Now() / i64Frame) & u32FrameNumberMask;
+}
+
+void Signalling::WantBroadcasts(bool bWanted) {
+    if (m_bBroadcastsWanted != bWanted) {
+        m_bBroadcastsWanted = bWanted;
+        FollowState();
+    }
+}
+
+// One after the other.
+
+void Signalling::Later(Step pfnStep) {
+    m_apfnSteps.push_back(std::move(pfnStep));
+    if (!m_stStep.Running()) {
+        const ModemTime iWait = m_iLastStep + i64Frame - m_stClock.Now();
+        m_stStep.Start(std::max<ModemTime>(iWait, 0), [this] { NextStep(); });
+    }
+}
+
+void Signalling::NextStep() {
+    if (m_apfnSteps.empty()) {
+        return;
+    }
+    const Step pfnStep = std::move(m_apfnSteps.front());
+    m_apfnSteps.pop_front();
+    m_iLastStep = m_stClock.Now();
+    pfnStep();
+    if (!m_apfnSteps.empty()) {
+        m_stStep.Start(i64Frame, [this] { NextStep(); });
+    }
+}
+
+void Signalling::Say(uint32_t u32Code, bool bUplink, uint32_t u32CID, BitWriter stBody,
+                     Protection eProtection) {
+    const BitWriter stBare = stBody;
+    bool bGood = eProtection != Protection::None;
+    if (bGood) {
+        const uint32_t u32PacketNumber = ++m_au32PacketNumber[bUplink ? 1 : 0];
+        const ByteView stBytes = stBody.View();
+        const std::string_view strBytes{reinterpret_cast<const char *>(stBytes.pucData),
+                                        stBytes.u32Length};
+        uint64_t u64Digest = SeedFor(m_stKeys.u64AKID + u32PacketNumber, strBytes);
+        bGood = bUplink || !m_stRandom.Chance(m_fCMACFailures);
+        if (!bGood) {
+            u64Digest = ~u64Digest;
+        }
+        if (eProtection == Protection::Tuple) {
+            PutCMACTuple(stBody, u32PacketNumber, u64Digest);
+        } else {
+            PutCMACAttribute(stBody, u32PacketNumber, u64Digest);
+        }
+    }
+    const ManagementMessage stMessage{Frame(), u32Code, bUplink, u32CID, bGood, stBody.Take()};
+    for (const auto &pfnObserver : m_apfnOnMessage) {
+        pfnObserver(stMessage);
+    }
+    if (eProtection != Protection::None && !bGood) {
+        // The modem drops it, and the station says it again.
+        m_apfnSteps.push_front([this, u32Code, bUplink, u32CID, stBare, eProtection] {
+            Say(u32Code, bUplink, u32CID, stBare, eProtection);
+        });
+    }
+}
+
+void Signalling::SayLater(uint32_t u32Code, bool bUplink, uint32_t u32CID, BitWriter stBody,
+                          Protection eProtection) {
+    Later([this, u32Code, bUplink, u32CID, stBody = std::move(stBody), eProtection] {
+        Say(u32Code, bUplink, u32CID, stBody, eProtection);
+    });
+}
+
+// Following the link.
+
+void Signalling::Follow(const LinkChange &stChange) {
+    const bool bStageDone = stChange.eBefore == Entering && stChange.eAfter == Entering;
+    if (bStageDone) {
+        FinishStage(stChange.u32StagesDone - 1);
+        if (stChange.u32StagesDone < u32EntryStages) {
+            BeginStage(stChange.u32StagesDone);
+        }
+        return;
+    }
+    const Station *pstServing = m_stAt.pstServing;
+    if (stChange.eBefore == Synchronising && stChange.eAfter == Synchronised) {
+        Later([this, pstServing] {
+            Say(MessageCode::DLMAP, bDown, WellKnownCID::Broadcast,
+                DLMAPBody(*pstServing, Frame()));
+        });
+        SayDescriptors();
+        SayLater(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast, ULMAPBody(*pstServing, {}));
+    } else if (stChange.eAfter == Entering) {
+        BeginStage(Ranging);
+    } else if (stChange.eAfter == EnteringIdle) {
+        SayLater(MessageCode::DREGREQ, bUp, m_u32BasicCID,
+                 DREGREQBody(m_bToldToIdle ? GoesAsTold : GoIdle, PagingCycle()),
+                 Protection::Tuple);
+    } else if (stChange.eBefore == EnteringIdle && stChange.eAfter == Idle) {
+        if (!m_bToldToIdle) {
+            SayLater(MessageCode::DREGCMD, bDown, m_u32BasicCID,
+                     DREGCMDBody(*pstServing, u32DREGGoIdle, PagingCycle()), Protection::Tuple);
+        }
+        m_bToldToIdle = false;
+        m_pstFormer = pstServing;
+        std::erase_if(m_astConnections, IsManagement);
+    } else if (stChange.eAfter == LeavingIdle) {
+        Range(*pstServing, RangingPurpose::IdleReentry);
+    } else if (stChange.eBefore == LeavingIdle && stChange.eAfter == LinkUp) {
+        Later([this] { AnswerRNGREQ(RangingPurpose::IdleReentry); });
+    }
+    m_pstTarget = nullptr;
+    if (!m_stAt.Registered() && m_stAt.eState != Entering) {
+        m_astConnections.clear();
+    }
+    FollowState();
+}
+
+void Signalling::FollowState() {
+    for (Timer *pstTimer :
+         {&m_stMaps, &m_stDescriptors, &m_stNeighbours, &m_stPaging, &m_stRanging, &m_stReport}) {
+        pstTimer->Stop();
+    }
+    const bool bListens =
+        m_stAt.IsAnyOf({Synchronised, Entering, LinkUp, EnteringIdle, LeavingIdle});
+    if (bListens && m_bBroadcastsWanted) {
+        Broadcast(m_stMaps, m_iMapPeriod, &Signalling::SayMaps);
+        Broadcast(m_stDescriptors, m_iDescriptorPeriod, &Signalling::SayDescriptors);
+        Broadcast(m_stNeighbours, m_iNeighbourPeriod, &Signalling::SayNeighbours);
+    }
+    if (m_stAt.eState == Idle && m_bBroadcastsWanted) {
+        // One frame behind the one in which this modem would be paged.
+        const ModemTime iCycle = std::max<ModemTime>(PagingCycle(), 1) * i64Second;
+        m_stPaging.Start(iCycle - m_stClock.Now() % iCycle + i64Frame, [this] { SayPaging(); });
+    }
+    if (m_stAt.eState == LinkUp) {
+        m_stRanging.Start(m_iRangingPeriod, [this] { RangePeriodically(); });
+        m_stReport.Start(m_iReportPeriod, [this] { Report(); });
+    }
+}
+
+uint32_t Signalling::PagingCycle() const { return m_stOptions.Value(Options::PagingCycle); }
+
+void Signalling::BeginStage(uint32_t u32Stage) {
+    switch (u32Stage) {
+    case Ranging:
+        m_au32PacketNumber[0] = m_au32PacketNumber[1] = 0;
+        Range(*m_stAt.pstServing, RangingPurpose::Entry);
+        break;
+    case Capabilities:
+        SayLater(MessageCode::SBCREQ, bUp, m_u32BasicCID, SBCBody());
+        break;
+    case Authentication:
+        Authenticate();
+        break;
+    case Registration:
+        SayLater(MessageCode::REGREQ, bUp, m_u32PrimaryCID, REGREQBody(), Protection::Tuple);
+        break;
+    case TrafficKeys:
+        Later([this] {
+            m_stKeys.u64Nonce = m_stRandom.Next();
+            ++m_u32PKMIdentifier;
+            SayPKM(bUp, PKMCode::KeyRequest, Protection::Attribute);
+        });
+        break;
+    default:
+        break;
+    }
+}
+
+void Signalling::FinishStage(uint32_t u32Stage) {
+    switch (u32Stage) {
+    case Ranging:
+        MakeConnections();
+        Later([this] { AnswerRNGREQ(RangingPurpose::Entry); });
+        break;
+    case Capabilities:
+        SayLater(MessageCode::SBCRSP, bDown, m_u32BasicCID, SBCBody());
+        break;
+    case Authentication:
+        SayKeyExchange();
+        break;
+    case Registration:
+        SayLater(MessageCode::REGRSP, bDown, m_u32PrimaryCID, REGRSPBody(true), Protection::Tuple);
+        break;
+    case TrafficKeys:
+        Later([this] {
+            for (auto &aucTEK : m_stKeys.aaucTEK) {
+                for (uint8_t &u8Byte : aucTEK) {
+                    u8Byte = static_cast<uint8_t>(m_stRandom.Below(256));
+                }
+            }
+            SayPKM(bDown, PKMCode::KeyReply, Protection::Attribute);
+        });
+        break;
+    default:
+        break;
+    }
+}
+
+// The station's refusal, where it says one: the missing of an answer is one, too.
+void Signalling::FailStage(uint32_t u32Reason) {
+    switch (u32Reason) {
+    case LinkReason::RangingFailure:
+        if (m_stAt.pstServing->u32EntryFailure == u32Reason) {
+            SayLater(MessageCode::RNGRSP, bDown, WellKnownCID::InitialRanging,
+                     RNGRSPBody(RangingPurpose::Entry, RangingStatus::Abort, m_aucAddress, 0, 0));
+        }
+        break;
+    case LinkReason::PKMFailure:
+        Later([this] {
+            const BitWriter stFailure = EAPPacket(EAP::Failure, m_u32PKMIdentifier, EAP::Result, 0);
+            SayPKM(bDown, PKMCode::EAPTransfer, Protection::None, stFailure.View());
+        });
+        break;
+    case LinkReason::RegistrationFailure:
+        SayLater(MessageCode::REGRSP, bDown, m_u32PrimaryCID, REGRSPBody(false), Protection::Tuple);
+        break;
+    case LinkReason::SATEKFailure:
+        Later([this] { SayPKM(bDown, PKMCode::KeyReject, Protection::Attribute); });
+        break;
+    default:
+        break;
+    }
+}
+
+// Ranging and power.
+
+void Signalling::Range(const Station &stStation, RangingPurpose ePurpose) {
+    const CodeGroup &stGroup =
+        ePurpose == RangingPurpose::Handover ? RangingCodes::Handover : RangingCodes::Initial;
+    Later([this, &stStation, &stGroup] {
+        AdjustOpenLoop(stStation);
+        SendCode(stGroup, RangingKind::Initial);
+    });
+    const bool bHeard = m_stAir.StrongEnoughToEnter(stStation, m_stClock.Now());
+    if (!bHeard) {
+        for (uint32_t i = 1; i < u32CodesWithoutAnswer; ++i) {
+            Later([this, &stGroup] { SendCode(stGroup, RangingKind::Initial); });
+        }
+        return;
+    }
+    if (ePurpose == RangingPurpose::Entry) {
+        Later([this] { AnswerCode(RangingStatus::Continue); });
+        Later([this, &stGroup] { SendCode(stGroup, RangingKind::Initial); });
+    }
+    Later([this] { AnswerCode(RangingStatus::Success); });
+    Later([this, &stStation] {
+        Say(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast,
+            ULMAPBody(stStation, {m_stSignal, std::nullopt}));
+    });
+    // The station that the modem comes from still knows its keys.
+    const Station *pstFormer =
+        ePurpose == RangingPurpose::Handover ? m_stAt.pstServing : m_pstFormer;
+    SayLater(MessageCode::RNGREQ, bUp, WellKnownCID::InitialRanging,
+             RNGREQBody(ePurpose, m_aucAddress, pstFormer),
+             ePurpose == RangingPurpose::Entry ? Protection::None : Protection::Tuple);
+}
+
+void Signalling::SendCode(const CodeGroup &stGroup, RangingKind eKind) {
+    const bool bEarly = &stGroup == &RangingCodes::Initial || &stGroup == &RangingCodes::Handover;
+    m_stSignal = {Frame(), stGroup.u32First + m_stRandom.Below(stGroup.u32Count),
+                  m_stRandom.Below(RangingCodes::u32SubChannels),
+                  bEarly ? m_stRandom.Below(RangingCodes::u32EarlySymbols)
+                         : RangingCodes::u32LateSymbol};
+    for (const auto &pfnObserver : m_apfnOnRanging) {
+        pfnObserver(eKind, m_stSignal);
+    }
+}
+
+// The station measures timing, power and frequency; what is still wrong becomes less
+// with every answer.
+void Signalling::AnswerCode(RangingStatus eStatus) {
+    const uint32_t u32Spread = eStatus == RangingStatus::Continue ? 8 : 1;
+    const auto Error = [&](uint32_t u32Steps) {
+        return static_cast<int32_t>(m_stRandom.Below(2 * u32Steps + 1)) -
+               static_cast<int32_t>(u32Steps);
+    };
+    Corrections stCorrections{Error(4 * u32Spread), Error(u32Spread), Error(30 * u32Spread)};
+    const int32_t iPower = std::clamp(m_iPower + stCorrections.iPower,
+                                      std::max(iLeastPower, m_iOpenLoopPower - iMostCorrection),
+                                      std::min(iMostPower, m_iOpenLoopPower + iMostCorrection));
+    stCorrections.iPower = iPower - m_iPower;
+    Say(MessageCode::RNGRSP, bDown, WellKnownCID::InitialRanging,
+        RNGRSPBody(m_stSignal, stCorrections, eStatus));
+    if (stCorrections.iPower != 0) {
+        m_iPower = iPower;
+        for (const auto &pfnObserver : m_apfnOnPower) {
+            pfnObserver({true, stCorrections.iPower, 1, Frame(), m_iPower});
+        }
+    }
+}
+
+void Signalling::AdjustOpenLoop(const Station &stStation) {
+    const double fRSSI = m_stAir.Measure(stStation, m_stClock.Now()).fRSSI;
+    const double fPathLoss = iStationEIRP - fRSSI;
+    const double fPower =
+        std::clamp(fWantedPower + fPathLoss - m_stAir.TransmitGain(), fLeastPower, fMostPower);
+    const auto iWanted = static_cast<int32_t>(std::lround(fPower * fQuarters));
+    const int32_t iPower =
+        std::clamp(m_iPower + iWanted - m_iOpenLoopPower, iLeastPower, iMostPower);
+    const int32_t iAdjustment = iPower - m_iPower;
+    m_iOpenLoopPower = iWanted;
+    if (iAdjustment == 0) {
+        return;
+    }
+    m_iPower = iPower;
+    for (const auto &pfnObserver : m_apfnOnPower) {
+        pfnObserver({false, iAdjustment, 0, Frame(), m_iPower});
+    }
+}
+
+void Signalling::AnswerRNGREQ(RangingPurpose ePurpose) {
+    if (ePurpose != RangingPurpose::Entry) {
+        MakeConnections();
+    }
+    Say(MessageCode::RNGRSP, bDown, WellKnownCID::InitialRanging,
+        RNGRSPBody(ePurpose, RangingStatus::Success, m_aucAddress, m_u32BasicCID, m_u32PrimaryCID),
+        ePurpose == RangingPurpose::Entry ? Protection::None : Protection::Tuple);
+}
+
+void Signalling::RangePeriodically() {
+    m_stRanging.Start(m_iRangingPeriod, [this] { RangePeriodically(); });
+    Later([this] {
+        if (m_stAt.eState == LinkUp) {
+            AdjustOpenLoop(*m_stAt.pstServing);
+        }
+        SendCode(RangingCodes::Periodic, RangingKind::Periodic);
+    });
+    Later([this] { AnswerCode(RangingStatus::Success); });
+}
+
+void Signalling::Report() {
+    m_stReport.Start(m_iReportPeriod, [this] { Report(); });
+    SayLater(MessageCode::REPREQ, bDown, m_u32BasicCID, REPREQBody());
+    Later([this] {
+        if (m_stAt.eState == LinkUp) {
+            Say(MessageCode::REPRSP, bUp, m_u32BasicCID,
+                REPRSPBody(m_stAir.Measure(*m_stAt.pstServing, m_stClock.Now())));
+        }
+    });
+}
+
+void Signalling::MakeConnections() {
+    m_u32BasicCID = 1 + m_stRandom.Below(u32BasicCIDs);
+    m_u32PrimaryCID = m_u32BasicCID + u32BasicCIDs;
+    std::vector<Connection> astFlows;
+    std::swap(astFlows, m_astConnections);
+    std::erase_if(astFlows, IsManagement);
+    for (const uint32_t u32CID : {m_u32BasicCID, m_u32PrimaryCID}) {
+        Connect(u32CID, bDown, 0, 0);
+    }
+    for (const Connection &stFlow : astFlows) {
+        Connect(stFlow.u32CID, stFlow.bUplink, stFlow.u32SFID, stFlow.u32SchedulingType);
+        FlowGranted(stFlow.u32SFID, stFlow.u32Grant);
+    }
+}
+
+void Signalling::Connect(uint32_t u32CID, bool bUplink, uint32_t u32SFID,
+                         uint32_t u32SchedulingType) {
+    // The lowest number that is free: connections go in any order.
+    uint32_t u32VCID = 1;
+    const auto IsTaken = [&](const Connection &stOne) { return stOne.u32VCID == u32VCID; };
+    while (std::any_of(m_astConnections.begin(), m_astConnections.end(), IsTaken)) {
+        ++u32VCID;
+    }
+    m_astConnections.push_back({u32VCID, u32CID, bUplink, false, u32SFID, u32SchedulingType});
+    const Connection stConnection = m_astConnections.back();
+    for (const auto &pfnObserver : m_apfnOnConnection) {
+        pfnObserver(stConnection);
+    }
+}
+
+// Keys.
+
+void Signalling::SayPKM(bool bUplink, uint32_t u32Code, Protection eProtection, ByteView stEAP) {
+    Say(bUplink ? MessageCode::PKMREQ : MessageCode::PKMRSP, bUplink, m_u32PrimaryCID,
+        PKMBody(u32Code, m_u32PKMIdentifier, m_stKeys, Frame(), stEAP), eProtection);
+}
+
+void Signalling::Authenticate() {
+    Later([this] {
+        ++m_u32PKMIdentifier;
+        m_stKeys.u64Nonce = m_stRandom.Next();
+        SayPKM(bUp, PKMCode::EAPStart, Protection::None);
+    });
+    struct Transfer {
+        bool bUplink;
+        EAP::Code eCode;
+        EAP::Step eStep;
+    };
+    constexpr Transfer astTransfers[] = {
+        {bDown, EAP::Request, EAP::Identity},
+        {bUp, EAP::Response, EAP::Identity},
+        {bDown, EAP::Request, EAP::Challenge},
+        {bUp, EAP::Response, EAP::Challenge},
+    };
+    for (const Transfer &stTransfer : astTransfers) {
+        Later([this, stTransfer] {
+            if (stTransfer.bUplink == bDown) {
+                ++m_u32PKMIdentifier;
+            }
+            const BitWriter stEAP = EAPPacket(stTransfer.eCode, m_u32PKMIdentifier,
+                                              stTransfer.eStep, m_stRandom.Next());
+            SayPKM(stTransfer.bUplink, PKMCode::EAPTransfer, Protection::None, stEAP.View());
+        });
+    }
+}
+
+void Signalling::SayKeyExchange() {
+    Later([this] {
+        const BitWriter stSuccess = EAPPacket(EAP::Success, m_u32PKMIdentifier, EAP::Result, 0);
+        SayPKM(bDown, PKMCode::EAPTransfer, Protection::None, stSuccess.View());
+    });
+    Later([this] {
+        ++m_u32PKMIdentifier;
+        m_stKeys.u64AKID = m_stRandom.Next();
+        m_stKeys.u64BSRandom = m_stRandom.Next();
+        SayPKM(bDown, PKMCode::SATEKChallenge, Protection::Attribute);
+    });
+    Later([this] {
+        m_stKeys.u64MSRandom = m_stRandom.Next();
+        SayPKM(bUp, PKMCode::SATEKRequest, Protection::Attribute);
+    });
+    Later([this] { SayPKM(bDown, PKMCode::SATEKResponse, Protection::Attribute); });
+}
+
+// Broadcasts.
+
+void Signalling::Broadcast(Timer &stTimer, ModemTime iPeriod, void (Signalling::*pfnSay)()) {
+    stTimer.Start(iPeriod - m_stClock.Now() % iPeriod, [this, &stTimer, iPeriod, pfnSay] {
+        (this->*pfnSay)();
+        Broadcast(stTimer, iPeriod, pfnSay);
+    });
+}
+
+void Signalling::SayMaps() {
+    const Station &stStation = *m_stAt.pstServing;
+    Say(MessageCode::DLMAP, bDown, WellKnownCID::Broadcast, DLMAPBody(stStation, Frame()));
+    Grants stGrants;
+    if (m_stAt.eState == LinkUp) {
+        stGrants.u32BasicCID = m_u32BasicCID;
+    }
+    Say(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast, ULMAPBody(stStation, stGrants));
+}
+
+void Signalling::SayDescriptors() {
+    const Station &stStation = *m_stAt.pstServing;
+    SayLater(MessageCode::DCD, bDown, WellKnownCID::FragmentableBroadcast, DCDBody(stStation));
+    SayLater(MessageCode::UCD, bDown, WellKnownCID::FragmentableBroadcast, UCDBody(stStation));
+}
+
+void Signalling::SayNeighbours() {
+    const Station &stServing = *m_stAt.pstServing;
+    std::vector<const Station *> apstNeighbours;
+    for (const Station &stStation : m_stAir.Stations()) {
+        if (&stStation != &stServing && stStation.bOnAir &&
+            stStation.NAPID() == stServing.NAPID()) {
+            apstNeighbours.push_back(&stStation);
+        }
+    }
+    SayLater(MessageCode::NBRADV, bDown, WellKnownCID::Broadcast,
+             NBRADVBody(stServing, apstNeighbours));
+}
+
+void Signalling::SayPaging() {
+    SayLater(MessageCode::PAGADV, bDown, WellKnownCID::Broadcast, PAGADVBody(nullptr));
+    FollowState();
+}
+
+// What others say.
+
+void Signalling::Leaving(uint32_t u32Reason, uint32_t u32DREGAction) {
+    m_apfnSteps.clear();
+    const bool bActive = m_stAt.IsAnyOf({LinkUp, EnteringIdle, LeavingIdle});
+    if (m_stAt.eState == Entering) {
+        FailStage(u32Reason);
+    } else if (u32Reason == LinkReason::DREGReceived) {
+        DREGReceived(u32DREGAction);
+    } else if (u32Reason == LinkReason::ResetReceived) {
+        SayLater(MessageCode::RESCMD, bDown, m_u32BasicCID, {}, Protection::Tuple);
+    } else if (bActive && (u32Reason == LinkReason::LinkDownHostInitiated ||
+                           u32Reason == LinkReason::ShutdownReceivedCommand)) {
+        SayLater(MessageCode::DREGREQ, bUp, m_u32BasicCID, DREGREQBody(Deregister, PagingCycle()),
+                 Protection::Tuple);
+        SayLater(MessageCode::DREGCMD, bDown, m_u32BasicCID,
+                 DREGCMDBody(*m_stAt.pstServing, u32DREGTerminate, PagingCycle()),
+                 Protection::Tuple);
+    }
+}
+
+void Signalling::DREGReceived(uint32_t u32Action) {
+    m_bToldToIdle = u32Action == u32DREGGoIdle;
+    SayLater(MessageCode::DREGCMD, bDown, m_u32BasicCID,
+             DREGCMDBody(*m_stAt.pstServing, u32Action, PagingCycle()), Protection::Tuple);
+}
+
+void Signalling::Paged() {
+    SayLater(MessageCode::PAGADV, bDown, WellKnownCID::Broadcast, PAGADVBody(&m_aucAddress));
+}
+
+void Signalling::HandoverBegins(const Station &stTarget) {
+    m_pstTarget = &stTarget;
+    SayLater(MessageCode::MSHOREQ, bUp, m_u32BasicCID,
+             MSHOREQBody(stTarget, m_stAir.Measure(stTarget, m_stClock.Now())), Protection::Tuple);
+    SayLater(MessageCode::BSHORSP, bDown, m_u32BasicCID, BSHORSPBody(stTarget), Protection::Tuple);
+    SayLater(MessageCode::HOIND, bUp, m_u32BasicCID, HOINDBody(ServingReleased, stTarget),
+             Protection::Tuple);
+    Range(stTarget, RangingPurpose::Handover);
+}
+
+void Signalling::HandoverRangingRepeated() {
+    if (m_pstTarget != nullptr) {
+        Later([this] { SendCode(RangingCodes::Handover, RangingKind::Initial); });
+    }
+}
+
+void Signalling::HandoverEnds(bool bSuccess) {
+    if (m_pstTarget == nullptr) {
+        return;
+    }
+    if (bSuccess) {
+        Later([this] { AnswerRNGREQ(RangingPurpose::Handover); });
+    } else {
+        m_apfnSteps.clear();
+        SayLater(MessageCode::HOIND, bUp, m_u32BasicCID, HOINDBody(Cancelled, *m_pstTarget),
+                 Protection::Tuple);
+    }
+    m_pstTarget = nullptr;
+}
+
+void Signalling::SleepAgreed(ByteView stClass) {
+    SayLater(MessageCode::SLPREQ, bUp, m_u32BasicCID, SLPREQBody(stClass, Frame()),
+             Protection::Tuple);
+    SayLater(MessageCode::SLPRSP, bDown, m_u32BasicCID, SLPRSPBody(stClass, Frame() + 1),
+             Protection::Tuple);
+}
+
+void Signalling::TrafficIndicated(uint32_t u32PSCID) {
+    SayLater(MessageCode::TRFIND, bDown, WellKnownCID::Broadcast, TRFINDBody(u32PSCID));
+}
+
+void Signalling::FlowAdded(const FlowParameters &stFlow, uint32_t u32Confirmation,
+                           bool bByStation) {
+    const uint32_t u32Transaction = bByStation ? u32StationTransactions + m_u32StationTransaction++
+                                               : u32ModemTransactions + m_u32ModemTransaction++;
+    FlowParameters stAsked = stFlow;
+    if (!bByStation) {
+        stAsked.u32SFID = stAsked.u32CID = 0; // the station hands them out
+    }
+    const bool bAsks = bByStation ? bDown : bUp;
+    SayLater(MessageCode::DSAREQ, bAsks, m_u32PrimaryCID, DSxREQBody(u32Transaction, stAsked),
+             Protection::Tuple);
+    if (!bByStation) {
+        SayLater(MessageCode::DSXRVD, bDown, m_u32PrimaryCID, DSXRVDBody(u32Transaction, 0));
+    }
+    SayLater(MessageCode::DSARSP, !bAsks, m_u32PrimaryCID,
+             DSxRSPBody(u32Transaction, u32Confirmation, stFlow), Protection::Tuple);
+    SayLater(MessageCode::DSAACK, bAsks, m_u32PrimaryCID,
+             DSxRSPBody(u32Transaction, u32Confirmation, stFlow), Protection::Tuple);
+    if (u32Confirmation == 0) {
+        FlowThere(stFlow);
+    }
+}
+
+void Signalling::FlowThere(const FlowParameters &stFlow) {
+    Connect(stFlow.u32CID, stFlow.bUplink, stFlow.u32SFID,
+            Get(stFlow.stSet, SFParamSet::u8SchedulingType));
+}
+
+void Signalling::FlowChanged(const FlowParameters &stFlow, uint32_t u32Confirmation) {
+    const uint32_t u32Transaction = u32ModemTransactions + m_u32ModemTransaction++;
+    SayLater(MessageCode::DSCREQ, bUp, m_u32PrimaryCID, DSxREQBody(u32Transaction, stFlow),
+             Protection::Tuple);
+    SayLater(MessageCode::DSXRVD, bDown, m_u32PrimaryCID, DSXRVDBody(u32Transaction, 0));
+    SayLater(MessageCode::DSCRSP, bDown, m_u32PrimaryCID,
+             DSxRSPBody(u32Transaction, u32Confirmation, stFlow), Protection::Tuple);
+    SayLater(MessageCode::DSCACK, bUp, m_u32PrimaryCID,
+             DSxRSPBody(u32Transaction, u32Confirmation, stFlow), Protection::Tuple);
+}
+
+void Signalling::FlowDeleted(uint32_t u32SFID, uint32_t u32Confirmation, bool bByStation) {
+    const uint32_t u32Transaction = bByStation ? u32StationTransactions + m_u32StationTransaction++
+                                               : u32ModemTransactions + m_u32ModemTransaction++;
+    const bool bAsks = bByStation ? bDown : bUp;
+    SayLater(MessageCode::DSDREQ, bAsks, m_u32PrimaryCID, DSDREQBody(u32Transaction, u32SFID),
+             Protection::Tuple);
+    SayLater(MessageCode::DSDRSP, !bAsks, m_u32PrimaryCID,
+             DSDRSPBody(u32Transaction, u32Confirmation, u32SFID), Protection::Tuple);
+    if (u32Confirmation == 0) {
+        std::erase_if(m_astConnections, [&](const Connection &stConnection) {
+            return stConnection.u32SFID == u32SFID;
+        });
+    }
+}
+
+void Signalling::FlowGranted(uint32_t u32SFID, uint32_t u32Bytes) {
+    for (Connection &stConnection : m_astConnections) {
+        if (stConnection.u32SFID == u32SFID) {
+            stConnection.u32Grant = u32Bytes;
+        }
+    }
+}

@@ -1,0 +1,198 @@
+// What the modem and its base station say to each other: the MAC management messages
+// of synchronisation, network entry, idle mode and everything else, with the ranging
+// and the power control that belong to them. The parts of the modem say what they do through the
+// functions below. Whoever wants to know (trace, logs) observes it.
+//
+// One message of a dialogue goes over the air in each frame.
+#ifndef SIGNALLING_H
+#define SIGNALLING_H
+
+#include <deque>
+#include <functional>
+#include <vector>
+
+#include "air/Attachment.h"
+#include "air/ManagementMessages.h"
+#include "scenario/Options.h"
+#include "time/Random.h"
+#include "time/Scheduler.h"
+
+struct ManagementMessage {
+    uint32_t u32Frame;
+    uint32_t u32Code;
+    bool bUplink;
+    uint32_t u32CID;
+    bool bCMACGood; // has a digest, and that is right
+    std::vector<uint8_t> aucBody;
+};
+
+enum class RangingKind : uint8_t { Initial, Periodic };
+
+struct PowerChange {
+    bool bClosedLoop;    // on the station's order, else by the modem's own measurement
+    int32_t iAdjustment; // quarter dB
+    uint32_t u32FrameOffset;
+    uint32_t u32Frame;
+    int32_t iPower; // quarter dBm, afterwards
+};
+
+struct Connection {
+    uint32_t u32VCID; // the modem's own number for it
+    uint32_t u32CID;
+    bool bUplink;
+    bool bARQ;
+    uint32_t u32SFID;           // 0: not of a service flow
+    uint32_t u32SchedulingType; // 0 for management connections
+    uint32_t u32Grant = 0;      // bytes of every allocation, 0: as a packet needs it
+};
+
+class Signalling {
+  public:
+    // Reads [signalling].
+    Signalling(const Section &stRoot, uint64_t u64Seed, Scheduler &stClock, Radio &stAir,
+               const Attachment &stAt, const Options &stOptions, const MACAddressBytes &aucAddress);
+    // Takes on the state at start.
+    void Start();
+
+    // ---- For observers ----
+
+    void OnMessage(std::function<void(const ManagementMessage &)> pfnObserver) {
+        m_apfnOnMessage.push_back(std::move(pfnObserver));
+    }
+    void OnRanging(std::function<void(RangingKind, const RangingSignal &)> pfnObserver) {
+        m_apfnOnRanging.push_back(std::move(pfnObserver));
+    }
+    void OnPower(std::function<void(const PowerChange &)> pfnObserver) {
+        m_apfnOnPower.push_back(std::move(pfnObserver));
+    }
+    // A connection that has come to be.
+    void OnConnection(std::function<void(const Connection &)> pfnObserver) {
+        m_apfnOnConnection.push_back(std::move(pfnObserver));
+    }
+    // While set, the station's periodic broadcasts are put together, too.
+    void WantBroadcasts(bool bWanted);
+    // The number of the present frame.
+    uint32_t Frame() const;
+    // The connections that there are now.
+    const std::vector<Connection> &Connections() const { return m_astConnections; }
+    // The uplink that user packets take while there is no service flow for them.
+    uint32_t DefaultUplinkCID() const { return m_u32PrimaryCID + u32FirstTransport; }
+    int32_t Power() const { return m_iPower; } // quarter dBm
+
+    // ---- For the parts of the modem that talk to the station ----
+
+    // The link has changed.
+    void Follow(const LinkChange &stChange);
+    // The link is about to be left.
+    void Leaving(uint32_t u32Reason, uint32_t u32DREGAction);
+    // A deregistration command that the link survives.
+    void DREGReceived(uint32_t u32Action);
+    // The modem has found itself in a paging message.
+    void Paged();
+    // A handover: towards the target, one more ranging attempt there, its end.
+    void HandoverBegins(const Station &stTarget);
+    void HandoverRangingRepeated();
+    void HandoverEnds(bool bSuccess);
+    // A power saving class as it was asked for and granted: a PSCDefinition record.
+    void SleepAgreed(ByteView stClass);
+    // The station says that traffic waits.
+    void TrafficIndicated(uint32_t u32PSCID);
+    // A service flow, asked for by the modem or by the station, and what came of it.
+    // What stFlow's set says is copied.
+    void FlowAdded(const FlowParameters &stFlow, uint32_t u32Confirmation, bool bByStation);
+    // A flow of a link that was up from the start: nothing had to be said.
+    void FlowThere(const FlowParameters &stFlow);
+    void FlowChanged(const FlowParameters &stFlow, uint32_t u32Confirmation);
+    void FlowDeleted(uint32_t u32SFID, uint32_t u32Confirmation, bool bByStation);
+    // From now on the flow's allocations have so many bytes; 0: as a packet needs it.
+    // No management message says so: the packets themselves do.
+    void FlowGranted(uint32_t u32SFID, uint32_t u32Bytes);
+
+  private:
+    using Step = std::function<void()>;
+    enum class Protection : uint8_t { None, Tuple, Attribute };
+    static constexpr uint32_t u32FirstTransport = 1024; // above the primary CIDs
+    static constexpr bool bUp = true;
+    static constexpr bool bDown = false;
+
+    // Puts a step of a dialogue behind those that wait.
+    void Later(Step pfnStep);
+    void NextStep();
+    // Over the air in the present frame.
+    void Say(uint32_t u32Code, bool bUplink, uint32_t u32CID, BitWriter stBody,
+             Protection eProtection = Protection::None);
+    void SayLater(uint32_t u32Code, bool bUplink, uint32_t u32CID, BitWriter stBody,
+                  Protection eProtection = Protection::None);
+    void SayPKM(bool bUplink, uint32_t u32Code, Protection eProtection, ByteView stEAP = {});
+
+    void FollowState();
+    void BeginStage(uint32_t u32Stage);
+    void FinishStage(uint32_t u32Stage);
+    void FailStage(uint32_t u32Reason);
+    void Authenticate();
+    void SayKeyExchange();
+
+    // Codes until the station is content, then the RNG-REQ.
+    void Range(const Station &stStation, RangingPurpose ePurpose);
+    void SendCode(const CodeGroup &stGroup, RangingKind eKind);
+    void AnswerCode(RangingStatus eStatus);
+    void AnswerRNGREQ(RangingPurpose ePurpose);
+    void AdjustOpenLoop(const Station &stStation);
+
+    void MakeConnections();
+    void Connect(uint32_t u32CID, bool bUplink, uint32_t u32SFID, uint32_t u32SchedulingType);
+
+    void Broadcast(Timer &stTimer, ModemTime iPeriod, void (Signalling::*pfnSay)());
+    void SayMaps();
+    void SayDescriptors();
+    void SayNeighbours();
+    void SayPaging();
+    void RangePeriodically();
+    void Report();
+    uint32_t PagingCycle() const;
+
+    Scheduler &m_stClock;
+    Radio &m_stAir;
+    const Attachment &m_stAt;
+    const Options &m_stOptions;
+    const MACAddressBytes &m_aucAddress;
+    ModemTime m_iMapPeriod;
+    ModemTime m_iDescriptorPeriod;
+    ModemTime m_iNeighbourPeriod;
+    ModemTime m_iRangingPeriod;
+    ModemTime m_iReportPeriod;
+    double m_fCMACFailures;
+    Random m_stRandom;
+    std::vector<std::function<void(const ManagementMessage &)>> m_apfnOnMessage;
+    std::vector<std::function<void(RangingKind, const RangingSignal &)>> m_apfnOnRanging;
+    std::vector<std::function<void(const PowerChange &)>> m_apfnOnPower;
+    std::vector<std::function<void(const Connection &)>> m_apfnOnConnection;
+
+    bool m_bBroadcastsWanted = false;
+    std::deque<Step> m_apfnSteps;
+    ModemTime m_iLastStep = -i64Frame;
+    Timer m_stStep;
+    Timer m_stMaps;
+    Timer m_stDescriptors;
+    Timer m_stNeighbours;
+    Timer m_stPaging;
+    Timer m_stRanging;
+    Timer m_stReport;
+
+    std::vector<Connection> m_astConnections;
+    uint32_t m_u32BasicCID = 0;
+    uint32_t m_u32PrimaryCID = 0;
+    uint32_t m_au32PacketNumber[2] = {}; // of digests, down and up
+    uint32_t m_u32PKMIdentifier = 0;
+    KeyExchange m_stKeys{};
+    RangingSignal m_stSignal{}; // the last one sent
+    int32_t m_iPower = 0;       // quarter dBm
+    int32_t m_iOpenLoopPower = 0;
+    bool m_bToldToIdle = false;
+    const Station *m_pstFormer = nullptr; // the station of idle mode's beginning
+    const Station *m_pstTarget = nullptr; // of the handover under way
+    uint32_t m_u32ModemTransaction = 0;
+    uint32_t m_u32StationTransaction = 0;
+};
+
+#endif

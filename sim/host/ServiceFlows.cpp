@@ -1,0 +1,664 @@
+// Service flows: requested by the client, or provisioned by the network and set up
+// when the link comes up. The base station admits what fits into its capacity.
+#include <algorithm>
+#include <deque>
+#include <iterator>
+#include <span>
+#include <vector>
+
+#include "ServiceFlowRecord.h"
+#include "air/Signalling.h"
+#include "host/HostSubsystems.h"
+#include "host/MIBStore.h"
+#include "link/Link.h"
+
+namespace {
+
+using FlowBytes = Record<ServiceFlowRecord::Size>;
+
+// Confirmation codes of indications, as the air interface has them.
+enum Confirmation : uint32_t {
+    Accepted = 0,
+    RejectOther = 1,
+    UnrecognisedSetting = 2,
+    NoResources = 3,
+    FlowNotFound = 6,
+    ParameterMissing = 8,
+    AddAborted = 12,
+    TooManyFlows = 13,
+    UnsupportedValue = 17,
+};
+
+constexpr uint32_t u32AllSets =
+    ServiceFlowRecord::Provisioned | ServiceFlowRecord::Admitted | ServiceFlowRecord::Active;
+constexpr uint32_t u32HighestPriority = 7;
+constexpr uint32_t u32HighestCS = 15;
+
+// Connection IDs begin here in either direction; a station hands them out once.
+constexpr uint32_t au32FirstCID[] = {8192, 4096}; // downlink, uplink
+
+constexpr Field astRates[] = {SFParamSet::u32MaxSustainedTrafficRate,
+                              SFParamSet::u32MinReservedTrafficRate, SFParamSet::u32ToleratedJitter,
+                              SFParamSet::u32MaximumLatency};
+
+// Unsolicited grants come every 20 ms.
+constexpr uint64_t u64GrantsPerSecond = 50;
+// A grant is an allocation, which is counted in 16 bits: whole slots.
+constexpr uint32_t u32LargestGrant = UINT16_MAX / u32SlotBytes * u32SlotBytes;
+
+struct Flow {
+    uint32_t u32SFID;
+    uint32_t u32CID;
+    uint32_t u32Direction;
+    FlowBytes stRecord;          // its sets
+    uint64_t u64GrantedRate = 0; // bits a second, of a grant that was changed
+};
+
+// A flow that the network sets up by itself.
+struct ProvisionedFlow {
+    uint32_t u32Direction;
+    uint32_t u32Sets;
+    Record<SFParamSet::Size> stSet;
+};
+
+ByteView SetOf(const FlowBytes &stRecord, uint32_t u32Offset) {
+    return stRecord.View().From(u32Offset, SFParamSet::Size);
+}
+
+bool Present(ByteView stRecord, uint32_t u32SetOffset) {
+    return Get(stRecord, SFParamSet::u8SetPresent, u32SetOffset) != 0;
+}
+
+// The most advanced set that is there; nothing when there is none.
+ByteView LeadingSet(ByteView stRecord) {
+    for (const ServiceFlowRecord::SetOfBit &stSet : ServiceFlowRecord::Sets) {
+        if (Present(stRecord, stSet.u32Offset)) {
+            return stRecord.From(stSet.u32Offset, SFParamSet::Size);
+        }
+    }
+    return {};
+}
+
+// What the modem and the station say of a flow.
+FlowParameters SaidOf(const Flow &stFlow) {
+    return {stFlow.u32Direction == ServiceFlowRecord::Uplink, stFlow.u32SFID, stFlow.u32CID,
+            LeadingSet(stFlow.stRecord.View())};
+}
+
+// Bits a second that the station has to keep free for a set.
+uint64_t ReservedRate(ByteView stSet) {
+    return Get(stSet, Get(stSet, SFParamSet::u8SchedulingType) == SFParamSet::UGS
+                          ? SFParamSet::u32MaxSustainedTrafficRate
+                          : SFParamSet::u32MinReservedTrafficRate);
+}
+
+// What a flow takes of the capacity: a set that is only provisioned takes nothing.
+uint64_t Demand(const Flow &stFlow) {
+    const FlowBytes &stRecord = stFlow.stRecord;
+    uint64_t u64Most = stFlow.u64GrantedRate;
+    for (const ServiceFlowRecord::SetOfBit &stSet : ServiceFlowRecord::Sets) {
+        if (stSet.u32Bit != ServiceFlowRecord::Provisioned &&
+            Present(stRecord.View(), stSet.u32Offset)) {
+            u64Most = std::max(u64Most, ReservedRate(SetOf(stRecord, stSet.u32Offset)));
+        }
+    }
+    return u64Most;
+}
+
+// Whether the flow gets unsolicited grants of a size that can be changed.
+bool TakesGrants(const Flow &stFlow) {
+    return stFlow.u32Direction == ServiceFlowRecord::Uplink &&
+           Get(SetOf(stFlow.stRecord, ServiceFlowRecord::stActiveSet),
+               SFParamSet::u8SchedulingType) == SFParamSet::ERTPS;
+}
+
+// A range of four bytes, two port numbers in network order, that ends before it begins.
+bool Reversed(ByteView stRule, Field stLength, Field stBytes) {
+    const auto Port = [&](uint32_t u32At) {
+        return Get(stRule, stBytes, u32At) << 8 | Get(stRule, stBytes, u32At + 1);
+    };
+    return Get(stRule, stLength) == ClassifierRule::PortRangeSize && Port(0) > Port(2);
+}
+
+Confirmation JudgeRules(ByteView stSet) {
+    const uint32_t u32Rules = Get(stSet, SFParamSet::u8NumClassifierRules);
+    if (u32Rules > SFParamSet::MaxClassifierRules) {
+        return UnsupportedValue;
+    }
+    for (uint32_t i = 0; i < u32Rules; ++i) {
+        using namespace ClassifierRule;
+        const ByteView stRule = stSet.From(SFParamSet::astClassifierRule + i * Size, Size);
+        const bool bLengthsFit = Get(stRule, u8IPMaskedSrcAddrLength) <= IPMaskedAddrSize &&
+                                 Get(stRule, u8IPMaskedDestAddrLength) <= IPMaskedAddrSize &&
+                                 Get(stRule, u8SrcPortRangeLength) <= PortRangeSize &&
+                                 Get(stRule, u8DestPortRangeLength) <= PortRangeSize &&
+                                 Get(stRule, u8EthSrcMacLength) <= EthMacSize &&
+                                 Get(stRule, u8EthDestMacLength) <= EthMacSize;
+        if (!bLengthsFit || Reversed(stRule, u8SrcPortRangeLength, au8SrcPortRange) ||
+            Reversed(stRule, u8DestPortRangeLength, au8DestPortRange)) {
+            return UnsupportedValue;
+        }
+    }
+    return Accepted;
+}
+
+// Whether a set's parameters are known and go together.
+Confirmation JudgeSet(ByteView stSet) {
+    using namespace SFParamSet;
+    const uint32_t u32Type = Get(stSet, u8SchedulingType);
+    const uint32_t u32MaxRate = Get(stSet, u32MaxSustainedTrafficRate);
+    const uint32_t u32Latency = Get(stSet, u32MaximumLatency);
+    if (u32Type < BE || u32Type > UGS || Get(stSet, u8TrafficPriority) > u32HighestPriority ||
+        Get(stSet, u8PagingPreference) > 1 || Get(stSet, u8CSSpecification) > u32HighestCS) {
+        return UnsupportedValue;
+    }
+    if (u32Type == UGS && u32MaxRate == 0) {
+        return ParameterMissing;
+    }
+    // Without a maximum, 0, any minimum goes.
+    if ((u32MaxRate != 0 && Get(stSet, u32MinReservedTrafficRate) > u32MaxRate) ||
+        (u32Latency != 0 && Get(stSet, u32ToleratedJitter) > u32Latency)) {
+        return UnrecognisedSetting;
+    }
+    return JudgeRules(stSet);
+}
+
+// Whether a rule says more than what is to be done with it.
+bool HasContent(ByteView stRule) {
+    const ByteView stContent = stRule.From(EndOf(ClassifierRule::u8ClassifierAction));
+    return std::any_of(stContent.pucData, stContent.pucData + stContent.u32Length,
+                       [](uint8_t u8Byte) { return u8Byte != 0; });
+}
+
+// Does with one rule of a flow's set what the rule at the same place of a request
+// asks for.
+Confirmation ChangeRule(ByteSpan stSet, ByteView stRule, uint32_t u32Index) {
+    using namespace ClassifierRule;
+    const auto RuleAt = [&](uint32_t u32At) {
+        return stSet.From(SFParamSet::astClassifierRule + u32At * Size, Size);
+    };
+    const uint32_t u32Rules = Get(stSet, SFParamSet::u8NumClassifierRules);
+    const uint32_t u32Action = Get(stRule, u8ClassifierAction);
+    if (u32Action != DeleteRule && !HasContent(stRule)) {
+        return Accepted; // nothing is asked for
+    }
+    const bool bAdds = u32Action == AddRule;
+    if (bAdds ? u32Rules >= SFParamSet::MaxClassifierRules : u32Index >= u32Rules) {
+        return bAdds ? TooManyFlows : UnrecognisedSetting;
+    }
+    if (u32Action == DeleteRule) {
+        for (uint32_t i = u32Index; i + 1 < u32Rules; ++i) {
+            PutBytes(RuleAt(i), 0, RuleAt(i + 1));
+        }
+        const ByteSpan stLast = RuleAt(u32Rules - 1);
+        std::fill_n(stLast.pucData, stLast.u32Length, uint8_t{0});
+        Put(stSet, SFParamSet::u8NumClassifierRules, u32Rules - 1);
+        return Accepted;
+    }
+    const ByteSpan stTo = RuleAt(bAdds ? u32Rules : u32Index);
+    PutBytes(stTo, 0, stRule);
+    Put(stTo, u8ClassifierAction, 0);
+    Put(stSet, SFParamSet::u8NumClassifierRules, u32Rules + (bAdds ? 1 : 0));
+    return Accepted;
+}
+
+// Takes over what the set of a change request states: a parameter of 0 stays as it
+// was, except that a scheduling type brings all its rates with it.
+Confirmation ChangeSet(ByteSpan stSet, ByteView stChange) {
+    using namespace SFParamSet;
+    if (Get(stChange, u8SchedulingType) != 0) {
+        Put(stSet, u8SchedulingType, Get(stChange, u8SchedulingType));
+        for (const Field stRate : astRates) {
+            Put(stSet, stRate, Get(stChange, stRate));
+        }
+    }
+    if (Get(stChange, u8ServiceClassNameLength) != 0) {
+        Put(stSet, u8ServiceClassNameLength, Get(stChange, u8ServiceClassNameLength));
+        PutBytes(stSet, au8ServiceClassName.u16Offset,
+                 stChange.From(au8ServiceClassName.u16Offset, ServiceClassNameSize));
+    }
+    for (const Field stField :
+         {u8TrafficPriority, u8CSSpecification, u8RetransmissionPolicy, u8PagingPreference}) {
+        if (Get(stChange, stField) != 0) {
+            Put(stSet, stField, Get(stChange, stField));
+        }
+    }
+    Put(stSet, u8QoSParamSetType, Get(stChange, u8QoSParamSetType));
+    for (uint32_t i = 0; i < MaxClassifierRules; ++i) {
+        const ByteView stRule =
+            stChange.From(astClassifierRule + i * ClassifierRule::Size, ClassifierRule::Size);
+        if (const Confirmation eCode = ChangeRule(stSet, stRule, i); eCode != Accepted) {
+            return eCode;
+        }
+    }
+    return JudgeSet(stSet);
+}
+
+class ServiceFlows : public Subsystem {
+  public:
+    explicit ServiceFlows(Modem &stModem);
+    void Start() override;
+
+  private:
+    void ReadProvisioned(const Section &stSection);
+    // Runs pfnFinish when the station has answered, unless the modem is reset.
+    int32_t Ask(const Request &stRequest, uint32_t u32RecordSize,
+                void (ServiceFlows::*pfnFinish)(ByteView stRequest));
+    void FinishAdd(ByteView stRequest);
+    void FinishChange(ByteView stRequest);
+    void FinishDelete(ByteView stRequest) { Delete(stRequest, false); }
+    void Delete(ByteView stRequest, bool bByStation);
+    Flow *FlowOfConnection(uint32_t u32Connection);
+    int32_t ChangeGrant(const Request &stRequest);
+    Confirmation JudgeAdd(ByteView stRequest) const;
+    Confirmation Change(ByteView stRequest, Flow *pstFlow) const;
+    Confirmation Admit(const Flow &stFlow) const;
+    Flow NewFlow(uint32_t u32Direction, uint32_t u32Sets, ByteView stSet);
+    // The flow that has this value; null when there is none.
+    Flow *FlowWith(uint32_t Flow::*pu32Member, uint32_t u32Value);
+    void Delete(const Flow *pstFlow);
+    void Provision(bool bOverTheAir);
+    void OnLinkChange(const LinkChange &stChange);
+    void Tell(uint32_t u32SubType, ByteView stRequest, FlowBytes stRecord, Confirmation eCode);
+    bool LinkUp() const { return m_stModem.TheLink().State() == LinkState::LinkUp; }
+    std::vector<uint8_t> ActiveSFIDs() const;
+
+    Modem &m_stModem;
+    ModemTime m_iTransactionTime;
+    ModemTime m_iProvisioningTime;
+    uint64_t m_au64Capacity[2]; // by direction, bits a second
+    uint32_t m_u32MostFlows;
+    std::vector<ProvisionedFlow> m_astProvisioned;
+
+    std::deque<Flow> m_astFlows;
+    uint32_t m_u32NextSFID = 1;
+    uint32_t m_au32NextCID[2]{};
+    uint32_t m_u32Life = 0; // counts resets
+    Timer m_stProvisioning;
+};
+
+// The list of flows must fit into one message.
+constexpr uint32_t u32MostFlows =
+    (WIMAX_DATA_SIZE - MIBRecord::aucValue - MIBActiveSFIDs::astEntries) /
+    MIBActiveSFIDs::EntrySize;
+
+constexpr ScenarioWord astDirections[] = {{"downlink", ServiceFlowRecord::Downlink},
+                                          {"uplink", ServiceFlowRecord::Uplink}};
+constexpr ScenarioWord astTypes[] = {{"BE", SFParamSet::BE},
+                                     {"NRTPS", SFParamSet::NRTPS},
+                                     {"RTPS", SFParamSet::RTPS},
+                                     {"ERTPS", SFParamSet::ERTPS},
+                                     {"UGS", SFParamSet::UGS}};
+
+ServiceFlows::ServiceFlows(Modem &stModem) : m_stModem(stModem), m_stProvisioning(stModem.Clock()) {
+    const Section stSettings = stModem.Settings("service-flows");
+    const auto ReadCapacity = [&](const char *pcKey, int64_t iDefault) {
+        return static_cast<uint64_t>(stSettings.Integer(pcKey, 0, INT64_MAX, iDefault));
+    };
+    m_au64Capacity[ServiceFlowRecord::Downlink] = ReadCapacity("downlink-capacity", 20000000);
+    m_au64Capacity[ServiceFlowRecord::Uplink] = ReadCapacity("uplink-capacity", 5000000);
+    m_u32MostFlows = static_cast<uint32_t>(stSettings.Integer("most-flows", 0, u32MostFlows, 16));
+    m_iTransactionTime = stSettings.Seconds("transaction-time", 0, 1000, 0.1);
+    m_iProvisioningTime = stSettings.Seconds("provisioning-time", 0, 1000, 0.05);
+    for (const Section &stSection : stModem.Root().Tables("service-flow")) {
+        ReadProvisioned(stSection);
+    }
+    stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_DSA, Exactly(ServiceFlowRecord::ShortSize),
+               [this](const Request &stRequest) {
+                   return Ask(stRequest, ServiceFlowRecord::ShortSize, &ServiceFlows::FinishAdd);
+               });
+    stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_DSC, Exactly(ServiceFlowRecord::Size),
+               [this](const Request &stRequest) {
+                   return Ask(stRequest, ServiceFlowRecord::Size, &ServiceFlows::FinishChange);
+               });
+    stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_DSD, Exactly(DeleteFlowRequest::Size),
+               [this](const Request &stRequest) {
+                   return Ask(stRequest, DeleteFlowRequest::Size, &ServiceFlows::FinishDelete);
+               });
+    stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_ERTPS_CHANGE, Exactly(GrantChangeRequest::Size),
+               [this](const Request &stRequest) { return ChangeGrant(stRequest); });
+    stModem.OnEvent("flow-deleted", [this](const Section &stSection) {
+        const auto u32SFID = static_cast<uint32_t>(stSection.Integer("sfid", 1, UINT32_MAX));
+        return [this, u32SFID] {
+            Record<DeleteFlowRequest::Size> stRequest;
+            Put(stRequest.Span(), DeleteFlowRequest::u8MsgCode, ServiceFlowRecord::DeleteRequest);
+            Put(stRequest.Span(), DeleteFlowRequest::u32SFID, u32SFID);
+            if (FlowWith(&Flow::u32SFID, u32SFID) != nullptr) {
+                Delete(stRequest.View(), true);
+            }
+        };
+    });
+    stModem.TheMIBs().Provide(MIBAttribute::ActiveSFIDs, [this] { return ActiveSFIDs(); });
+    stModem.OnTransportCIDs([this] {
+        std::vector<uint32_t> au32CIDs;
+        std::transform(m_astFlows.begin(), m_astFlows.end(), std::back_inserter(au32CIDs),
+                       [](const Flow &stFlow) { return stFlow.u32CID; });
+        return au32CIDs;
+    });
+    stModem.TheLink().Observe([this](const LinkChange &stChange) { OnLinkChange(stChange); });
+}
+
+void ServiceFlows::ReadProvisioned(const Section &stSection) {
+    const auto ReadNumber = [&](const char *pcKey) {
+        return static_cast<uint32_t>(stSection.Integer(pcKey, 0, UINT32_MAX, 0));
+    };
+    ProvisionedFlow stFlow{};
+    stFlow.u32Direction = stSection.Choice("direction", astDirections);
+    stFlow.u32Sets = static_cast<uint32_t>(stSection.Integer("sets", 1, u32AllSets, u32AllSets));
+    const ByteSpan stSet = stFlow.stSet.Span();
+    Put(stSet, SFParamSet::u8SchedulingType, stSection.Choice("type", astTypes));
+    Put(stSet, SFParamSet::u32MaxSustainedTrafficRate, ReadNumber("max-rate"));
+    Put(stSet, SFParamSet::u32MinReservedTrafficRate, ReadNumber("min-rate"));
+    Put(stSet, SFParamSet::u32MaximumLatency, ReadNumber("latency"));
+    Put(stSet, SFParamSet::u32ToleratedJitter, ReadNumber("jitter"));
+    Put(stSet, SFParamSet::u8TrafficPriority,
+        static_cast<uint32_t>(stSection.Integer("priority", 0, u32HighestPriority, 0)));
+    Put(stSet, SFParamSet::u8CSSpecification, 1);
+    if (JudgeSet(stSet) != Accepted) {
+        stSection.Refuse("type", "does not go together with the rates");
+    }
+    m_astProvisioned.push_back(stFlow);
+}
+
+void ServiceFlows::Start() {
+    ++m_u32Life;
+    m_stProvisioning.Stop();
+    m_astFlows.clear();
+    m_u32NextSFID = 1;
+    std::copy(std::begin(au32FirstCID), std::end(au32FirstCID), m_au32NextCID);
+    // A link that is up from the start has everything that belongs to it.
+    if (m_stModem.TheLink().Registered()) {
+        Provision(false);
+    }
+}
+
+void ServiceFlows::OnLinkChange(const LinkChange &stChange) {
+    if (!m_stModem.TheLink().Registered()) {
+        m_stProvisioning.Stop();
+        m_astFlows.clear();
+    } else if (stChange.eBefore == LinkState::Entering && stChange.eAfter == LinkState::LinkUp &&
+               !m_astProvisioned.empty()) {
+        m_stProvisioning.Start(m_iProvisioningTime, [this] { Provision(true); });
+    }
+}
+
+void ServiceFlows::Provision(bool bOverTheAir) {
+    Signalling &stSignalling = m_stModem.TheSignalling();
+    for (const ProvisionedFlow &stProvisioned : m_astProvisioned) {
+        const Flow stFlow =
+            NewFlow(stProvisioned.u32Direction, stProvisioned.u32Sets, stProvisioned.stSet.View());
+        if (Admit(stFlow) == Accepted) {
+            m_astFlows.push_back(stFlow);
+            if (bOverTheAir) {
+                stSignalling.FlowAdded(SaidOf(stFlow), Accepted, true);
+            } else {
+                stSignalling.FlowThere(SaidOf(stFlow));
+            }
+        }
+    }
+    m_stModem.History().iProvisioning = m_astProvisioned.empty() ? 0 : m_iProvisioningTime;
+}
+
+int32_t ServiceFlows::Ask(const Request &stRequest, uint32_t u32RecordSize,
+                          void (ServiceFlows::*pfnFinish)(ByteView stRequest)) {
+    const ByteView stPayload = stRequest.stPayload;
+    const std::vector<uint8_t> aucRequest(stPayload.pucData, stPayload.pucData + u32RecordSize);
+    const auto Finish = [this, aucRequest, pfnFinish, u32Life = m_u32Life] {
+        if (u32Life == m_u32Life) {
+            (this->*pfnFinish)({aucRequest.data(), static_cast<uint32_t>(aucRequest.size())});
+        }
+    };
+    // Without a link there is nobody to ask.
+    m_stModem.Clock().After(LinkUp() ? m_iTransactionTime : 0, Finish);
+    return 0;
+}
+
+Flow ServiceFlows::NewFlow(uint32_t u32Direction, uint32_t u32Sets, ByteView stSet) {
+    Flow stFlow{m_u32NextSFID++, m_au32NextCID[u32Direction]++, u32Direction, {}};
+    Put(stFlow.stRecord.Span(), ServiceFlowRecord::u8Direction, u32Direction);
+    Put(stFlow.stRecord.Span(), ServiceFlowRecord::u16CID, stFlow.u32CID);
+    for (const ServiceFlowRecord::SetOfBit &stRow : ServiceFlowRecord::Sets) {
+        if ((u32Sets & stRow.u32Bit) != 0) {
+            const ByteSpan stTo = stFlow.stRecord.Span().From(stRow.u32Offset, SFParamSet::Size);
+            PutBytes(stTo, 0, stSet);
+            Put(stTo, SFParamSet::u32SFID, stFlow.u32SFID);
+            Put(stTo, SFParamSet::u16CID, stFlow.u32CID);
+            Put(stTo, SFParamSet::u8QoSParamSetType, u32Sets);
+            Put(stTo, SFParamSet::u8SetPresent, 1);
+        }
+    }
+    return stFlow;
+}
+
+Flow *ServiceFlows::FlowWith(uint32_t Flow::*pu32Member, uint32_t u32Value) {
+    const auto Found = std::find_if(m_astFlows.begin(), m_astFlows.end(), [&](const Flow &stFlow) {
+        return stFlow.*pu32Member == u32Value;
+    });
+    return Found != m_astFlows.end() ? &*Found : nullptr;
+}
+
+// Whether there is room for the flow, besides all flows with another SFID.
+Confirmation ServiceFlows::Admit(const Flow &stFlow) const {
+    uint64_t u64Taken = 0;
+    uint32_t u32Others = 0;
+    for (const Flow &stOther : m_astFlows) {
+        if (stOther.u32SFID != stFlow.u32SFID) {
+            ++u32Others;
+            u64Taken += stOther.u32Direction == stFlow.u32Direction ? Demand(stOther) : 0;
+        }
+    }
+    if (u32Others >= m_u32MostFlows) {
+        return TooManyFlows;
+    }
+    const uint64_t u64Demand = Demand(stFlow);
+    return u64Demand != 0 && u64Taken + u64Demand > m_au64Capacity[stFlow.u32Direction]
+               ? NoResources
+               : Accepted;
+}
+
+Confirmation ServiceFlows::JudgeAdd(ByteView stRequest) const {
+    const ByteView stSet = stRequest.From(ServiceFlowRecord::stProvisionedSet, SFParamSet::Size);
+    const uint32_t u32Sets = Get(stSet, SFParamSet::u8QoSParamSetType);
+    if (!LinkUp()) {
+        return AddAborted;
+    }
+    if (Get(stRequest, ServiceFlowRecord::u8MsgCode) != ServiceFlowRecord::AddRequest) {
+        return UnrecognisedSetting;
+    }
+    if (Get(stSet, SFParamSet::u8SetPresent) == 0 || u32Sets == 0) {
+        return ParameterMissing;
+    }
+    if (u32Sets > u32AllSets ||
+        Get(stRequest, ServiceFlowRecord::u8Direction) > ServiceFlowRecord::Uplink) {
+        return UnsupportedValue;
+    }
+    return JudgeSet(stSet);
+}
+
+void ServiceFlows::FinishAdd(ByteView stRequest) {
+    const ByteView stSet = stRequest.From(ServiceFlowRecord::stProvisionedSet, SFParamSet::Size);
+    const bool bUplink =
+        Get(stRequest, ServiceFlowRecord::u8Direction) == ServiceFlowRecord::Uplink;
+    FlowParameters stSaid{bUplink, 0, 0, stSet};
+    Confirmation eCode = JudgeAdd(stRequest);
+    FlowBytes stAnswer;
+    PutBytes(stAnswer.Span(), 0, stRequest);
+    if (eCode == Accepted) {
+        const uint32_t u32Next = m_u32NextSFID;
+        const uint32_t u32Direction = Get(stRequest, ServiceFlowRecord::u8Direction);
+        const Flow stFlow = NewFlow(u32Direction, Get(stSet, SFParamSet::u8QoSParamSetType), stSet);
+        eCode = Admit(stFlow);
+        if (eCode == Accepted) {
+            m_astFlows.push_back(stFlow);
+            stAnswer = stFlow.stRecord;
+            stSaid.u32SFID = stFlow.u32SFID;
+            stSaid.u32CID = stFlow.u32CID;
+        } else {
+            m_u32NextSFID = u32Next;
+            --m_au32NextCID[u32Direction];
+        }
+    }
+    if (LinkUp()) {
+        m_stModem.TheSignalling().FlowAdded(stSaid, eCode, false);
+    }
+    Tell(SUBTYPE_DSA, stRequest, stAnswer, eCode);
+}
+
+// What becomes of the flow; *pstFlow is a copy.
+Confirmation ServiceFlows::Change(ByteView stRequest, Flow *pstFlow) const {
+    const uint32_t u32CID = Get(stRequest, ServiceFlowRecord::u16CID);
+    if (Get(stRequest, ServiceFlowRecord::u8MsgCode) != ServiceFlowRecord::ChangeRequest ||
+        Get(stRequest, ServiceFlowRecord::u8Direction) != pstFlow->u32Direction ||
+        (u32CID != 0 && u32CID != pstFlow->u32CID)) {
+        return UnrecognisedSetting;
+    }
+    const ByteSpan stRecord = pstFlow->stRecord.Span();
+    if (LeadingSet(stRequest).u32Length == 0) {
+        // No set at all: nothing is admitted or active any more.
+        if (!Present(stRecord, ServiceFlowRecord::stProvisionedSet)) {
+            return ParameterMissing;
+        }
+        for (const uint32_t u32Offset :
+             {ServiceFlowRecord::stAdmittedSet, ServiceFlowRecord::stActiveSet}) {
+            const ByteSpan stSet = stRecord.From(u32Offset, SFParamSet::Size);
+            std::fill_n(stSet.pucData, stSet.u32Length, uint8_t{0});
+        }
+        pstFlow->u64GrantedRate = 0;
+        return Accepted;
+    }
+    const FlowBytes stBefore = pstFlow->stRecord;
+    for (const ServiceFlowRecord::SetOfBit &stRow : ServiceFlowRecord::Sets) {
+        const ByteView stChange = stRequest.From(stRow.u32Offset, SFParamSet::Size);
+        if (Get(stChange, SFParamSet::u8SetPresent) == 0) {
+            continue;
+        }
+        const ByteSpan stSet = stRecord.From(stRow.u32Offset, SFParamSet::Size);
+        if (!Present(stRecord, stRow.u32Offset)) {
+            // A set that is new begins as what the flow had.
+            PutBytes(stSet, 0, LeadingSet(stBefore.View()));
+        }
+        const bool bSameFlow = Get(stChange, SFParamSet::u32SFID) == pstFlow->u32SFID;
+        const Confirmation eCode = bSameFlow ? ChangeSet(stSet, stChange) : UnrecognisedSetting;
+        if (eCode != Accepted) {
+            return eCode;
+        }
+    }
+    if (!TakesGrants(*pstFlow)) {
+        pstFlow->u64GrantedRate = 0;
+    }
+    return Admit(*pstFlow);
+}
+
+void ServiceFlows::FinishChange(ByteView stRequest) {
+    const ByteView stLeading = LeadingSet(stRequest);
+    // A request without a set has only its CID to tell the flow by.
+    Flow *pstFlow = stLeading.u32Length != 0
+                        ? FlowWith(&Flow::u32SFID, Get(stLeading, SFParamSet::u32SFID))
+                        : FlowWith(&Flow::u32CID, Get(stRequest, ServiceFlowRecord::u16CID));
+    FlowBytes stAnswer;
+    PutBytes(stAnswer.Span(), 0, stRequest);
+    Confirmation eCode = LinkUp() ? FlowNotFound : RejectOther;
+    if (LinkUp() && pstFlow != nullptr) {
+        Flow stChanged = *pstFlow;
+        eCode = Change(stRequest, &stChanged);
+        if (eCode == Accepted) {
+            *pstFlow = stChanged;
+            stAnswer = stChanged.stRecord;
+            if (stChanged.u64GrantedRate == 0) {
+                m_stModem.TheSignalling().FlowGranted(stChanged.u32SFID, 0);
+            }
+        }
+        m_stModem.TheSignalling().FlowChanged(SaidOf(stChanged), eCode);
+    }
+    Tell(SUBTYPE_DSC, stRequest, stAnswer, eCode);
+}
+
+void ServiceFlows::Delete(ByteView stRequest, bool bByStation) {
+    const uint32_t u32SFID = Get(stRequest, DeleteFlowRequest::u32SFID);
+    const Flow *pstFlow = FlowWith(&Flow::u32SFID, u32SFID);
+    Confirmation eCode = LinkUp() ? FlowNotFound : RejectOther;
+    FlowBytes stAnswer;
+    if (LinkUp() && pstFlow != nullptr) {
+        eCode = Accepted;
+        stAnswer = pstFlow->stRecord;
+        Delete(pstFlow);
+        m_stModem.TheSignalling().FlowDeleted(u32SFID, eCode, bByStation);
+    }
+    Put(stAnswer.Span(), SFParamSet::u32SFID, u32SFID, ServiceFlowRecord::stProvisionedSet);
+    Tell(SUBTYPE_DSD, stRequest, stAnswer, eCode);
+}
+
+void ServiceFlows::Delete(const Flow *pstFlow) {
+    m_astFlows.erase(std::find_if(m_astFlows.begin(), m_astFlows.end(),
+                                  [&](const Flow &stFlow) { return &stFlow == pstFlow; }));
+}
+
+// The flow of a connection, which hosts know by the modem's number for it, as the log of
+// connections has it, or by its CID, as the flow's record has it.
+Flow *ServiceFlows::FlowOfConnection(uint32_t u32Connection) {
+    for (const Connection &stConnection : m_stModem.TheSignalling().Connections()) {
+        if (stConnection.u32VCID == u32Connection && stConnection.u32SFID != 0) {
+            return FlowWith(&Flow::u32SFID, stConnection.u32SFID);
+        }
+    }
+    return FlowWith(&Flow::u32CID, u32Connection);
+}
+
+// Nothing answers it, and the flow's sets are as they were: the packets go out in other
+// allocations from now on, and the station keeps the capacity for them free.
+int32_t ServiceFlows::ChangeGrant(const Request &stRequest) {
+    const ByteView stPayload = stRequest.stPayload;
+    const uint32_t u32Bytes = Get(stPayload, GrantChangeRequest::u32PayloadBytesPerUGI);
+    const uint32_t u32SDUs = Get(stPayload, GrantChangeRequest::u32SDUsPerUGI);
+    Flow *pstFlow = FlowOfConnection(Get(stPayload, GrantChangeRequest::u16VCID));
+    if (pstFlow == nullptr || !LinkUp() || !TakesGrants(*pstFlow)) {
+        return LibraryError::BadValue;
+    }
+    Flow stChanged = *pstFlow;
+    stChanged.u64GrantedRate = u64GrantsPerSecond * 8 * u32Bytes;
+    const uint64_t u64MostRate = Get(SetOf(stChanged.stRecord, ServiceFlowRecord::stActiveSet),
+                                     SFParamSet::u32MaxSustainedTrafficRate);
+    const bool bTooFast = u64MostRate != 0 && stChanged.u64GrantedRate > u64MostRate;
+    if ((u32Bytes != 0 && (u32SDUs == 0 || u32SDUs > u32Bytes)) || bTooFast ||
+        Admit(stChanged) != Accepted) {
+        return LibraryError::BadValue;
+    }
+    *pstFlow = stChanged;
+    // The headers of the packets, and whole slots.
+    const uint64_t u64Grant =
+        u32Bytes == 0 ? 0 : uint64_t{u32Bytes} + uint64_t{u32SDUs} * u32PDUOverhead;
+    m_stModem.TheSignalling().FlowGranted(
+        stChanged.u32SFID,
+        static_cast<uint32_t>(std::min<uint64_t>(
+            (u64Grant + u32SlotBytes - 1) / u32SlotBytes * u32SlotBytes, u32LargestGrant)));
+    return 0;
+}
+
+// Sends the record as the answer in the request's transaction, which stands at the
+// same place in all requests.
+void ServiceFlows::Tell(uint32_t u32SubType, ByteView stRequest, FlowBytes stRecord,
+                        Confirmation eCode) {
+    const ByteSpan stTo = stRecord.Span();
+    Put(stTo, ServiceFlowRecord::u8MsgCode, Get(stRequest, ServiceFlowRecord::u8MsgCode));
+    Put(stTo, ServiceFlowRecord::u16TID, Get(stRequest, ServiceFlowRecord::u16TID));
+    Put(stTo, ServiceFlowRecord::u8ConfirmationCode, eCode);
+    m_stModem.Tell(TYPE_SERVICE_FLOW, u32SubType, stTo);
+}
+
+std::vector<uint8_t> ServiceFlows::ActiveSFIDs() const {
+    using namespace MIBActiveSFIDs;
+    const auto u32Count = static_cast<uint32_t>(m_astFlows.size());
+    std::vector<uint8_t> aucValue(astEntries + u32Count * EntrySize);
+    const ByteSpan stValue{aucValue.data(), static_cast<uint32_t>(aucValue.size())};
+    Put(stValue, MIBActiveSFIDs::u32Count, u32Count);
+    for (uint32_t i = 0; i < u32Count; ++i) {
+        Put(stValue, u32SFID, m_astFlows[i].u32SFID, astEntries + i * EntrySize);
+    }
+    return aucValue;
+}
+
+} // namespace
+
+std::unique_ptr<Subsystem> MakeServiceFlows(Modem &stModem) {
+    return std::make_unique<ServiceFlows>(stModem);
+}

@@ -1,0 +1,220 @@
+// Baseband statistics: counters that grow with the link's time, its traffic and its
+// errors; reported once or periodically.
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "StationRecords.h"
+#include "air/Signalling.h"
+#include "host/HostSubsystems.h"
+#include "link/Link.h"
+
+namespace {
+
+// Between two reports the quality of the link is looked at so often.
+constexpr ModemTime iSamples = 32;
+constexpr double fHCSShare = 0.25;           // of the frames in error
+constexpr ModemTime i64CQICH = 8 * i64Frame; // between two reports of the channel's quality
+constexpr uint64_t u64PacketsPerBandwidthRequest = 4;
+constexpr ModemTime i64ShortestInterval = i64Frame;
+
+// Half of the frames are lost at this CINR; each so many dB more make it e times
+// fewer.
+constexpr double fHalfLostCINR = 2;
+constexpr double fErrorSlope = 1.2;
+
+class StatisticsReports : public Subsystem {
+  public:
+    explicit StatisticsReports(Modem &stModem);
+    void Start() override;
+
+  private:
+    int32_t Report(uint32_t u32Interval);
+    int32_t SetPolicy(uint32_t u32Policy);
+    void ReportPeriodically();
+    void Tell();
+    // Counts what has happened since the last time.
+    void CatchUp();
+    void FollowLink(const LinkChange &stChange);
+    void Resynchronised();
+    double ErrorRate(double fCINR) const;
+    void PutStation(ByteSpan stTo) const;
+
+    Modem &m_stModem;
+    Link &m_stLink;
+    double m_fErrorFloor;
+    bool m_bResetAtStart;
+
+    bool m_bResetOnResync = false;
+    ModemTime m_iInterval = 0;
+    Timer m_stNext;
+
+    // Since the last reset of the counters.
+    double m_fFrames = 0;
+    double m_fFramesInError = 0;
+    double m_fCRCErrors = 0;
+    double m_fCQICH = 0;
+    uint64_t m_u64UplinkPackets = 0;
+
+    ModemTime m_iCountedUntil = 0;
+    TrafficTotals m_stTrafficThen;
+    const Station *m_pstServing = nullptr; // since m_iCountedUntil, null: not receiving
+    bool m_bLinkUp = false;
+};
+
+StatisticsReports::StatisticsReports(Modem &stModem)
+    : m_stModem(stModem), m_stLink(stModem.TheLink()), m_stNext(stModem.Clock()) {
+    const Section stSettings = stModem.Settings("statistics");
+    m_fErrorFloor = stSettings.Number("error-rate", 0, 1, 0.0005);
+    m_bResetAtStart = stSettings.Flag("reset-on-resync", false);
+    stModem.On(TYPE_STATISTICS, SUBTYPE_STATISTICS, Exactly(StatusWord::Size),
+               [this](const Request &stRequest) {
+                   return Report(Get(stRequest.stPayload, StatusWord::u32Value));
+               });
+    stModem.On(TYPE_STATISTICS, SUBTYPE_STATISTICS_RESET_CONTROL, Exactly(StatusWord::Size),
+               [this](const Request &stRequest) {
+                   return SetPolicy(Get(stRequest.stPayload, StatusWord::u32Value));
+               });
+    m_stLink.Observe([this](const LinkChange &stChange) { FollowLink(stChange); });
+    m_stLink.OnMove([this] {
+        CatchUp();
+        Resynchronised();
+    });
+}
+
+void StatisticsReports::Start() {
+    m_bResetOnResync = m_bResetAtStart;
+    m_stNext.Stop();
+    CatchUp();
+    m_fFrames = m_fFramesInError = m_fCRCErrors = m_fCQICH = 0;
+    m_u64UplinkPackets = 0;
+}
+
+void StatisticsReports::FollowLink(const LinkChange &stChange) {
+    CatchUp();
+    const bool bSynchronised =
+        stChange.eBefore == LinkState::Synchronising && stChange.eAfter == LinkState::Synchronised;
+    if (bSynchronised) {
+        Resynchronised();
+    }
+}
+
+void StatisticsReports::Resynchronised() {
+    if (m_bResetOnResync) {
+        m_fFrames = m_fFramesInError = m_fCRCErrors = m_fCQICH = 0;
+        m_u64UplinkPackets = 0;
+    }
+}
+
+double StatisticsReports::ErrorRate(double fCINR) const {
+    const double fLost = 1 / (1 + std::exp((fCINR - fHalfLostCINR) / fErrorSlope));
+    return std::min(1.0, m_fErrorFloor + fLost);
+}
+
+void StatisticsReports::CatchUp() {
+    const ModemTime iPassed = m_stModem.Now() - m_iCountedUntil;
+    const TrafficTotals stTraffic = m_stModem.UserTraffic().Totals();
+    if (m_pstServing != nullptr && iPassed > 0) {
+        double fErrors = 0;
+        for (ModemTime i = 0; i < iSamples; ++i) {
+            const ModemTime iMoment = m_iCountedUntil + iPassed * (2 * i + 1) / (2 * iSamples);
+            fErrors += ErrorRate(m_stModem.Air().Measure(*m_pstServing, iMoment).fCINR);
+        }
+        const double fRate = fErrors / static_cast<double>(iSamples);
+        const double fFrames = static_cast<double>(iPassed) / static_cast<double>(i64Frame);
+        m_fFrames += fFrames;
+        m_fFramesInError += fFrames * fRate;
+        m_fCRCErrors += fRate * static_cast<double>(stTraffic.u64DownlinkPackets -
+                                                    m_stTrafficThen.u64DownlinkPackets);
+        m_u64UplinkPackets += stTraffic.u64UplinkPackets - m_stTrafficThen.u64UplinkPackets;
+        if (m_bLinkUp) {
+            m_fCQICH += static_cast<double>(iPassed) / static_cast<double>(i64CQICH);
+        }
+    }
+    m_iCountedUntil = m_stModem.Now();
+    m_stTrafficThen = stTraffic;
+    m_bLinkUp = m_stLink.State() == LinkState::LinkUp;
+    const bool bReceiving =
+        m_bLinkUp || m_stLink.IsAnyOf({LinkState::Synchronised, LinkState::Entering});
+    m_pstServing = bReceiving ? m_stLink.Serving() : nullptr;
+}
+
+// An interval starts the periodic reports, or replaces that of those that run; zero
+// stops them and reports once.
+int32_t StatisticsReports::Report(uint32_t u32Interval) {
+    m_iInterval = ModemTime{u32Interval} * i64Millisecond;
+    if (m_iInterval == 0) {
+        m_stNext.Stop();
+        Tell();
+    } else {
+        m_iInterval = std::max(m_iInterval, i64ShortestInterval);
+        m_stNext.Start(m_iInterval, [this] { ReportPeriodically(); });
+    }
+    return 0;
+}
+
+void StatisticsReports::ReportPeriodically() {
+    m_stNext.Start(m_iInterval, [this] { ReportPeriodically(); });
+    Tell();
+}
+
+int32_t StatisticsReports::SetPolicy(uint32_t u32Policy) {
+    const bool bGood =
+        u32Policy == StatisticsReset::Disable || u32Policy == StatisticsReset::Enable;
+    if (bGood) {
+        m_bResetOnResync = u32Policy == StatisticsReset::Enable;
+    }
+    Record<StatusWord::Size> stAnswer;
+    Put(stAnswer.Span(), StatusWord::u32Value,
+        bGood ? StatisticsReset::Applied : StatisticsReset::Failed);
+    m_stModem.Tell(TYPE_STATISTICS, SUBTYPE_STATISTICS_RESET_CONTROL, stAnswer.View());
+    return 0;
+}
+
+void StatisticsReports::PutStation(ByteSpan stTo) const {
+    const Measurement stMeasurement = m_stModem.Air().Measure(*m_pstServing, m_stModem.Now());
+    Put(stTo, Statistics::u32RSSI, Rounded(stMeasurement.fRSSI));
+    Put(stTo, Statistics::u32CINR, Rounded(stMeasurement.fCINR));
+    PutBytes(stTo, Statistics::aucBSID.u16Offset, {m_pstServing->aucBSID.data(), u32BSIDSize});
+    Put(stTo, Statistics::u8BurstFEC, ProfileAt(stMeasurement.fCINR).u32FEC);
+    Put(stTo, Statistics::u32CenterFrequency, m_pstServing->u32Frequency);
+    if (m_stLink.State() != LinkState::Synchronised) {
+        Put(stTo, Statistics::s8TxPower, Rounded(m_stModem.TheSignalling().Power() / fQuarters));
+    }
+}
+
+void StatisticsReports::Tell() {
+    CatchUp();
+    // Counters wrap around at 32 bits.
+    const auto Counted = [](double fValue) {
+        return static_cast<uint32_t>(static_cast<uint64_t>(fValue));
+    };
+    Record<Statistics::Size> stReport;
+    const ByteSpan stTo = stReport.Span();
+    Put(stTo, Statistics::u32RecordSize, Statistics::Size);
+    Put(stTo, Statistics::u32FramesReceived, Counted(m_fFrames));
+    Put(stTo, Statistics::u32FramesInError, Counted(m_fFramesInError));
+    Put(stTo, Statistics::u32CRCErrors, Counted(m_fCRCErrors));
+    Put(stTo, Statistics::u32HCSErrors, Counted(m_fFramesInError * fHCSShare));
+    Put(stTo, Statistics::u32CQICHTransmitted, Counted(m_fCQICH));
+    Put(stTo, Statistics::u32BandwidthRequests,
+        static_cast<uint32_t>(m_u64UplinkPackets / u64PacketsPerBandwidthRequest));
+    std::vector<uint32_t> au32CIDs = m_stModem.TransportCIDs();
+    au32CIDs.resize(std::min<size_t>(au32CIDs.size(), Statistics::MaxConnections));
+    Put(stTo, Statistics::s32NumConnections, static_cast<uint32_t>(au32CIDs.size()));
+    uint32_t u32Base = 0;
+    for (const uint32_t u32CID : au32CIDs) {
+        Put(stTo, Statistics::au32TransportCIDs, u32CID, u32Base);
+        u32Base += WidthOf(Statistics::au32TransportCIDs.eType);
+    }
+    if (m_pstServing != nullptr) {
+        PutStation(stTo);
+    }
+    m_stModem.Tell(TYPE_STATISTICS, SUBTYPE_STATISTICS, stReport.View());
+}
+
+} // namespace
+
+std::unique_ptr<Subsystem> MakeStatistics(Modem &stModem) {
+    return std::make_unique<StatisticsReports>(stModem);
+}

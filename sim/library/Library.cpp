@@ -1,0 +1,160 @@
+// The device library's functions. No exception leaves them.
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "library/Device.h"
+
+#define EXPORTED __attribute__((visibility("default")))
+
+namespace {
+
+constexpr uint32_t hTheDevice = 1;
+
+struct Library {
+    std::mutex stMutex;
+    std::shared_ptr<Device> pstDevice; // null while closed
+    std::string strScenario;           // the one that the attempts are counted for
+    uint32_t u32Attempts = 0;
+    std::string strLastReport;
+};
+
+// Never destroyed: the device may be in use until the process is gone.
+Library &TheLibrary() {
+    static auto &stLibrary = *new Library;
+    return stLibrary;
+}
+
+std::shared_ptr<Device> OpenDevice() {
+    const std::lock_guard stLock(TheLibrary().stMutex);
+    return TheLibrary().pstDevice;
+}
+
+Scenario ChosenScenario(const std::string &strPath) {
+    return strPath.empty() ? Scenario::BuiltIn() : Scenario::FromFile(strPath);
+}
+
+// One line for one mistake, however often the client tries.
+void Report(const std::string &strReason) {
+    if (TheLibrary().strLastReport != strReason) {
+        TheLibrary().strLastReport = strReason;
+        (void)std::fprintf(stderr, "libqor020: %s\n", strReason.c_str());
+    }
+}
+
+struct StopAtEnd {
+    std::shared_ptr<Device> &pstDevice;
+    ~StopAtEnd() {
+        if (pstDevice != nullptr) {
+            pstDevice->Stop();
+        }
+    }
+};
+
+uint32_t Open() {
+    // Stopped when the lock has been given back: a running callback may be sending.
+    std::shared_ptr<Device> pstUnloaded;
+    const StopAtEnd stStop{pstUnloaded};
+    Library &stLibrary = TheLibrary();
+    const std::lock_guard stLock(stLibrary.stMutex);
+    if (stLibrary.pstDevice != nullptr && !stLibrary.pstDevice->Unloaded()) {
+        return hTheDevice;
+    }
+    const char *pcScenario = std::getenv("QOR020_SCENARIO");
+    const std::string strScenario = pcScenario != nullptr ? pcScenario : "";
+    if (strScenario != stLibrary.strScenario) {
+        stLibrary.strScenario = strScenario;
+        stLibrary.u32Attempts = 0;
+    }
+    ++stLibrary.u32Attempts;
+    try {
+        auto pstModem = std::make_unique<WholeModem>(ChosenScenario(strScenario));
+        if (!pstModem->OpensAt(stLibrary.u32Attempts)) {
+            return WIMAX_NO_DEVICE;
+        }
+        pstUnloaded = std::move(stLibrary.pstDevice);
+        stLibrary.pstDevice = Device::Start(std::move(pstModem));
+        return hTheDevice;
+    } catch (const ScenarioError &stError) {
+        Report(stError.what());
+        return WIMAX_NO_DEVICE;
+    }
+}
+
+// Runs pfnUse with the open device, if hDevice is its handle.
+template <typename Use> int32_t WithDevice(uint32_t hDevice, Use pfnUse) {
+    const std::shared_ptr<Device> pstDevice = OpenDevice();
+    if (pstDevice == nullptr) {
+        return LibraryError::NotOpen;
+    }
+    return hDevice == hTheDevice ? pfnUse(*pstDevice) : LibraryError::BadHandle;
+}
+
+// The result of pfnCall, or that of a device that is not there when it throws.
+template <typename Result, typename Call> Result Guarded(Result Failure, Call pfnCall) noexcept {
+    try {
+        return pfnCall();
+    } catch (...) {
+        return Failure;
+    }
+}
+
+} // namespace
+
+EXPORTED uint32_t OpenWiMAXDevice() { return Guarded(WIMAX_NO_DEVICE, Open); }
+
+EXPORTED int32_t RegisterCallback(uint32_t hDevice, WiMAXCallback pfnCallback,
+                                  uint32_t u32Context) {
+    return Guarded(LibraryError::NotOpen, [&] {
+        return WithDevice(hDevice, [&](Device &stDevice) {
+            stDevice.SetCallback(pfnCallback, u32Context);
+            return 0;
+        });
+    });
+}
+
+EXPORTED int32_t SendWiMAXMessage(uint32_t hDevice, void *pvMessage, uint32_t u32Length) {
+    return Guarded(LibraryError::NotOpen, [&] {
+        return WithDevice(hDevice, [&](Device &stDevice) {
+            return stDevice.Send(static_cast<uint8_t *>(pvMessage), u32Length);
+        });
+    });
+}
+
+EXPORTED int32_t CloseWiMAXDevice() {
+    return Guarded(LibraryError::NotOpen, [] {
+        std::shared_ptr<Device> pstDevice;
+        {
+            const std::lock_guard stLock(TheLibrary().stMutex);
+            pstDevice = std::move(TheLibrary().pstDevice);
+            TheLibrary().pstDevice = nullptr;
+        }
+        if (pstDevice == nullptr) {
+            return LibraryError::NotOpen;
+        }
+        pstDevice->Stop();
+        return 0;
+    });
+}
+
+EXPORTED int32_t rdm(uint32_t u32Address, void *pvBuffer, uint32_t u32Count) {
+    return Guarded(LibraryError::NotOpen, [&] {
+        return WithDevice(hTheDevice, [&](Device &stDevice) {
+            return pvBuffer == nullptr
+                       ? LibraryError::NullBuffer
+                       : stDevice.ReadMemory(u32Address,
+                                             {static_cast<uint8_t *>(pvBuffer), u32Count});
+        });
+    });
+}
+
+EXPORTED int32_t wrm(uint32_t u32Address, const void *pvBuffer, uint32_t u32Count) {
+    return Guarded(LibraryError::NotOpen, [&] {
+        return WithDevice(hTheDevice, [&](Device &stDevice) {
+            return pvBuffer == nullptr
+                       ? LibraryError::NullBuffer
+                       : stDevice.WriteMemory(u32Address,
+                                              {static_cast<const uint8_t *>(pvBuffer), u32Count});
+        });
+    });
+}

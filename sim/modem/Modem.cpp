@@ -1,0 +1,181 @@
+#include "modem/Modem.h"
+
+namespace {
+
+// A client that never takes its messages loses the newest ones beyond this many.
+constexpr size_t uMostMessages = 65536;
+
+} // namespace
+
+Modem::Modem(Scenario stScenario)
+    : m_stScenario(std::move(stScenario)),
+      m_u64Seed(static_cast<uint64_t>(Root().Integer("seed", 0, INT64_MAX, 1))),
+      m_fTimeScale(Root().Number("time-scale", 0.001, 1e6, 1)),
+      m_bPresent(Settings("device").Flag("present", true)),
+      m_u32FailedOpens(
+          static_cast<uint32_t>(Settings("device").Integer("failed-opens", 0, UINT32_MAX, 0))),
+      m_iAnswerDelay(Settings("device").Seconds("answer-delay", 0, 1000, 0.02)),
+      m_stStateFile(Root()), m_stRadio(Root(), m_u64Seed), m_stTraffic(Root(), m_stScheduler),
+      m_stOptions(Root()), m_stSignalling(Root(), m_u64Seed, m_stScheduler, m_stRadio,
+                                          m_stAttachment, m_stOptions, m_stAddress) {}
+
+void Modem::Know(Link &stLink, MIBStore &stMIBs, VendorRegionStore &stVendorRegion) {
+    m_pstLink = &stLink;
+    m_pstMIBs = &stMIBs;
+    m_pstVendorRegion = &stVendorRegion;
+}
+
+void Modem::ReadEvents() {
+    std::vector<ScenarioWord> astKinds;
+    for (const EventKind &stKind : m_astEventKinds) {
+        astKinds.push_back(
+            {stKind.strName.c_str(), static_cast<uint32_t>(&stKind - m_astEventKinds.data())});
+    }
+    for (const Section &stSection : Root().Tables("event")) {
+        const EventKind &stKind = m_astEventKinds[stSection.Choice("kind", astKinds)];
+        const ModemTime iAt = stSection.Seconds("at", 0, 1e9);
+        m_stScheduler.After(iAt, stKind.pfnRead(stSection));
+    }
+    m_stScenario.RefuseUnread();
+}
+
+bool Modem::OpensAt(uint32_t u32Attempt) const {
+    return m_bPresent && u32Attempt > m_u32FailedOpens;
+}
+
+void Modem::On(uint32_t u32Type, uint32_t u32SubType, PayloadLength stLength,
+               RequestHandler pfnHandle) {
+    m_astRows.push_back({u32Type, u32SubType, stLength, false, std::move(pfnHandle)});
+}
+
+void Modem::OnAnsweredAtOnce(uint32_t u32Type, uint32_t u32SubType, PayloadLength stLength,
+                             RequestHandler pfnHandle) {
+    m_astRows.push_back({u32Type, u32SubType, stLength, true, std::move(pfnHandle)});
+}
+
+void Modem::OnEvent(const char *pcKind, EventReader pfnRead) {
+    m_astEventKinds.push_back({pcKind, std::move(pfnRead)});
+}
+
+void Modem::OnMemory(MemoryReader pfnRead, MemoryWriter pfnWrite) {
+    m_pfnReadMemory = std::move(pfnRead);
+    m_pfnWriteMemory = std::move(pfnWrite);
+}
+
+const Modem::Row *Modem::RowOf(uint32_t u32Type, uint32_t u32SubType) const {
+    for (const Row &stRow : m_astRows) {
+        if (stRow.u32Type == u32Type &&
+            (stRow.u32SubType == u32SubType || stRow.u32SubType == u32AnySubType)) {
+            return &stRow;
+        }
+    }
+    return nullptr;
+}
+
+int32_t Modem::Send(uint8_t *pucMessage, uint32_t u32Length) {
+    m_bHoldsSender = false;
+    if (m_bUnloaded) {
+        return LibraryError::NotOpen;
+    }
+    if (pucMessage == nullptr) {
+        return LibraryError::NullBuffer;
+    }
+    if (u32Length < MessageHeader::Size || u32Length > WIMAX_MESSAGE_SIZE) {
+        return LibraryError::BadLength;
+    }
+    const ByteView stMessage{pucMessage, u32Length};
+    Request stRequest{Get(stMessage, MessageHeader::usType),
+                      Get(stMessage, MessageHeader::usSubType),
+                      stMessage.From(MessageHeader::Size),
+                      {}};
+    const Row *pstRow = RowOf(stRequest.u32Type, stRequest.u32SubType);
+    if (pstRow == nullptr) {
+        return LibraryError::UnknownRequest;
+    }
+    if (stRequest.stPayload.u32Length < pstRow->stLength.u32Least ||
+        stRequest.stPayload.u32Length > pstRow->stLength.u32Most) {
+        return LibraryError::BadLength;
+    }
+    if (const std::optional<int32_t> iCode = SendFailure(stRequest.u32Type, stRequest.u32SubType)) {
+        return *iCode;
+    }
+    if (m_bHalted && stRequest.u32Type != TYPE_CHIPSET) {
+        return 0; // taken over by the driver, and lost
+    }
+    for (const Notice &pfnNotice : m_apfnNotices) {
+        pfnNotice();
+    }
+    if (pstRow->bAnsweredAtOnce) {
+        stRequest.stReply = {pucMessage + MessageHeader::Size, WIMAX_DATA_SIZE};
+    }
+    return pstRow->pfnHandle(stRequest);
+}
+
+int32_t Modem::ReadMemory(uint32_t u32Address, ByteSpan stTo) {
+    if (m_bUnloaded) {
+        return LibraryError::NotOpen;
+    }
+    return m_pfnReadMemory ? m_pfnReadMemory(u32Address, stTo) : LibraryError::BadAddress;
+}
+
+int32_t Modem::WriteMemory(uint32_t u32Address, ByteView stFrom) {
+    if (m_bUnloaded) {
+        return LibraryError::NotOpen;
+    }
+    return m_pfnWriteMemory ? m_pfnWriteMemory(u32Address, stFrom) : LibraryError::BadAddress;
+}
+
+void Modem::Tell(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload) {
+    if (m_bHalted && u32Type != TYPE_CHIPSET) {
+        return;
+    }
+    MessageBytes aucMessage(MessageHeader::Size +
+                            std::min(stPayload.u32Length, uint32_t{WIMAX_DATA_SIZE}));
+    const ByteSpan stSpan{aucMessage.data(), static_cast<uint32_t>(aucMessage.size())};
+    Put(stSpan, MessageHeader::usType, u32Type);
+    Put(stSpan, MessageHeader::usSubType, u32SubType);
+    PutBytes(stSpan, MessageHeader::Size, stPayload);
+    TellBytes(std::move(aucMessage));
+}
+
+void Modem::TellBytes(MessageBytes aucMessage) {
+    ++m_u32Untold;
+    m_stScheduler.After(m_iAnswerDelay, [this, aucLater = std::move(aucMessage)]() mutable {
+        --m_u32Untold;
+        PassOn(std::move(aucLater));
+    });
+}
+
+void Modem::Queue(MessageBytes aucMessage) {
+    if (m_bUnloaded || m_astOutbox.size() >= uMostMessages) {
+        Lose(aucMessage);
+    } else {
+        m_astOutbox.push_back(std::move(aucMessage));
+    }
+}
+
+void Modem::Lose(const MessageBytes &aucMessage) {
+    const ByteView stBytes{aucMessage.data(), static_cast<uint32_t>(aucMessage.size())};
+    ++m_au32Lost[Get(stBytes, MessageHeader::usType)];
+}
+
+bool Modem::TakeMessage(MessageBytes *paucMessage) {
+    if (m_astOutbox.empty()) {
+        return false;
+    }
+    *paucMessage = std::move(m_astOutbox.front());
+    m_astOutbox.pop_front();
+    return true;
+}
+
+void Modem::RestartOwn() {
+    m_bHalted = false;
+    m_au32Lost.clear();
+    m_stTraffic.Reset();
+}
+
+void Modem::Unload() {
+    // The indication itself still goes out, behind everything told before it.
+    Tell(TYPE_DEVICE_UNLOAD, SUBTYPE_DEVICE_UNLOADED_IND);
+    m_stScheduler.After(m_iAnswerDelay, [this] { m_bUnloaded = true; });
+}

@@ -1,0 +1,110 @@
+// A scenario file: what surrounds the modem, what happens to it, and what goes
+// wrong. Every part of the modem reads its own section; what nobody has read at
+// the end is a mistake in the file and is refused.
+#ifndef SCENARIO_H
+#define SCENARIO_H
+
+#include <cstdint>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "time/ModemTime.h"
+
+// What is wrong with a file: "FILE:LINE: reason".
+class ScenarioError : public std::exception {
+  public:
+    ScenarioError(const std::string &strFile, uint32_t u32Line, const std::string &strReason)
+        : m_strText(strFile + ":" + std::to_string(u32Line) + ": " + strReason) {}
+    const char *what() const noexcept override { return m_strText.c_str(); }
+
+  private:
+    std::string m_strText;
+};
+
+// A file's text, or nothing when there is no such file. Throws ScenarioError.
+std::optional<std::string> ReadTextFile(const std::string &strPath);
+
+struct ScenarioDocument;
+struct ScenarioValue;
+
+// A word of the file that stands for a number.
+struct ScenarioWord {
+    const char *pcWord;
+    uint32_t u32Value;
+};
+
+// One table of the file. Reading a key that is not there gives the default, or,
+// where there is none, refuses the file; so does a value of the wrong kind or
+// outside its range. A section that is not in the file has all its defaults.
+class Section {
+  public:
+    Section(ScenarioDocument *pstDocument, ScenarioValue *pstTable)
+        : m_pstDocument(pstDocument), m_pstTable(pstTable) {}
+
+    bool Present() const { return m_pstTable != nullptr; }
+    bool Has(std::string_view strKey) const;
+
+    int64_t Integer(std::string_view strKey, int64_t iLeast, int64_t iMost,
+                    std::optional<int64_t> iDefault = std::nullopt) const;
+    double Number(std::string_view strKey, double fLeast, double fMost,
+                  std::optional<double> fDefault = std::nullopt) const;
+    // A number of seconds, as modem time.
+    ModemTime Seconds(std::string_view strKey, double fLeast, double fMost,
+                      std::optional<double> fDefault = std::nullopt) const;
+    bool Flag(std::string_view strKey, std::optional<bool> bDefault = std::nullopt) const;
+    std::string Text(std::string_view strKey,
+                     std::optional<std::string_view> strDefault = std::nullopt) const;
+    // One of the words of a table.
+    uint32_t Choice(std::string_view strKey, std::span<const ScenarioWord> astWords,
+                    std::optional<uint32_t> u32Default = std::nullopt) const;
+    // Bytes as text, in hexadecimal, two digits each; blanks, line ends,
+    // colons and dashes may stand between them. Without the key: none.
+    std::vector<uint8_t> Bytes(std::string_view strKey, size_t uMost) const;
+    std::vector<int64_t> Integers(std::string_view strKey, int64_t iLeast, int64_t iMost) const;
+
+    // [key]
+    Section Table(std::string_view strKey) const;
+    // [[key]], in the order of the file
+    std::vector<Section> Tables(std::string_view strKey) const;
+
+    // Refuses the file because of this key, or because of the whole table when
+    // the key is not there.
+    [[noreturn]] void Refuse(std::string_view strKey, const std::string &strReason) const;
+
+  private:
+    ScenarioValue *Find(std::string_view strKey) const;
+    ScenarioValue *FindOrRefuse(std::string_view strKey, bool bOptional) const;
+
+    ScenarioDocument *m_pstDocument;
+    ScenarioValue *m_pstTable;
+};
+
+class Scenario {
+  public:
+    // strName stands for the file in messages. Throws ScenarioError.
+    static Scenario FromText(std::string_view strText, const std::string &strName);
+    static Scenario FromFile(const std::string &strPath);
+    static Scenario BuiltIn();
+
+    Scenario(Scenario &&) noexcept;
+    Scenario &operator=(Scenario &&) noexcept;
+    Scenario(const Scenario &) = delete;
+    Scenario &operator=(const Scenario &) = delete;
+    ~Scenario();
+
+    // The file's outermost table.
+    Section Root() const;
+    // To be called when everything has been read.
+    void RefuseUnread() const;
+
+  private:
+    explicit Scenario(std::unique_ptr<ScenarioDocument> pstDocument);
+    std::unique_ptr<ScenarioDocument> m_pstDocument;
+};
+
+#endif
