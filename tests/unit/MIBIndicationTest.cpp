@@ -518,7 +518,7 @@ TEST_F(MIBIndicationTest, AtTheEndOfTheInputNoZoneWaits) {
 // A thousand random answers for each report and each subtype: nothing is read
 // outside the block, everything ends, and the result is right. Fewer where only
 // threads are looked at, which makes them slow.
-#ifdef __SANITIZE_THREAD__
+#ifdef SANITIZE_THREAD
 constexpr uint32_t u32RandomAnswers = 50;
 #else
 constexpr uint32_t u32RandomAnswers = 1000;

@@ -187,7 +187,7 @@ TEST_F(RegisterTestTest, ALargeReadIsPrintedToItsEnd) {
 }
 
 // The sanitizers' own allocators end the program instead.
-#if !defined __SANITIZE_ADDRESS__ && !defined __SANITIZE_THREAD__
+#if !defined SANITIZE_ADDRESS && !defined SANITIZE_THREAD
 TEST_F(RegisterTestTest, TooManyBytesForTheMemoryEndTheTest) {
     rlimit stBefore{};
     ASSERT_EQ(getrlimit(RLIMIT_AS, &stBefore), 0);
