@@ -60,10 +60,12 @@ struct CodeRow {
 
 struct Layout;
 
-// The layout of a value by the number that says what it is.
+// What a run of bytes is by the number that says so: a record, or bytes that are
+// to be guarded.
 struct CaseRow {
     uint32_t u32Code;
     const Layout *pstLayout;
+    Guard eGuard = Guard::Public;
 };
 
 // One field, array, run of bytes, nested record or list of records.
@@ -82,7 +84,7 @@ struct FieldRow {
     std::span<const CodeRow> astCodes = {};
     Guard eGuard = Guard::Public;
     const Layout *pstRecord = nullptr; // of a nested record or each record of a list
-    // The bytes are one of these records, by the number in stSelector, or just bytes.
+    // The bytes are one of these cases, by the number in stSelector, or just bytes.
     std::span<const CaseRow> astCases = {};
     Field stSelector = {};
 };

@@ -67,6 +67,9 @@ Guard StrictestOf(const Layout &stLayout) {
         if (stRow.pstRecord != nullptr) {
             eGuard = Stricter(eGuard, StrictestOf(*stRow.pstRecord));
         }
+        for (const CaseRow &stCase : stRow.astCases) {
+            eGuard = Stricter(eGuard, stCase.eGuard);
+        }
     }
     return eGuard;
 }
@@ -92,11 +95,11 @@ void WalkNested(Walker &stWalker, FoundField stFound, const Layout &stLayout) {
     --stWalker.u32Depth;
 }
 
-const Layout *CaseOf(const FieldRow &stRow, ByteView stRecord) {
+const CaseRow *CaseOf(const FieldRow &stRow, ByteView stRecord) {
     const uint32_t u32Code = Get(stRecord, stRow.stSelector);
     for (const CaseRow &stCase : stRow.astCases) {
         if (stCase.u32Code == u32Code) {
-            return stCase.pstLayout;
+            return &stCase;
         }
     }
     return nullptr;
@@ -112,9 +115,12 @@ void WalkRun(Walker &stWalker, FoundField stFound, ByteView stRecord, ByteView s
         return;
     }
     stFound.u32Count = 1;
-    if (const Layout *pstCase = CaseOf(stRow, stRecord); pstCase != nullptr) {
-        WalkNested(stWalker, stFound, *pstCase);
-        return;
+    if (const CaseRow *pstCase = CaseOf(stRow, stRecord); pstCase != nullptr) {
+        stFound.eGuard = Stricter(stFound.eGuard, pstCase->eGuard);
+        if (pstCase->pstLayout != nullptr) {
+            WalkNested(stWalker, stFound, *pstCase->pstLayout);
+            return;
+        }
     }
     stFound.u32Value = stRow.eShown == Shown::Value ? ShortValue(stFound.stBytes) : 0;
     Tell(stWalker, stFound);

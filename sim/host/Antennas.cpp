@@ -151,11 +151,11 @@ Antennas::Antennas(Modem &stModem)
                  stSettings.Number("gain-2", -100, 100, -4)};
     m_aiPatternGains = stSettings.Integers("pattern-gains", -100, 100);
     m_fVariation = stSettings.Number("variation", 0, 100, 1);
-    stModem.On(TYPE_ANTENNA, SUBTYPE_ANTENNA_CONFIG, Exactly(AntennaConfig::Size),
+    stModem.On(TYPE_ANTENNA, SUBTYPE_ANTENNA_CONFIG,
                [this](const Request &stRequest) { return Configure(stRequest.stPayload); });
-    stModem.On(TYPE_ANTENNA, SUBTYPE_ANTENNA_SCANNING, Exactly(AntennaScanRequest::Size),
+    stModem.On(TYPE_ANTENNA, SUBTYPE_ANTENNA_SCANNING,
                [this](const Request &stRequest) { return Scan(stRequest.stPayload); });
-    stModem.On(TYPE_ANTENNA, SUBTYPE_ANTENNA_SELECTION, Exactly(AntennaSelection::Size),
+    stModem.On(TYPE_ANTENNA, SUBTYPE_ANTENNA_SELECTION,
                [this](const Request &stRequest) { return Select(stRequest.stPayload); });
     stModem.TheMIBs().Provide(MIBAttribute::AntennaSwitch, [this] { return SwitchInformation(); });
     Transmit({});

@@ -57,19 +57,19 @@ Authentication::Authentication(Modem &stModem)
     Random stRandom = stModem.RandomFor("authentication parameters");
     std::generate(m_aucAKAAtStart.begin() + AuthParamIndication::aucWNID, m_aucAKAAtStart.end(),
                   [&] { return static_cast<uint8_t>(stRandom.Next()); });
-    const auto On = [&](uint32_t u32SubType, PayloadLength stLength,
+    const auto On = [&](uint32_t u32SubType,
                         int32_t (Authentication::*pfnHandle)(const Request &)) {
-        stModem.On(
-            TYPE_AUTHENTICATION, u32SubType, stLength,
-            [this, pfnHandle](const Request &stRequest) { return (this->*pfnHandle)(stRequest); });
+        stModem.On(TYPE_AUTHENTICATION, u32SubType, [this, pfnHandle](const Request &stRequest) {
+            return (this->*pfnHandle)(stRequest);
+        });
     };
-    stModem.On(TYPE_AUTHENTICATION, SUBTYPE_AUTH_STATUS, Exactly(0),
+    stModem.On(TYPE_AUTHENTICATION, SUBTYPE_AUTH_STATUS,
                [this](const Request & /*stRequest*/) { return TellStatus(); });
-    On(SUBTYPE_AUTH_PARAM_READ, Exactly(AuthParamRead::Size), &Authentication::ReadParameters);
-    On(SUBTYPE_AUTH_PARAM_WRITE, Exactly(AuthParamWrite::Size), &Authentication::WriteParameters);
-    On(SUBTYPE_EAP_TRANSFER, AtLeast(EAPTransfer::EmptySize), &Authentication::Transfer);
-    On(SUBTYPE_EAP_COMPLETE, Exactly(EAPComplete::Size), &Authentication::Complete);
-    On(SUBTYPE_ENCRYPTION_TEST, AtLeast(EncryptionTest::RequestSize), &Authentication::Encrypt);
+    On(SUBTYPE_AUTH_PARAM_READ, &Authentication::ReadParameters);
+    On(SUBTYPE_AUTH_PARAM_WRITE, &Authentication::WriteParameters);
+    On(SUBTYPE_EAP_TRANSFER, &Authentication::Transfer);
+    On(SUBTYPE_EAP_COMPLETE, &Authentication::Complete);
+    On(SUBTYPE_ENCRYPTION_TEST, &Authentication::Encrypt);
 }
 
 void Authentication::Start() {

@@ -114,13 +114,12 @@ Chipset::Chipset(Modem &stModem)
         m_au32Failures[stFile.u32FileType] =
             static_cast<uint32_t>(stDownload.Integer(strName + "-failures", 0, UINT32_MAX, 0));
     }
-    stModem.On(TYPE_CHIPSET, SUBTYPE_CHIPSET_RESET, Exactly(0),
-               [this](const Request &) { return Reset(); });
-    stModem.On(TYPE_CHIPSET, SUBTYPE_FIRMWARE_DOWNLOAD, Exactly(DownloadRequest::Size),
+    stModem.On(TYPE_CHIPSET, SUBTYPE_CHIPSET_RESET, [this](const Request &) { return Reset(); });
+    stModem.On(TYPE_CHIPSET, SUBTYPE_FIRMWARE_DOWNLOAD,
                [this](const Request &stRequest) { return Download(stRequest.stPayload); });
-    stModem.OnAnsweredAtOnce(
-        TYPE_CHIPSET, SUBTYPE_MODEM_STATUS, Exactly(ModemStatus::Size),
-        [this](const Request &stRequest) { return TellState(stRequest.stReply); });
+    stModem.OnAnsweredAtOnce(TYPE_CHIPSET, SUBTYPE_MODEM_STATUS, [this](const Request &stRequest) {
+        return TellState(stRequest.stReply);
+    });
     stModem.OnEvent("crash", [this](const Section &) {
         return [this] {
             m_bCrashed = true;

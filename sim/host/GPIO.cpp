@@ -41,13 +41,13 @@ GPIO::GPIO(Modem &stModem) : m_stModem(stModem) {
     for (const int64_t iBit : stModem.Settings("gpio").Integers("set", 0, GPIOBit::LastPosition)) {
         m_u32BitsAtStart |= 1U << iBit;
     }
-    stModem.On(TYPE_GPIO, SUBTYPE_GPIO_SET, Exactly(GPIOBit::Size),
+    stModem.On(TYPE_GPIO, SUBTYPE_GPIO_SET,
                [this](const Request &stRequest) { return SetBit(stRequest.stPayload); });
-    stModem.On(TYPE_GPIO, SUBTYPE_GPIO_STATUS, Exactly(GPIOBit::Size),
+    stModem.On(TYPE_GPIO, SUBTYPE_GPIO_STATUS,
                [this](const Request &stRequest) { return TellBit(stRequest.stPayload); });
-    stModem.On(TYPE_GPIO, SUBTYPE_SET_LED_STATE, Exactly(LEDBehaviour::Size),
+    stModem.On(TYPE_GPIO, SUBTYPE_SET_LED_STATE,
                [this](const Request &stRequest) { return SetLEDs(stRequest.stPayload); });
-    stModem.On(TYPE_GPIO, SUBTYPE_GET_LED_STATE, Exactly(0), [this](const Request &) {
+    stModem.On(TYPE_GPIO, SUBTYPE_GET_LED_STATE, [this](const Request &) {
         m_stModem.Tell(TYPE_GPIO, SUBTYPE_GET_LED_STATE, m_stLEDs.View());
         return 0;
     });

@@ -29,7 +29,7 @@ HalfMiniCard::HalfMiniCard(Modem &stModem) : m_stModem(stModem), m_stWakeUp(stMo
     m_bShutdownAtStart = stSettings.Flag("shutdown", true);
     m_u32Exchanges = static_cast<uint32_t>(stSettings.Integer("exchanges", 0, UINT32_MAX, 3));
     m_iWakeAfter = stSettings.Seconds("wake-after", 0, 1e6, 0);
-    stModem.On(TYPE_HALF_MINI_CARD, SUBTYPE_HALF_MINI_CARD_STATUS, Exactly(0),
+    stModem.On(TYPE_HALF_MINI_CARD, SUBTYPE_HALF_MINI_CARD_STATUS,
                [this](const Request &) { return Answer(); });
     stModem.OnEvent("half-mini-card-wake-up", [this](const Section &) {
         return [this] {

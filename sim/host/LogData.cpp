@@ -77,11 +77,11 @@ LogData::LogData(Modem &stModem)
     m_iPHYPeriod = stSettings.Seconds("phy-period", 0.08, 1e6, 1);
     for (const bool bOn : {true, false}) {
         const uint32_t u32SubType = bOn ? SUBTYPE_LOGGING_ENABLE : SUBTYPE_LOGGING_DISABLE;
-        stModem.On(TYPE_MAC_LOGGING, u32SubType, Exactly(0), [this, bOn](const Request &) {
+        stModem.On(TYPE_MAC_LOGGING, u32SubType, [this, bOn](const Request &) {
             SwitchMAC(bOn);
             return 0;
         });
-        stModem.On(TYPE_PHY_LOGGING, u32SubType, Exactly(0), [this, bOn](const Request &) {
+        stModem.On(TYPE_PHY_LOGGING, u32SubType, [this, bOn](const Request &) {
             SwitchPHY(bOn);
             return 0;
         });

@@ -64,7 +64,7 @@ Loggers::Loggers(Modem &stModem)
       m_stReport(stModem.Clock()), m_stLook(stModem.Clock()) {
     for (uint32_t u32Kind = u32FirstKind; u32Kind <= u32LastKind; ++u32Kind) {
         for (const bool bOn : {true, false}) {
-            stModem.On(bOn ? TYPE_START_LOGGER : TYPE_STOP_LOGGER, u32Kind, Exactly(0),
+            stModem.On(bOn ? TYPE_START_LOGGER : TYPE_STOP_LOGGER, u32Kind,
                        [this, u32Kind, bOn](const Request &) { return Switch(u32Kind, bOn); });
         }
     }

@@ -121,27 +121,21 @@ MIBStore::MIBStore(Modem &stModem) : m_stModem(stModem) {
 
     struct Kind {
         uint32_t u32SubType;
-        PayloadLength stLength;
         int32_t (MIBStore::*pfnHandle)(const Request &);
     };
     // Short records of a set are refused record by record.
-    for (const Kind &stKind :
-         {Kind{SUBTYPE_MIB_GET, Exactly(MIBRecord::Size), &MIBStore::GetOne},
-          Kind{SUBTYPE_MULTIPLE_MIB_SET, AtLeast(MIBRecordList::astRecords), &MIBStore::SetSeveral},
-          Kind{SUBTYPE_MULTIPLE_MIB_GET, AtLeast(MIBRecordList::astRecords),
-               &MIBStore::GetSeveral}}) {
-        stModem.On(TYPE_MIB, stKind.u32SubType, stKind.stLength,
-                   [this, stKind](const Request &stRequest) {
-                       return m_bSupported ? (this->*stKind.pfnHandle)(stRequest)
-                                           : LibraryError::NoMIBSupport;
-                   });
+    for (const Kind &stKind : {Kind{SUBTYPE_MIB_GET, &MIBStore::GetOne},
+                               Kind{SUBTYPE_MULTIPLE_MIB_SET, &MIBStore::SetSeveral},
+                               Kind{SUBTYPE_MULTIPLE_MIB_GET, &MIBStore::GetSeveral}}) {
+        stModem.On(TYPE_MIB, stKind.u32SubType, [this, stKind](const Request &stRequest) {
+            return m_bSupported ? (this->*stKind.pfnHandle)(stRequest) : LibraryError::NoMIBSupport;
+        });
     }
     // A set states four value bytes in a message that ends behind the first one: the
     // value is taken from the sender's buffer.
-    stModem.OnAnsweredAtOnce(
-        TYPE_MIB, SUBTYPE_MIB_SET, AtLeast(MIBRecord::Size), [this](const Request &stRequest) {
-            return m_bSupported ? SetOne(stRequest) : LibraryError::NoMIBSupport;
-        });
+    stModem.OnAnsweredAtOnce(TYPE_MIB, SUBTYPE_MIB_SET, [this](const Request &stRequest) {
+        return m_bSupported ? SetOne(stRequest) : LibraryError::NoMIBSupport;
+    });
 }
 
 void MIBStore::Start() {

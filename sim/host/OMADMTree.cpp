@@ -109,17 +109,17 @@ OMADMTree::OMADMTree(Modem &stModem) : m_stModem(stModem) {
     const Section stSettings = stModem.Settings("oma-dm");
     m_u32Major = static_cast<uint32_t>(stSettings.Integer("major-version", 0, UINT32_MAX, 3));
     m_u32Minor = static_cast<uint32_t>(stSettings.Integer("minor-version", 0, UINT32_MAX, 0));
-    stModem.OnAnsweredAtOnce(TYPE_OMADM, SUBTYPE_OMADM_VERSION, Exactly(OMADMVersion::Size),
+    stModem.OnAnsweredAtOnce(TYPE_OMADM, SUBTYPE_OMADM_VERSION,
                              [this](const Request &stRequest) { return CheckVersion(stRequest); });
-    stModem.OnAnsweredAtOnce(TYPE_OMADM, SUBTYPE_OMADM_SET, AtLeast(OMADMParameter::Size),
+    stModem.OnAnsweredAtOnce(TYPE_OMADM, SUBTYPE_OMADM_SET,
                              [this](const Request &stRequest) { return Set(stRequest); });
-    stModem.OnAnsweredAtOnce(TYPE_OMADM, SUBTYPE_OMADM_GET, AtLeast(OMADMParameter::Size),
+    stModem.OnAnsweredAtOnce(TYPE_OMADM, SUBTYPE_OMADM_GET,
                              [this](const Request &stRequest) { return Get(stRequest); });
-    stModem.OnAnsweredAtOnce(TYPE_OMADM, SUBTYPE_OMADM_SIZE, Exactly(OMADMSizeQuery::Size),
+    stModem.OnAnsweredAtOnce(TYPE_OMADM, SUBTYPE_OMADM_SIZE,
                              [this](const Request &stRequest) { return GetSize(stRequest); });
-    stModem.OnAnsweredAtOnce(TYPE_OMADM, SUBTYPE_OMADM_TREE_UPDATE, Exactly(OMADMTreeUpdate::Size),
+    stModem.OnAnsweredAtOnce(TYPE_OMADM, SUBTYPE_OMADM_TREE_UPDATE,
                              [this](const Request &stRequest) { return UpdateTree(stRequest); });
-    stModem.OnAnsweredAtOnce(TYPE_SECURITY, SUBTYPE_IMEI_DATA, Exactly(IMEIBlock::Size),
+    stModem.OnAnsweredAtOnce(TYPE_SECURITY, SUBTYPE_IMEI_DATA,
                              [this](const Request &stRequest) { return ReadIMEI(stRequest); });
 }
 

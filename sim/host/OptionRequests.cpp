@@ -53,11 +53,11 @@ class OptionRequests : public Subsystem {
 
 OptionRequests::OptionRequests(Modem &stModem)
     : m_stModem(stModem), m_stOptions(stModem.TheOptions()) {
-    stModem.On(TYPE_WIMAX_OPTIONS, SUBTYPE_OPTION_SET, Exactly(WiMAXOption::Size),
+    stModem.On(TYPE_WIMAX_OPTIONS, SUBTYPE_OPTION_SET,
                [this](const Request &stRequest) { return Set(stRequest); });
-    stModem.On(TYPE_WIMAX_OPTIONS, SUBTYPE_OPTION_SET_ALL, Exactly(WiMAXOptions::Size),
+    stModem.On(TYPE_WIMAX_OPTIONS, SUBTYPE_OPTION_SET_ALL,
                [this](const Request &stRequest) { return SetAll(stRequest); });
-    stModem.On(TYPE_WIMAX_OPTIONS, SUBTYPE_OPTION_GET_ALL, Exactly(WiMAXOptions::Size),
+    stModem.On(TYPE_WIMAX_OPTIONS, SUBTYPE_OPTION_GET_ALL,
                [this](const Request &stRequest) { return GetAll(stRequest); });
 }
 

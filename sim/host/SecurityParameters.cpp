@@ -101,11 +101,11 @@ SecurityParameters::SecurityParameters(Modem &stModem) : m_stModem(stModem) {
         }
         m_aaucFromScenario[static_cast<size_t>(iID)] = aucValue;
     }
-    stModem.On(TYPE_SECURITY, SUBTYPE_SECURITY_SET, AtLeast(SecurityRecord::Size),
+    stModem.On(TYPE_SECURITY, SUBTYPE_SECURITY_SET,
                [this](const Request &stRequest) { return Set(stRequest); });
-    stModem.On(TYPE_SECURITY, SUBTYPE_SECURITY_GET, Exactly(SecurityRecord::Size),
+    stModem.On(TYPE_SECURITY, SUBTYPE_SECURITY_GET,
                [this](const Request &stRequest) { return Get(stRequest); });
-    stModem.On(TYPE_SECURITY, SUBTYPE_SECURITY_SIZE, Exactly(SecuritySizeRequest::Size),
+    stModem.On(TYPE_SECURITY, SUBTYPE_SECURITY_SIZE,
                [this](const Request &stRequest) { return GetSize(stRequest); });
 }
 

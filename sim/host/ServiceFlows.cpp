@@ -303,19 +303,16 @@ ServiceFlows::ServiceFlows(Modem &stModem) : m_stModem(stModem), m_stProvisionin
     for (const Section &stSection : stModem.Root().Tables("service-flow")) {
         ReadProvisioned(stSection);
     }
-    stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_DSA, Exactly(ServiceFlowRecord::ShortSize),
-               [this](const Request &stRequest) {
-                   return Ask(stRequest, ServiceFlowRecord::ShortSize, &ServiceFlows::FinishAdd);
-               });
-    stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_DSC, Exactly(ServiceFlowRecord::Size),
-               [this](const Request &stRequest) {
-                   return Ask(stRequest, ServiceFlowRecord::Size, &ServiceFlows::FinishChange);
-               });
-    stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_DSD, Exactly(DeleteFlowRequest::Size),
-               [this](const Request &stRequest) {
-                   return Ask(stRequest, DeleteFlowRequest::Size, &ServiceFlows::FinishDelete);
-               });
-    stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_ERTPS_CHANGE, Exactly(GrantChangeRequest::Size),
+    stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_DSA, [this](const Request &stRequest) {
+        return Ask(stRequest, ServiceFlowRecord::ShortSize, &ServiceFlows::FinishAdd);
+    });
+    stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_DSC, [this](const Request &stRequest) {
+        return Ask(stRequest, ServiceFlowRecord::Size, &ServiceFlows::FinishChange);
+    });
+    stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_DSD, [this](const Request &stRequest) {
+        return Ask(stRequest, DeleteFlowRequest::Size, &ServiceFlows::FinishDelete);
+    });
+    stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_ERTPS_CHANGE,
                [this](const Request &stRequest) { return ChangeGrant(stRequest); });
     stModem.OnEvent("flow-deleted", [this](const Section &stSection) {
         const auto u32SFID = static_cast<uint32_t>(stSection.Integer("sfid", 1, UINT32_MAX));

@@ -125,17 +125,15 @@ StationInformation::StationInformation(Modem &stModem) : m_stModem(stModem) {
     ReadNumbers(stEEPROM, astSummaryNumbers, m_stSummary.Span());
     ReadNumbers(stEEPROM.Table("versions"), astSectionVersions, m_stVersions.Span());
     const auto Answer = [&](uint32_t u32SubType, ByteView stRecord) {
-        stModem.On(TYPE_SS_INFO, u32SubType, Exactly(0),
-                   [&stModem, u32SubType, stRecord](const Request &) {
-                       stModem.Tell(TYPE_SS_INFO, u32SubType, stRecord);
-                       return 0;
-                   });
+        stModem.On(TYPE_SS_INFO, u32SubType, [&stModem, u32SubType, stRecord](const Request &) {
+            stModem.Tell(TYPE_SS_INFO, u32SubType, stRecord);
+            return 0;
+        });
     };
-    stModem.On(TYPE_SS_INFO, SUBTYPE_SS_INFO, Exactly(0),
-               [this](const Request &) { return TellIdentity(); });
+    stModem.On(TYPE_SS_INFO, SUBTYPE_SS_INFO, [this](const Request &) { return TellIdentity(); });
     Answer(SUBTYPE_SS_EEPROM_INFO, m_stSummary.View());
     Answer(SUBTYPE_SS_EEPROM_DETAILED_INFO, m_stVersions.View());
-    stModem.On(TYPE_MAC_ADDRESS, SUBTYPE_SET_MAC_ADDRESS, Exactly(MACAddressRecord::Size),
+    stModem.On(TYPE_MAC_ADDRESS, SUBTYPE_SET_MAC_ADDRESS,
                [this](const Request &stRequest) { return SetMACAddress(stRequest.stPayload); });
 }
 

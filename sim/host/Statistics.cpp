@@ -67,14 +67,12 @@ StatisticsReports::StatisticsReports(Modem &stModem)
     const Section stSettings = stModem.Settings("statistics");
     m_fErrorFloor = stSettings.Number("error-rate", 0, 1, 0.0005);
     m_bResetAtStart = stSettings.Flag("reset-on-resync", false);
-    stModem.On(TYPE_STATISTICS, SUBTYPE_STATISTICS, Exactly(StatusWord::Size),
-               [this](const Request &stRequest) {
-                   return Report(Get(stRequest.stPayload, StatusWord::u32Value));
-               });
-    stModem.On(TYPE_STATISTICS, SUBTYPE_STATISTICS_RESET_CONTROL, Exactly(StatusWord::Size),
-               [this](const Request &stRequest) {
-                   return SetPolicy(Get(stRequest.stPayload, StatusWord::u32Value));
-               });
+    stModem.On(TYPE_STATISTICS, SUBTYPE_STATISTICS, [this](const Request &stRequest) {
+        return Report(Get(stRequest.stPayload, StatusWord::u32Value));
+    });
+    stModem.On(TYPE_STATISTICS, SUBTYPE_STATISTICS_RESET_CONTROL, [this](const Request &stRequest) {
+        return SetPolicy(Get(stRequest.stPayload, StatusWord::u32Value));
+    });
     m_stLink.Observe([this](const LinkChange &stChange) { FollowLink(stChange); });
     m_stLink.OnMove([this] {
         CatchUp();

@@ -26,12 +26,12 @@ Trace::Trace(Modem &stModem)
     : m_stModem(stModem), m_bOnAtStart(stModem.Settings("trace").Flag("on", false)) {
     for (const bool bOn : {true, false}) {
         stModem.On(TYPE_MAC_MGMT, bOn ? SUBTYPE_MAC_MGMT_ENABLE : SUBTYPE_MAC_MGMT_DISABLE,
-                   Exactly(0), [this, bOn](const Request &) {
+                   [this, bOn](const Request &) {
                        Switch(bOn);
                        return 0;
                    });
     }
-    stModem.On(TYPE_MAC_MGMT, SUBTYPE_MAC_MGMT_STATUS, Exactly(0), [this](const Request &) {
+    stModem.On(TYPE_MAC_MGMT, SUBTYPE_MAC_MGMT_STATUS, [this](const Request &) {
         TellState();
         return 0;
     });

@@ -56,11 +56,11 @@ VendorRegionStore::VendorRegionStore(Modem &stModem) : m_stModem(stModem) {
     }
     PackDigits(m_strIMEI, &m_aucAtStart[VendorRegion::IMEI.u16Offset]);
 
-    stModem.On(TYPE_VENDOR_SPECIFIC, SUBTYPE_VSA_READ, AtLeast(VendorParameter::Size),
+    stModem.On(TYPE_VENDOR_SPECIFIC, SUBTYPE_VSA_READ,
                [this](const Request &stRequest) { return Read(stRequest); });
-    stModem.On(TYPE_VENDOR_SPECIFIC, SUBTYPE_VSA_WRITE, AtLeast(VendorParameter::Size),
+    stModem.On(TYPE_VENDOR_SPECIFIC, SUBTYPE_VSA_WRITE,
                [this](const Request &stRequest) { return Write(stRequest); });
-    stModem.On(TYPE_VENDOR_SPECIFIC, SUBTYPE_VSA_SIZE, Exactly(0),
+    stModem.On(TYPE_VENDOR_SPECIFIC, SUBTYPE_VSA_SIZE,
                [this](const Request & /*stRequest*/) { return TellSize(); });
 }
 

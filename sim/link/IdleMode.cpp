@@ -56,7 +56,7 @@ IdleMode::IdleMode(Modem &stModem)
     m_u32TimerAtStart =
         static_cast<uint32_t>(stSettings.Integer("inactivity-timer", 0, u32LongestTimer, 0));
 
-    stModem.On(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE, Exactly(0), [this](const Request &) {
+    stModem.On(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE, [this](const Request &) {
         if (m_stLink.State() == LinkState::LinkUp) {
             Enter();
         } else if (m_stLink.State() == LinkState::Idle) {
@@ -66,15 +66,15 @@ IdleMode::IdleMode(Modem &stModem)
         }
         return 0;
     });
-    stModem.On(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE_STATUS, Exactly(0), [this](const Request &) {
+    stModem.On(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE_STATUS, [this](const Request &) {
         TellWord(SUBTYPE_IDLE_MODE_STATUS, Status());
         return 0;
     });
-    stModem.On(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE_INACTIVITY_TIMER, Exactly(StatusWord::Size),
+    stModem.On(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE_INACTIVITY_TIMER,
                [this](const Request &stRequest) {
                    return SetTimer(Get(stRequest.stPayload, StatusWord::u32Value));
                });
-    stModem.On(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE_WAKE_UP, Exactly(0),
+    stModem.On(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE_WAKE_UP,
                [this](const Request &) { return WakeUp(); });
     stModem.OnEvent("paging", [this](const Section &) { return [this] { Page(); }; });
     stModem.OnAnyRequest([this] { NoteActivity(); });

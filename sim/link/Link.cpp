@@ -69,25 +69,23 @@ Link::Link(Modem &stModem)
 }
 
 void Link::RegisterRequests() {
-    m_stModem.On(TYPE_NETWORK_ENTRY, SUBTYPE_SYNC_UP, Exactly(SyncUpRequest::Size),
+    m_stModem.On(TYPE_NETWORK_ENTRY, SUBTYPE_SYNC_UP,
                  [this](const Request &stRequest) { return SyncUp(stRequest); });
-    m_stModem.On(TYPE_NETWORK_ENTRY, SUBTYPE_NETWORK_ENTRY, Exactly(NetworkEntryRequest::Size),
+    m_stModem.On(TYPE_NETWORK_ENTRY, SUBTYPE_NETWORK_ENTRY,
                  [this](const Request &) { return Enter(std::nullopt); });
-    m_stModem.On(TYPE_NETWORK_ENTRY, SUBTYPE_NSP_NETWORK_ENTRY,
-                 Exactly(NSPNetworkEntryRequest::Size), [this](const Request &stRequest) {
-                     if (Get(stRequest.stPayload, NSPNetworkEntryRequest::u32NSPIDPresent) == 0) {
-                         return Enter(std::nullopt);
-                     }
-                     return Enter(Get(stRequest.stPayload, NSPNetworkEntryRequest::u32NSPID));
-                 });
-    m_stModem.On(TYPE_NETWORK_ENTRY, SUBTYPE_NETWORK_ENTRY_STATUS, Exactly(0),
-                 [this](const Request &) {
-                     TellEntryStatus(StatusReason());
-                     return 0;
-                 });
-    m_stModem.On(TYPE_NETWORK_EXIT, SUBTYPE_SYNC_DOWN, Exactly(0),
+    m_stModem.On(TYPE_NETWORK_ENTRY, SUBTYPE_NSP_NETWORK_ENTRY, [this](const Request &stRequest) {
+        if (Get(stRequest.stPayload, NSPNetworkEntryRequest::u32NSPIDPresent) == 0) {
+            return Enter(std::nullopt);
+        }
+        return Enter(Get(stRequest.stPayload, NSPNetworkEntryRequest::u32NSPID));
+    });
+    m_stModem.On(TYPE_NETWORK_ENTRY, SUBTYPE_NETWORK_ENTRY_STATUS, [this](const Request &) {
+        TellEntryStatus(StatusReason());
+        return 0;
+    });
+    m_stModem.On(TYPE_NETWORK_EXIT, SUBTYPE_SYNC_DOWN,
                  [this](const Request &) { return SyncDown(); });
-    m_stModem.On(TYPE_NETWORK_EXIT, SUBTYPE_SYNC_DEREG, Exactly(0),
+    m_stModem.On(TYPE_NETWORK_EXIT, SUBTYPE_SYNC_DEREG,
                  [this](const Request &) { return Deregister(); });
 }
 

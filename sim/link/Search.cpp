@@ -30,25 +30,23 @@ class Search : public Subsystem {
 
 Search::Search(Modem &stModem)
     : m_stModem(stModem), m_stNetworkSearch(stModem), m_stNSPSearch(stModem) {
-    stModem.On(TYPE_NETWORK_SEARCH, SUBTYPE_NETWORK_SEARCH, Exactly(SearchRequest::Size),
+    stModem.On(TYPE_NETWORK_SEARCH, SUBTYPE_NETWORK_SEARCH,
                [this](const Request &stRequest) { return BeginSearch(stRequest); });
-    stModem.On(TYPE_NETWORK_SEARCH, SUBTYPE_NETWORK_SEARCH_ABORT, Exactly(0),
-               [this](const Request &) {
-                   if (!EndRunning()) {
-                       m_stNetworkSearch.TellResults();
-                   }
-                   return 0;
-               });
-    stModem.On(TYPE_NETWORK_SEARCH, SUBTYPE_NETWORK_SEARCH_QUERY, Exactly(0),
-               [this](const Request &) {
-                   m_stNetworkSearch.TellResults();
-                   return 0;
-               });
-    stModem.On(TYPE_NETWORK_SEARCH, SUBTYPE_NSP_SEARCH, Exactly(NSPSearchRequest::Size),
+    stModem.On(TYPE_NETWORK_SEARCH, SUBTYPE_NETWORK_SEARCH_ABORT, [this](const Request &) {
+        if (!EndRunning()) {
+            m_stNetworkSearch.TellResults();
+        }
+        return 0;
+    });
+    stModem.On(TYPE_NETWORK_SEARCH, SUBTYPE_NETWORK_SEARCH_QUERY, [this](const Request &) {
+        m_stNetworkSearch.TellResults();
+        return 0;
+    });
+    stModem.On(TYPE_NETWORK_SEARCH, SUBTYPE_NSP_SEARCH,
                [this](const Request &stRequest) { return BeginNSPSearch(stRequest); });
-    stModem.On(TYPE_NETWORK_SEARCH, SUBTYPE_LOW_POWER_SCAN, Exactly(LowPowerScanRequest::Size),
+    stModem.On(TYPE_NETWORK_SEARCH, SUBTYPE_LOW_POWER_SCAN,
                [this](const Request &stRequest) { return SetScanMode(stRequest); });
-    stModem.On(TYPE_DEVICE_CONFIG, SUBTYPE_CINR_RSSI_THRESHOLD, Exactly(CinrRssiThreshold::Size),
+    stModem.On(TYPE_DEVICE_CONFIG, SUBTYPE_CINR_RSSI_THRESHOLD,
                [this](const Request &stRequest) { return SetThresholds(stRequest); });
     stModem.TheLink().Observe([this](const LinkChange &) {
         if (!ReceiverFree()) {

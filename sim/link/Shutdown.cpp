@@ -35,9 +35,8 @@ Shutdown::Shutdown(Modem &stModem)
     const Section stSettings = stModem.Settings("shutdown");
     m_iTime = stSettings.Seconds("time", 0, 1000, 0.5);
     m_iWakePeriod = stSettings.Seconds("wake-period", 0, 1e6, 60);
-    stModem.On(TYPE_SHUTDOWN, SUBTYPE_SHUTDOWN, Exactly(0),
-               [this](const Request &) { return Begin(); });
-    stModem.On(TYPE_SHUTDOWN, SUBTYPE_SHUTDOWN_MODE_STATUS, Exactly(0),
+    stModem.On(TYPE_SHUTDOWN, SUBTYPE_SHUTDOWN, [this](const Request &) { return Begin(); });
+    stModem.On(TYPE_SHUTDOWN, SUBTYPE_SHUTDOWN_MODE_STATUS,
                [this](const Request &) { return TellMode(); });
     stModem.OnEvent("complete-wake-up", [this](const Section &) {
         return [this] {

@@ -110,7 +110,7 @@ SleepClasses::SleepClasses(Modem &stModem) : m_stModem(stModem), m_stLink(stMode
     for (uint32_t i = 0; i < SleepMode::MaxDefinitions; ++i) {
         m_astClasses.emplace_back(stModem.Clock());
     }
-    stModem.On(TYPE_SLEEP_MODE, SUBTYPE_SLEEP_PSC_DEFINITION, Exactly(SleepMode::Size),
+    stModem.On(TYPE_SLEEP_MODE, SUBTYPE_SLEEP_PSC_DEFINITION,
                [this](const Request &stRequest) { return Handle(stRequest.stPayload); });
     stModem.OnEvent("traffic-waits",
                     [this](const Section &) { return [this] { TrafficWaits(); }; });

@@ -5,6 +5,12 @@ namespace {
 // A client that never takes its messages loses the newest ones beyond this many.
 constexpr size_t uMostMessages = 65536;
 
+// The sizes that a request may have: any, when nothing is known of it.
+SizeRule SizeOf(uint32_t u32Type, uint32_t u32SubType) {
+    const MessageRow *pstRequest = FindSent(u32Type, u32SubType);
+    return pstRequest != nullptr ? pstRequest->stSize : AtLeast(0);
+}
+
 } // namespace
 
 Modem::Modem(Scenario stScenario)
@@ -43,14 +49,14 @@ bool Modem::OpensAt(uint32_t u32Attempt) const {
     return m_bPresent && u32Attempt > m_u32FailedOpens;
 }
 
-void Modem::On(uint32_t u32Type, uint32_t u32SubType, PayloadLength stLength,
-               RequestHandler pfnHandle) {
-    m_astRows.push_back({u32Type, u32SubType, stLength, false, std::move(pfnHandle)});
+void Modem::On(uint32_t u32Type, uint32_t u32SubType, RequestHandler pfnHandle) {
+    m_astRows.push_back(
+        {u32Type, u32SubType, SizeOf(u32Type, u32SubType), false, std::move(pfnHandle)});
 }
 
-void Modem::OnAnsweredAtOnce(uint32_t u32Type, uint32_t u32SubType, PayloadLength stLength,
-                             RequestHandler pfnHandle) {
-    m_astRows.push_back({u32Type, u32SubType, stLength, true, std::move(pfnHandle)});
+void Modem::OnAnsweredAtOnce(uint32_t u32Type, uint32_t u32SubType, RequestHandler pfnHandle) {
+    m_astRows.push_back(
+        {u32Type, u32SubType, SizeOf(u32Type, u32SubType), true, std::move(pfnHandle)});
 }
 
 void Modem::OnEvent(const char *pcKind, EventReader pfnRead) {
@@ -92,8 +98,8 @@ int32_t Modem::Send(uint8_t *pucMessage, uint32_t u32Length) {
     if (pstRow == nullptr) {
         return LibraryError::UnknownRequest;
     }
-    if (stRequest.stPayload.u32Length < pstRow->stLength.u32Least ||
-        stRequest.stPayload.u32Length > pstRow->stLength.u32Most) {
+    if (stRequest.stPayload.u32Length < pstRow->stSize.u32Least ||
+        stRequest.stPayload.u32Length > pstRow->stSize.u32Most) {
         return LibraryError::BadLength;
     }
     if (const std::optional<int32_t> iCode = SendFailure(stRequest.u32Type, stRequest.u32SubType)) {

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "Catalogue.h"
 #include "Wire.h"
 #include "air/Attachment.h"
 #include "air/Radio.h"
@@ -39,19 +40,11 @@ using MessageBytes = std::vector<uint8_t>;
 struct Request {
     uint32_t u32Type;
     uint32_t u32SubType;
-    ByteView stPayload; // of a length that the handler's row allows
+    ByteView stPayload; // of a length that the catalogue allows
     // The payload of the sender's own buffer, for the requests that are answered at
     // once; empty for all others.
     ByteSpan stReply;
 };
-
-// The payload lengths that a request may have.
-struct PayloadLength {
-    uint32_t u32Least;
-    uint32_t u32Most;
-};
-constexpr PayloadLength Exactly(uint32_t u32Length) { return {u32Length, u32Length}; }
-constexpr PayloadLength AtLeast(uint32_t u32Length) { return {u32Length, WIMAX_DATA_SIZE}; }
 
 class Modem {
   public:
@@ -97,11 +90,9 @@ class Modem {
     // ---- For the subsystems: what they answer to ----
 
     // Requests whose answers come later, as messages.
-    void On(uint32_t u32Type, uint32_t u32SubType, PayloadLength stLength,
-            RequestHandler pfnHandle);
+    void On(uint32_t u32Type, uint32_t u32SubType, RequestHandler pfnHandle);
     // Requests that are answered in the sender's buffer, through Request::stReply.
-    void OnAnsweredAtOnce(uint32_t u32Type, uint32_t u32SubType, PayloadLength stLength,
-                          RequestHandler pfnHandle);
+    void OnAnsweredAtOnce(uint32_t u32Type, uint32_t u32SubType, RequestHandler pfnHandle);
     // A kind of [[event]].
     void OnEvent(const char *pcKind, EventReader pfnRead);
     // Called for every request that the modem accepts, before its handler.
@@ -178,7 +169,7 @@ class Modem {
     struct Row {
         uint32_t u32Type;
         uint32_t u32SubType;
-        PayloadLength stLength;
+        SizeRule stSize;
         bool bAnsweredAtOnce;
         RequestHandler pfnHandle;
     };

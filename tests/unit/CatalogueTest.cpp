@@ -140,25 +140,25 @@ TEST(Catalogue, AListHasWhatItsCounterSaysAsFarAsThePayloadGoes) {
 TEST(Catalogue, AValueIsReadByTheNumberThatSaysWhatItIs) {
     const Payload stTiming("1619:4 00 0:4 0:4 00*8 12:4 00 | 10:4 20:4 30:4 99:4");
     EXPECT_EQ(WalkOf(*FindReceived(24, 2), stTiming),
-              "qor020.mib_get_answer.attribute_id @0 = 1619\n"
-              "qor020.mib_get_answer.key_count @4 = 0\n"
-              "qor020.mib_get_answer.key1 @5 = 0\n"
-              "qor020.mib_get_answer.key2 @9 = 0\n"
-              "qor020.mib_get_answer.data_length @21 = 12\n"
-              "qor020.mib_get_answer.status @25 = 0\n"
+              "qor020.mib_get.attribute_id @0 = 1619\n"
+              "qor020.mib_get.key_count @4 = 0\n"
+              "qor020.mib_get.key1 @5 = 0\n"
+              "qor020.mib_get.key2 @9 = 0\n"
+              "qor020.mib_get.data_length @21 = 12\n"
+              "qor020.mib_get.status @25 = 0\n"
               "{ 0\n"
-              "qor020.mib_get_answer.network_entry_timing.nw_search_time @26 = 10\n"
-              "qor020.mib_get_answer.network_entry_timing.phy_sync_time @30 = 20\n"
-              "qor020.mib_get_answer.network_entry_timing.mac_sync_time @34 = 30\n"
+              "qor020.mib_get.network_entry_timing.nw_search_time @26 = 10\n"
+              "qor020.mib_get.network_entry_timing.phy_sync_time @30 = 20\n"
+              "qor020.mib_get.network_entry_timing.mac_sync_time @34 = 30\n"
               "}\n");
     const Payload stOther("7:4 00 0:4 0:4 00*8 2:4 ff | 12 34 56");
-    EXPECT_EQ(WalkOf(*FindReceived(24, 2), stOther), "qor020.mib_get_answer.attribute_id @0 = 7\n"
-                                                     "qor020.mib_get_answer.key_count @4 = 0\n"
-                                                     "qor020.mib_get_answer.key1 @5 = 0\n"
-                                                     "qor020.mib_get_answer.key2 @9 = 0\n"
-                                                     "qor020.mib_get_answer.data_length @21 = 2\n"
-                                                     "qor020.mib_get_answer.status @25 = -1\n"
-                                                     "qor020.mib_get_answer.value @26 = 1234\n");
+    EXPECT_EQ(WalkOf(*FindReceived(24, 2), stOther), "qor020.mib_get.attribute_id @0 = 7\n"
+                                                     "qor020.mib_get.key_count @4 = 0\n"
+                                                     "qor020.mib_get.key1 @5 = 0\n"
+                                                     "qor020.mib_get.key2 @9 = 0\n"
+                                                     "qor020.mib_get.data_length @21 = 2\n"
+                                                     "qor020.mib_get.status @25 = -1\n"
+                                                     "qor020.mib_get.value @26 = 1234\n");
 }
 
 TEST(Catalogue, ANegativeLengthIsNone) {
@@ -207,7 +207,9 @@ void CollectLayouts(const Layout &stLayout, std::set<const Layout *> *pastLayout
             CollectLayouts(*stRow.pstRecord, pastLayouts);
         }
         for (const CaseRow &stCase : stRow.astCases) {
-            CollectLayouts(*stCase.pstLayout, pastLayouts);
+            if (stCase.pstLayout != nullptr) {
+                CollectLayouts(*stCase.pstLayout, pastLayouts);
+            }
         }
     }
 }

@@ -195,7 +195,7 @@ TEST(Requests, NoMessageAndImpossibleLengthsAreRefused) {
 
 TEST(Requests, ARequestThatIsAnsweredAtOnceHasItsAnswerInTheSendersBuffer) {
     ModemBench stBench("");
-    stBench.TheModem().OnAnsweredAtOnce(35, 1, Exactly(1), [](const Request &stRequest) {
+    stBench.TheModem().OnAnsweredAtOnce(35, 1, [](const Request &stRequest) {
         stRequest.stReply.Set(2, static_cast<uint8_t>(stRequest.stPayload.At(0) + 1));
         return stRequest.stReply.u32Length == 10240 ? 0 : -1;
     });

@@ -1,5 +1,6 @@
 // A modem on the bench: a scenario as text, requests as bytes, and all messages
-// that came out until a moment, as readable lines.
+// that came out until a moment, as readable lines. Whatever comes out is looked up
+// in the catalogue.
 #ifndef MODEM_BENCH_H
 #define MODEM_BENCH_H
 
@@ -33,6 +34,7 @@ class ModemBench {
     void Collect();
 
     WholeModem m_stModem;
+    bool m_bDistorts; // messages are not what a modem sends
     std::vector<Arrival> m_astArrivals;
 };
 
