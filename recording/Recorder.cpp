@@ -71,6 +71,9 @@ struct Recorder {
     uint64_t u64Limit = 0; // larger files are a signal that ends the process
     int64_t i64Epoch = 0;  // what the steady clock's zero is in nanoseconds since 1970
     uint32_t u32Events = 0;
+    // The end of a callback, to be written with the next packet: it costs no write of its own then.
+    Packet stHeldBack{};
+    bool bHoldsBack = false;
 };
 
 constinit Recorder gstRecorder;
@@ -199,30 +202,60 @@ void WriteWhole(Recorder &stRecorder, iovec *pstParts, int iParts) {
              "the recording ends here, the session goes on");
 }
 
-void AddParts(const Packet &stPacket, iovec **ppstNext) {
-    const auto Add = [ppstNext](const uint8_t *pucData, uint32_t u32Length) {
-        *(*ppstNext)++ = {const_cast<uint8_t *>(pucData), u32Length};
-    };
-    Add(stPacket.aucHead, stPacket.u32Head);
-    Add(stPacket.stBytes.pucData, stPacket.stBytes.u32Length);
-    Add(stPacket.aucTail, stPacket.u32Tail);
-}
+// What one write writes: packets, whose heads and tails stand one behind the other where they can.
+struct Parts {
+    static constexpr int iMost = 2 * 3 + 1;
+
+    iovec astParts[iMost];
+    int iParts = 0;
+    uint8_t aucSmall[3 * (Packet::u32LargestHead + sizeof Packet::aucTail)];
+    uint8_t *pucNext = aucSmall;
+
+    void Add(const Packet &stPacket) {
+        AddCopy(stPacket.aucHead, stPacket.u32Head);
+        if (stPacket.stBytes.u32Length != 0) {
+            astParts[iParts++] = {const_cast<uint8_t *>(stPacket.stBytes.pucData),
+                                  stPacket.stBytes.u32Length};
+        }
+        AddCopy(stPacket.aucTail, stPacket.u32Tail);
+    }
+
+  private:
+    void AddCopy(const uint8_t *pucFrom, uint32_t u32Length) {
+        std::memcpy(pucNext, pucFrom, u32Length);
+        iovec *pstLast = iParts > 0 ? &astParts[iParts - 1] : nullptr;
+        if (pstLast != nullptr &&
+            static_cast<uint8_t *>(pstLast->iov_base) + pstLast->iov_len == pucNext) {
+            pstLast->iov_len += u32Length;
+        } else {
+            astParts[iParts++] = {pucNext, u32Length};
+        }
+        pucNext += u32Length;
+    }
+};
 
 // With the lock held.
 void Append(Recorder &stRecorder, const Event &stEvent) {
-    iovec astParts[6];
-    iovec *pstNext = astParts;
+    Parts stParts;
+    if (stRecorder.bHoldsBack) {
+        stParts.Add(stRecorder.stHeldBack);
+    }
+    if (stEvent.eKind == EventKind::MessageDone && !stRecorder.bHoldsBack) {
+        WriteEvent(stEvent, &stRecorder.stHeldBack);
+        stRecorder.bHoldsBack = true;
+        return;
+    }
+    stRecorder.bHoldsBack = false;
     Packet stPacket;
     WriteEvent(stEvent, &stPacket);
-    AddParts(stPacket, &pstNext);
+    stParts.Add(stPacket);
     ManagementMessage stManagement;
-    Packet stManagementPacket;
     if (stEvent.eKind == EventKind::Message &&
         ManagementMessageOf(stEvent.stBytes, &stManagement)) {
-        WriteManagementMessage(stEvent.i64Time, stManagement, &stManagementPacket);
-        AddParts(stManagementPacket, &pstNext);
+        WriteManagementMessage(stEvent.i64Time, stManagement, &stPacket);
+        stParts.Add(stPacket);
     }
-    WriteWhole(stRecorder, astParts, static_cast<int>(pstNext - astParts));
+    WriteWhole(stRecorder, stParts.astParts, stParts.iParts);
 }
 
 // A file that the session depends on, and what tells one build of it from another: what the command
@@ -412,20 +445,15 @@ constexpr auto fnNothingMore = [](Event *) {};
 
 uint16_t NullFlag(bool bNull) { return bNull ? EventFlag::Null : uint16_t{0}; }
 
+bool AllZero(ByteView stBytes) {
+    return stBytes.u32Length == 0 ||
+           (stBytes.pucData[0] == 0 &&
+            std::memcmp(stBytes.pucData, stBytes.pucData + 1, stBytes.u32Length - 1) == 0);
+}
+
 // The length without the zeroes at the end.
 uint32_t LengthToLastByte(ByteView stBytes) {
-    constexpr uint32_t u32Block = 256;
     uint32_t u32Length = stBytes.u32Length;
-    while (u32Length >= u32Block) {
-        uint8_t u8Any = 0;
-        for (uint32_t i = u32Length - u32Block; i < u32Length; ++i) {
-            u8Any |= stBytes.pucData[i];
-        }
-        if (u8Any != 0) {
-            break;
-        }
-        u32Length -= u32Block;
-    }
     while (u32Length > 0 && stBytes.pucData[u32Length - 1] == 0) {
         --u32Length;
     }
@@ -442,7 +470,8 @@ ByteView BytesToRecord(const WiMAXMessage *pstMessage, uint32_t u32Length) {
         return {};
     }
     const ByteView stRecord = WholeRecord(pstMessage);
-    return stRecord.From(0, std::max(u32Length, LengthToLastByte(stRecord)));
+    const bool bNothingBehind = AllZero(stRecord.From(u32Length));
+    return stRecord.From(0, bNothingBehind ? u32Length : LengthToLastByte(stRecord));
 }
 
 // What the library wrote into a record, from its first byte on; nothing when it wrote nothing.
