@@ -87,21 +87,6 @@ int64_t ReadClock(clockid_t iClock) {
 // Times are those of one steady clock, so that a clock that is set turns no order round.
 int64_t SteadyNow() { return ReadClock(CLOCK_MONOTONIC); }
 
-// A thread of the library may be cancelled anywhere, which must not happen with the lock held; and
-// what the recorder does must not show in errno.
-struct Undisturbed {
-    int iBefore = 0;
-    int iError = errno;
-
-    Undisturbed() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &iBefore); }
-    ~Undisturbed() {
-        pthread_setcancelstate(iBefore, nullptr);
-        errno = iError;
-    }
-    Undisturbed(const Undisturbed &) = delete;
-    Undisturbed &operator=(const Undisturbed &) = delete;
-};
-
 void Complain(const char *pcPath, const char *pcWhy, const char *pcConsequence) {
     char acLine[PATH_MAX + 256];
     const int iLength = snprintf(acLine, sizeof acLine, "libqor020record: %s: %s; %s\n", pcPath,
@@ -392,33 +377,43 @@ void Start(Recorder &stRecorder) {
     }
 }
 
-// Writes an event down. Returns its number for the event that will belong to it; 0 when nothing is
-// recorded.
-uint32_t Record(Event stEvent) {
-    Recorder &stRecorder = gstRecorder;
-    if (!stRecorder.bOn.load(std::memory_order_relaxed)) {
-        return 0;
-    }
-    const Undisturbed stUndisturbed;
+uint32_t Write(Recorder &stRecorder, Event *pstEvent) {
     const std::lock_guard stLock(stRecorder.stMutex);
     if (!stRecorder.bStarted) {
         Start(stRecorder);
     }
-    const ByteView stBytes = stEvent.stBytes;
+    const ByteView stBytes = pstEvent->stBytes;
     uint32_t u32Offset = 0;
     do {
         if (!stRecorder.bOn) {
             return 0;
         }
-        stEvent.stBytes = stBytes.From(u32Offset, u32LargestPiece);
-        u32Offset += stEvent.stBytes.u32Length;
-        stEvent.u16Flags =
-            static_cast<uint16_t>((stEvent.u16Flags & ~EventFlag::More) |
+        pstEvent->stBytes = stBytes.From(u32Offset, u32LargestPiece);
+        u32Offset += pstEvent->stBytes.u32Length;
+        pstEvent->u16Flags =
+            static_cast<uint16_t>((pstEvent->u16Flags & ~EventFlag::More) |
                                   (u32Offset < stBytes.u32Length ? EventFlag::More : 0));
-        Stamp(stRecorder, &stEvent);
-        Append(stRecorder, stEvent);
+        Stamp(stRecorder, pstEvent);
+        Append(stRecorder, *pstEvent);
     } while (u32Offset < stBytes.u32Length);
-    return stEvent.u32Number;
+    return pstEvent->u32Number;
+}
+
+// Writes an event down. Returns its number for the event that will belong to it; 0 when nothing is
+// recorded. A thread of the library may be cancelled anywhere, at once, which must not happen with
+// the lock held; and nothing here or in its callers has a destructor, which could not be run then.
+// What the recorder does must not show in errno.
+uint32_t Record(Event stEvent) {
+    if (!gstRecorder.bOn.load(std::memory_order_relaxed)) {
+        return 0;
+    }
+    const int iError = errno;
+    int iBefore = 0;
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &iBefore);
+    const uint32_t u32Number = Write(gstRecorder, &stEvent);
+    errno = iError;
+    pthread_setcancelstate(iBefore, nullptr);
+    return u32Number;
 }
 
 // Records a call, makes it and records its result. fnResult completes the event of the result.
