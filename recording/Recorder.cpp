@@ -416,6 +416,9 @@ uint32_t Record(Event stEvent) {
     return u32Number;
 }
 
+// How many callbacks the thread is in.
+thread_local uint32_t gu32Callbacks = 0;
+
 // Records a call, makes it and records its result. fnResult completes the event of the result.
 template <typename Call, typename Complete>
 auto RecordCall(Event stCall, Call fnCall, Complete fnComplete) {
@@ -439,6 +442,14 @@ auto RecordCall(Event stCall, Call fnCall, Complete fnComplete) {
 constexpr auto fnNothingMore = [](Event *) {};
 
 uint16_t NullFlag(bool bNull) { return bNull ? EventFlag::Null : uint16_t{0}; }
+
+Event CallEvent(EventKind eKind, bool bNull = false) {
+    Event stCall;
+    stCall.eKind = eKind;
+    stCall.u16Flags = static_cast<uint16_t>(
+        NullFlag(bNull) | (gu32Callbacks != 0 ? EventFlag::InCallback : uint16_t{0}));
+    return stCall;
+}
 
 bool AllZero(ByteView stBytes) {
     return stBytes.u32Length == 0 ||
@@ -495,8 +506,11 @@ uint32_t RecordMessage(uint32_t u32Context, const WiMAXMessage *pstMessage, uint
     return RecordCall(
         stMessage,
         [&] {
-            return gapfnCallbacks[uCallback].load(std::memory_order_relaxed)(u32Context, pstMessage,
-                                                                             u32Length);
+            ++gu32Callbacks;
+            const uint32_t u32Result = gapfnCallbacks[uCallback].load(std::memory_order_relaxed)(
+                u32Context, pstMessage, u32Length);
+            --gu32Callbacks;
+            return u32Result;
         },
         fnNothingMore);
 }
@@ -551,18 +565,15 @@ __attribute__((constructor)) void Prepare() {
 } // namespace
 
 EXPORTED uint32_t OpenWiMAXDevice() {
-    Event stCall;
-    stCall.eKind = EventKind::Open;
     return RecordCall(
-        stCall, [] { return Real().pfnOpen != nullptr ? Real().pfnOpen() : WIMAX_NO_DEVICE; },
+        CallEvent(EventKind::Open),
+        [] { return Real().pfnOpen != nullptr ? Real().pfnOpen() : WIMAX_NO_DEVICE; },
         fnNothingMore);
 }
 
 EXPORTED int32_t RegisterCallback(uint32_t hDevice, WiMAXCallback pfnCallback,
                                   uint32_t u32Context) {
-    Event stCall;
-    stCall.eKind = EventKind::Register;
-    stCall.u16Flags = NullFlag(pfnCallback == nullptr);
+    Event stCall = CallEvent(EventKind::Register, pfnCallback == nullptr);
     stCall.u32Handle = hDevice;
     stCall.u32Word = u32Context;
     return RecordCall(
@@ -580,9 +591,7 @@ EXPORTED int32_t SendWiMAXMessage(uint32_t hDevice, void *pvMessage, uint32_t u3
         return Real().pfnSend != nullptr ? Real().pfnSend(hDevice, pvMessage, u32Length)
                                          : s32NoLibrary;
     };
-    Event stCall;
-    stCall.eKind = EventKind::Send;
-    stCall.u16Flags = NullFlag(pvMessage == nullptr);
+    Event stCall = CallEvent(EventKind::Send, pvMessage == nullptr);
     stCall.u32Handle = hDevice;
     stCall.u32Length = u32Length;
     if (pvMessage == nullptr || !gstRecorder.bOn.load(std::memory_order_relaxed)) {
@@ -598,17 +607,14 @@ EXPORTED int32_t SendWiMAXMessage(uint32_t hDevice, void *pvMessage, uint32_t u3
 }
 
 EXPORTED int32_t CloseWiMAXDevice() {
-    Event stCall;
-    stCall.eKind = EventKind::Close;
     return RecordCall(
-        stCall, [] { return Real().pfnClose != nullptr ? Real().pfnClose() : s32NoLibrary; },
+        CallEvent(EventKind::Close),
+        [] { return Real().pfnClose != nullptr ? Real().pfnClose() : s32NoLibrary; },
         fnNothingMore);
 }
 
 EXPORTED int32_t rdm(uint32_t u32Address, void *pvBuffer, uint32_t u32Count) {
-    Event stCall;
-    stCall.eKind = EventKind::ReadMemory;
-    stCall.u16Flags = NullFlag(pvBuffer == nullptr);
+    Event stCall = CallEvent(EventKind::ReadMemory, pvBuffer == nullptr);
     stCall.u32Word = u32Address;
     stCall.u32Length = u32Count;
     return RecordCall(
@@ -627,9 +633,7 @@ EXPORTED int32_t rdm(uint32_t u32Address, void *pvBuffer, uint32_t u32Count) {
 }
 
 EXPORTED int32_t wrm(uint32_t u32Address, const void *pvBuffer, uint32_t u32Count) {
-    Event stCall;
-    stCall.eKind = EventKind::WriteMemory;
-    stCall.u16Flags = NullFlag(pvBuffer == nullptr);
+    Event stCall = CallEvent(EventKind::WriteMemory, pvBuffer == nullptr);
     stCall.u32Word = u32Address;
     stCall.u32Length = u32Count;
     if (pvBuffer != nullptr) {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "Catalogue.h"
+
 namespace {
 
 struct CallName {
@@ -53,11 +55,26 @@ std::string MessageText(ByteView stMessage) {
            (stPayload.u32Length == 0 ? "" : " |" + BytesText(stPayload));
 }
 
-// What stands at a byte of a message.
-std::string PlaceInMessage(ByteView /*stMessage*/, uint32_t u32Offset) {
-    return u32Offset < MessageHeader::Size
-               ? "type and subtype"
-               : "byte " + std::to_string(u32Offset - MessageHeader::Size) + " of the payload";
+// What stands at a byte of a request: a field by the name that filters give it, too, or just the
+// byte.
+std::string PlaceInRequest(ByteView stMessage, uint32_t u32Offset) {
+    if (u32Offset < MessageHeader::Size) {
+        return "type and subtype";
+    }
+    const uint32_t u32Place = u32Offset - MessageHeader::Size;
+    std::string strPlace = "byte " + std::to_string(u32Place) + " of the payload";
+    const MessageRow *pstMessage =
+        FindSent(Get(stMessage, MessageHeader::usType), Get(stMessage, MessageHeader::usSubType));
+    if (pstMessage != nullptr) {
+        WalkMessage(
+            *pstMessage, stMessage.From(MessageHeader::Size), [&](const FoundField &stFound) {
+                if (stFound.eWhat == Found::Field && !IsReserved(*stFound.pstRow) &&
+                    u32Place - stFound.u32Offset < stFound.stBytes.u32Length) {
+                    strPlace = FilterNameOf(*pstMessage, stFound.astPath, *stFound.pstRow).View();
+                }
+            });
+    }
+    return strPlace;
 }
 
 } // namespace
@@ -103,7 +120,7 @@ std::string FirstDifference(const Event &stRecorded, ByteView stRecordedBytes, c
         return stNow.eKind == EventKind::Register ? "the context" : "the address";
     }
     if (u32Place != u32Shorter) {
-        return stNow.eKind == EventKind::Send ? PlaceInMessage(stNowBytes, u32Place)
+        return stNow.eKind == EventKind::Send ? PlaceInRequest(stNowBytes, u32Place)
                                               : "byte " + std::to_string(u32Place);
     }
     return stRecorded.u32Length != stNow.u32Length ||

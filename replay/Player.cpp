@@ -20,6 +20,11 @@ constexpr std::chrono::seconds stLongestWait(3);
 
 constexpr int iStrictExitStatus = 3;
 
+// Whether the call was made inside a callback.
+bool IsCallbacks(const Step &stCall) {
+    return (stCall.stEvent.u16Flags & EventFlag::InCallback) != 0;
+}
+
 void WriteToStandardError(const std::string &strText) {
     (void)(write(STDERR_FILENO, strText.data(), strText.size()) < 0);
 }
@@ -48,6 +53,12 @@ bool Player::AtCall() const {
     const auto &astSteps = m_stRecording.astSteps;
     return m_uNext == astSteps.size() ||
            (IsCall(astSteps[m_uNext].stEvent.eKind) && !m_abPassed[m_uNext]);
+}
+
+// Whether the cursor is at a call that a callback made, and one runs that may make it now.
+bool Player::AtCallbacksCall() const {
+    return m_bDelivering && m_uNext < m_stRecording.astSteps.size() &&
+           IsCallbacks(m_stRecording.astSteps[m_uNext]);
 }
 
 bool Player::OnDeliveryThread() const { return std::this_thread::get_id() == m_stDeliveryThread; }
@@ -151,11 +162,11 @@ void Player::Deliver(Lock &stLock, size_t uMessage) {
     m_bDelivering = false;
 }
 
-// Whether a recorded call may be the one that the client makes: of the same kind, a request also of
-// the same type and subtype.
+// Whether a recorded call may be the one that the client makes: of the same kind, made inside a
+// callback or not, a request also of the same type and subtype.
 bool Player::IsMeant(size_t uStep, const Event &stCall, ByteView stBytes) const {
     const Step &stStep = m_stRecording.astSteps[uStep];
-    return stStep.stEvent.eKind == stCall.eKind &&
+    return stStep.stEvent.eKind == stCall.eKind && IsCallbacks(stStep) == OnDeliveryThread() &&
            (stCall.eKind != EventKind::Send ||
             SameBytes(stStep.Bytes().From(0, MessageHeader::Size),
                       stBytes.From(0, MessageHeader::Size)));
@@ -222,59 +233,51 @@ Player::Answer Player::AnswerOf(size_t uCall, int32_t s32Otherwise) const {
     return {stResult.stEvent.s32Result, stResult.Bytes()};
 }
 
-void Player::ReportDifference(const std::string &strWhat, const std::string &strRecorded,
+// Where the recording says something else (the step, or its end), what differs, and the call as it
+// is made now, if one is.
+void Player::ReportDifference(size_t uStep, const std::string &strWhat,
                               const std::string &strNow) const {
-    const auto Line = [](const char *pcName, const std::string &strCall) {
-        return strCall.empty() ? "" : pcName + strCall + "\n";
-    };
-    WriteToStandardError("libqor020: differs from the recording: " + strWhat + "\n" +
-                         Line("  recorded: ", strRecorded) + Line("  now:      ", strNow));
+    std::string strReport = "libqor020: differs from the recording: ";
+    if (uStep < m_stRecording.astSteps.size()) {
+        const Step &stStep = m_stRecording.astSteps[uStep];
+        strReport += "event " + std::to_string(stStep.stEvent.u32Number) + ", " + strWhat +
+                     "\n  recorded: " + CallText(stStep.stEvent, stStep.Bytes()) + "\n";
+    } else {
+        strReport += strWhat + "\n";
+    }
+    if (!strNow.empty()) {
+        strReport += "  now:      " + strNow + "\n";
+    }
+    WriteToStandardError(strReport);
     if (m_stOptions.bStrict) {
         _exit(iStrictExitStatus);
     }
 }
 
 void Player::ReportLeftOut(size_t uCall) const {
-    const Step &stStep = m_stRecording.astSteps[uCall];
-    ReportDifference("a call was left out", CallText(stStep.stEvent, stStep.Bytes()), "");
-}
-
-void Player::ReportCallDifference(size_t uCall, const Event &stCall, ByteView stBytes) const {
-    const Step &stStep = m_stRecording.astSteps[uCall];
-    const std::string strPlace = FirstDifference(stStep.stEvent, stStep.Bytes(), stCall, stBytes);
-    if (!strPlace.empty()) {
-        ReportDifference(strPlace + " of a call", CallText(stStep.stEvent, stStep.Bytes()),
-                         CallText(stCall, stBytes));
-    }
+    ReportDifference(uCall, "a call was left out", "");
 }
 
 // Answers a call that the recording does not have where the cursor is.
 Player::Answer Player::AnswerUnexpected(const Event &stCall, ByteView stBytes,
                                         int32_t s32Otherwise) const {
-    const auto &astSteps = m_stRecording.astSteps;
-    const std::string strNow = CallText(stCall, stBytes);
-    if (m_uNext == astSteps.size()) {
-        ReportDifference("a call behind its end", "", strNow);
-    } else {
-        ReportDifference("another call",
-                         CallText(astSteps[m_uNext].stEvent, astSteps[m_uNext].Bytes()), strNow);
-    }
+    const bool bAtEnd = m_uNext == m_stRecording.astSteps.size();
+    ReportDifference(m_uNext, bAtEnd ? "a call behind its end" : "another call",
+                     CallText(stCall, stBytes));
     return AnswerOf(FindSimilar(stCall, stBytes), s32Otherwise);
 }
 
 // Until the cursor is at a call. What was recorded before it comes at once then: the order is kept
 // whatever the client does.
-void Player::WaitForTurn(Lock &stLock, const Event &stCall, ByteView stBytes) {
+void Player::WaitForTurn(Lock &stLock) {
     const bool bInCallback = OnDeliveryThread();
     ++m_uWaiting;
     m_bCallbackWaits = m_bCallbackWaits || bInCallback;
     m_stChanged.notify_all();
     m_stChanged.wait(stLock, [this] { return AtCall(); });
-    // When a callback runs, the call that the cursor is at may be the callback's.
+    // A callback that runs may still make the call that the cursor is at.
     if (!bInCallback) {
-        m_stChanged.wait_for(stLock, stPatience, [&] {
-            return AtCall() && (!m_bDelivering || FindCall(stCall, stBytes) == m_uNext);
-        });
+        m_stChanged.wait_for(stLock, stPatience, [this] { return AtCall() && !AtCallbacksCall(); });
         m_stChanged.wait(stLock, [this] { return AtCall(); });
     }
     --m_uWaiting;
@@ -284,18 +287,22 @@ void Player::WaitForTurn(Lock &stLock, const Event &stCall, ByteView stBytes) {
 // Finds the call in the recording, waits until it is answered there and answers it.
 Player::Answer Player::Make(Lock &stLock, const Event &stCall, ByteView stBytes,
                             int32_t s32Otherwise) {
-    WaitForTurn(stLock, stCall, stBytes);
+    WaitForTurn(stLock);
     const size_t uCall = FindCall(stCall, stBytes);
     if (uCall == uNoStep) {
         return AnswerUnexpected(stCall, stBytes, s32Otherwise);
     }
-    ReportCallDifference(uCall, stCall, stBytes);
+    const auto &astSteps = m_stRecording.astSteps;
+    const std::string strPlace =
+        FirstDifference(astSteps[uCall].stEvent, astSteps[uCall].Bytes(), stCall, stBytes);
+    if (!strPlace.empty()) {
+        ReportDifference(uCall, strPlace, CallText(stCall, stBytes));
+    }
     if (uCall != m_uNext && OnDeliveryThread()) {
         // The program's own thread will make the calls before it.
         m_abPassed[uCall] = true;
         return AnswerOf(uCall, s32Otherwise);
     }
-    const auto &astSteps = m_stRecording.astSteps;
     for (size_t i = m_uNext; i < uCall; ++i) {
         if (IsCall(astSteps[i].stEvent.eKind) && !m_abPassed[i]) {
             ReportLeftOut(i);
@@ -313,7 +320,8 @@ Player::Answer Player::Make(Lock &stLock, const Event &stCall, ByteView stBytes,
     m_stChanged.wait(stLock, [&] { return m_abPassed[uResult]; });
     --m_uUnderWay;
     if (m_stOptions.fSpeed == 0 && !OnDeliveryThread()) {
-        m_stChanged.wait(stLock, [this] { return AtCall() && m_stMessages.empty(); });
+        m_stChanged.wait(stLock,
+                         [this] { return AtCall() && !AtCallbacksCall() && m_stMessages.empty(); });
     }
     return AnswerOf(uCall, s32Otherwise);
 }
@@ -361,14 +369,17 @@ int32_t Player::Close() {
     const auto &astSteps = m_stRecording.astSteps;
     Lock stLock(m_stMutex);
     size_t uClose = m_uNext;
+    size_t uFirst = astSteps.size();
     size_t uLeftOut = 0;
     while (uClose < astSteps.size() && astSteps[uClose].stEvent.eKind != EventKind::Close) {
-        uLeftOut += IsCall(astSteps[uClose].stEvent.eKind) && !m_abPassed[uClose] ? 1 : 0;
+        if (IsCall(astSteps[uClose].stEvent.eKind) && !m_abPassed[uClose]) {
+            uFirst = std::min(uFirst, uClose);
+            ++uLeftOut;
+        }
         ++uClose;
     }
     if (uLeftOut != 0) {
-        ReportDifference("closed " + std::to_string(uLeftOut) + " calls earlier",
-                         CallText(astSteps[m_uNext].stEvent, astSteps[m_uNext].Bytes()),
+        ReportDifference(uFirst, "closed " + std::to_string(uLeftOut) + " calls earlier",
                          "CloseWiMAXDevice");
     }
     m_pfnCallback = nullptr;

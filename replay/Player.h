@@ -53,12 +53,11 @@ class Player {
     size_t FindCall(const Event &stCall, ByteView stBytes) const;
     size_t FindSimilar(const Event &stCall, ByteView stBytes) const;
     bool IsMeant(size_t uStep, const Event &stCall, ByteView stBytes) const;
-    void WaitForTurn(Lock &stLock, const Event &stCall, ByteView stBytes);
+    void WaitForTurn(Lock &stLock);
     void MoveTo(size_t uStep);
-    void ReportDifference(const std::string &strWhat, const std::string &strRecorded,
+    void ReportDifference(size_t uStep, const std::string &strWhat,
                           const std::string &strNow) const;
     void ReportLeftOut(size_t uCall) const;
-    void ReportCallDifference(size_t uCall, const Event &stCall, ByteView stBytes) const;
 
     void RunCursor();
     bool TakeStep(Lock &stLock);
@@ -66,6 +65,7 @@ class Player {
     void Deliver(Lock &stLock, size_t uMessage);
 
     bool AtCall() const;
+    bool AtCallbacksCall() const;
     bool Hurries() const { return m_stOptions.fSpeed == 0 || m_uWaiting > 0; }
     Clock::time_point DueTime(const Step &stStep) const;
     bool OnDeliveryThread() const;
