@@ -120,9 +120,8 @@ void WriteBack() {
 
 int main(int iArguments, char **ppcArguments) {
     const std::pair<const char *, void (*)()> astWays[] = {
-        {"children", Children},       {"one-send", OneSend},
-        {"replaced", Replaced},       {"descriptors", Descriptors},
-        {"long-read", LongRead},      {"errno", KeepsErrno},
+        {"children", Children},       {"one-send", OneSend},     {"replaced", Replaced},
+        {"descriptors", Descriptors}, {"long-read", LongRead},   {"errno", KeepsErrno},
         {"callbacks", ManyCallbacks}, {"write-back", WriteBack},
     };
     for (const auto &[pcName, pfnWay] : astWays) {

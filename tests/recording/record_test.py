@@ -124,6 +124,17 @@ class Contents(RecordTest):
         done = recording.of("message-done")
         self.assertEqual([event.result for event in done], list(range(8)))
 
+    def test_a_call_says_when_a_callback_made_it(self):
+        process = self.start([OPTIONS.client], OPTIONS.scripted,
+                             script="answer 36/2 | 1:4\nanswer 21/3 | 1:4\n")
+        process.stdin.write(b"24\n")
+        process.stdin.flush()
+        self.wait_for(lambda: self.file.exists() and len(Capture(self.file).of("send")) == 2)
+        process.communicate(b"-1\n", PATIENCE)
+        recording = Capture(self.file)
+        self.assertEqual([event.flags for event in recording.of("send")], [0, 4])
+        self.assertEqual([event.flags for event in recording.of("close")], [0])
+
     def test_the_client_finds_its_errno_unchanged(self):
         self.assertEqual(self.run_program("errno"), "77\n")
 
