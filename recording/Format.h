@@ -40,8 +40,9 @@ constexpr EventKind ResultOf(EventKind eCall) {
 }
 
 namespace EventFlag {
-inline constexpr uint16_t Null = 1; // a null pointer was handed over
-inline constexpr uint16_t More = 2; // the bytes go on in the next event of this kind and call
+inline constexpr uint16_t Null = 1;       // a null pointer was handed over
+inline constexpr uint16_t More = 2;       // the bytes go on in the next event of this kind and call
+inline constexpr uint16_t InCallback = 4; // a call that was made inside a callback
 } // namespace EventFlag
 
 struct Event {

@@ -71,6 +71,9 @@ struct Recorder {
     uint64_t u64Limit = 0; // larger files are a signal that ends the process
     int64_t i64Epoch = 0;  // what the steady clock's zero is in nanoseconds since 1970
     uint32_t u32Events = 0;
+    // The end of a callback, to be written with the next packet: it costs no write of its own then.
+    Packet stHeldBack{};
+    bool bHoldsBack = false;
 };
 
 constinit Recorder gstRecorder;
@@ -83,21 +86,6 @@ int64_t ReadClock(clockid_t iClock) {
 
 // Times are those of one steady clock, so that a clock that is set turns no order round.
 int64_t SteadyNow() { return ReadClock(CLOCK_MONOTONIC); }
-
-// A thread of the library may be cancelled anywhere, which must not happen with the lock held; and
-// what the recorder does must not show in errno.
-struct Undisturbed {
-    int iBefore = 0;
-    int iError = errno;
-
-    Undisturbed() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &iBefore); }
-    ~Undisturbed() {
-        pthread_setcancelstate(iBefore, nullptr);
-        errno = iError;
-    }
-    Undisturbed(const Undisturbed &) = delete;
-    Undisturbed &operator=(const Undisturbed &) = delete;
-};
 
 void Complain(const char *pcPath, const char *pcWhy, const char *pcConsequence) {
     char acLine[PATH_MAX + 256];
@@ -199,30 +187,60 @@ void WriteWhole(Recorder &stRecorder, iovec *pstParts, int iParts) {
              "the recording ends here, the session goes on");
 }
 
-void AddParts(const Packet &stPacket, iovec **ppstNext) {
-    const auto Add = [ppstNext](const uint8_t *pucData, uint32_t u32Length) {
-        *(*ppstNext)++ = {const_cast<uint8_t *>(pucData), u32Length};
-    };
-    Add(stPacket.aucHead, stPacket.u32Head);
-    Add(stPacket.stBytes.pucData, stPacket.stBytes.u32Length);
-    Add(stPacket.aucTail, stPacket.u32Tail);
-}
+// What one write writes: packets, whose heads and tails stand one behind the other where they can.
+struct Parts {
+    static constexpr int iMost = 2 * 3 + 1;
+
+    iovec astParts[iMost];
+    int iParts = 0;
+    uint8_t aucSmall[3 * (Packet::u32LargestHead + sizeof Packet::aucTail)];
+    uint8_t *pucNext = aucSmall;
+
+    void Add(const Packet &stPacket) {
+        AddCopy(stPacket.aucHead, stPacket.u32Head);
+        if (stPacket.stBytes.u32Length != 0) {
+            astParts[iParts++] = {const_cast<uint8_t *>(stPacket.stBytes.pucData),
+                                  stPacket.stBytes.u32Length};
+        }
+        AddCopy(stPacket.aucTail, stPacket.u32Tail);
+    }
+
+  private:
+    void AddCopy(const uint8_t *pucFrom, uint32_t u32Length) {
+        std::memcpy(pucNext, pucFrom, u32Length);
+        iovec *pstLast = iParts > 0 ? &astParts[iParts - 1] : nullptr;
+        if (pstLast != nullptr &&
+            static_cast<uint8_t *>(pstLast->iov_base) + pstLast->iov_len == pucNext) {
+            pstLast->iov_len += u32Length;
+        } else {
+            astParts[iParts++] = {pucNext, u32Length};
+        }
+        pucNext += u32Length;
+    }
+};
 
 // With the lock held.
 void Append(Recorder &stRecorder, const Event &stEvent) {
-    iovec astParts[6];
-    iovec *pstNext = astParts;
+    Parts stParts;
+    if (stRecorder.bHoldsBack) {
+        stParts.Add(stRecorder.stHeldBack);
+    }
+    if (stEvent.eKind == EventKind::MessageDone && !stRecorder.bHoldsBack) {
+        WriteEvent(stEvent, &stRecorder.stHeldBack);
+        stRecorder.bHoldsBack = true;
+        return;
+    }
+    stRecorder.bHoldsBack = false;
     Packet stPacket;
     WriteEvent(stEvent, &stPacket);
-    AddParts(stPacket, &pstNext);
+    stParts.Add(stPacket);
     ManagementMessage stManagement;
-    Packet stManagementPacket;
     if (stEvent.eKind == EventKind::Message &&
         ManagementMessageOf(stEvent.stBytes, &stManagement)) {
-        WriteManagementMessage(stEvent.i64Time, stManagement, &stManagementPacket);
-        AddParts(stManagementPacket, &pstNext);
+        WriteManagementMessage(stEvent.i64Time, stManagement, &stPacket);
+        stParts.Add(stPacket);
     }
-    WriteWhole(stRecorder, astParts, static_cast<int>(pstNext - astParts));
+    WriteWhole(stRecorder, stParts.astParts, stParts.iParts);
 }
 
 // A file that the session depends on, and what tells one build of it from another: what the command
@@ -359,34 +377,47 @@ void Start(Recorder &stRecorder) {
     }
 }
 
-// Writes an event down. Returns its number for the event that will belong to it; 0 when nothing is
-// recorded.
-uint32_t Record(Event stEvent) {
-    Recorder &stRecorder = gstRecorder;
-    if (!stRecorder.bOn.load(std::memory_order_relaxed)) {
-        return 0;
-    }
-    const Undisturbed stUndisturbed;
+uint32_t Write(Recorder &stRecorder, Event *pstEvent) {
     const std::lock_guard stLock(stRecorder.stMutex);
     if (!stRecorder.bStarted) {
         Start(stRecorder);
     }
-    const ByteView stBytes = stEvent.stBytes;
+    const ByteView stBytes = pstEvent->stBytes;
     uint32_t u32Offset = 0;
     do {
         if (!stRecorder.bOn) {
             return 0;
         }
-        stEvent.stBytes = stBytes.From(u32Offset, u32LargestPiece);
-        u32Offset += stEvent.stBytes.u32Length;
-        stEvent.u16Flags =
-            static_cast<uint16_t>((stEvent.u16Flags & ~EventFlag::More) |
+        pstEvent->stBytes = stBytes.From(u32Offset, u32LargestPiece);
+        u32Offset += pstEvent->stBytes.u32Length;
+        pstEvent->u16Flags =
+            static_cast<uint16_t>((pstEvent->u16Flags & ~EventFlag::More) |
                                   (u32Offset < stBytes.u32Length ? EventFlag::More : 0));
-        Stamp(stRecorder, &stEvent);
-        Append(stRecorder, stEvent);
+        Stamp(stRecorder, pstEvent);
+        Append(stRecorder, *pstEvent);
     } while (u32Offset < stBytes.u32Length);
-    return stEvent.u32Number;
+    return pstEvent->u32Number;
 }
+
+// Writes an event down. Returns its number for the event that will belong to it; 0 when nothing is
+// recorded. A thread of the library may be cancelled anywhere, at once, which must not happen with
+// the lock held; and nothing here or in its callers has a destructor, which could not be run then.
+// What the recorder does must not show in errno.
+uint32_t Record(Event stEvent) {
+    if (!gstRecorder.bOn.load(std::memory_order_relaxed)) {
+        return 0;
+    }
+    const int iError = errno;
+    int iBefore = 0;
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &iBefore);
+    const uint32_t u32Number = Write(gstRecorder, &stEvent);
+    errno = iError;
+    pthread_setcancelstate(iBefore, nullptr);
+    return u32Number;
+}
+
+// How many callbacks the thread is in.
+thread_local uint32_t gu32Callbacks = 0;
 
 // Records a call, makes it and records its result. fnResult completes the event of the result.
 template <typename Call, typename Complete>
@@ -412,20 +443,23 @@ constexpr auto fnNothingMore = [](Event *) {};
 
 uint16_t NullFlag(bool bNull) { return bNull ? EventFlag::Null : uint16_t{0}; }
 
+Event CallEvent(EventKind eKind, bool bNull = false) {
+    Event stCall;
+    stCall.eKind = eKind;
+    stCall.u16Flags = static_cast<uint16_t>(
+        NullFlag(bNull) | (gu32Callbacks != 0 ? EventFlag::InCallback : uint16_t{0}));
+    return stCall;
+}
+
+bool AllZero(ByteView stBytes) {
+    return stBytes.u32Length == 0 ||
+           (stBytes.pucData[0] == 0 &&
+            std::memcmp(stBytes.pucData, stBytes.pucData + 1, stBytes.u32Length - 1) == 0);
+}
+
 // The length without the zeroes at the end.
 uint32_t LengthToLastByte(ByteView stBytes) {
-    constexpr uint32_t u32Block = 256;
     uint32_t u32Length = stBytes.u32Length;
-    while (u32Length >= u32Block) {
-        uint8_t u8Any = 0;
-        for (uint32_t i = u32Length - u32Block; i < u32Length; ++i) {
-            u8Any |= stBytes.pucData[i];
-        }
-        if (u8Any != 0) {
-            break;
-        }
-        u32Length -= u32Block;
-    }
     while (u32Length > 0 && stBytes.pucData[u32Length - 1] == 0) {
         --u32Length;
     }
@@ -442,7 +476,8 @@ ByteView BytesToRecord(const WiMAXMessage *pstMessage, uint32_t u32Length) {
         return {};
     }
     const ByteView stRecord = WholeRecord(pstMessage);
-    return stRecord.From(0, std::max(u32Length, LengthToLastByte(stRecord)));
+    const bool bNothingBehind = AllZero(stRecord.From(u32Length));
+    return stRecord.From(0, bNothingBehind ? u32Length : LengthToLastByte(stRecord));
 }
 
 // What the library wrote into a record, from its first byte on; nothing when it wrote nothing.
@@ -471,8 +506,11 @@ uint32_t RecordMessage(uint32_t u32Context, const WiMAXMessage *pstMessage, uint
     return RecordCall(
         stMessage,
         [&] {
-            return gapfnCallbacks[uCallback].load(std::memory_order_relaxed)(u32Context, pstMessage,
-                                                                             u32Length);
+            ++gu32Callbacks;
+            const uint32_t u32Result = gapfnCallbacks[uCallback].load(std::memory_order_relaxed)(
+                u32Context, pstMessage, u32Length);
+            --gu32Callbacks;
+            return u32Result;
         },
         fnNothingMore);
 }
@@ -527,18 +565,15 @@ __attribute__((constructor)) void Prepare() {
 } // namespace
 
 EXPORTED uint32_t OpenWiMAXDevice() {
-    Event stCall;
-    stCall.eKind = EventKind::Open;
     return RecordCall(
-        stCall, [] { return Real().pfnOpen != nullptr ? Real().pfnOpen() : WIMAX_NO_DEVICE; },
+        CallEvent(EventKind::Open),
+        [] { return Real().pfnOpen != nullptr ? Real().pfnOpen() : WIMAX_NO_DEVICE; },
         fnNothingMore);
 }
 
 EXPORTED int32_t RegisterCallback(uint32_t hDevice, WiMAXCallback pfnCallback,
                                   uint32_t u32Context) {
-    Event stCall;
-    stCall.eKind = EventKind::Register;
-    stCall.u16Flags = NullFlag(pfnCallback == nullptr);
+    Event stCall = CallEvent(EventKind::Register, pfnCallback == nullptr);
     stCall.u32Handle = hDevice;
     stCall.u32Word = u32Context;
     return RecordCall(
@@ -556,9 +591,7 @@ EXPORTED int32_t SendWiMAXMessage(uint32_t hDevice, void *pvMessage, uint32_t u3
         return Real().pfnSend != nullptr ? Real().pfnSend(hDevice, pvMessage, u32Length)
                                          : s32NoLibrary;
     };
-    Event stCall;
-    stCall.eKind = EventKind::Send;
-    stCall.u16Flags = NullFlag(pvMessage == nullptr);
+    Event stCall = CallEvent(EventKind::Send, pvMessage == nullptr);
     stCall.u32Handle = hDevice;
     stCall.u32Length = u32Length;
     if (pvMessage == nullptr || !gstRecorder.bOn.load(std::memory_order_relaxed)) {
@@ -574,17 +607,14 @@ EXPORTED int32_t SendWiMAXMessage(uint32_t hDevice, void *pvMessage, uint32_t u3
 }
 
 EXPORTED int32_t CloseWiMAXDevice() {
-    Event stCall;
-    stCall.eKind = EventKind::Close;
     return RecordCall(
-        stCall, [] { return Real().pfnClose != nullptr ? Real().pfnClose() : s32NoLibrary; },
+        CallEvent(EventKind::Close),
+        [] { return Real().pfnClose != nullptr ? Real().pfnClose() : s32NoLibrary; },
         fnNothingMore);
 }
 
 EXPORTED int32_t rdm(uint32_t u32Address, void *pvBuffer, uint32_t u32Count) {
-    Event stCall;
-    stCall.eKind = EventKind::ReadMemory;
-    stCall.u16Flags = NullFlag(pvBuffer == nullptr);
+    Event stCall = CallEvent(EventKind::ReadMemory, pvBuffer == nullptr);
     stCall.u32Word = u32Address;
     stCall.u32Length = u32Count;
     return RecordCall(
@@ -603,9 +633,7 @@ EXPORTED int32_t rdm(uint32_t u32Address, void *pvBuffer, uint32_t u32Count) {
 }
 
 EXPORTED int32_t wrm(uint32_t u32Address, const void *pvBuffer, uint32_t u32Count) {
-    Event stCall;
-    stCall.eKind = EventKind::WriteMemory;
-    stCall.u16Flags = NullFlag(pvBuffer == nullptr);
+    Event stCall = CallEvent(EventKind::WriteMemory, pvBuffer == nullptr);
     stCall.u32Word = u32Address;
     stCall.u32Length = u32Count;
     if (pvBuffer != nullptr) {

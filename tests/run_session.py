@@ -17,6 +17,8 @@ import tempfile
 import termios
 import time
 
+from recording import capture
+
 LIFE_CYCLE = ("OpenWiMAXDevice", "RegisterCallback", "CloseWiMAXDevice")
 SANITIZERS = {
     "ASAN_OPTIONS": "detect_leaks=1:exitcode=99",
@@ -281,6 +283,7 @@ class Client:
         self.master = None
         self.control = None
         self.reads_output = True
+        self.recording = None
         self.descriptors = []
         self.selector = selectors.DefaultSelector()
         environment = {**os.environ, **SANITIZERS, **session.environment}
@@ -327,6 +330,8 @@ class Client:
         heed_signals()
         program = client.with_name(session.program) if session.program else client
         command = [*options.emulator, program]
+        if options.recorder:
+            command = self.recorded(command, options, directory, environment)
         if session.pty:
             self.master, slave = os.openpty()
             self.process = subprocess.Popen(
@@ -349,6 +354,17 @@ class Client:
             self.screen = self.process.stdout.fileno()
         self.selector.register(self.screen, selectors.EVENT_READ, "output")
         self.selector.register(self.process.stderr.fileno(), selectors.EVENT_READ, "errors")
+
+    def recorded(self, command, options, directory, environment):
+        """The command with the recorder in front of the library."""
+        recorder = os.path.abspath(options.recorder)
+        self.recording = directory.parent / "session.pcapng"
+        environment["QOR020_RECORDING"] = str(self.recording)
+        environment["ASAN_OPTIONS"] = SANITIZERS["ASAN_OPTIONS"] + ":verify_asan_link_order=0"
+        if options.emulator:
+            return [*command[:-1], "-E", f"LD_PRELOAD={recorder}", command[-1]]
+        environment["LD_PRELOAD"] = recorder
+        return command
 
     def pump(self, seconds):
         """Takes what has come; waits for something at most that long. False: nothing came."""
@@ -553,8 +569,58 @@ def check_files(session, directory):
             raise Failure(f"the file {name} does not hold {text!r}")
 
 
+def recorded_call(call, result):
+    """A recorded call as the scripted library's record has it."""
+    null = call.flags & capture.NULL
+    data = f" | {format_bytes(call.data)}" if call.data else ""
+    if call.kind == "open":
+        return f"OpenWiMAXDevice -> {'fail' if result.result == -1 else result.result}"
+    if call.kind == "close":
+        return f"CloseWiMAXDevice -> {result.result}"
+    if call.kind == "register":
+        null = "null " if null else ""
+        return f"RegisterCallback {call.handle} {null}{call.word} -> {result.result}"
+    if call.kind == "send":
+        sent = "null" if null else message_text(call.data)
+        return f"SendWiMAXMessage {call.handle} {call.length} {sent} -> {result.result}"
+    name = "rdm" if call.kind == "read" else "wrm"
+    null = " null" if null else ""
+    return f"{name} 0x{call.word:08x} {call.length}{null}{data} -> {result.result}"
+
+
+def message_text(data):
+    kind, subtype = (int.from_bytes(half, "little") for half in (data[:2], data[2:4]))
+    return f"{kind}/{subtype}" + (f" | {format_bytes(data[4:])}" if data[4:] else "")
+
+
+def check_recording(client):
+    """The recording has the calls that the library has, and the messages."""
+    recording = capture.Capture(client.recording).check()
+    ends = {event.belongs_to: event for event in recording.events}
+    calls = [recorded_call(event, ends[event.number])
+             for event in recording.of(*capture.CALLS) if event.number in ends]
+    others = ("done ", "delivered ", "dropped ", "error ")
+    expected = [line for line in client.record_lines if not line.startswith(others)]
+    if client.control is not None and calls != expected:
+        lines = difflib.unified_diff(expected, calls, "library", "recording", n=3, lineterm="")
+        raise Failure("other calls in the recording\n" + "\n".join(lines))
+    delivered = [line.split(" ", 1)[1] for line in client.record_lines
+                 if line.startswith("delivered ")]
+    messages = recording.of("message")
+    if client.control is not None and not 0 <= len(messages) - len(delivered) <= 1:
+        raise Failure(f"{len(messages)} messages recorded, {len(delivered)} delivered")
+    for text, message in zip(delivered, messages):
+        data = b"" if text == "null" else parse_bytes(text)
+        if (text == "null") != bool(message.flags & capture.NULL) or (
+            message.data.rstrip(b"\0") != data.rstrip(b"\0")
+        ):
+            raise Failure(f"delivered {text}, but recorded {message}")
+
+
 def check_all(session, client, directory, status):
     check_calls(session, client)
+    if client.recording is not None:
+        check_recording(client)
     check_files(session, directory)
     if client.errors != session.stderr:
         raise Failure("on standard error")
@@ -590,6 +656,7 @@ def add_options(parser):
     parser.add_argument("--scripted", required=True, help="the scripted libqor020.so")
     parser.add_argument("--simulated", help="the simulated modem's libqor020.so")
     parser.add_argument("--scenarios", help="where scenario files are")
+    parser.add_argument("--recorder", help="the recorder, to be put in front of the library")
     parser.add_argument("--emulator", type=shlex.split, default=[], metavar="COMMAND",
                         help="what runs the client of another machine")
 
