@@ -1,9 +1,22 @@
 #include "modem/Modem.h"
 
+#include <algorithm>
+#include <array>
+
 namespace {
 
 // A client that never takes its messages loses the newest ones beyond this many.
 constexpr size_t uMostMessages = 65536;
+
+// Requests that watch what happens: they change nothing else.
+constexpr std::array<uint32_t, 6> au32WatchingTypes{TYPE_MAC_MGMT,    TYPE_START_LOGGER,
+                                                    TYPE_STOP_LOGGER, TYPE_MAC_LOGGING,
+                                                    TYPE_PHY_LOGGING, TYPE_STATISTICS};
+
+bool Watches(uint32_t u32Type) {
+    return std::find(au32WatchingTypes.begin(), au32WatchingTypes.end(), u32Type) !=
+           au32WatchingTypes.end();
+}
 
 } // namespace
 
@@ -115,8 +128,10 @@ int32_t Modem::Send(uint8_t *pucMessage, uint32_t u32Length) {
     if (m_bHalted && stRequest.u32Type != TYPE_CHIPSET) {
         return 0; // taken over by the driver, and lost
     }
-    for (const Notice &pfnNotice : m_apfnNotices) {
-        pfnNotice();
+    if (!Watches(stRequest.u32Type)) {
+        for (const Notice &pfnNotice : m_apfnNotices) {
+            pfnNotice();
+        }
     }
     if (pstRow->bAnsweredAtOnce) {
         stRequest.stReply = {pucMessage + MessageHeader::Size, WIMAX_DATA_SIZE};
