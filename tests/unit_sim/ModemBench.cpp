@@ -75,6 +75,7 @@ std::vector<std::string> Told(std::vector<std::string> astrTexts) {
 ModemBench::ModemBench(const std::string &strScenario)
     : m_stModem(Read(strScenario)),
       m_bDistorts(strScenario.find("\"truncate\"") != std::string::npos ||
+                  strScenario.find("\"corrupt\"") != std::string::npos ||
                   strScenario.find("kind = \"message\"") != std::string::npos) {}
 
 int32_t ModemBench::Send(uint32_t u32Type, uint32_t u32SubType, const std::string &strPayload) {
@@ -104,7 +105,9 @@ void ModemBench::RunUntil(double fSeconds) {
 void ModemBench::Collect() {
     for (MessageBytes aucMessage; m_stModem.TakeMessage(&aucMessage);) {
         const ByteView stBytes{aucMessage.data(), static_cast<uint32_t>(aucMessage.size())};
-        EXPECT_TRUE(m_bDistorts || IsDescribed(stBytes));
+        EXPECT_TRUE(m_bDistorts || IsDescribed(stBytes))
+            << Get(stBytes, MessageHeader::usType) << "/" << Get(stBytes, MessageHeader::usSubType)
+            << " with " << stBytes.u32Length;
         std::string strText = std::to_string(Get(stBytes, MessageHeader::usType)) + "/" +
                               std::to_string(Get(stBytes, MessageHeader::usSubType)) + ":";
         const std::string strPayload =
