@@ -37,7 +37,7 @@ constexpr MessageRow astMessages[] = {
      "NSP discovery", Exactly(NSPDiscovery::Size), &stNSPDiscovery},
     {TYPE_NETWORK_SEARCH, SUBTYPE_LOW_POWER_SCAN, Direction::Answer, "LowPowerScanAnswer",
      "low power scan mode", Exactly(LowPowerScanAnswer::Size), &stLowPowerScanAnswer},
-    {TYPE_NETWORK_ENTRY, SUBTYPE_SYNC_UP, Direction::Request, "SyncUpRequest", "sync up",
+    {TYPE_NETWORK_ENTRY, SUBTYPE_SYNC_UP, Direction::Request, "SyncUp", "sync up",
      Exactly(SyncUpRequest::Size), &stSyncUpRequest, SUBTYPE_SYNC_STATUS_RESP},
     {TYPE_NETWORK_ENTRY, SUBTYPE_NETWORK_ENTRY, Direction::Request, "NetworkEntryRequest",
      "network entry", Exactly(NetworkEntryRequest::Size), &stNetworkEntryRequest,
