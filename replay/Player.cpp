@@ -380,7 +380,7 @@ int32_t Player::Close() {
         ++uClose;
     }
     if (uLeftOut != 0) {
-        ReportDifference(uFirst, "closed " + std::to_string(uLeftOut) + " calls earlier",
+        ReportDifference(uFirst, "closed with " + std::to_string(uLeftOut) + " calls not made",
                          "CloseWiMAXDevice");
     }
     m_pfnCallback = nullptr;
