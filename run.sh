@@ -5,12 +5,15 @@ set -euo pipefail
 
 usage() {
     cat <<'TEXT'
-Usage: ./run.sh [--scenario FILE]
+Usage: ./run.sh [--scenario FILE | --replay FILE] [--record FILE]
 
 Builds the client and the simulated modem when needed and starts the client on it.
 
   --scenario FILE  what the simulated modem does (see docs/simulator.md and sim/scenarios/);
                    without it, its built-in radio environment
+  --replay FILE    plays a recording instead of the simulated modem, as fast as it was, or
+                   QOR020_REPLAY_SPEED times as fast; 0: at once (see docs/recording.md)
+  --record FILE    records the session into FILE, which is replaced
   --help           this text
 TEXT
 }
@@ -20,13 +23,28 @@ refuse() {
     exit 2
 }
 
+device=(qor020 .) # what is built of it, and where it lies in the build
+recorder=()
+environment=()
 while [ $# -gt 0 ]; do
     case $1 in
+    --scenario | --replay | --record) [ $# -ge 2 ] || refuse "$1 needs a file" ;;&
     --scenario)
-        [ $# -ge 2 ] || refuse "--scenario needs a file"
         [ -f "$2" ] || refuse "no such scenario: $2"
         QOR020_SCENARIO=$(realpath "$2")
         export QOR020_SCENARIO
+        shift 2
+        ;;
+    --replay)
+        [ -f "$2" ] || refuse "no such recording: $2"
+        QOR020_REPLAY=$(realpath "$2")
+        export QOR020_REPLAY
+        device=(qor020_replay replay)
+        shift 2
+        ;;
+    --record)
+        recorder=(qor020record)
+        environment+=("QOR020_RECORDING=$(realpath --no-symlinks --canonicalize-missing "$2")")
         shift 2
         ;;
     --help)
@@ -53,7 +71,11 @@ build() {
 if [ ! -f build/release/build.ninja ]; then
     build cmake --preset release -DWIMAX_TESTS=OFF -DWIMAX_BENCH=OFF
 fi
-build cmake --build build/release --target TarvelWiMAXApp qor020
+build cmake --build build/release --target TarvelWiMAXApp "${device[0]}" "${recorder[@]}"
 
-cd build/release
-exec ./TarvelWiMAXApp
+if [ ${#recorder[@]} -gt 0 ]; then
+    environment+=("LD_PRELOAD=$PWD/build/release/libqor020record.so")
+fi
+client=$PWD/build/release/TarvelWiMAXApp
+cd "build/release/${device[1]}"
+exec env "${environment[@]}" "$client"

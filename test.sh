@@ -162,7 +162,7 @@ section_s390x() { prepare_machine s390x s390x-linux-gnu && test_preset s390x; }
 
 section_benchmarks() {
     [ -x build/release/bench_start ] || { check configure release ON && check build release; } || return
-    (cd build/release && ./bench_start && ./bench_reports)
+    (cd build/release && ./bench_start && ./bench_reports && ./bench_recording)
 }
 
 section_format() {

@@ -33,4 +33,4 @@ install_missing() {
 }
 
 BUILD_PACKAGES=(cmake=cmake ninja=ninja-build g++=g++
-    /usr/include/toml++/toml.h=libtomlplusplus-dev)
+    /usr/include/toml++/toml.h=libtomlplusplus-dev /usr/include/pcap/pcap.h=libpcap-dev)

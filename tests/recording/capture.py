@@ -154,15 +154,28 @@ def block(kind, content):
     return struct.pack("<II", kind, size) + content + struct.pack("<I", size)
 
 
+def packet_block(time, decoder, received, data):
+    tags = struct.pack(f">HH{len(decoder)}sHHIHH", 12, len(decoder), decoder, 35, 4, received, 0, 0)
+    data = tags + data
+    head = struct.pack("<IIIII", 0, time >> 32, time & 0xFFFFFFFF, len(data), len(data))
+    return block(PACKET, head + padded(data))
+
+
 def packet(event, version=1):
     kind = KINDS.index(event.kind) + 1
-    tags = struct.pack(">HH8sHHIHH", 12, 8, OURS, 35, 4, int(event.kind in RECEIVED), 0, 0)
-    data = tags + HEADER.pack(
-        version, kind, event.flags, event.number, event.belongs_to, event.result, event.duration,
-        event.handle, event.word, event.length,
-    ) + event.data
-    head = struct.pack("<IIIII", 0, event.time >> 32, event.time & 0xFFFFFFFF, len(data), len(data))
-    return block(PACKET, head + padded(data))
+    data = HEADER.pack(version, kind, event.flags, event.number, event.belongs_to, event.result,
+                       event.duration, event.handle, event.word, event.length) + event.data
+    return packet_block(event.time, OURS, int(event.kind in RECEIVED), data)
+
+
+def management_packet(time, received, data):
+    return packet_block(time, MANAGEMENT, received, data)
+
+
+def section(texts):
+    """The options of a section header, by code."""
+    return b"".join(struct.pack("<HH", code, len(text)) + padded(text.encode())
+                    for code, text in texts.items()) + bytes(4)
 
 
 def file_head(section=b""):

@@ -30,7 +30,7 @@ class SessionTest(unittest.TestCase):
         """A program with pipes for its streams; recorder false: without one."""
         work = pathlib.Path(tempfile.mkdtemp(dir=self.top))
         (work / "libqor020.so").symlink_to(library)
-        environment = {**os.environ, **SANITIZERS, "LD_LIBRARY_PATH": str(work)}
+        environment = {**os.environ, **SANITIZERS}
         environment["ASAN_OPTIONS"] += ":verify_asan_link_order=0"
         environment["QOR020_RECORDING"] = str(recording or self.file)
         if recorder:

@@ -319,7 +319,7 @@ class Differences(ReplayTest):
         recording.send(TRACE_ON)
         _, errors = self.play(recording.end(), "-1")
         self.assertEqual(errors, DIFFERS + (
-            "event 6, closed 2 calls earlier\n"
+            "event 6, closed with 2 calls not made\n"
             "  recorded: SendWiMAXMessage 1 4 21/3\n"
             "  now:      CloseWiMAXDevice\n"))
 
