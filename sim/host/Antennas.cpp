@@ -111,6 +111,7 @@ class Antennas : public Subsystem {
     bool PatternPossible(uint32_t u32Pattern) const;
     bool WithStation() const;
     void ScanFrame();
+    void WaitForFrame(ModemTime iWait);
     void EndScan(uint32_t u32ScanStatus);
     void TellScan(uint32_t u32ScanStatus);
     void TellScanError(uint32_t u32Error);
@@ -332,7 +333,7 @@ int32_t Antennas::Scan(ByteView stRequest) {
     m_iFrameInterval = (ModemTime{Get(stRequest, u32ScanInterleaveInterval)} + 1) * i64Frame;
     m_u64FramesDone = 0;
     m_astFrames.clear();
-    m_stFrame.Start(i64Frame, [this] { ScanFrame(); });
+    WaitForFrame(i64Frame);
     return 0;
 }
 
@@ -356,7 +357,16 @@ void Antennas::ScanFrame() {
         TellScan(u32ScanGoesOn);
         m_astFrames.clear();
     }
-    m_stFrame.Start(m_iFrameInterval, [this] { ScanFrame(); });
+    WaitForFrame(m_iFrameInterval);
+}
+
+// A scan without end is no answer that anybody could wait for.
+void Antennas::WaitForFrame(ModemTime iWait) {
+    if (m_bEndless) {
+        m_stFrame.Start(iWait, [this] { ScanFrame(); });
+    } else {
+        m_stFrame.StartAnswer(iWait, [this] { ScanFrame(); });
+    }
 }
 
 void Antennas::EndScan(uint32_t u32ScanStatus) {

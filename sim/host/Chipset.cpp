@@ -146,7 +146,7 @@ int32_t Chipset::Reset() {
 // The modem is gone until it has started again.
 void Chipset::Boot() {
     m_stModem.Halt();
-    m_stBoot.Start(m_iResetTime, [this] {
+    m_stBoot.StartAnswer(m_iResetTime, [this] {
         m_stModem.Restart();
         m_stModem.Tell(TYPE_CHIPSET, SUBTYPE_CHIPSET_RESET);
     });
@@ -190,7 +190,8 @@ void Chipset::Transfer() {
     }
     const double fTime =
         std::min(static_cast<double>(u64Size) / m_fRate, 1e9) * static_cast<double>(i64Second);
-    m_stStep.Start(static_cast<ModemTime>(fTime), [this, u32Result] { FinishTransfer(u32Result); });
+    m_stStep.StartAnswer(static_cast<ModemTime>(fTime),
+                         [this, u32Result] { FinishTransfer(u32Result); });
 }
 
 // What has failed is tried again, without being asked to.
@@ -201,7 +202,7 @@ void Chipset::FinishTransfer(uint32_t u32Result) {
     if (u32Result != Downloaded) {
         if (m_u32RetriesLeft != 0) {
             --m_u32RetriesLeft;
-            m_stStep.Start(m_iRetryAfter, [this] { Transfer(); });
+            m_stStep.StartAnswer(m_iRetryAfter, [this] { Transfer(); });
         }
     } else if (bConfiguration) {
         m_bConfigured = true;

@@ -4,21 +4,23 @@
 
 namespace {
 
-using RealClock = std::chrono::steady_clock;
-
 // A callback that runs longer than this is left behind when the device closes.
 constexpr std::chrono::seconds stLongestWait(3);
 // A sender that waits for its answer waits no longer than this.
 constexpr std::chrono::seconds stLongestHold(1);
-// The modem lives at most so long at a time. A scenario whose time runs faster than it can
-// be lived slips behind, instead of keeping everybody waiting.
-constexpr std::chrono::milliseconds stLongestCatchUp(20);
-// The longest sleep at a time, far within what the clock can count.
-constexpr std::chrono::hours stLongestSleep(1);
+// A call with the stepped clock waits no longer for callbacks that its messages are in.
+constexpr std::chrono::seconds stLongestCall(10);
+// The modem lives at most so long at a time, and until so many messages wait: then those are
+// delivered, and whoever wants to send something has a turn.
+constexpr std::chrono::microseconds stLongestSlice(200);
+constexpr size_t uSliceMessages = 64;
+// A modem that has been behind the clock so long cannot keep up: its time is slower.
+constexpr std::chrono::milliseconds stLongestBehind(250);
 
 } // namespace
 
-Device::Device(std::unique_ptr<Modem> pstModem) : m_pstModem(std::move(pstModem)) {}
+Device::Device(std::unique_ptr<Modem> pstModem)
+    : m_pstModem(std::move(pstModem)), m_stClock(m_pstModem->HowTimePasses().fTimeScale) {}
 
 std::shared_ptr<Device> Device::Start(std::unique_ptr<Modem> pstModem) {
     std::shared_ptr<Device> pstDevice(new Device(std::move(pstModem)));
@@ -32,19 +34,52 @@ std::shared_ptr<Device> Device::Start(std::unique_ptr<Modem> pstModem) {
     return pstDevice;
 }
 
+// Whoever waits has the lock before the thread has it again, however busy that is.
+std::unique_lock<std::mutex> Device::Lock() {
+    const std::lock_guard stNext(m_stNext);
+    return std::unique_lock(m_stMutex);
+}
+
+void Device::GiveWay(std::unique_lock<std::mutex> &stLock) {
+    stLock.unlock();
+    const std::lock_guard stNext(m_stNext);
+    stLock.lock();
+}
+
+std::unique_lock<std::mutex> Device::Enter() {
+    std::unique_lock stLock = Lock();
+    if (Stepped()) {
+        m_pstModem->AdvanceTo(m_pstModem->Now() + m_pstModem->HowTimePasses().iCallTime);
+    } else if (!m_stBehindSince || RealClock::Now() - *m_stBehindSince > stLongestBehind) {
+        // A thread that is behind is at it itself, unless a callback keeps it.
+        CatchUp(SIZE_MAX);
+    }
+    return stLock;
+}
+
+void Device::Leave(std::unique_lock<std::mutex> &stLock) {
+    m_bThreadRests = false;
+    m_stWork.notify_one();
+    if (Stepped() && !InOwnThread()) {
+        m_stDelivered.wait_for(stLock, stLongestCall,
+                               [this] { return m_bStopping || m_bThreadRests; });
+    }
+}
+
 void Device::SetCallback(WiMAXCallback pfnCallback, uint32_t u32Context) {
-    const std::lock_guard stLock(m_stMutex);
+    std::unique_lock stLock = Enter();
     m_pfnCallback = pfnCallback;
     m_u32Context = u32Context;
-    m_stWork.notify_one();
+    Leave(stLock);
 }
 
 int32_t Device::Send(uint8_t *pucMessage, uint32_t u32Length) {
-    std::unique_lock stLock(m_stMutex);
-    CatchUp();
+    std::unique_lock stLock = Enter();
     const int32_t iResult = m_pstModem->Send(pucMessage, u32Length);
-    m_stWork.notify_one();
-    if (m_pstModem->HoldsSender()) {
+    const bool bHolds = m_pstModem->HoldsSender();
+    m_bSenderHeld = m_bSenderHeld || bHolds;
+    Leave(stLock);
+    if (bHolds && !Stepped()) {
         WaitForAnswer(stLock);
     }
     return iResult;
@@ -52,7 +87,7 @@ int32_t Device::Send(uint8_t *pucMessage, uint32_t u32Length) {
 
 // Until the callback has returned from all messages.
 void Device::WaitForAnswer(std::unique_lock<std::mutex> &stLock) {
-    if (!m_bStopping && m_stThread.get_id() != std::this_thread::get_id()) {
+    if (!m_bStopping && !InOwnThread()) {
         m_stDelivered.wait_for(stLock, stLongestHold, [this] {
             return m_bStopping || m_pfnCallback == nullptr ||
                    (!m_bDelivering && m_pstModem->AllTold());
@@ -61,33 +96,34 @@ void Device::WaitForAnswer(std::unique_lock<std::mutex> &stLock) {
 }
 
 int32_t Device::ReadMemory(uint32_t u32Address, ByteSpan stTo) {
-    const std::lock_guard stLock(m_stMutex);
-    CatchUp();
-    return m_pstModem->ReadMemory(u32Address, stTo);
+    std::unique_lock stLock = Enter();
+    const int32_t iResult = m_pstModem->ReadMemory(u32Address, stTo);
+    Leave(stLock);
+    return iResult;
 }
 
 int32_t Device::WriteMemory(uint32_t u32Address, ByteView stFrom) {
-    const std::lock_guard stLock(m_stMutex);
-    CatchUp();
-    return m_pstModem->WriteMemory(u32Address, stFrom);
+    std::unique_lock stLock = Enter();
+    const int32_t iResult = m_pstModem->WriteMemory(u32Address, stFrom);
+    Leave(stLock);
+    return iResult;
 }
 
 bool Device::Unloaded() {
-    const std::lock_guard stLock(m_stMutex);
+    const std::unique_lock stLock = Lock();
     return m_pstModem->Unloaded();
 }
 
 void Device::Stop() {
-    std::unique_lock stLock(m_stMutex);
+    std::unique_lock stLock = Lock();
     if (m_bStopping) {
         return;
     }
     m_bStopping = true;
     m_stWork.notify_one();
     m_stDelivered.notify_all();
-    const bool bInCallback = m_stThread.get_id() == std::this_thread::get_id();
     const bool bEnded =
-        !bInCallback && m_stEnded.wait_for(stLock, stLongestWait, [this] { return m_bEnded; });
+        !InOwnThread() && m_stEnded.wait_for(stLock, stLongestWait, [this] { return m_bEnded; });
     stLock.unlock();
     // A thread that is left behind keeps the device alive until it ends.
     if (bEnded) {
@@ -97,49 +133,24 @@ void Device::Stop() {
     }
 }
 
-void Device::CatchUp() {
-    const RealClock::time_point stNow = RealClock::now();
-    const auto fReal = std::chrono::duration<double, std::micro>(stNow - m_stOpened).count();
-    const auto iUntil = static_cast<ModemTime>(fReal * m_pstModem->TimeScale());
-    for (auto iDue = m_pstModem->NextDue(); iDue && *iDue <= iUntil; iDue = m_pstModem->NextDue()) {
-        m_pstModem->AdvanceTo(*iDue);
-        const RealClock::time_point stThen = RealClock::now();
-        if (stThen - stNow > stLongestCatchUp) {
-            const std::chrono::duration<double, std::micro> stLived(static_cast<double>(*iDue) /
-                                                                    m_pstModem->TimeScale());
-            m_stOpened = stThen - std::chrono::duration_cast<RealClock::duration>(stLived);
-            return;
-        }
-    }
-    m_pstModem->AdvanceTo(iUntil);
-}
-
-RealClock::time_point Device::RealTimeOf(ModemTime iTime) const {
-    // Rounded up, so that the modem's clock has reached it then.
-    const std::chrono::duration<double, std::micro> stSince((static_cast<double>(iTime) + 1) /
-                                                            m_pstModem->TimeScale());
-    const RealClock::time_point stLimit = RealClock::now() + stLongestSleep;
-    if (stSince > stLimit - m_stOpened) {
-        return stLimit;
-    }
-    return m_stOpened + std::chrono::ceil<RealClock::duration>(stSince);
-}
-
 void Device::Run() {
-    std::unique_lock stLock(m_stMutex);
-    while (!m_bStopping) {
-        CatchUp();
-        MessageBytes aucMessage;
-        if (m_pfnCallback != nullptr && m_pstModem->TakeMessage(&aucMessage)) {
-            Deliver(stLock, aucMessage);
-        } else if (const std::optional<ModemTime> iDue = m_pstModem->NextDue()) {
-            m_stWork.wait_until(stLock, RealTimeOf(*iDue));
-        } else {
-            m_stWork.wait(stLock);
-        }
+    std::unique_lock stLock = Lock();
+    if (Stepped()) {
+        RunStepped(stLock);
+    } else {
+        RunReal(stLock);
     }
     m_bEnded = true;
     m_stEnded.notify_all();
+}
+
+bool Device::DeliverNext(std::unique_lock<std::mutex> &stLock) {
+    MessageBytes aucMessage;
+    if (m_pfnCallback == nullptr || !m_pstModem->TakeMessage(&aucMessage)) {
+        return false;
+    }
+    Deliver(stLock, aucMessage);
+    return true;
 }
 
 void Device::Deliver(std::unique_lock<std::mutex> &stLock, const MessageBytes &aucMessage) {
@@ -155,7 +166,141 @@ void Device::Deliver(std::unique_lock<std::mutex> &stLock, const MessageBytes &a
         PutBytes(BytesOf(*pstRecord), 0, {aucMessage.data(), u32Length});
         pfnCallback(u32Context, pstRecord.get(), u32Length);
     }
+    const std::lock_guard stNext(m_stNext);
     stLock.lock();
     m_bDelivering = false;
     m_stDelivered.notify_all();
+}
+
+// The real clock.
+
+void Device::RunReal(std::unique_lock<std::mutex> &stLock) {
+    while (!m_bStopping) {
+        if (DeliverNext(stLock)) {
+            continue;
+        }
+        CatchUp(m_pfnCallback != nullptr ? uSliceMessages : SIZE_MAX);
+        if (m_pfnCallback != nullptr && m_pstModem->Waiting() != 0) {
+            continue;
+        }
+        if (m_stBehindSince) {
+            GiveWay(stLock);
+        } else if (const std::optional<ModemTime> iDue = m_pstModem->NextDue()) {
+            m_stWork.wait_until(stLock, m_stClock.MomentOf(*iDue));
+        } else {
+            m_stWork.wait(stLock);
+        }
+    }
+}
+
+// Lives until now, or for a slice.
+void Device::CatchUp(size_t uMostWaiting) {
+    const RealClock::Moment stNow = RealClock::Now();
+    const ModemTime iUntil = m_stClock.TimeAt(stNow);
+    for (auto iDue = m_pstModem->NextDue(); iDue && *iDue <= iUntil; iDue = m_pstModem->NextDue()) {
+        m_pstModem->AdvanceTo(*iDue);
+        if (m_pstModem->Waiting() >= uMostWaiting || RealClock::Now() - stNow > stLongestSlice) {
+            NoteBehind(true);
+            return;
+        }
+    }
+    m_pstModem->AdvanceTo(iUntil);
+    NoteBehind(false);
+}
+
+void Device::NoteBehind(bool bBehind) {
+    const RealClock::Moment stNow = RealClock::Now();
+    if (!bBehind) {
+        m_stBehindSince.reset();
+    } else if (!m_stBehindSince) {
+        m_stBehindSince = stNow;
+    } else if (stNow - *m_stBehindSince > stLongestBehind) {
+        m_stClock.SlipTo(m_pstModem->Now(), stNow);
+        m_stBehindSince = stNow;
+    }
+}
+
+// The stepped clock.
+
+void Device::RunStepped(std::unique_lock<std::mutex> &stLock) {
+    while (!m_bStopping) {
+        if (DeliverNext(stLock)) {
+            continue;
+        }
+        if (Step()) {
+            GiveWay(stLock);
+            continue;
+        }
+        m_bSenderHeld = false;
+        m_bThreadRests = true;
+        m_stDelivered.notify_all();
+        m_stWork.wait(stLock, [this] { return m_bStopping || !m_bThreadRests; });
+    }
+}
+
+// Goes to the next thing due, if somebody waits for what comes then or later.
+bool Device::Step() {
+    const Modem &stModem = *m_pstModem;
+    const bool bForAnswer = stModem.HowTimePasses().bJumps || (m_bSenderHeld && !stModem.AllTold());
+    if (bForAnswer && stModem.NextAwaited()) {
+        m_pstModem->AdvanceTo(*stModem.NextDue());
+        return true;
+    }
+    if (!m_stGoal) {
+        return false;
+    }
+    if (const std::optional<AdvanceEnd> eEnd = StepTowards(*m_stGoal)) {
+        m_eLastEnd = *eEnd;
+        m_stGoal.reset();
+    }
+    return true;
+}
+
+std::optional<Device::AdvanceEnd> Device::StepTowards(const Goal &stGoal) {
+    const bool bReached = (stGoal.eUntil == Until::Message && m_pstModem->Heard()) ||
+                          (stGoal.eUntil == Until::Idle && !m_pstModem->NextAwaited());
+    if (bReached) {
+        return AdvanceEnd::Reached;
+    }
+    const std::optional<ModemTime> iDue = m_pstModem->NextDue();
+    if (iDue && *iDue <= stGoal.iLatest) {
+        m_pstModem->AdvanceTo(*iDue);
+        return std::nullopt;
+    }
+    m_pstModem->AdvanceTo(stGoal.iLatest);
+    return stGoal.eUntil == Until::Time ? AdvanceEnd::Reached : AdvanceEnd::Limit;
+}
+
+Device::AdvanceEnd Device::Advance(ModemTime iBy) { return AdvanceTowards(Until::Time, iBy); }
+
+Device::AdvanceEnd Device::AdvanceUntilMessage(uint32_t u32Type, uint32_t u32SubType,
+                                               ModemTime iLimit) {
+    return AdvanceTowards(Until::Message, iLimit, u32Type, u32SubType);
+}
+
+Device::AdvanceEnd Device::AdvanceUntilIdle(ModemTime iLimit) {
+    return AdvanceTowards(Until::Idle, iLimit);
+}
+
+Device::AdvanceEnd Device::AdvanceTowards(Until eUntil, ModemTime iBy, uint32_t u32Type,
+                                          uint32_t u32SubType) {
+    if (InOwnThread()) {
+        return AdvanceEnd::InCallback;
+    }
+    const std::lock_guard stAdvancing(m_stAdvancing);
+    std::unique_lock stLock = Lock();
+    if (!Stepped()) {
+        return AdvanceEnd::NotStepped;
+    }
+    m_pstModem->ListenFor(u32Type, u32SubType);
+    m_stGoal = Goal{eUntil, m_pstModem->Now() + iBy};
+    m_bThreadRests = false;
+    m_stWork.notify_one();
+    m_stDelivered.wait(stLock, [this] { return m_bStopping || m_bThreadRests; });
+    return m_bStopping ? AdvanceEnd::Closed : m_eLastEnd;
+}
+
+ModemTime Device::Now() {
+    const std::unique_lock stLock = Lock();
+    return m_pstModem->Now();
 }

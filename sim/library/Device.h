@@ -1,5 +1,9 @@
 // The modem as a device: requests from any thread, messages to one callback from
-// a thread of its own, modem time from the real clock.
+// a thread of its own.
+//
+// With the real clock that thread lives what is due and delivers it. With the stepped one
+// time stands still between calls: each call takes its time, and comes back when the thread
+// has delivered all that came of it.
 #ifndef DEVICE_H
 #define DEVICE_H
 
@@ -7,9 +11,11 @@
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 #include "library/WholeModem.h"
+#include "time/RealClock.h"
 
 class Device : public std::enable_shared_from_this<Device> {
   public:
@@ -26,24 +32,71 @@ class Device : public std::enable_shared_from_this<Device> {
     // ever, and not at all when called from inside it.
     void Stop();
 
+    // ---- Moving the stepped clock; from any thread but the callback's ----
+
+    enum class AdvanceEnd : uint8_t {
+        Reached,
+        Limit,      // and what was waited for has not come
+        NotStepped, // the clock is the real one
+        InCallback, // which would wait for itself
+        Closed      // the device was, meanwhile
+    };
+    // Lets iBy pass. All messages of that time are delivered, and the callback has
+    // returned, when it returns; so for the others.
+    AdvanceEnd Advance(ModemTime iBy);
+    // Until a message of this kind has been delivered, for iLimit at most.
+    AdvanceEnd AdvanceUntilMessage(uint32_t u32Type, uint32_t u32SubType, ModemTime iLimit);
+    // Until no answer is under way, for iLimit at most.
+    AdvanceEnd AdvanceUntilIdle(ModemTime iLimit);
+    ModemTime Now();
+
   private:
+    enum class Until : uint8_t { Time, Message, Idle };
+    struct Goal {
+        Until eUntil;
+        ModemTime iLatest;
+    };
+
     explicit Device(std::unique_ptr<Modem> pstModem);
+    bool Stepped() const { return m_pstModem->HowTimePasses().bStepped; }
+    bool InOwnThread() const { return m_stThread.get_id() == std::this_thread::get_id(); }
+    std::unique_lock<std::mutex> Lock();
+    void GiveWay(std::unique_lock<std::mutex> &stLock);
+    // The beginning and the end of a client's call.
+    std::unique_lock<std::mutex> Enter();
+    void Leave(std::unique_lock<std::mutex> &stLock);
+
     void Run();
+    void RunReal(std::unique_lock<std::mutex> &stLock);
+    void RunStepped(std::unique_lock<std::mutex> &stLock);
+    bool DeliverNext(std::unique_lock<std::mutex> &stLock);
     void Deliver(std::unique_lock<std::mutex> &stLock, const MessageBytes &aucMessage);
     void WaitForAnswer(std::unique_lock<std::mutex> &stLock);
-    void CatchUp();
-    std::chrono::steady_clock::time_point RealTimeOf(ModemTime iTime) const;
 
-    // When modem time 0 was; later when the modem could not keep up.
-    std::chrono::steady_clock::time_point m_stOpened = std::chrono::steady_clock::now();
-    std::mutex m_stMutex; // guards all below but the thread
+    void CatchUp(size_t uMostWaiting);
+    void NoteBehind(bool bBehind);
+
+    bool Step();
+    std::optional<AdvanceEnd> StepTowards(const Goal &stGoal);
+    AdvanceEnd AdvanceTowards(Until eUntil, ModemTime iBy, uint32_t u32Type = 0,
+                              uint32_t u32SubType = 0);
+
+    std::mutex m_stAdvancing; // one at a time; locked before all others
+    std::mutex m_stNext;      // who has it is the next to have m_stMutex
+    std::mutex m_stMutex;     // guards all below but the thread
     std::condition_variable m_stWork;
     std::condition_variable m_stEnded;
     std::condition_variable m_stDelivered;
     std::unique_ptr<Modem> m_pstModem;
+    RealClock m_stClock;
+    std::optional<RealClock::Moment> m_stBehindSince; // the real clock
     WiMAXCallback m_pfnCallback = nullptr;
     uint32_t m_u32Context = 0;
     bool m_bDelivering = false;
+    bool m_bThreadRests = false; // nothing is left to do until the next call
+    bool m_bSenderHeld = false;
+    std::optional<Goal> m_stGoal;
+    AdvanceEnd m_eLastEnd = AdvanceEnd::Reached;
     bool m_bStopping = false;
     bool m_bEnded = false;
     std::thread m_stThread;

@@ -111,7 +111,7 @@ void IdleMode::NoteActivity() {
 
 void IdleMode::Enter() {
     m_stLink.SetState(LinkState::EnteringIdle);
-    m_stStep.Start(m_iEntryTime, [this] {
+    m_stStep.StartAnswer(m_iEntryTime, [this] {
         m_stLink.SetState(LinkState::Idle);
         TellIndication(m_u32PlannedTimeout);
     });
@@ -119,7 +119,7 @@ void IdleMode::Enter() {
 
 void IdleMode::ComeOut() {
     m_stLink.SetState(LinkState::LeavingIdle);
-    m_stStep.Start(m_iExitTime, [this] {
+    m_stStep.StartAnswer(m_iExitTime, [this] {
         m_stLink.SetState(LinkState::LinkUp);
         TellIndication(0);
     });

@@ -223,7 +223,7 @@ int32_t Link::SyncUp(const Request &stRequest) {
         TellSyncStatus(LinkReason::HostInitiatedSyncDown);
     }
     SetState(Synchronising);
-    m_stStep.Start(m_iSyncTime, [this, u32Frequency, u32Bandwidth, u32Preamble] {
+    m_stStep.StartAnswer(m_iSyncTime, [this, u32Frequency, u32Bandwidth, u32Preamble] {
         FinishSync(u32Frequency, u32Bandwidth, u32Preamble);
     });
     return 0;
@@ -260,7 +260,7 @@ int32_t Link::Enter(std::optional<uint32_t> u32NSPID) {
 }
 
 void Link::NextStage() {
-    m_stStep.Start(m_aiStageTimes[m_u32StagesDone], [this] { FinishStage(); });
+    m_stStep.StartAnswer(m_aiStageTimes[m_u32StagesDone], [this] { FinishStage(); });
 }
 
 // The outcome of the stage that fails with u32Failure.

@@ -67,7 +67,7 @@ size_t NSPSearch::NextReceivable(size_t uFirst) const {
 }
 
 void NSPSearch::WaitForNext() {
-    m_stStep.Start(m_iTimePerStation, [this] { Ask(); });
+    m_stStep.StartAnswer(m_iTimePerStation, [this] { Ask(); });
 }
 
 void NSPSearch::Ask() {

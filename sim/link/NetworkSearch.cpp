@@ -129,10 +129,10 @@ void NetworkSearch::WaitForNext() {
     const ModemTime iSoFar = m_stModem.Now() - m_iBegan;
     const ModemTime iNext = TimeOf(u64Next);
     if (m_iDuration != 0 && iNext > m_iDuration) {
-        m_stStep.Start(m_iDuration - iSoFar, [this] { Abort(); });
+        m_stStep.StartAnswer(m_iDuration - iSoFar, [this] { Abort(); });
         return;
     }
-    m_stStep.Start(iNext - iSoFar, [this, u64Next] { LookUntil(u64Next); });
+    m_stStep.StartAnswer(iNext - iSoFar, [this, u64Next] { LookUntil(u64Next); });
 }
 
 void NetworkSearch::LookUntil(uint64_t u64Place) {

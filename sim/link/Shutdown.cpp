@@ -79,7 +79,7 @@ int32_t Shutdown::Begin() {
     }
     m_u32StatusAsked = 0;
     m_stLink.SetState(LinkState::ShuttingDown);
-    m_stStep.Start(m_iTime, [this] { Finish(); });
+    m_stStep.StartAnswer(m_iTime, [this] { Finish(); });
     return 0;
 }
 

@@ -16,8 +16,7 @@ SizeRule SizeOf(uint32_t u32Type, uint32_t u32SubType) {
 Modem::Modem(Scenario stScenario)
     : m_stScenario(std::move(stScenario)),
       m_u64Seed(static_cast<uint64_t>(Root().Integer("seed", 0, INT64_MAX, 1))),
-      m_fTimeScale(Root().Number("time-scale", 0.001, 1e6, 1)),
-      m_bPresent(Settings("device").Flag("present", true)),
+      m_stClockSettings(ReadClock(Root())), m_bPresent(Settings("device").Flag("present", true)),
       m_u32FailedOpens(
           static_cast<uint32_t>(Settings("device").Integer("failed-opens", 0, UINT32_MAX, 0))),
       m_iAnswerDelay(Settings("device").Seconds("answer-delay", 0, 1000, 0.02)),
@@ -43,6 +42,20 @@ void Modem::ReadEvents() {
         m_stScheduler.After(iAt, stKind.pfnRead(stSection));
     }
     m_stScenario.RefuseUnread();
+}
+
+ClockSettings Modem::ReadClock(const Section &stRoot) {
+    static constexpr std::array astKinds{ScenarioWord{"real", 0}, ScenarioWord{"stepped", 1}};
+    const Section stClock = stRoot.Table("clock");
+    ClockSettings stSettings{stClock.Choice("kind", astKinds, 0) != 0, 1, 0, false};
+    // Only the keys of its kind have a meaning.
+    if (stSettings.bStepped) {
+        stSettings.iCallTime = stClock.Seconds("call-time", 0, 1000, 0.001);
+        stSettings.bJumps = stClock.Flag("jump", false);
+    } else {
+        stSettings.fTimeScale = stRoot.Number("time-scale", 0.001, 1e6, 1);
+    }
+    return stSettings;
 }
 
 bool Modem::OpensAt(uint32_t u32Attempt) const {
@@ -114,6 +127,7 @@ int32_t Modem::Send(uint8_t *pucMessage, uint32_t u32Length) {
     if (pstRow->bAnsweredAtOnce) {
         stRequest.stReply = {pucMessage + MessageHeader::Size, WIMAX_DATA_SIZE};
     }
+    const Scheduler::Asking stAsking(m_stScheduler);
     return pstRow->pfnHandle(stRequest);
 }
 
@@ -145,19 +159,32 @@ void Modem::Tell(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload) {
 }
 
 void Modem::TellBytes(MessageBytes aucMessage) {
-    ++m_u32Untold;
-    m_stScheduler.After(m_iAnswerDelay, [this, aucLater = std::move(aucMessage)]() mutable {
-        --m_u32Untold;
-        PassOn(std::move(aucLater));
-    });
+    const uint32_t u32Answers = m_stScheduler.Answering() ? 1 : 0;
+    m_u32Untold += u32Answers;
+    m_stScheduler.After(m_iAnswerDelay,
+                        [this, u32Answers, aucLater = std::move(aucMessage)]() mutable {
+                            PassOn(std::move(aucLater));
+                            m_u32Untold -= u32Answers;
+                        });
 }
 
 void Modem::Queue(MessageBytes aucMessage) {
     if (m_bUnloaded || m_astOutbox.size() >= uMostMessages) {
         Lose(aucMessage);
     } else {
-        m_astOutbox.push_back(std::move(aucMessage));
+        const ByteView stBytes{aucMessage.data(), static_cast<uint32_t>(aucMessage.size())};
+        m_bHeard = m_bHeard || (Get(stBytes, MessageHeader::usType) == m_u32ListenedType &&
+                                Get(stBytes, MessageHeader::usSubType) == m_u32ListenedSubType);
+        const bool bAnswer = m_stScheduler.Answering();
+        m_u32Untold += bAnswer ? 1 : 0;
+        m_astOutbox.push_back({std::move(aucMessage), bAnswer});
     }
+}
+
+void Modem::ListenFor(uint32_t u32Type, uint32_t u32SubType) {
+    m_u32ListenedType = u32Type;
+    m_u32ListenedSubType = u32SubType;
+    m_bHeard = false;
 }
 
 void Modem::Lose(const MessageBytes &aucMessage) {
@@ -169,7 +196,8 @@ bool Modem::TakeMessage(MessageBytes *paucMessage) {
     if (m_astOutbox.empty()) {
         return false;
     }
-    *paucMessage = std::move(m_astOutbox.front());
+    m_u32Untold -= m_astOutbox.front().bAnswer ? 1 : 0;
+    *paucMessage = std::move(m_astOutbox.front().aucMessage);
     m_astOutbox.pop_front();
     return true;
 }

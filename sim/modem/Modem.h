@@ -46,6 +46,14 @@ struct Request {
     ByteSpan stReply;
 };
 
+// How modem time passes: with the real clock, so many times faster, or in steps.
+struct ClockSettings {
+    bool bStepped;
+    double fTimeScale;   // of the real clock
+    ModemTime iCallTime; // that each call of the client takes, of the stepped clock
+    bool bJumps;         // a call goes on until all requests have their answers
+};
+
 class Modem {
   public:
     // Returns the result of the send: 0, or a negative LibraryError.
@@ -74,9 +82,15 @@ class Modem {
     // Lets modem time pass until iNow.
     void AdvanceTo(ModemTime iNow) { m_stScheduler.AdvanceTo(iNow); }
     std::optional<ModemTime> NextDue() const { return m_stScheduler.NextDue(); }
+    std::optional<ModemTime> NextAwaited() const { return m_stScheduler.NextAwaited(); }
     // The next message for the client; false when there is none.
     bool TakeMessage(MessageBytes *paucMessage);
-    double TimeScale() const { return m_fTimeScale; }
+    // How many messages wait to be taken.
+    size_t Waiting() const { return m_astOutbox.size(); }
+    const ClockSettings &HowTimePasses() const { return m_stClockSettings; }
+    // From now on, until a message of this kind is there to be taken: says so.
+    void ListenFor(uint32_t u32Type, uint32_t u32SubType);
+    bool Heard() const { return m_bHeard; }
     // False when the scenario has no device, or has the first opens fail and
     // u32Attempt (counted from 1) is one of them.
     bool OpensAt(uint32_t u32Attempt) const;
@@ -84,8 +98,8 @@ class Modem {
     bool Unloaded() const { return m_bUnloaded; }
     // Whether the request sent last keeps its sender until it has been answered.
     bool HoldsSender() const { return m_bHoldsSender; }
-    // No answer is under way, and none waits to be taken.
-    bool AllTold() const { return m_u32Untold == 0 && m_astOutbox.empty(); }
+    // No answer of a request is on its way to the client, and none waits to be taken.
+    bool AllTold() const { return m_u32Untold == 0; }
 
     // ---- For the subsystems: what they answer to ----
 
@@ -178,17 +192,21 @@ class Modem {
         EventReader pfnRead;
     };
 
+    static ClockSettings ReadClock(const Section &stRoot);
     const Row *RowOf(uint32_t u32Type, uint32_t u32SubType) const;
 
     Scenario m_stScenario;
     uint64_t m_u64Seed;
-    double m_fTimeScale;
+    ClockSettings m_stClockSettings;
     bool m_bPresent;
     uint32_t m_u32FailedOpens;
     ModemTime m_iAnswerDelay;
     bool m_bUnloaded = false;
     bool m_bHoldsSender = false;
-    uint32_t m_u32Untold = 0; // messages within the answer delay
+    uint32_t m_u32Untold = 0; // answers on their way
+    uint32_t m_u32ListenedType = 0;
+    uint32_t m_u32ListenedSubType = 0;
+    bool m_bHeard = true;
     EntryHistory m_stHistory;
     bool m_bHalted = false;
     Scheduler m_stScheduler;
@@ -205,7 +223,11 @@ class Modem {
     MemoryReader m_pfnReadMemory;
     MemoryWriter m_pfnWriteMemory;
     std::function<std::vector<uint32_t>()> m_pfnTransportCIDs;
-    std::deque<MessageBytes> m_astOutbox;
+    struct Outgoing {
+        MessageBytes aucMessage;
+        bool bAnswer;
+    };
+    std::deque<Outgoing> m_astOutbox;
     std::map<uint32_t, uint32_t> m_au32Lost; // by type
     Link *m_pstLink = nullptr;
     MIBStore *m_pstMIBs = nullptr;

@@ -2,17 +2,45 @@
 
 #include <algorithm>
 
+namespace {
+
+std::optional<ModemTime> FirstOf(const auto &astTickets, auto TicketOf) {
+    if (astTickets.empty()) {
+        return std::nullopt;
+    }
+    return TicketOf(*astTickets.begin()).first;
+}
+
+} // namespace
+
 Scheduler::Ticket Scheduler::After(ModemTime iDelay, Action pfnAction) {
+    return Add(iDelay, std::move(pfnAction), m_bAnswering);
+}
+
+Scheduler::Ticket Scheduler::AfterByItself(ModemTime iDelay, Action pfnAction) {
+    return Add(iDelay, std::move(pfnAction), false);
+}
+
+Scheduler::Ticket Scheduler::Add(ModemTime iDelay, Action pfnAction, bool bAwaited) {
     const Ticket stTicket{m_iNow + std::max<ModemTime>(iDelay, 0), m_u64Next++};
-    m_astPlanned.emplace(stTicket, std::move(pfnAction));
+    m_astPlanned.emplace(stTicket, Plan{std::move(pfnAction), bAwaited});
+    if (bAwaited) {
+        m_astAwaited.insert(stTicket);
+    }
     return stTicket;
 }
 
+void Scheduler::Cancel(Ticket stTicket) {
+    m_astPlanned.erase(stTicket);
+    m_astAwaited.erase(stTicket);
+}
+
 std::optional<ModemTime> Scheduler::NextDue() const {
-    if (m_astPlanned.empty()) {
-        return std::nullopt;
-    }
-    return m_astPlanned.begin()->first.first;
+    return FirstOf(m_astPlanned, [](const auto &stPlanned) { return stPlanned.first; });
+}
+
+std::optional<ModemTime> Scheduler::NextAwaited() const {
+    return FirstOf(m_astAwaited, [](const Ticket &stTicket) { return stTicket; });
 }
 
 void Scheduler::AdvanceTo(ModemTime iNow) {
@@ -20,17 +48,31 @@ void Scheduler::AdvanceTo(ModemTime iNow) {
         // Taken out first: the action may plan and cancel others.
         auto stNode = m_astPlanned.extract(m_astPlanned.begin());
         m_iNow = std::max(m_iNow, stNode.key().first);
-        stNode.mapped()();
+        m_bAnswering = stNode.mapped().bAwaited;
+        if (m_bAnswering) {
+            m_astAwaited.erase(stNode.key());
+        }
+        stNode.mapped().pfnAction();
+        m_bAnswering = false;
     }
     m_iNow = std::max(m_iNow, iNow);
 }
 
-void Timer::Start(ModemTime iDelay, Scheduler::Action pfnAction) {
-    Stop();
-    m_stTicket = m_stScheduler.After(iDelay, [this, pfnRun = std::move(pfnAction)] {
+Scheduler::Action Timer::Ending(Scheduler::Action pfnAction) {
+    return [this, pfnRun = std::move(pfnAction)] {
         m_stTicket.reset();
         pfnRun();
-    });
+    };
+}
+
+void Timer::Start(ModemTime iDelay, Scheduler::Action pfnAction) {
+    Stop();
+    m_stTicket = m_stScheduler.AfterByItself(iDelay, Ending(std::move(pfnAction)));
+}
+
+void Timer::StartAnswer(ModemTime iDelay, Scheduler::Action pfnAction) {
+    Stop();
+    m_stTicket = m_stScheduler.After(iDelay, Ending(std::move(pfnAction)));
 }
 
 void Timer::Stop() {
