@@ -56,7 +56,7 @@ Signalling::Signalling(const Section &stRoot, uint64_t u64Seed, Scheduler &stClo
 }
 
 void Signalling::Start() {
-    m_apfnSteps.clear();
+    DropSteps();
     m_stStep.Stop();
     m_pstTarget = nullptr;
     m_bToldToIdle = false;
@@ -78,7 +78,7 @@ uint32_t Signalling::Frame() const {
 void Signalling::WantBroadcasts(bool bWanted) {
     if (m_bBroadcastsWanted != bWanted) {
         m_bBroadcastsWanted = bWanted;
-        FollowState();
+        FollowBroadcasts();
     }
 }
 
@@ -90,6 +90,11 @@ void Signalling::Later(Step pfnStep) {
         const ModemTime iWait = m_iLastStep + i64Frame - m_stClock.Now();
         m_stStep.Start(std::max<ModemTime>(iWait, 0), [this] { NextStep(); });
     }
+}
+
+void Signalling::DropSteps() {
+    m_apfnSteps.clear();
+    m_bRangingWaits = m_bReportWaits = false;
 }
 
 void Signalling::NextStep() {
@@ -161,7 +166,10 @@ void Signalling::Follow(const LinkChange &stChange) {
             Say(MessageCode::DLMAP, bDown, WellKnownCID::Broadcast,
                 DLMAPBody(*pstServing, Frame()));
         });
-        SayDescriptors();
+        SayLater(MessageCode::DCD, bDown, WellKnownCID::FragmentableBroadcast,
+                 DCDBody(*pstServing));
+        SayLater(MessageCode::UCD, bDown, WellKnownCID::FragmentableBroadcast,
+                 UCDBody(*pstServing));
         SayLater(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast, ULMAPBody(*pstServing, {}));
     } else if (stChange.eAfter == Entering) {
         BeginStage(Ranging);
@@ -190,26 +198,42 @@ void Signalling::Follow(const LinkChange &stChange) {
 }
 
 void Signalling::FollowState() {
-    for (Timer *pstTimer :
-         {&m_stMaps, &m_stDescriptors, &m_stNeighbours, &m_stPaging, &m_stRanging, &m_stReport}) {
+    FollowBroadcasts();
+    m_stRanging.Stop();
+    m_stReport.Stop();
+    if (m_stAt.eState == LinkUp) {
+        StartPeriod(m_stRanging, m_iRangingPeriod, m_bRangingWaits, &Signalling::RangePeriodically);
+        StartPeriod(m_stReport, m_iReportPeriod, m_bReportWaits, &Signalling::Report);
+    }
+}
+
+void Signalling::FollowBroadcasts() {
+    for (Timer *pstTimer : {&m_stMaps, &m_stDescriptors, &m_stNeighbours, &m_stPaging}) {
         pstTimer->Stop();
     }
-    const bool bListens =
-        m_stAt.IsAnyOf({Synchronised, Entering, LinkUp, EnteringIdle, LeavingIdle});
-    if (bListens && m_bBroadcastsWanted) {
+    if (!m_bBroadcastsWanted) {
+        return;
+    }
+    if (m_stAt.IsAnyOf({Synchronised, Entering, LinkUp, EnteringIdle, LeavingIdle})) {
         Broadcast(m_stMaps, m_iMapPeriod, &Signalling::SayMaps);
         Broadcast(m_stDescriptors, m_iDescriptorPeriod, &Signalling::SayDescriptors);
         Broadcast(m_stNeighbours, m_iNeighbourPeriod, &Signalling::SayNeighbours);
-    }
-    if (m_stAt.eState == Idle && m_bBroadcastsWanted) {
+    } else if (m_stAt.eState == Idle) {
         // One frame behind the one in which this modem would be paged.
         const ModemTime iCycle = std::max<ModemTime>(PagingCycle(), 1) * i64Second;
         m_stPaging.Start(iCycle - m_stClock.Now() % iCycle + i64Frame, [this] { SayPaging(); });
     }
-    if (m_stAt.eState == LinkUp) {
-        m_stRanging.Start(m_iRangingPeriod, [this] { RangePeriodically(); });
-        m_stReport.Start(m_iReportPeriod, [this] { Report(); });
-    }
+}
+
+void Signalling::StartPeriod(Timer &stTimer, ModemTime iPeriod, bool &bWaits,
+                             void (Signalling::*pfnBegin)()) {
+    stTimer.Start(iPeriod, [this, &stTimer, iPeriod, &bWaits, pfnBegin] {
+        StartPeriod(stTimer, iPeriod, bWaits, pfnBegin);
+        if (!bWaits) {
+            bWaits = true;
+            (this->*pfnBegin)();
+        }
+    });
 }
 
 uint32_t Signalling::PagingCycle() const { return m_stOptions.Value(Options::PagingCycle); }
@@ -393,20 +417,22 @@ void Signalling::AnswerRNGREQ(RangingPurpose ePurpose) {
 }
 
 void Signalling::RangePeriodically() {
-    m_stRanging.Start(m_iRangingPeriod, [this] { RangePeriodically(); });
     Later([this] {
         if (m_stAt.eState == LinkUp) {
             AdjustOpenLoop(*m_stAt.pstServing);
         }
         SendCode(RangingCodes::Periodic, RangingKind::Periodic);
     });
-    Later([this] { AnswerCode(RangingStatus::Success); });
+    Later([this] {
+        m_bRangingWaits = false;
+        AnswerCode(RangingStatus::Success);
+    });
 }
 
 void Signalling::Report() {
-    m_stReport.Start(m_iReportPeriod, [this] { Report(); });
     SayLater(MessageCode::REPREQ, bDown, m_u32BasicCID, REPREQBody());
     Later([this] {
+        m_bReportWaits = false;
         if (m_stAt.eState == LinkUp) {
             Say(MessageCode::REPRSP, bUp, m_u32BasicCID,
                 REPRSPBody(m_stAir.Measure(*m_stAt.pstServing, m_stClock.Now())));
@@ -519,8 +545,8 @@ void Signalling::SayMaps() {
 
 void Signalling::SayDescriptors() {
     const Station &stStation = *m_stAt.pstServing;
-    SayLater(MessageCode::DCD, bDown, WellKnownCID::FragmentableBroadcast, DCDBody(stStation));
-    SayLater(MessageCode::UCD, bDown, WellKnownCID::FragmentableBroadcast, UCDBody(stStation));
+    Say(MessageCode::DCD, bDown, WellKnownCID::FragmentableBroadcast, DCDBody(stStation));
+    Say(MessageCode::UCD, bDown, WellKnownCID::FragmentableBroadcast, UCDBody(stStation));
 }
 
 void Signalling::SayNeighbours() {
@@ -532,19 +558,18 @@ void Signalling::SayNeighbours() {
             apstNeighbours.push_back(&stStation);
         }
     }
-    SayLater(MessageCode::NBRADV, bDown, WellKnownCID::Broadcast,
-             NBRADVBody(stServing, apstNeighbours));
+    Say(MessageCode::NBRADV, bDown, WellKnownCID::Broadcast, NBRADVBody(stServing, apstNeighbours));
 }
 
 void Signalling::SayPaging() {
-    SayLater(MessageCode::PAGADV, bDown, WellKnownCID::Broadcast, PAGADVBody(nullptr));
-    FollowState();
+    Say(MessageCode::PAGADV, bDown, WellKnownCID::Broadcast, PAGADVBody(nullptr));
+    FollowBroadcasts();
 }
 
 // What others say.
 
 void Signalling::Leaving(uint32_t u32Reason, uint32_t u32DREGAction) {
-    m_apfnSteps.clear();
+    DropSteps();
     const bool bActive = m_stAt.IsAnyOf({LinkUp, EnteringIdle, LeavingIdle});
     if (m_stAt.eState == Entering) {
         FailStage(u32Reason);
@@ -595,7 +620,7 @@ void Signalling::HandoverEnds(bool bSuccess) {
     if (bSuccess) {
         Later([this] { AnswerRNGREQ(RangingPurpose::Handover); });
     } else {
-        m_apfnSteps.clear();
+        DropSteps();
         SayLater(MessageCode::HOIND, bUp, m_u32BasicCID, HOINDBody(Cancelled, *m_pstTarget),
                  Protection::Tuple);
     }

@@ -3,7 +3,8 @@
 // and the power control that belong to them. The parts of the modem say what they do through the
 // functions below. Whoever wants to know (trace, logs) observes it.
 //
-// One message of a dialogue goes over the air in each frame.
+// One message of a dialogue goes over the air in each frame; the station's periodic
+// broadcasts go beside it. Nothing depends on who observes.
 #ifndef SIGNALLING_H
 #define SIGNALLING_H
 
@@ -125,7 +126,15 @@ class Signalling {
                   Protection eProtection = Protection::None);
     void SayPKM(bool bUplink, uint32_t u32Code, Protection eProtection, ByteView stEAP = {});
 
+    // Starts what runs in the present state: the broadcasts, and ranging and reports.
     void FollowState();
+    void FollowBroadcasts();
+    // What waits of the dialogues is not said any more.
+    void DropSteps();
+    // A ranging or a report that begins when its period is over, unless the last one still
+    // waits for its turn: others would never have one.
+    void StartPeriod(Timer &stTimer, ModemTime iPeriod, bool &bWaits,
+                     void (Signalling::*pfnBegin)());
     void BeginStage(uint32_t u32Stage);
     void FinishStage(uint32_t u32Stage);
     void FailStage(uint32_t u32Reason);
@@ -169,6 +178,8 @@ class Signalling {
     std::vector<std::function<void(const Connection &)>> m_apfnOnConnection;
 
     bool m_bBroadcastsWanted = false;
+    bool m_bRangingWaits = false;
+    bool m_bReportWaits = false;
     std::deque<Step> m_apfnSteps;
     ModemTime m_iLastStep = -i64Frame;
     Timer m_stStep;

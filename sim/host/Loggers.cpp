@@ -41,6 +41,10 @@ class Loggers : public Subsystem {
     void LogPacket(uint64_t u64Queue);
     void LogPadding(uint32_t u32Bytes, uint32_t u32Allocation);
     void FollowLoggers();
+    // When the next period begins: the same for all, whenever they were switched on.
+    ModemTime ToNext(ModemTime iPeriod) const { return iPeriod - m_stModem.Now() % iPeriod; }
+    // The signal that asked for the bandwidth of this uplink packet.
+    RangingSignal RequestOf(uint64_t u64Packet) const;
     // The uplink packets and the channel quality reports of the last frames.
     void Look();
     void Report(uint32_t u32Kind);
@@ -50,7 +54,6 @@ class Loggers : public Subsystem {
     Signalling &m_stSignalling;
     ModemTime m_iReportPeriod;
     uint32_t m_u32PacketSize; // bytes, a user's packet
-    Random m_stRandom;
     std::array<Logger, u32LastKind - u32FirstKind + 1> m_astLoggers;
     uint64_t m_u64PacketsSeen = 0;
     Timer m_stReport;
@@ -60,8 +63,8 @@ class Loggers : public Subsystem {
 Loggers::Loggers(Modem &stModem)
     : m_stModem(stModem), m_stSignalling(stModem.TheSignalling()),
       m_iReportPeriod(stModem.Settings("loggers").Seconds("report-period", 0.01, 1e6, 1)),
-      m_u32PacketSize(stModem.UserTraffic().PacketSize()), m_stRandom(stModem.RandomFor("loggers")),
-      m_stReport(stModem.Clock()), m_stLook(stModem.Clock()) {
+      m_u32PacketSize(stModem.UserTraffic().PacketSize()), m_stReport(stModem.Clock()),
+      m_stLook(stModem.Clock()) {
     for (uint32_t u32Kind = u32FirstKind; u32Kind <= u32LastKind; ++u32Kind) {
         for (const bool bOn : {true, false}) {
             stModem.On(bOn ? TYPE_START_LOGGER : TYPE_STOP_LOGGER, u32Kind,
@@ -112,12 +115,12 @@ void Loggers::FollowLoggers() {
         m_stLook.Stop();
     } else if (!m_stLook.Running()) {
         m_u64PacketsSeen = m_stModem.UserTraffic().Totals().u64UplinkPackets;
-        m_stLook.Start(iCQICHPeriod, [this] { Look(); });
+        m_stLook.Start(ToNext(iCQICHPeriod), [this] { Look(); });
     }
     if (!bAny) {
         m_stReport.Stop();
     } else if (!m_stReport.Running()) {
-        m_stReport.Start(m_iReportPeriod, [this] { ReportAll(); });
+        m_stReport.Start(ToNext(m_iReportPeriod), [this] { ReportAll(); });
     }
 }
 
@@ -208,6 +211,14 @@ void Loggers::LogPadding(uint32_t u32Bytes, uint32_t u32Allocation) {
     Log(SUBTYPE_LOG_BANDWIDTH, stEntry.View());
 }
 
+RangingSignal Loggers::RequestOf(uint64_t u64Packet) const {
+    const CodeGroup &stGroup = RangingCodes::BandwidthRequest;
+    Random stRandom = m_stModem.RandomFor("bandwidth request " + std::to_string(u64Packet));
+    const uint32_t u32Code = stGroup.u32First + stRandom.Below(stGroup.u32Count);
+    return {m_stSignalling.Frame(), u32Code, stRandom.Below(RangingCodes::u32SubChannels),
+            RangingCodes::u32LateSymbol};
+}
+
 void Loggers::Look() {
     m_stLook.Start(iCQICHPeriod, [this] { Look(); });
     const uint64_t u64Packets = m_stModem.UserTraffic().Totals().u64UplinkPackets;
@@ -218,11 +229,7 @@ void Loggers::Look() {
     }
     while (m_u64PacketsSeen < u64Packets) {
         if (m_u64PacketsSeen % u64PacketsPerRequest == 0) {
-            const CodeGroup &stGroup = RangingCodes::BandwidthRequest;
-            LogRanging(
-                SUBTYPE_LOG_BW_RANGING,
-                {m_stSignalling.Frame(), stGroup.u32First + m_stRandom.Below(stGroup.u32Count),
-                 m_stRandom.Below(RangingCodes::u32SubChannels), RangingCodes::u32LateSymbol});
+            LogRanging(SUBTYPE_LOG_BW_RANGING, RequestOf(m_u64PacketsSeen));
         }
         ++m_u64PacketsSeen;
         LogPacket(u64Packets - m_u64PacketsSeen);

@@ -52,7 +52,8 @@ Faults::Fault Faults::Read(const Section &stSection, uint64_t u64Seed, size_t uI
                   std::nullopt,
                   std::nullopt,
                   {},
-                  Random(u64Seed, "fault " + std::to_string(uIndex))};
+                  SeedFor(u64Seed, "fault " + std::to_string(uIndex)),
+                  {}};
     // Only the keys of its kind have a meaning.
     switch (stFault.u32Kind) {
     case Fail:
@@ -86,13 +87,23 @@ bool Faults::Fault::Hits(uint32_t u32OfType, uint32_t u32OfSubType) {
         --u32Skip;
         return false;
     }
-    if (u32Left == 0 || !stRandom.Chance(fProbability)) {
+    if (u32Left == 0 || !RandomFor(u32OfType, u32OfSubType).Chance(fProbability)) {
         return false;
     }
     if (u32Left != std::numeric_limits<uint32_t>::max()) {
         --u32Left;
     }
     return true;
+}
+
+Random &Faults::Fault::RandomFor(uint32_t u32OfType, uint32_t u32OfSubType) {
+    const std::pair stKind{u32OfType, u32OfSubType};
+    const auto stNew = [&] {
+        return Random(u64Seed, std::to_string(u32OfType) + "/" + std::to_string(u32OfSubType));
+    };
+    const auto Found = astRandoms.find(stKind);
+    return Found != astRandoms.end() ? Found->second
+                                     : astRandoms.emplace(stKind, stNew()).first->second;
 }
 
 std::optional<int32_t> Faults::SendFailure(uint32_t u32Type, uint32_t u32SubType) {
@@ -149,9 +160,12 @@ void Faults::PassFrom(size_t uFirst, MessageBytes aucMessage) {
 }
 
 void Faults::DamageMessage(Fault &stFault, MessageBytes *paucMessage) {
+    const ByteView stBytes = SpanOf(*paucMessage);
+    Random &stRandom = stFault.RandomFor(Get(stBytes, MessageHeader::usType),
+                                         Get(stBytes, MessageHeader::usSubType));
     const auto u32Payload = static_cast<uint32_t>(paucMessage->size()) - MessageHeader::Size;
     if (stFault.u32Kind == Truncate) {
-        const uint32_t u32Length = stFault.u32Length.value_or(stFault.stRandom.Below(u32Payload));
+        const uint32_t u32Length = stFault.u32Length.value_or(stRandom.Below(u32Payload));
         paucMessage->resize(MessageHeader::Size + std::min(u32Length, u32Payload));
         return;
     }
@@ -161,16 +175,15 @@ void Faults::DamageMessage(Fault &stFault, MessageBytes *paucMessage) {
                                                       0x00002801, 0x00000015};
     const ByteSpan stPayload = SpanOf(*paucMessage).From(MessageHeader::Size);
     if (!stFault.aucBytes.empty()) {
-        PutBytes(stPayload, stFault.u32Offset.value_or(stFault.stRandom.Below(u32Payload)),
+        PutBytes(stPayload, stFault.u32Offset.value_or(stRandom.Below(u32Payload)),
                  {stFault.aucBytes.data(), static_cast<uint32_t>(stFault.aucBytes.size())});
         return;
     }
     constexpr Field stWord{0, FieldType::U32};
-    const uint32_t u32Hits = 1 + stFault.stRandom.Below(3);
+    const uint32_t u32Hits = 1 + stRandom.Below(3);
     for (uint32_t i = 0; i < u32Hits; ++i) {
-        const uint32_t u32Value = au32Wild[stFault.stRandom.Below(au32Wild.size())];
-        Put(stPayload, stWord, u32Value,
-            stFault.u32Offset.value_or(stFault.stRandom.Below(u32Payload)));
+        const uint32_t u32Value = au32Wild[stRandom.Below(au32Wild.size())];
+        Put(stPayload, stWord, u32Value, stFault.u32Offset.value_or(stRandom.Below(u32Payload)));
     }
 }
 

@@ -5,6 +5,7 @@
 #define FAULTS_H
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -42,9 +43,12 @@ class Faults {
         std::optional<uint32_t> u32Length; // payload bytes left, any when not given
         std::optional<uint32_t> u32Offset; // of the damage, anywhere when not given
         std::vector<uint8_t> aucBytes;     // the damage, wild numbers when not given
-        Random stRandom;
+        uint64_t u64Seed;
+        // For each kind of message: others that come in between change nothing.
+        std::map<std::pair<uint32_t, uint32_t>, Random> astRandoms;
 
         bool Hits(uint32_t u32OfType, uint32_t u32OfSubType);
+        Random &RandomFor(uint32_t u32OfType, uint32_t u32OfSubType);
     };
 
     static Fault Read(const Section &stSection, uint64_t u64Seed, size_t uIndex);

@@ -1,5 +1,8 @@
 #include "modem/Modem.h"
 
+#include <algorithm>
+#include <array>
+
 namespace {
 
 // A client that never takes its messages loses the newest ones beyond this many.
@@ -9,6 +12,16 @@ constexpr size_t uMostMessages = 65536;
 SizeRule SizeOf(uint32_t u32Type, uint32_t u32SubType) {
     const MessageRow *pstRequest = FindSent(u32Type, u32SubType);
     return pstRequest != nullptr ? pstRequest->stSize : AtLeast(0);
+}
+
+// Requests that watch what happens: they change nothing else.
+constexpr std::array<uint32_t, 6> au32WatchingTypes{TYPE_MAC_MGMT,    TYPE_START_LOGGER,
+                                                    TYPE_STOP_LOGGER, TYPE_MAC_LOGGING,
+                                                    TYPE_PHY_LOGGING, TYPE_STATISTICS};
+
+bool Watches(uint32_t u32Type) {
+    return std::find(au32WatchingTypes.begin(), au32WatchingTypes.end(), u32Type) !=
+           au32WatchingTypes.end();
 }
 
 } // namespace
@@ -121,8 +134,10 @@ int32_t Modem::Send(uint8_t *pucMessage, uint32_t u32Length) {
     if (m_bHalted && stRequest.u32Type != TYPE_CHIPSET) {
         return 0; // taken over by the driver, and lost
     }
-    for (const Notice &pfnNotice : m_apfnNotices) {
-        pfnNotice();
+    if (!Watches(stRequest.u32Type)) {
+        for (const Notice &pfnNotice : m_apfnNotices) {
+            pfnNotice();
+        }
     }
     if (pstRow->bAnsweredAtOnce) {
         stRequest.stReply = {pucMessage + MessageHeader::Size, WIMAX_DATA_SIZE};

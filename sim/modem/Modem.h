@@ -109,7 +109,8 @@ class Modem {
     void OnAnsweredAtOnce(uint32_t u32Type, uint32_t u32SubType, RequestHandler pfnHandle);
     // A kind of [[event]].
     void OnEvent(const char *pcKind, EventReader pfnRead);
-    // Called for every request that the modem accepts, before its handler.
+    // Called for every request that the modem accepts, before its handler, but for those of
+    // trace, loggers, log data and statistics, which watch and change nothing else.
     void OnAnyRequest(Notice pfnNotice) { m_apfnNotices.push_back(std::move(pfnNotice)); }
     void OnMemory(MemoryReader pfnRead, MemoryWriter pfnWrite);
     // Says who knows the transport connections.
