@@ -1,0 +1,69 @@
+#!/usr/bin/env python3
+"""Runs long sessions with the stepped clock again and again on a busy machine: one checksum each.
+
+Several --program compare builds, and machines: --emulator stands before the programs that follow
+it ("" ends that)."""
+
+import argparse
+import os
+import pathlib
+import shlex
+import subprocess
+import sys
+import time
+
+HERE = pathlib.Path(__file__).resolve().parent
+SCENARIOS = ("answered", "watched", "faulty")
+
+
+class Program(argparse.Action):
+    """A program with the emulator that was named before it."""
+
+    def __call__(self, parser, options, value, option=None):
+        options.programs.append(shlex.split(options.emulator) + [value])
+
+
+def once(command, scenario, calls):
+    """What the session says of itself."""
+    environment = dict(os.environ, QOR020_SCENARIO=str(HERE / f"{scenario}.toml"))
+    library = str(pathlib.Path(command[-1]).resolve().parent)
+    environment["LD_LIBRARY_PATH"] = library
+    result = subprocess.run(command + [str(calls), "1"], env=environment, capture_output=True,
+                            text=True, check=False)
+    return result.stdout.strip() if result.returncode == 0 and not result.stderr \
+        else f"status {result.returncode}: {result.stderr.strip() or result.stdout.strip()}"
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.set_defaults(programs=[])
+    parser.add_argument("--program", action=Program, required=True, help="long_session of a build")
+    parser.add_argument("--emulator", default="")
+    parser.add_argument("--runs", type=int, default=200)
+    parser.add_argument("--calls", type=int, default=2000)
+    parser.add_argument("--busy", type=int, default=4, help="processes that keep the machine busy")
+    options = parser.parse_args()
+    busy = [subprocess.Popen([sys.executable, "-c", "while True: pass"])
+            for _ in range(options.busy)]
+    good = True
+    try:
+        for scenario in SCENARIOS:
+            seen = {}
+            began = time.monotonic()
+            for command in options.programs:
+                for _ in range(options.runs):
+                    outcome = once(command, scenario, options.calls)
+                    seen[outcome] = seen.get(outcome, 0) + 1
+            took = time.monotonic() - began
+            good = good and len(seen) == 1 and " messages, checksum " in next(iter(seen))
+            for outcome, times in seen.items():
+                print(f"{scenario}: {times} times {outcome} ({took:.1f} s)")
+    finally:
+        for process in busy:
+            process.kill()
+            process.wait()
+    return 0 if good else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
