@@ -46,7 +46,7 @@ Session::Session() {
         const MessageCodes stAnswer{stRow.u16Type, stRow.u16AnswerSubType};
         if (stRow.eDirection == Direction::Request && stRow.u16AnswerSubType != 0 &&
             WaitingFor(stAnswer) == nullptr) {
-            m_astWaiting.push_back({stAnswer, 0, {}});
+            m_astWaiting.push_back({stAnswer, 0, 0, {}});
         }
     }
 }
@@ -56,12 +56,15 @@ Session::Waiting *Session::WaitingFor(const MessageCodes &stAnswer) {
     return it != m_astWaiting.end() ? &*it : nullptr;
 }
 
-uint64_t Session::Unanswered() const {
-    uint64_t u64Count = m_u64GivenUp;
+std::vector<Session::Unanswered> Session::UnansweredRequests() const {
+    std::vector<Unanswered> astUnanswered;
     for (const Waiting &stWaiting : m_astWaiting) {
-        u64Count += stWaiting.u32Count;
+        const uint64_t u64Requests = stWaiting.u64GivenUp + stWaiting.u32Count;
+        if (u64Requests != 0) {
+            astUnanswered.push_back({stWaiting.stAnswer, u64Requests});
+        }
     }
-    return u64Count;
+    return astUnanswered;
 }
 
 void Session::FollowSend(const Event &stEvent, Entry *pstEntry) {
@@ -81,7 +84,7 @@ void Session::FollowSend(const Event &stEvent, Entry *pstEntry) {
     if (stWaiting.u32Count == astRequests.size()) {
         std::ranges::rotate(astRequests, astRequests.begin() + 1);
         --stWaiting.u32Count;
-        ++m_u64GivenUp;
+        ++stWaiting.u64GivenUp;
     }
     astRequests[stWaiting.u32Count++] = {stEvent.u32Number, stEvent.i64Time};
 }
@@ -103,7 +106,7 @@ void Session::FollowMessage(const Event &stEvent, Entry *pstEntry) {
     const auto i64Latency = static_cast<int64_t>(static_cast<uint64_t>(stEvent.i64Time) -
                                                  static_cast<uint64_t>(stRequest.i64Time));
     if (i64Latency < 0 || i64Latency > i64LongestLatency) {
-        m_u64GivenUp += pstWaiting->u32Count;
+        pstWaiting->u64GivenUp += pstWaiting->u32Count;
         pstWaiting->u32Count = 0;
         return;
     }

@@ -56,8 +56,13 @@ class Session {
 
     // The next event, with its bytes as long as they are good.
     Entry Follow(const Event &stEvent);
-    // Requests that have an answer which has not come.
-    uint64_t Unanswered() const;
+
+    // Requests whose answer has not come, by that answer.
+    struct Unanswered {
+        MessageCodes stAnswer;
+        uint64_t u64Requests;
+    };
+    std::vector<Unanswered> UnansweredRequests() const;
 
   private:
     struct Call {
@@ -74,6 +79,7 @@ class Session {
     struct Waiting {
         MessageCodes stAnswer;
         uint32_t u32Count = 0;
+        uint64_t u64GivenUp = 0; // too many, or too long ago
         std::array<Request, 16> astRequests;
     };
 
@@ -87,7 +93,6 @@ class Session {
     std::array<Call, 256> m_astCalls;
     std::vector<Waiting> m_astWaiting;
     std::vector<uint8_t> m_aucMemoryCall;
-    uint64_t m_u64GivenUp = 0;
 };
 
 #endif
