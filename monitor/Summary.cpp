@@ -34,8 +34,11 @@ uint64_t TimeAt(size_t uPlace) {
 
 using TableLine = std::vector<std::string>;
 
-// The first column to the left, the others to the right.
+// The first column to the left, the others to the right; nothing for a heading alone.
 void PutTable(Writer &stWriter, const std::vector<TableLine> &astLines) {
+    if (astLines.size() == 1) {
+        return;
+    }
     std::vector<size_t> auWidths(astLines.front().size());
     for (const TableLine &astCells : astLines) {
         for (size_t i = 0; i < astCells.size(); ++i) {
@@ -190,9 +193,6 @@ void Summary::PutCalls(Writer &stWriter) const {
         astLines.back().push_back(std::to_string(stCalls.u64Failed));
     }
     PutTable(stWriter, astLines);
-    if (m_stFailures.empty()) {
-        return;
-    }
     astLines = {{"failed calls", "result", "number"}};
     for (const auto &[stKey, u64Count] : m_stFailures) {
         const auto [eKind, u16Type, u16SubType, s32Result] = stKey;

@@ -1,6 +1,7 @@
 #include "Text.h"
 
 #include <algorithm>
+#include <string>
 
 #include "ClientReport.h"
 #include "Fields.h"
@@ -13,15 +14,34 @@ constexpr std::string_view strOfSent = "\x1b[1;32m";
 constexpr std::string_view strOfReceived = "\x1b[1;34m";
 constexpr std::string_view strOfFailure = "\x1b[1;31m";
 
-constexpr size_t uIndent = 4;
+constexpr std::string_view strIndent = "    ";
 
 // What a terminal may do something at.
-bool IsControl(char cChar) {
-    return (static_cast<uint8_t>(cChar) < ' ' && cChar != '\n' && cChar != '\t') || cChar == '\x7f';
+constexpr bool IsControl(char cChar) {
+    const auto u8Char = static_cast<uint8_t>(cChar);
+    return (u8Char < ' ' && u8Char != '\n' && u8Char != '\t') || u8Char == 0x7F;
+}
+
+bool HasControl(std::string_view strText) {
+    // Without a way out, so that many characters are looked at at once.
+    uint8_t u8Any = 0;
+    for (const char cChar : strText) {
+        const auto u8Char = static_cast<uint8_t>(cChar);
+        const auto u8Low = static_cast<uint8_t>(u8Char < ' ' ? 1 : 0);
+        const auto u8Allowed = static_cast<uint8_t>(u8Char == '\n' || u8Char == '\t' ? 1 : 0);
+        u8Any |= static_cast<uint8_t>((u8Low & ~u8Allowed) | (u8Char == 0x7F ? 1 : 0));
+    }
+    return u8Any != 0;
 }
 
 // The lines of a report, indented, without the empty ones at both ends.
 void PutReport(Writer &stWriter, std::string_view strReport) {
+    std::string strTamed;
+    if (HasControl(strReport)) {
+        strTamed = strReport;
+        std::ranges::replace_if(strTamed, IsControl, '.');
+        strReport = strTamed;
+    }
     while (strReport.ends_with('\n')) {
         strReport.remove_suffix(1);
     }
@@ -29,27 +49,11 @@ void PutReport(Writer &stWriter, std::string_view strReport) {
         strReport.remove_prefix(1);
     }
     while (!strReport.empty()) {
-        const size_t uLine = std::min(strReport.find('\n'), strReport.size());
-        for (std::string_view strLine = strReport.substr(0, uLine); !strLine.empty();) {
-            const std::string_view strPart = strLine.substr(0, Writer::uMostRoom / 2);
-            char *pcRoom = stWriter.Room(strPart.size() + uIndent);
-            if (strPart.data() == strReport.data()) {
-                std::memset(pcRoom, ' ', uIndent);
-                pcRoom += uIndent;
-            }
-            bool bAnyControl = false;
-            for (size_t i = 0; i < strPart.size(); ++i) {
-                pcRoom[i] = strPart[i];
-                bAnyControl |= IsControl(strPart[i]);
-            }
-            if (bAnyControl) {
-                std::replace_if(pcRoom, pcRoom + strPart.size(), IsControl, '.');
-            }
-            stWriter.EndAt(pcRoom + strPart.size());
-            strLine.remove_prefix(strPart.size());
-        }
+        const std::string_view strLine = strReport.substr(0, strReport.find('\n'));
+        stWriter.Put(strLine.empty() ? std::string_view() : strIndent);
+        stWriter.Put(strLine);
         stWriter.Put('\n');
-        strReport.remove_prefix(std::min(uLine + 1, strReport.size()));
+        strReport.remove_prefix(std::min(strLine.size() + 1, strReport.size()));
     }
 }
 
