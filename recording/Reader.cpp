@@ -15,6 +15,7 @@ namespace {
 
 constexpr int iPollMilliseconds = 100;
 constexpr size_t uBuffer = size_t{256} * 1024;
+constexpr size_t uStreamBuffer = size_t{16} * 1024;
 
 bool WouldWait(int iFile) {
     pollfd stPoll{iFile, POLLIN, 0};
@@ -94,6 +95,7 @@ std::string AtByte(uint64_t u64Position, const std::string &strWhat) {
 
 struct RecordingReader::State {
     Source stSource;
+    std::unique_ptr<char[]> pacStreamBuffer = std::make_unique<char[]>(uStreamBuffer);
     pcap_t *pstCapture = nullptr;
     std::string strProblem;
     uint64_t u64Size = 0;
@@ -139,8 +141,8 @@ struct RecordingReader::State {
             End("out of memory");
             return;
         }
-        // The source has the buffer: what libpcap has taken is what it has used.
-        (void)setvbuf(pstStream, nullptr, _IONBF, 0);
+        // libpcap reads number by number.
+        (void)setvbuf(pstStream, pacStreamBuffer.get(), _IOFBF, uStreamBuffer);
         char acError[PCAP_ERRBUF_SIZE] = "";
         pstCapture = pcap_fopen_offline_with_tstamp_precision(pstStream, PCAP_TSTAMP_PRECISION_NANO,
                                                               acError);
@@ -151,6 +153,14 @@ struct RecordingReader::State {
             End(AtByte(0, "a capture of link type " + std::to_string(pcap_datalink(pstCapture)) +
                               ", not of upper-layer PDUs (252)"));
         }
+    }
+
+    // What libpcap has used: what it has taken but for what is still in its stream's buffer.
+    uint64_t Position() const {
+        const FILE *pstStream = pstCapture != nullptr ? pcap_file(pstCapture) : nullptr;
+        const auto iAhead =
+            pstStream != nullptr ? pstStream->_IO_read_end - pstStream->_IO_read_ptr : 0;
+        return stSource.u64Position - static_cast<uint64_t>(iAhead);
     }
 
     // libpcap's words, unless the file itself could not be read.
@@ -202,7 +212,7 @@ RecordingReader::~RecordingReader() = default;
 bool RecordingReader::Next(Event *pstEvent) {
     State &stState = *m_pstState;
     while (!stState.bEnded) {
-        const uint64_t u64At = stState.stSource.u64Position;
+        const uint64_t u64At = stState.Position();
         pcap_pkthdr *pstHeader = nullptr;
         const u_char *pucData = nullptr;
         const int iResult = pcap_next_ex(stState.pstCapture, &pstHeader, &pucData);
@@ -222,5 +232,5 @@ bool RecordingReader::Next(Event *pstEvent) {
 }
 
 const std::string &RecordingReader::Problem() const { return m_pstState->strProblem; }
-uint64_t RecordingReader::Position() const { return m_pstState->stSource.u64Position; }
+uint64_t RecordingReader::Position() const { return m_pstState->Position(); }
 uint64_t RecordingReader::Size() const { return m_pstState->u64Size; }
