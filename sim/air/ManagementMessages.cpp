@@ -21,34 +21,24 @@ void Put(BitWriter &stBody, std::span<const FixedTLV> astTLVs) {
     }
 }
 
-// Convolutional turbo codes, as DCD and UCD number them, by ascending rate: the burst
-// profile's place is its DIUC, or its UIUC less 1.
-constexpr std::array<uint32_t, 6> au32BurstProfiles{13, 15, 16, 17, 18, 20};
-namespace BurstTLV {
-enum : uint32_t { Profile = 1, FEC = 150 };
-}
-
-// One frame of 5 ms: 29 symbols down, 18 up.
-constexpr uint32_t u32FrameDurationCode = 4;
-constexpr uint32_t u32DownlinkSymbols = 29;
-constexpr uint32_t u32UplinkSymbols = 18;
+constexpr uint32_t u32FrameDurationCode = 4; // 5 ms
 
 namespace DCDTLV {
 enum : uint32_t {
+    Profile = 1,
     EIRP = 2,
+    TransmitGap = 7,
+    ReceiveGap = 8,
+    WantedPower = 9,
     Frequency = 12,
     BSID = 13,
-    MACVersion = 148,
     PagingGroups = 35,
+    MACVersion = 148,
+    FEC = 150,
 };
 }
 constexpr uint32_t u32MACVersion = 5; // with mobility
 
-constexpr std::array astDCDParameters{
-    FixedTLV{7, 1, 148},   // gap from downlink to uplink, physical slots
-    FixedTLV{8, 1, 84},    // and back
-    FixedTLV{9, 2, 0xFFA6} // received power wanted for initial ranging, -90 dBm
-};
 constexpr std::array astDCDMobility{
     FixedTLV{31, 1, 6},    // dB, to add a station
     FixedTLV{32, 1, 10},   // and to give one up
@@ -171,6 +161,16 @@ BitWriter U64(uint64_t u64Value) {
     return stBytes;
 }
 
+// One for each code that maps name, from the most robust on.
+template <typename Put> void ForEachProfile(Put pfnPut) {
+    std::for_each(astBurstProfiles.rbegin(), astBurstProfiles.rend(),
+                  [&](const BurstProfile &stProfile) {
+                      if (stProfile.u32Repeats == 0) {
+                          pfnPut(stProfile);
+                      }
+                  });
+}
+
 uint32_t Clamped(double fValue, double fLeast, double fMost) {
     return Rounded(std::clamp(fValue, fLeast, fMost));
 }
@@ -189,20 +189,21 @@ ByteView ViewOf(const std::array<uint8_t, 6> &aucBytes) {
 BitWriter DCDBody(const Station &stStation) {
     BitWriter stBody;
     stBody.U8(0).U8(stStation.u32DCDChangeCount);
-    stBody.TLV(DCDTLV::EIRP, 2, iStationEIRP);
-    Put(stBody, astDCDParameters);
-    stBody.TLV(DCDTLV::Frequency, 4, stStation.u32Frequency);
-    stBody.TLV(DCDTLV::BSID, ViewOf(stStation.aucBSID));
+    const FrameLayout stLayout = LayoutOf(stStation.u32Bandwidth);
+    stBody.TLV(DCDTLV::EIRP, 2, iStationPower)
+        .TLV(DCDTLV::TransmitGap, 2, stLayout.u32TransmitGap)
+        .TLV(DCDTLV::ReceiveGap, 1, stLayout.u32ReceiveGap)
+        .TLV(DCDTLV::WantedPower, 2, static_cast<uint32_t>(iWantedPower))
+        .TLV(DCDTLV::Frequency, 4, stStation.u32Frequency)
+        .TLV(DCDTLV::BSID, ViewOf(stStation.aucBSID));
     Put(stBody, astDCDMobility);
     stBody.TLV(DCDTLV::PagingGroups, 2, u32PagingGroup);
     stBody.TLV(DCDTLV::MACVersion, 1, u32MACVersion);
-    for (uint32_t i = 0; i < au32BurstProfiles.size(); ++i) {
+    ForEachProfile([&](const BurstProfile &stOne) {
         BitWriter stProfile;
-        stProfile
-            .U8(i) // the DIUC
-            .TLV(BurstTLV::FEC, 1, au32BurstProfiles[i]);
-        stBody.TLV(BurstTLV::Profile, stProfile);
-    }
+        stProfile.U8(stOne.DIUC()).TLV(DCDTLV::FEC, 1, stOne.u32FEC);
+        stBody.TLV(DCDTLV::Profile, stProfile);
+    });
     return stBody;
 }
 
@@ -219,14 +220,13 @@ BitWriter UCDBody(const Station &stStation) {
         .TLV(UCDTLV::FirstCode, 1, RangingCodes::Initial.u32First)
         .TLV(UCDTLV::HandoverCodes, 1, RangingCodes::Handover.u32Count)
         .TLV(UCDTLV::PermutationBase, 1, stStation.u32CellID & 0x7F);
-    for (uint32_t i = 0; i < au32BurstProfiles.size(); ++i) {
+    ForEachProfile([&](const BurstProfile &stOne) {
         BitWriter stProfile;
-        stProfile
-            .U8(i + 1) // the UIUC
-            .TLV(UCDTLV::FEC, 1, au32BurstProfiles[i])
+        stProfile.U8(stOne.UIUC())
+            .TLV(UCDTLV::FEC, 1, stOne.u32FEC)
             .TLV(UCDTLV::RangingDataRatio, 1, 0);
         stBody.TLV(UCDTLV::Profile, stProfile);
-    }
+    });
     return stBody;
 }
 
@@ -256,27 +256,41 @@ BitWriter NBRADVBody(const Station &stStation, std::span<const Station *const> a
     return stBody;
 }
 
-BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame) {
+BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame, const BurstProfile &stProfile) {
+    constexpr uint32_t u32First = 1; // the symbol behind the preamble
+    constexpr uint32_t u32Broadcast = 4;
+    const FrameLayout stLayout = LayoutOf(stStation.u32Bandwidth);
     BitWriter stBody;
     stBody.U8(u32FrameDurationCode).U24(u32Frame);
     stBody.U8(stStation.u32DCDChangeCount);
     stBody.Bytes(ViewOf(stStation.aucBSID));
-    stBody.U8(u32DownlinkSymbols);
-    // A burst with the broadcast messages, one with the rest: DIUC, symbol offset,
-    // subchannel offset, boosting, symbols, subchannels, repetition.
-    stBody.Bits(0, 4).Bits(1, 8).Bits(0, 6).Bits(0, 3).Bits(4, 7).Bits(10, 6).Bits(1, 2);
-    stBody.Bits(2, 4).Bits(5, 8).Bits(0, 6).Bits(0, 3).Bits(24, 7).Bits(30, 6).Bits(0, 2);
+    stBody.U8(stLayout.u32DownlinkSymbols);
+    const auto PutBurst = [&](const BurstProfile &stOf, uint32_t u32Offset, uint32_t u32Symbols,
+                              uint32_t u32SubChannels) {
+        stBody.Bits(stOf.DIUC(), 4).Bits(u32Offset, 8).Bits(0, 6); // from the first subchannel
+        stBody.Bits(0, 3);                                         // not louder than the rest
+        stBody.Bits(u32Symbols, 7).Bits(u32SubChannels, 6).Bits(stOf.u32Repeats, 2);
+    };
+    // A burst with the broadcast messages, said twice for the edge of the cell; one with the rest,
+    // in the slots of two symbols that are left.
+    const uint32_t u32Rest = (stLayout.u32DownlinkSymbols - u32First - u32Broadcast) / 2 * 2;
+    PutBurst(ProfileAt(3), u32First, u32Broadcast, 10);
+    PutBurst(stProfile, u32First + u32Broadcast, u32Rest, stLayout.u32DownlinkSubChannels);
     return stBody.Pad();
 }
 
 BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants) {
     constexpr uint32_t u32RangingRegion = 12;
     constexpr uint32_t u32CDMAAllocation = 14;
-    constexpr uint32_t u32AllocationStart = 0x2A80; // physical slots behind the frame's start
+    constexpr uint32_t u32DataSlots = 10;
+    const FrameLayout stLayout = LayoutOf(stStation.u32Bandwidth);
     BitWriter stBody;
-    stBody.U8(0).U8(stStation.u32DCDChangeCount).U32(u32AllocationStart).U8(u32UplinkSymbols);
-    if (stGrants.u32BasicCID) {
-        stBody.U16(*stGrants.u32BasicCID).Bits(3, 4).Bits(10, 10).Bits(0, 2);
+    stBody.U8(0).U8(stStation.u32DCDChangeCount);
+    stBody.U32(stLayout.UplinkStart()).U8(stLayout.u32UplinkSymbols);
+    if (stGrants.stData) {
+        const BurstProfile &stProfile = stGrants.stData->stProfile;
+        stBody.U16(stGrants.stData->u32BasicCID).Bits(stProfile.UIUC(), 4);
+        stBody.Bits(u32DataSlots, 10).Bits(stProfile.u32Repeats, 2);
     }
     // Symbol offset, subchannel offset, symbols, subchannels, method, dedicated.
     for (const uint32_t u32Method : {0U, 2U}) { // initial; bandwidth requests and periodic

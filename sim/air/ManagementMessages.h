@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "air/BitWriter.h"
+#include "air/PhysicalLayer.h"
 #include "air/Radio.h"
 
 namespace MessageCode {
@@ -90,14 +91,17 @@ struct RangingSignal {
 BitWriter DCDBody(const Station &stStation);
 BitWriter UCDBody(const Station &stStation);
 BitWriter NBRADVBody(const Station &stStation, std::span<const Station *const> apstNeighbours);
-inline constexpr int32_t iStationEIRP = 43; // dBm, as the DCD says
 
-// The maps of a frame.
+// The maps of a frame: a downlink burst of the profile, and what the uplink is granted for.
+struct DataGrant {
+    uint32_t u32BasicCID; // of this modem
+    BurstProfile stProfile;
+};
 struct Grants {
     std::optional<RangingSignal> stCDMA; // an allocation in answer to a ranging code
-    std::optional<uint32_t> u32BasicCID; // a data burst for this modem
+    std::optional<DataGrant> stData;
 };
-BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame);
+BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame, const BurstProfile &stProfile);
 BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants);
 
 // Ranging.

@@ -62,15 +62,6 @@ constexpr double fQuarters = 4;
 // To the nearest whole number, as the messages carry it.
 uint32_t Rounded(double fValue);
 
-// Modulation and coding, turbo codes only: from which CINR on it carries the traffic, the
-// air interface's code for it, and its counter in groups of counters by modulation.
-struct BurstProfile {
-    double fCINR; // dB, at least
-    uint32_t u32FEC;
-    uint32_t u32Counter;
-};
-const BurstProfile &ProfileAt(double fCINR);
-
 class Radio {
   public:
     // Reads [radio], [[nsp]] and [[station]].

@@ -6,6 +6,7 @@
 
 #include "LinkRecords.h"
 #include "ServiceFlowRecord.h"
+#include "air/PhysicalLayer.h"
 
 namespace {
 
@@ -17,11 +18,8 @@ enum Stage : uint32_t { Ranging, Capabilities, Authentication, Registration, Tra
 // CIDs: basic ones up to this one, then as many primary ones, then transport.
 constexpr uint32_t u32BasicCIDs = 511;
 
-constexpr double fWantedPower = -90; // dBm, at the station
-constexpr double fLeastPower = -40;
-constexpr double fMostPower = 23;
-constexpr auto iLeastPower = static_cast<int32_t>(fLeastPower * fQuarters);
-constexpr auto iMostPower = static_cast<int32_t>(fMostPower * fQuarters);
+constexpr auto iLowest = static_cast<int32_t>(iLeastPower * fQuarters);
+constexpr auto iHighest = static_cast<int32_t>(iMostPower * fQuarters);
 // So far the station's corrections may take the modem from its own measurement.
 constexpr int32_t iMostCorrection = 32; // quarter dB
 
@@ -157,10 +155,7 @@ void Signalling::Follow(const LinkChange &stChange) {
     }
     const Station *pstServing = m_stAt.pstServing;
     if (stChange.eBefore == Synchronising && stChange.eAfter == Synchronised) {
-        Later([this, pstServing] {
-            Say(MessageCode::DLMAP, bDown, WellKnownCID::Broadcast,
-                DLMAPBody(*pstServing, Frame()));
-        });
+        Later([this] { SayDLMAP(); });
         SayDescriptors();
         SayLater(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast, ULMAPBody(*pstServing, {}));
     } else if (stChange.eAfter == Entering) {
@@ -351,8 +346,8 @@ void Signalling::AnswerCode(RangingStatus eStatus) {
     };
     Corrections stCorrections{Error(4 * u32Spread), Error(u32Spread), Error(30 * u32Spread)};
     const int32_t iPower = std::clamp(m_iPower + stCorrections.iPower,
-                                      std::max(iLeastPower, m_iOpenLoopPower - iMostCorrection),
-                                      std::min(iMostPower, m_iOpenLoopPower + iMostCorrection));
+                                      std::max(iLowest, m_iOpenLoopPower - iMostCorrection),
+                                      std::min(iHighest, m_iOpenLoopPower + iMostCorrection));
     stCorrections.iPower = iPower - m_iPower;
     Say(MessageCode::RNGRSP, bDown, WellKnownCID::InitialRanging,
         RNGRSPBody(m_stSignal, stCorrections, eStatus));
@@ -366,12 +361,11 @@ void Signalling::AnswerCode(RangingStatus eStatus) {
 
 void Signalling::AdjustOpenLoop(const Station &stStation) {
     const double fRSSI = m_stAir.Measure(stStation, m_stClock.Now()).fRSSI;
-    const double fPathLoss = iStationEIRP - fRSSI;
-    const double fPower =
-        std::clamp(fWantedPower + fPathLoss - m_stAir.TransmitGain(), fLeastPower, fMostPower);
+    const double fPathLoss = iStationPower - fRSSI;
+    const double fPower = std::clamp<double>(iWantedPower + fPathLoss - m_stAir.TransmitGain(),
+                                             iLeastPower, iMostPower);
     const auto iWanted = static_cast<int32_t>(std::lround(fPower * fQuarters));
-    const int32_t iPower =
-        std::clamp(m_iPower + iWanted - m_iOpenLoopPower, iLeastPower, iMostPower);
+    const int32_t iPower = std::clamp(m_iPower + iWanted - m_iOpenLoopPower, iLowest, iHighest);
     const int32_t iAdjustment = iPower - m_iPower;
     m_iOpenLoopPower = iWanted;
     if (iAdjustment == 0) {
@@ -509,12 +503,22 @@ void Signalling::Broadcast(Timer &stTimer, ModemTime iPeriod, void (Signalling::
 
 void Signalling::SayMaps() {
     const Station &stStation = *m_stAt.pstServing;
-    Say(MessageCode::DLMAP, bDown, WellKnownCID::Broadcast, DLMAPBody(stStation, Frame()));
+    SayDLMAP();
     Grants stGrants;
     if (m_stAt.eState == LinkUp) {
-        stGrants.u32BasicCID = m_u32BasicCID;
+        stGrants.stData = {m_u32BasicCID, ProfileAt(CINROf(stStation) - fUplinkLoss)};
     }
     Say(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast, ULMAPBody(stStation, stGrants));
+}
+
+void Signalling::SayDLMAP() {
+    const Station &stStation = *m_stAt.pstServing;
+    Say(MessageCode::DLMAP, bDown, WellKnownCID::Broadcast,
+        DLMAPBody(stStation, Frame(), ProfileAt(CINROf(stStation))));
+}
+
+double Signalling::CINROf(const Station &stStation) const {
+    return m_stAir.Measure(stStation, m_stClock.Now()).fCINR;
 }
 
 void Signalling::SayDescriptors() {

@@ -144,6 +144,8 @@ class Signalling {
 
     void Broadcast(Timer &stTimer, ModemTime iPeriod, void (Signalling::*pfnSay)());
     void SayMaps();
+    void SayDLMAP();
+    double CINROf(const Station &stStation) const;
     void SayDescriptors();
     void SayNeighbours();
     void SayPaging();

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "air/PhysicalLayer.h"
 #include "host/HostSubsystems.h"
 #include "host/MIBStore.h"
 #include "link/Link.h"
@@ -17,9 +18,6 @@ using Bytes = MIBStore::Bytes;
 using CounterGroup = std::array<uint32_t, MIBCounterGroup::Count>;
 
 constexpr ModemTime i64Sampling = i64Second;
-
-// The uplink gets through with so much less than the downlink.
-constexpr double fUplinkLoss = 6; // dB
 
 // A zone's counters: by matrix or pilot pattern, in the order of the records.
 enum Pattern : uint32_t { PatternA, PatternB, NoPattern, Patterns };
