@@ -4,6 +4,7 @@
 
 #include "MobilityRecords.h"
 #include "ServiceFlowRecord.h"
+#include "air/Capabilities.h"
 #include "time/Random.h"
 
 namespace {
@@ -33,6 +34,8 @@ enum : uint32_t {
     Frequency = 12,
     BSID = 13,
     PagingGroups = 35,
+    Hysteresis = 51,
+    TimeToTrigger = 52,
     MACVersion = 148,
     FEC = 150,
 };
@@ -43,8 +46,6 @@ constexpr std::array astDCDMobility{
     FixedTLV{31, 1, 6},    // dB, to add a station
     FixedTLV{32, 1, 10},   // and to give one up
     FixedTLV{50, 1, 0x80}, // handover alone
-    FixedTLV{51, 1, 4},    // hysteresis, dB
-    FixedTLV{52, 1, 100}   // time to trigger, ms
 };
 
 namespace UCDTLV {
@@ -68,34 +69,6 @@ constexpr std::array astUCDParameters{
     FixedTLV{2, 1, 8},                 // frames that a bandwidth request waits for its grant
     FixedTLV{153, 1, u32BackoffStart}, // periodic ranging
     FixedTLV{154, 1, u32BackoffEnd},
-};
-
-// What this modem can do; the station can do the same.
-constexpr std::array astCapabilities{
-    FixedTLV{1, 1, 0x02},       // full frequency division: not
-    FixedTLV{2, 2, 0x3232},     // transition gaps, 50 microseconds
-    FixedTLV{4, 1, 0x03},       // piggybacked requests, 3-bit fragment numbers
-    FixedTLV{3, 4, 0xD7D7D3CF}, // greatest powers for BPSK, QPSK, 16-QAM, 64-QAM
-    FixedTLV{26, 1, 0x4B},      // power saving classes
-    FixedTLV{150, 1, 0x18},     // 512 and 1024 carriers
-    FixedTLV{151, 1, 0x05},     // demodulator: 64-QAM, turbo codes
-    FixedTLV{152, 1, 0x05},     // modulator: the same
-    FixedTLV{154, 1, 0x01},     // permutations
-    FixedTLV{160, 1, 0x03},     // measurements
-};
-// PKM version 2, EAP at the first entry, CMAC.
-constexpr uint32_t u32SecurityNegotiation = 25;
-constexpr std::array astSecurityNegotiation{FixedTLV{1, 1, 0x02}, FixedTLV{2, 1, 0x02},
-                                            FixedTLV{3, 1, 0x02}};
-
-constexpr std::array astRegistration{
-    FixedTLV{2, 1, 0},    // no secondary management
-    FixedTLV{4, 1, 0x01}, // IP version 4
-    FixedTLV{6, 2, 8},    // uplink CIDs
-    FixedTLV{15, 2, 8},   // downlink CIDs
-    FixedTLV{10, 1, 0},   // ARQ
-    FixedTLV{27, 1, 1},   // handover
-    FixedTLV{31, 1, 0x07} // mobility: handover, sleep, idle
 };
 
 namespace RNGREQTLV {
@@ -136,6 +109,7 @@ enum : uint32_t {
     ErrorCode = 16,
     SecurityCapabilities = 19,
     CryptoSuite = 20,
+    CryptoSuites = 21,
     SADescriptor = 23,
     SAType = 24,
     SecurityNegotiation = 25,
@@ -186,7 +160,20 @@ ByteView ViewOf(const std::array<uint8_t, 6> &aucBytes) {
     return {aucBytes.data(), static_cast<uint32_t>(aucBytes.size())};
 }
 
-BitWriter DCDBody(const Station &stStation) {
+namespace {
+
+// Whole dB, and milliseconds in a byte: stations with a longer one do not announce it.
+void PutHandoverMargin(BitWriter &stBody, const HandoverMargin &stMargin) {
+    const ModemTime iMilliseconds = stMargin.iTimeToTrigger / i64Millisecond;
+    stBody.TLV(DCDTLV::Hysteresis, 1, Clamped(stMargin.fHysteresis, 0, UINT8_MAX));
+    if (iMilliseconds <= UINT8_MAX) {
+        stBody.TLV(DCDTLV::TimeToTrigger, 1, static_cast<uint32_t>(iMilliseconds));
+    }
+}
+
+} // namespace
+
+BitWriter DCDBody(const Station &stStation, const HandoverMargin &stMargin) {
     BitWriter stBody;
     stBody.U8(0).U8(stStation.u32DCDChangeCount);
     const FrameLayout stLayout = LayoutOf(stStation.u32Bandwidth);
@@ -197,6 +184,7 @@ BitWriter DCDBody(const Station &stStation) {
         .TLV(DCDTLV::Frequency, 4, stStation.u32Frequency)
         .TLV(DCDTLV::BSID, ViewOf(stStation.aucBSID));
     Put(stBody, astDCDMobility);
+    PutHandoverMargin(stBody, stMargin);
     stBody.TLV(DCDTLV::PagingGroups, 2, u32PagingGroup);
     stBody.TLV(DCDTLV::MACVersion, 1, u32MACVersion);
     ForEachProfile([&](const BurstProfile &stOne) {
@@ -353,14 +341,6 @@ BitWriter RNGRSPBody(RangingPurpose ePurpose, RangingStatus eStatus, const MACAd
     return stBody;
 }
 
-BitWriter SBCBody() {
-    BitWriter stSecurity;
-    Put(stSecurity, astSecurityNegotiation);
-    BitWriter stBody;
-    Put(stBody, astCapabilities);
-    return stBody.TLV(u32SecurityNegotiation, stSecurity);
-}
-
 BitWriter PKMBody(uint32_t u32Code, uint32_t u32Identifier, const KeyExchange &stKeys,
                   uint32_t u32Frame, ByteView stEAP) {
     using namespace PKMAttribute;
@@ -375,11 +355,7 @@ BitWriter PKMBody(uint32_t u32Code, uint32_t u32Identifier, const KeyExchange &s
             .TLV(KeySequence, 1, u32AKSequence)
             .TLV(AKID, U64(stKeys.u64AKID));
     };
-    const auto PutNegotiation = [&] {
-        BitWriter stSecurity;
-        Put(stSecurity, astSecurityNegotiation);
-        stBody.TLV(SecurityNegotiation, stSecurity);
-    };
+    const auto PutNegotiation = [&] { PutSecurityNegotiation(stBody, SecurityNegotiation); };
     const auto PutSAID = [&] {
         stBody.TLV(KeySequence, 1, u32AKSequence).TLV(SAID, 2, u32PrimarySAID);
     };
@@ -393,8 +369,11 @@ BitWriter PKMBody(uint32_t u32Code, uint32_t u32Identifier, const KeyExchange &s
         break;
     case PKMCode::SATEKRequest: {
         PutSATEK(true);
-        BitWriter stCapabilities; // one suite, without the list around it that analysers trip over
-        PutSuite(stCapabilities);
+        // The list of suites has one entry.
+        BitWriter stSuites;
+        PutSuite(stSuites);
+        BitWriter stCapabilities;
+        stCapabilities.TLV(CryptoSuites, stSuites);
         stBody.TLV(SecurityCapabilities, stCapabilities);
         PutNegotiation();
         break;
@@ -470,21 +449,6 @@ BitWriter EAPPacket(EAP::Code eCode, uint32_t u32Identifier, EAP::Step eStep, ui
     BitWriter stPacket;
     stPacket.U8(eCode).U8(u32Identifier).U16(4 + stData.View().u32Length).Bytes(stData.View());
     return stPacket;
-}
-
-BitWriter REGREQBody() {
-    BitWriter stBody;
-    Put(stBody, astRegistration);
-    return stBody;
-}
-
-BitWriter REGRSPBody(bool bAccepted) {
-    BitWriter stBody;
-    stBody.U8(bAccepted ? 0 : 1);
-    if (bAccepted) {
-        Put(stBody, astRegistration);
-    }
-    return stBody;
 }
 
 namespace {

@@ -88,7 +88,7 @@ struct RangingSignal {
 };
 
 // A station's two descriptors and its list of neighbours.
-BitWriter DCDBody(const Station &stStation);
+BitWriter DCDBody(const Station &stStation, const HandoverMargin &stMargin);
 BitWriter UCDBody(const Station &stStation);
 BitWriter NBRADVBody(const Station &stStation, std::span<const Station *const> apstNeighbours);
 
@@ -121,9 +121,6 @@ BitWriter RNGRSPBody(const RangingSignal &stSignal, const Corrections &stCorrect
 BitWriter RNGRSPBody(RangingPurpose ePurpose, RangingStatus eStatus, const MACAddressBytes &aucMAC,
                      uint32_t u32BasicCID, uint32_t u32PrimaryCID);
 
-// Basic capabilities: what the modem can do, and what the station makes of it.
-BitWriter SBCBody();
-
 // Keys. The identifier ties answers to requests.
 namespace PKMCode {
 enum : uint32_t {
@@ -154,10 +151,6 @@ enum Step : uint32_t { Identity, Challenge, Result };
 } // namespace EAP
 // u64Secret makes the challenge's and its answer's values differ from one to the next.
 BitWriter EAPPacket(EAP::Code eCode, uint32_t u32Identifier, EAP::Step eStep, uint64_t u64Secret);
-
-// Registration.
-BitWriter REGREQBody();
-BitWriter REGRSPBody(bool bAccepted);
 
 // The modem goes: for good, into idle mode on its own account, or as it was told to.
 enum DeregistrationRequest : uint32_t { Deregister = 0, GoIdle = 1, GoesAsTold = 2 };

@@ -59,6 +59,9 @@ Radio::Radio(const Section &stRoot, uint64_t u64Seed) : m_u64Seed(SeedFor(u64See
     m_fSensitivity = stRadio.Number("sensitivity", -200, 100, -97);
     m_fEntryRSSI = stRadio.Number("entry-rssi", -200, 100, -88);
     m_fEntryCINR = stRadio.Number("entry-cinr", -100, 100, 3);
+    const Section stHandover = stRoot.Table("handover");
+    m_stMargin = {stHandover.Number("hysteresis", 0, 200, 6),
+                  stHandover.Seconds("time-to-trigger", 0, 1000, 1)};
     const std::vector<NSP> astNSPs = ReadNSPs(stRoot);
     for (const Section &stSection : stRoot.Tables("station")) {
         m_astStations.push_back(Read(stSection, astNSPs));

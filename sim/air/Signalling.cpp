@@ -51,6 +51,9 @@ Signalling::Signalling(const Section &stRoot, uint64_t u64Seed, Scheduler &stClo
     m_iRangingPeriod = ReadPeriod("ranging-period", 2);
     m_iReportPeriod = ReadPeriod("report-period", 10);
     m_fCMACFailures = stSettings.Number("cmac-failures", 0, 0.9, 0);
+    m_stLimits = {static_cast<uint32_t>(
+                      stRoot.Table("service-flows").Integer("most-flows", 0, u32ModemFlows, 16)),
+                  static_cast<uint32_t>(stRoot.Tables("service-flow").size())};
 }
 
 void Signalling::Start() {
@@ -216,7 +219,7 @@ void Signalling::BeginStage(uint32_t u32Stage) {
         Range(*m_stAt.pstServing, RangingPurpose::Entry);
         break;
     case Capabilities:
-        SayLater(MessageCode::SBCREQ, bUp, m_u32BasicCID, SBCBody());
+        SayLater(MessageCode::SBCREQ, bUp, m_u32BasicCID, SBCREQBody());
         break;
     case Authentication:
         Authenticate();
@@ -243,13 +246,14 @@ void Signalling::FinishStage(uint32_t u32Stage) {
         Later([this] { AnswerRNGREQ(RangingPurpose::Entry); });
         break;
     case Capabilities:
-        SayLater(MessageCode::SBCRSP, bDown, m_u32BasicCID, SBCBody());
+        SayLater(MessageCode::SBCRSP, bDown, m_u32BasicCID, SBCRSPBody(*m_stAt.pstServing));
         break;
     case Authentication:
         SayKeyExchange();
         break;
     case Registration:
-        SayLater(MessageCode::REGRSP, bDown, m_u32PrimaryCID, REGRSPBody(true), Protection::Tuple);
+        SayLater(MessageCode::REGRSP, bDown, m_u32PrimaryCID, REGRSPBody(true, m_stLimits),
+                 Protection::Tuple);
         break;
     case TrafficKeys:
         Later([this] {
@@ -282,7 +286,8 @@ void Signalling::FailStage(uint32_t u32Reason) {
         });
         break;
     case LinkReason::RegistrationFailure:
-        SayLater(MessageCode::REGRSP, bDown, m_u32PrimaryCID, REGRSPBody(false), Protection::Tuple);
+        SayLater(MessageCode::REGRSP, bDown, m_u32PrimaryCID, REGRSPBody(false, m_stLimits),
+                 Protection::Tuple);
         break;
     case LinkReason::SATEKFailure:
         Later([this] { SayPKM(bDown, PKMCode::KeyReject, Protection::Attribute); });
@@ -523,7 +528,8 @@ double Signalling::CINROf(const Station &stStation) const {
 
 void Signalling::SayDescriptors() {
     const Station &stStation = *m_stAt.pstServing;
-    SayLater(MessageCode::DCD, bDown, WellKnownCID::FragmentableBroadcast, DCDBody(stStation));
+    SayLater(MessageCode::DCD, bDown, WellKnownCID::FragmentableBroadcast,
+             DCDBody(stStation, m_stAir.Margin()));
     SayLater(MessageCode::UCD, bDown, WellKnownCID::FragmentableBroadcast, UCDBody(stStation));
 }
 

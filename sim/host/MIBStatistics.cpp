@@ -55,8 +55,6 @@ void PutGroups(ByteSpan stTo, uint32_t u32Offset,
 // Numbers of 1/65536, as the measured list carries them: without a sign.
 uint32_t Sixteenth(double fValue) { return Rounded(std::max(fValue, 0.0) * 65536); }
 
-constexpr double fTriggerMargin = 3; // dB
-
 // The counters of lost messages, in the order of the attribute.
 enum DropCounter : uint32_t {
     Responses,
@@ -457,13 +455,13 @@ uint8_t MIBStatistics::Trigger(bool bSameFrequency) const {
     const auto RSSI = [this](const Station &stStation) {
         return m_stModem.Air().Measure(stStation, m_stModem.Now()).fRSSI;
     };
+    const double fMargin = m_stModem.Air().Margin().fHysteresis;
     uint32_t u32Trigger = MIBTriggerStatus::NoMeasurements;
     for (const Station *pstStation : Neighbours(UINT32_MAX)) {
         if ((pstStation->u32Frequency == stServing.u32Frequency) == bSameFrequency &&
             u32Trigger != MIBTriggerStatus::Passed) {
-            u32Trigger = RSSI(*pstStation) > RSSI(stServing) + fTriggerMargin
-                             ? MIBTriggerStatus::Passed
-                             : MIBTriggerStatus::Failed;
+            u32Trigger = RSSI(*pstStation) > RSSI(stServing) + fMargin ? MIBTriggerStatus::Passed
+                                                                       : MIBTriggerStatus::Failed;
         }
     }
     return static_cast<uint8_t>(u32Trigger);
