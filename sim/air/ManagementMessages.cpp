@@ -4,6 +4,7 @@
 
 #include "MobilityRecords.h"
 #include "ServiceFlowRecord.h"
+#include "air/Capabilities.h"
 #include "time/Random.h"
 
 namespace {
@@ -21,40 +22,30 @@ void Put(BitWriter &stBody, std::span<const FixedTLV> astTLVs) {
     }
 }
 
-// Convolutional turbo codes, as DCD and UCD number them, by ascending rate: the burst
-// profile's place is its DIUC, or its UIUC less 1.
-constexpr std::array<uint32_t, 6> au32BurstProfiles{13, 15, 16, 17, 18, 20};
-namespace BurstTLV {
-enum : uint32_t { Profile = 1, FEC = 150 };
-}
-
-// One frame of 5 ms: 29 symbols down, 18 up.
-constexpr uint32_t u32FrameDurationCode = 4;
-constexpr uint32_t u32DownlinkSymbols = 29;
-constexpr uint32_t u32UplinkSymbols = 18;
+constexpr uint32_t u32FrameDurationCode = 4; // 5 ms
 
 namespace DCDTLV {
 enum : uint32_t {
+    Profile = 1,
     EIRP = 2,
+    TransmitGap = 7,
+    ReceiveGap = 8,
+    WantedPower = 9,
     Frequency = 12,
     BSID = 13,
-    MACVersion = 148,
     PagingGroups = 35,
+    Hysteresis = 51,
+    TimeToTrigger = 52,
+    MACVersion = 148,
+    FEC = 150,
 };
 }
 constexpr uint32_t u32MACVersion = 5; // with mobility
 
-constexpr std::array astDCDParameters{
-    FixedTLV{7, 1, 148},   // gap from downlink to uplink, physical slots
-    FixedTLV{8, 1, 84},    // and back
-    FixedTLV{9, 2, 0xFFA6} // received power wanted for initial ranging, -90 dBm
-};
 constexpr std::array astDCDMobility{
     FixedTLV{31, 1, 6},    // dB, to add a station
     FixedTLV{32, 1, 10},   // and to give one up
     FixedTLV{50, 1, 0x80}, // handover alone
-    FixedTLV{51, 1, 4},    // hysteresis, dB
-    FixedTLV{52, 1, 100}   // time to trigger, ms
 };
 
 namespace UCDTLV {
@@ -78,34 +69,6 @@ constexpr std::array astUCDParameters{
     FixedTLV{2, 1, 8},                 // frames that a bandwidth request waits for its grant
     FixedTLV{153, 1, u32BackoffStart}, // periodic ranging
     FixedTLV{154, 1, u32BackoffEnd},
-};
-
-// What this modem can do; the station can do the same.
-constexpr std::array astCapabilities{
-    FixedTLV{1, 1, 0x02},       // full frequency division: not
-    FixedTLV{2, 2, 0x3232},     // transition gaps, 50 microseconds
-    FixedTLV{4, 1, 0x03},       // piggybacked requests, 3-bit fragment numbers
-    FixedTLV{3, 4, 0xD7D7D3CF}, // greatest powers for BPSK, QPSK, 16-QAM, 64-QAM
-    FixedTLV{26, 1, 0x4B},      // power saving classes
-    FixedTLV{150, 1, 0x18},     // 512 and 1024 carriers
-    FixedTLV{151, 1, 0x05},     // demodulator: 64-QAM, turbo codes
-    FixedTLV{152, 1, 0x05},     // modulator: the same
-    FixedTLV{154, 1, 0x01},     // permutations
-    FixedTLV{160, 1, 0x03},     // measurements
-};
-// PKM version 2, EAP at the first entry, CMAC.
-constexpr uint32_t u32SecurityNegotiation = 25;
-constexpr std::array astSecurityNegotiation{FixedTLV{1, 1, 0x02}, FixedTLV{2, 1, 0x02},
-                                            FixedTLV{3, 1, 0x02}};
-
-constexpr std::array astRegistration{
-    FixedTLV{2, 1, 0},    // no secondary management
-    FixedTLV{4, 1, 0x01}, // IP version 4
-    FixedTLV{6, 2, 8},    // uplink CIDs
-    FixedTLV{15, 2, 8},   // downlink CIDs
-    FixedTLV{10, 1, 0},   // ARQ
-    FixedTLV{27, 1, 1},   // handover
-    FixedTLV{31, 1, 0x07} // mobility: handover, sleep, idle
 };
 
 namespace RNGREQTLV {
@@ -146,6 +109,7 @@ enum : uint32_t {
     ErrorCode = 16,
     SecurityCapabilities = 19,
     CryptoSuite = 20,
+    CryptoSuites = 21,
     SADescriptor = 23,
     SAType = 24,
     SecurityNegotiation = 25,
@@ -171,6 +135,16 @@ BitWriter U64(uint64_t u64Value) {
     return stBytes;
 }
 
+// One for each code that maps name, from the most robust on.
+template <typename Put> void ForEachProfile(Put pfnPut) {
+    std::for_each(astBurstProfiles.rbegin(), astBurstProfiles.rend(),
+                  [&](const BurstProfile &stProfile) {
+                      if (stProfile.u32Repeats == 0) {
+                          pfnPut(stProfile);
+                      }
+                  });
+}
+
 uint32_t Clamped(double fValue, double fLeast, double fMost) {
     return Rounded(std::clamp(fValue, fLeast, fMost));
 }
@@ -186,23 +160,38 @@ ByteView ViewOf(const std::array<uint8_t, 6> &aucBytes) {
     return {aucBytes.data(), static_cast<uint32_t>(aucBytes.size())};
 }
 
-BitWriter DCDBody(const Station &stStation) {
+namespace {
+
+// Whole dB, and milliseconds in a byte: stations with a longer one do not announce it.
+void PutHandoverMargin(BitWriter &stBody, const HandoverMargin &stMargin) {
+    const ModemTime iMilliseconds = stMargin.iTimeToTrigger / i64Millisecond;
+    stBody.TLV(DCDTLV::Hysteresis, 1, Clamped(stMargin.fHysteresis, 0, UINT8_MAX));
+    if (iMilliseconds <= UINT8_MAX) {
+        stBody.TLV(DCDTLV::TimeToTrigger, 1, static_cast<uint32_t>(iMilliseconds));
+    }
+}
+
+} // namespace
+
+BitWriter DCDBody(const Station &stStation, const HandoverMargin &stMargin) {
     BitWriter stBody;
     stBody.U8(0).U8(stStation.u32DCDChangeCount);
-    stBody.TLV(DCDTLV::EIRP, 2, iStationEIRP);
-    Put(stBody, astDCDParameters);
-    stBody.TLV(DCDTLV::Frequency, 4, stStation.u32Frequency);
-    stBody.TLV(DCDTLV::BSID, ViewOf(stStation.aucBSID));
+    const FrameLayout stLayout = LayoutOf(stStation.u32Bandwidth);
+    stBody.TLV(DCDTLV::EIRP, 2, iStationPower)
+        .TLV(DCDTLV::TransmitGap, 2, stLayout.u32TransmitGap)
+        .TLV(DCDTLV::ReceiveGap, 1, stLayout.u32ReceiveGap)
+        .TLV(DCDTLV::WantedPower, 2, static_cast<uint32_t>(iWantedPower))
+        .TLV(DCDTLV::Frequency, 4, stStation.u32Frequency)
+        .TLV(DCDTLV::BSID, ViewOf(stStation.aucBSID));
     Put(stBody, astDCDMobility);
+    PutHandoverMargin(stBody, stMargin);
     stBody.TLV(DCDTLV::PagingGroups, 2, u32PagingGroup);
     stBody.TLV(DCDTLV::MACVersion, 1, u32MACVersion);
-    for (uint32_t i = 0; i < au32BurstProfiles.size(); ++i) {
+    ForEachProfile([&](const BurstProfile &stOne) {
         BitWriter stProfile;
-        stProfile
-            .U8(i) // the DIUC
-            .TLV(BurstTLV::FEC, 1, au32BurstProfiles[i]);
-        stBody.TLV(BurstTLV::Profile, stProfile);
-    }
+        stProfile.U8(stOne.DIUC()).TLV(DCDTLV::FEC, 1, stOne.u32FEC);
+        stBody.TLV(DCDTLV::Profile, stProfile);
+    });
     return stBody;
 }
 
@@ -219,14 +208,13 @@ BitWriter UCDBody(const Station &stStation) {
         .TLV(UCDTLV::FirstCode, 1, RangingCodes::Initial.u32First)
         .TLV(UCDTLV::HandoverCodes, 1, RangingCodes::Handover.u32Count)
         .TLV(UCDTLV::PermutationBase, 1, stStation.u32CellID & 0x7F);
-    for (uint32_t i = 0; i < au32BurstProfiles.size(); ++i) {
+    ForEachProfile([&](const BurstProfile &stOne) {
         BitWriter stProfile;
-        stProfile
-            .U8(i + 1) // the UIUC
-            .TLV(UCDTLV::FEC, 1, au32BurstProfiles[i])
+        stProfile.U8(stOne.UIUC())
+            .TLV(UCDTLV::FEC, 1, stOne.u32FEC)
             .TLV(UCDTLV::RangingDataRatio, 1, 0);
         stBody.TLV(UCDTLV::Profile, stProfile);
-    }
+    });
     return stBody;
 }
 
@@ -256,27 +244,41 @@ BitWriter NBRADVBody(const Station &stStation, std::span<const Station *const> a
     return stBody;
 }
 
-BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame) {
+BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame, const BurstProfile &stProfile) {
+    constexpr uint32_t u32First = 1; // the symbol behind the preamble
+    constexpr uint32_t u32Broadcast = 4;
+    const FrameLayout stLayout = LayoutOf(stStation.u32Bandwidth);
     BitWriter stBody;
     stBody.U8(u32FrameDurationCode).U24(u32Frame);
     stBody.U8(stStation.u32DCDChangeCount);
     stBody.Bytes(ViewOf(stStation.aucBSID));
-    stBody.U8(u32DownlinkSymbols);
-    // A burst with the broadcast messages, one with the rest: DIUC, symbol offset,
-    // subchannel offset, boosting, symbols, subchannels, repetition.
-    stBody.Bits(0, 4).Bits(1, 8).Bits(0, 6).Bits(0, 3).Bits(4, 7).Bits(10, 6).Bits(1, 2);
-    stBody.Bits(2, 4).Bits(5, 8).Bits(0, 6).Bits(0, 3).Bits(24, 7).Bits(30, 6).Bits(0, 2);
+    stBody.U8(stLayout.u32DownlinkSymbols);
+    const auto PutBurst = [&](const BurstProfile &stOf, uint32_t u32Offset, uint32_t u32Symbols,
+                              uint32_t u32SubChannels) {
+        stBody.Bits(stOf.DIUC(), 4).Bits(u32Offset, 8).Bits(0, 6); // from the first subchannel
+        stBody.Bits(0, 3);                                         // not louder than the rest
+        stBody.Bits(u32Symbols, 7).Bits(u32SubChannels, 6).Bits(stOf.u32Repeats, 2);
+    };
+    // A burst with the broadcast messages, said twice for the edge of the cell; one with the rest,
+    // in the slots of two symbols that are left.
+    const uint32_t u32Rest = (stLayout.u32DownlinkSymbols - u32First - u32Broadcast) / 2 * 2;
+    PutBurst(ProfileAt(3), u32First, u32Broadcast, 10);
+    PutBurst(stProfile, u32First + u32Broadcast, u32Rest, stLayout.u32DownlinkSubChannels);
     return stBody.Pad();
 }
 
 BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants) {
     constexpr uint32_t u32RangingRegion = 12;
     constexpr uint32_t u32CDMAAllocation = 14;
-    constexpr uint32_t u32AllocationStart = 0x2A80; // physical slots behind the frame's start
+    constexpr uint32_t u32DataSlots = 10;
+    const FrameLayout stLayout = LayoutOf(stStation.u32Bandwidth);
     BitWriter stBody;
-    stBody.U8(0).U8(stStation.u32DCDChangeCount).U32(u32AllocationStart).U8(u32UplinkSymbols);
-    if (stGrants.u32BasicCID) {
-        stBody.U16(*stGrants.u32BasicCID).Bits(3, 4).Bits(10, 10).Bits(0, 2);
+    stBody.U8(0).U8(stStation.u32DCDChangeCount);
+    stBody.U32(stLayout.UplinkStart()).U8(stLayout.u32UplinkSymbols);
+    if (stGrants.stData) {
+        const BurstProfile &stProfile = stGrants.stData->stProfile;
+        stBody.U16(stGrants.stData->u32BasicCID).Bits(stProfile.UIUC(), 4);
+        stBody.Bits(u32DataSlots, 10).Bits(stProfile.u32Repeats, 2);
     }
     // Symbol offset, subchannel offset, symbols, subchannels, method, dedicated.
     for (const uint32_t u32Method : {0U, 2U}) { // initial; bandwidth requests and periodic
@@ -339,14 +341,6 @@ BitWriter RNGRSPBody(RangingPurpose ePurpose, RangingStatus eStatus, const MACAd
     return stBody;
 }
 
-BitWriter SBCBody() {
-    BitWriter stSecurity;
-    Put(stSecurity, astSecurityNegotiation);
-    BitWriter stBody;
-    Put(stBody, astCapabilities);
-    return stBody.TLV(u32SecurityNegotiation, stSecurity);
-}
-
 BitWriter PKMBody(uint32_t u32Code, uint32_t u32Identifier, const KeyExchange &stKeys,
                   uint32_t u32Frame, ByteView stEAP) {
     using namespace PKMAttribute;
@@ -361,11 +355,7 @@ BitWriter PKMBody(uint32_t u32Code, uint32_t u32Identifier, const KeyExchange &s
             .TLV(KeySequence, 1, u32AKSequence)
             .TLV(AKID, U64(stKeys.u64AKID));
     };
-    const auto PutNegotiation = [&] {
-        BitWriter stSecurity;
-        Put(stSecurity, astSecurityNegotiation);
-        stBody.TLV(SecurityNegotiation, stSecurity);
-    };
+    const auto PutNegotiation = [&] { PutSecurityNegotiation(stBody, SecurityNegotiation); };
     const auto PutSAID = [&] {
         stBody.TLV(KeySequence, 1, u32AKSequence).TLV(SAID, 2, u32PrimarySAID);
     };
@@ -379,8 +369,11 @@ BitWriter PKMBody(uint32_t u32Code, uint32_t u32Identifier, const KeyExchange &s
         break;
     case PKMCode::SATEKRequest: {
         PutSATEK(true);
-        BitWriter stCapabilities; // one suite, without the list around it that analysers trip over
-        PutSuite(stCapabilities);
+        // The list of suites has one entry.
+        BitWriter stSuites;
+        PutSuite(stSuites);
+        BitWriter stCapabilities;
+        stCapabilities.TLV(CryptoSuites, stSuites);
         stBody.TLV(SecurityCapabilities, stCapabilities);
         PutNegotiation();
         break;
@@ -456,21 +449,6 @@ BitWriter EAPPacket(EAP::Code eCode, uint32_t u32Identifier, EAP::Step eStep, ui
     BitWriter stPacket;
     stPacket.U8(eCode).U8(u32Identifier).U16(4 + stData.View().u32Length).Bytes(stData.View());
     return stPacket;
-}
-
-BitWriter REGREQBody() {
-    BitWriter stBody;
-    Put(stBody, astRegistration);
-    return stBody;
-}
-
-BitWriter REGRSPBody(bool bAccepted) {
-    BitWriter stBody;
-    stBody.U8(bAccepted ? 0 : 1);
-    if (bAccepted) {
-        Put(stBody, astRegistration);
-    }
-    return stBody;
 }
 
 namespace {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "air/BitWriter.h"
+#include "air/PhysicalLayer.h"
 #include "air/Radio.h"
 
 namespace MessageCode {
@@ -87,17 +88,20 @@ struct RangingSignal {
 };
 
 // A station's two descriptors and its list of neighbours.
-BitWriter DCDBody(const Station &stStation);
+BitWriter DCDBody(const Station &stStation, const HandoverMargin &stMargin);
 BitWriter UCDBody(const Station &stStation);
 BitWriter NBRADVBody(const Station &stStation, std::span<const Station *const> apstNeighbours);
-inline constexpr int32_t iStationEIRP = 43; // dBm, as the DCD says
 
-// The maps of a frame.
+// The maps of a frame: a downlink burst of the profile, and what the uplink is granted for.
+struct DataGrant {
+    uint32_t u32BasicCID; // of this modem
+    BurstProfile stProfile;
+};
 struct Grants {
     std::optional<RangingSignal> stCDMA; // an allocation in answer to a ranging code
-    std::optional<uint32_t> u32BasicCID; // a data burst for this modem
+    std::optional<DataGrant> stData;
 };
-BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame);
+BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame, const BurstProfile &stProfile);
 BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants);
 
 // Ranging.
@@ -116,9 +120,6 @@ BitWriter RNGRSPBody(const RangingSignal &stSignal, const Corrections &stCorrect
 // In answer to a RNG-REQ; u32Optimisation says which steps of the entry are left out.
 BitWriter RNGRSPBody(RangingPurpose ePurpose, RangingStatus eStatus, const MACAddressBytes &aucMAC,
                      uint32_t u32BasicCID, uint32_t u32PrimaryCID);
-
-// Basic capabilities: what the modem can do, and what the station makes of it.
-BitWriter SBCBody();
 
 // Keys. The identifier ties answers to requests.
 namespace PKMCode {
@@ -150,10 +151,6 @@ enum Step : uint32_t { Identity, Challenge, Result };
 } // namespace EAP
 // u64Secret makes the challenge's and its answer's values differ from one to the next.
 BitWriter EAPPacket(EAP::Code eCode, uint32_t u32Identifier, EAP::Step eStep, uint64_t u64Secret);
-
-// Registration.
-BitWriter REGREQBody();
-BitWriter REGRSPBody(bool bAccepted);
 
 // The modem goes: for good, into idle mode on its own account, or as it was told to.
 enum DeregistrationRequest : uint32_t { Deregister = 0, GoIdle = 1, GoesAsTold = 2 };

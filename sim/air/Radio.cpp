@@ -52,25 +52,6 @@ uint32_t Station::NAPID() const {
            aucBSID[2];
 }
 
-const BurstProfile &ProfileAt(double fCINR) {
-    static constexpr std::array astProfiles{
-        BurstProfile{24, 21, 20},   // 64-QAM 5/6
-        BurstProfile{21, 20, 19},   // 64-QAM 3/4
-        BurstProfile{19, 19, 18},   // 64-QAM 2/3
-        BurstProfile{17, 18, 17},   // 64-QAM 1/2
-        BurstProfile{14, 17, 16},   // 16-QAM 3/4
-        BurstProfile{11, 16, 15},   // 16-QAM 1/2
-        BurstProfile{8, 15, 14},    // QPSK 3/4
-        BurstProfile{5, 13, 10},    // QPSK 1/2, and with repetitions of 2, 4 and 6
-        BurstProfile{3, 13, 11},    //
-        BurstProfile{0, 13, 12},    //
-        BurstProfile{-1000, 13, 13} //
-    };
-    return *std::find_if(
-        astProfiles.begin(), astProfiles.end() - 1,
-        [fCINR](const BurstProfile &stProfile) { return fCINR >= stProfile.fCINR; });
-}
-
 uint32_t Rounded(double fValue) { return static_cast<uint32_t>(std::lround(fValue)); }
 
 Radio::Radio(const Section &stRoot, uint64_t u64Seed) : m_u64Seed(SeedFor(u64Seed, "radio")) {
@@ -78,6 +59,9 @@ Radio::Radio(const Section &stRoot, uint64_t u64Seed) : m_u64Seed(SeedFor(u64See
     m_fSensitivity = stRadio.Number("sensitivity", -200, 100, -97);
     m_fEntryRSSI = stRadio.Number("entry-rssi", -200, 100, -88);
     m_fEntryCINR = stRadio.Number("entry-cinr", -100, 100, 3);
+    const Section stHandover = stRoot.Table("handover");
+    m_stMargin = {stHandover.Number("hysteresis", 0, 200, 6),
+                  stHandover.Seconds("time-to-trigger", 0, 1000, 1)};
     const std::vector<NSP> astNSPs = ReadNSPs(stRoot);
     for (const Section &stSection : stRoot.Tables("station")) {
         m_astStations.push_back(Read(stSection, astNSPs));

@@ -62,18 +62,16 @@ constexpr double fQuarters = 4;
 // To the nearest whole number, as the messages carry it.
 uint32_t Rounded(double fValue);
 
-// Modulation and coding, turbo codes only: from which CINR on it carries the traffic, the
-// air interface's code for it, and its counter in groups of counters by modulation.
-struct BurstProfile {
-    double fCINR; // dB, at least
-    uint32_t u32FEC;
-    uint32_t u32Counter;
+// So much better than the serving station a neighbour has to be, and for so long, to be worth a
+// handover: stations announce it, the modem acts and reports by it.
+struct HandoverMargin {
+    double fHysteresis; // dB
+    ModemTime iTimeToTrigger;
 };
-const BurstProfile &ProfileAt(double fCINR);
 
 class Radio {
   public:
-    // Reads [radio], [[nsp]] and [[station]].
+    // Reads [radio], [[nsp]] and [[station]], and the margin of [handover].
     Radio(const Section &stRoot, uint64_t u64Seed);
 
     // The stations, in the order of the scenario. They stay where they are.
@@ -90,6 +88,8 @@ class Radio {
     // SyncUpRequest::AnyPreamble. Null when there is none.
     Station *Strongest(uint32_t u32Frequency, uint32_t u32Bandwidth, uint32_t u32Preamble,
                        ModemTime iNow);
+
+    const HandoverMargin &Margin() const { return m_stMargin; }
 
     // Weakens a station by fLoss dB more (stronger when negative) in the course of
     // iDuration.
@@ -111,6 +111,7 @@ class Radio {
     double m_fSensitivity;
     double m_fEntryRSSI;
     double m_fEntryCINR;
+    HandoverMargin m_stMargin{};
     double m_fTransmitGain = 0; // dB
     std::deque<Station> m_astStations;
 };

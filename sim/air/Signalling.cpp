@@ -6,6 +6,7 @@
 
 #include "LinkRecords.h"
 #include "ServiceFlowRecord.h"
+#include "air/PhysicalLayer.h"
 
 namespace {
 
@@ -17,11 +18,8 @@ enum Stage : uint32_t { Ranging, Capabilities, Authentication, Registration, Tra
 // CIDs: basic ones up to this one, then as many primary ones, then transport.
 constexpr uint32_t u32BasicCIDs = 511;
 
-constexpr double fWantedPower = -90; // dBm, at the station
-constexpr double fLeastPower = -40;
-constexpr double fMostPower = 23;
-constexpr auto iLeastPower = static_cast<int32_t>(fLeastPower * fQuarters);
-constexpr auto iMostPower = static_cast<int32_t>(fMostPower * fQuarters);
+constexpr auto iLowest = static_cast<int32_t>(iLeastPower * fQuarters);
+constexpr auto iHighest = static_cast<int32_t>(iMostPower * fQuarters);
 // So far the station's corrections may take the modem from its own measurement.
 constexpr int32_t iMostCorrection = 32; // quarter dB
 
@@ -53,6 +51,9 @@ Signalling::Signalling(const Section &stRoot, uint64_t u64Seed, Scheduler &stClo
     m_iRangingPeriod = ReadPeriod("ranging-period", 2);
     m_iReportPeriod = ReadPeriod("report-period", 10);
     m_fCMACFailures = stSettings.Number("cmac-failures", 0, 0.9, 0);
+    m_stLimits = {static_cast<uint32_t>(
+                      stRoot.Table("service-flows").Integer("most-flows", 0, u32ModemFlows, 16)),
+                  static_cast<uint32_t>(stRoot.Tables("service-flow").size())};
 }
 
 void Signalling::Start() {
@@ -162,12 +163,9 @@ void Signalling::Follow(const LinkChange &stChange) {
     }
     const Station *pstServing = m_stAt.pstServing;
     if (stChange.eBefore == Synchronising && stChange.eAfter == Synchronised) {
-        Later([this, pstServing] {
-            Say(MessageCode::DLMAP, bDown, WellKnownCID::Broadcast,
-                DLMAPBody(*pstServing, Frame()));
-        });
+        Later([this, pstServing] { SayDLMAP(*pstServing); });
         SayLater(MessageCode::DCD, bDown, WellKnownCID::FragmentableBroadcast,
-                 DCDBody(*pstServing));
+                 DCDBody(*pstServing, m_stAir.Margin()));
         SayLater(MessageCode::UCD, bDown, WellKnownCID::FragmentableBroadcast,
                  UCDBody(*pstServing));
         SayLater(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast, ULMAPBody(*pstServing, {}));
@@ -245,7 +243,7 @@ void Signalling::BeginStage(uint32_t u32Stage) {
         Range(*m_stAt.pstServing, RangingPurpose::Entry);
         break;
     case Capabilities:
-        SayLater(MessageCode::SBCREQ, bUp, m_u32BasicCID, SBCBody());
+        SayLater(MessageCode::SBCREQ, bUp, m_u32BasicCID, SBCREQBody());
         break;
     case Authentication:
         Authenticate();
@@ -272,13 +270,14 @@ void Signalling::FinishStage(uint32_t u32Stage) {
         Later([this] { AnswerRNGREQ(RangingPurpose::Entry); });
         break;
     case Capabilities:
-        SayLater(MessageCode::SBCRSP, bDown, m_u32BasicCID, SBCBody());
+        SayLater(MessageCode::SBCRSP, bDown, m_u32BasicCID, SBCRSPBody(*m_stAt.pstServing));
         break;
     case Authentication:
         SayKeyExchange();
         break;
     case Registration:
-        SayLater(MessageCode::REGRSP, bDown, m_u32PrimaryCID, REGRSPBody(true), Protection::Tuple);
+        SayLater(MessageCode::REGRSP, bDown, m_u32PrimaryCID, REGRSPBody(true, m_stLimits),
+                 Protection::Tuple);
         break;
     case TrafficKeys:
         Later([this] {
@@ -311,7 +310,8 @@ void Signalling::FailStage(uint32_t u32Reason) {
         });
         break;
     case LinkReason::RegistrationFailure:
-        SayLater(MessageCode::REGRSP, bDown, m_u32PrimaryCID, REGRSPBody(false), Protection::Tuple);
+        SayLater(MessageCode::REGRSP, bDown, m_u32PrimaryCID, REGRSPBody(false, m_stLimits),
+                 Protection::Tuple);
         break;
     case LinkReason::SATEKFailure:
         Later([this] { SayPKM(bDown, PKMCode::KeyReject, Protection::Attribute); });
@@ -375,8 +375,8 @@ void Signalling::AnswerCode(RangingStatus eStatus) {
     };
     Corrections stCorrections{Error(4 * u32Spread), Error(u32Spread), Error(30 * u32Spread)};
     const int32_t iPower = std::clamp(m_iPower + stCorrections.iPower,
-                                      std::max(iLeastPower, m_iOpenLoopPower - iMostCorrection),
-                                      std::min(iMostPower, m_iOpenLoopPower + iMostCorrection));
+                                      std::max(iLowest, m_iOpenLoopPower - iMostCorrection),
+                                      std::min(iHighest, m_iOpenLoopPower + iMostCorrection));
     stCorrections.iPower = iPower - m_iPower;
     Say(MessageCode::RNGRSP, bDown, WellKnownCID::InitialRanging,
         RNGRSPBody(m_stSignal, stCorrections, eStatus));
@@ -390,12 +390,11 @@ void Signalling::AnswerCode(RangingStatus eStatus) {
 
 void Signalling::AdjustOpenLoop(const Station &stStation) {
     const double fRSSI = m_stAir.Measure(stStation, m_stClock.Now()).fRSSI;
-    const double fPathLoss = iStationEIRP - fRSSI;
-    const double fPower =
-        std::clamp(fWantedPower + fPathLoss - m_stAir.TransmitGain(), fLeastPower, fMostPower);
+    const double fPathLoss = iStationPower - fRSSI;
+    const double fPower = std::clamp<double>(iWantedPower + fPathLoss - m_stAir.TransmitGain(),
+                                             iLeastPower, iMostPower);
     const auto iWanted = static_cast<int32_t>(std::lround(fPower * fQuarters));
-    const int32_t iPower =
-        std::clamp(m_iPower + iWanted - m_iOpenLoopPower, iLeastPower, iMostPower);
+    const int32_t iPower = std::clamp(m_iPower + iWanted - m_iOpenLoopPower, iLowest, iHighest);
     const int32_t iAdjustment = iPower - m_iPower;
     m_iOpenLoopPower = iWanted;
     if (iAdjustment == 0) {
@@ -535,17 +534,27 @@ void Signalling::Broadcast(Timer &stTimer, ModemTime iPeriod, void (Signalling::
 
 void Signalling::SayMaps() {
     const Station &stStation = *m_stAt.pstServing;
-    Say(MessageCode::DLMAP, bDown, WellKnownCID::Broadcast, DLMAPBody(stStation, Frame()));
+    SayDLMAP(*m_stAt.pstServing);
     Grants stGrants;
     if (m_stAt.eState == LinkUp) {
-        stGrants.u32BasicCID = m_u32BasicCID;
+        stGrants.stData = {m_u32BasicCID, ProfileAt(CINROf(stStation) - fUplinkLoss)};
     }
     Say(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast, ULMAPBody(stStation, stGrants));
 }
 
+void Signalling::SayDLMAP(const Station &stStation) {
+    Say(MessageCode::DLMAP, bDown, WellKnownCID::Broadcast,
+        DLMAPBody(stStation, Frame(), ProfileAt(CINROf(stStation))));
+}
+
+double Signalling::CINROf(const Station &stStation) const {
+    return m_stAir.Measure(stStation, m_stClock.Now()).fCINR;
+}
+
 void Signalling::SayDescriptors() {
     const Station &stStation = *m_stAt.pstServing;
-    Say(MessageCode::DCD, bDown, WellKnownCID::FragmentableBroadcast, DCDBody(stStation));
+    Say(MessageCode::DCD, bDown, WellKnownCID::FragmentableBroadcast,
+        DCDBody(stStation, m_stAir.Margin()));
     Say(MessageCode::UCD, bDown, WellKnownCID::FragmentableBroadcast, UCDBody(stStation));
 }
 

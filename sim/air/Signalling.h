@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "air/Attachment.h"
+#include "air/Capabilities.h"
 #include "air/ManagementMessages.h"
 #include "scenario/Options.h"
 #include "time/Random.h"
@@ -49,7 +50,7 @@ struct Connection {
 
 class Signalling {
   public:
-    // Reads [signalling].
+    // Reads [signalling], and how many service flows the network has.
     Signalling(const Section &stRoot, uint64_t u64Seed, Scheduler &stClock, Radio &stAir,
                const Attachment &stAt, const Options &stOptions, const MACAddressBytes &aucAddress);
     // Takes on the state at start.
@@ -78,6 +79,7 @@ class Signalling {
     const std::vector<Connection> &Connections() const { return m_astConnections; }
     // The uplink that user packets take while there is no service flow for them.
     uint32_t DefaultUplinkCID() const { return m_u32PrimaryCID + u32FirstTransport; }
+    const FlowLimits &Limits() const { return m_stLimits; }
     int32_t Power() const { return m_iPower; } // quarter dBm
 
     // ---- For the parts of the modem that talk to the station ----
@@ -153,6 +155,8 @@ class Signalling {
 
     void Broadcast(Timer &stTimer, ModemTime iPeriod, void (Signalling::*pfnSay)());
     void SayMaps();
+    void SayDLMAP(const Station &stStation);
+    double CINROf(const Station &stStation) const;
     void SayDescriptors();
     void SayNeighbours();
     void SayPaging();
@@ -171,6 +175,7 @@ class Signalling {
     ModemTime m_iRangingPeriod;
     ModemTime m_iReportPeriod;
     double m_fCMACFailures;
+    FlowLimits m_stLimits{};
     Random m_stRandom;
     std::vector<std::function<void(const ManagementMessage &)>> m_apfnOnMessage;
     std::vector<std::function<void(RangingKind, const RangingSignal &)>> m_apfnOnRanging;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "air/PhysicalLayer.h"
 #include "host/HostSubsystems.h"
 #include "host/MIBStore.h"
 #include "link/Link.h"
@@ -17,9 +18,6 @@ using Bytes = MIBStore::Bytes;
 using CounterGroup = std::array<uint32_t, MIBCounterGroup::Count>;
 
 constexpr ModemTime i64Sampling = i64Second;
-
-// The uplink gets through with so much less than the downlink.
-constexpr double fUplinkLoss = 6; // dB
 
 // A zone's counters: by matrix or pilot pattern, in the order of the records.
 enum Pattern : uint32_t { PatternA, PatternB, NoPattern, Patterns };
@@ -56,8 +54,6 @@ void PutGroups(ByteSpan stTo, uint32_t u32Offset,
 
 // Numbers of 1/65536, as the measured list carries them: without a sign.
 uint32_t Sixteenth(double fValue) { return Rounded(std::max(fValue, 0.0) * 65536); }
-
-constexpr double fTriggerMargin = 3; // dB
 
 // The counters of lost messages, in the order of the attribute.
 enum DropCounter : uint32_t {
@@ -459,13 +455,13 @@ uint8_t MIBStatistics::Trigger(bool bSameFrequency) const {
     const auto RSSI = [this](const Station &stStation) {
         return m_stModem.Air().Measure(stStation, m_stModem.Now()).fRSSI;
     };
+    const double fMargin = m_stModem.Air().Margin().fHysteresis;
     uint32_t u32Trigger = MIBTriggerStatus::NoMeasurements;
     for (const Station *pstStation : Neighbours(UINT32_MAX)) {
         if ((pstStation->u32Frequency == stServing.u32Frequency) == bSameFrequency &&
             u32Trigger != MIBTriggerStatus::Passed) {
-            u32Trigger = RSSI(*pstStation) > RSSI(stServing) + fTriggerMargin
-                             ? MIBTriggerStatus::Passed
-                             : MIBTriggerStatus::Failed;
+            u32Trigger = RSSI(*pstStation) > RSSI(stServing) + fMargin ? MIBTriggerStatus::Passed
+                                                                       : MIBTriggerStatus::Failed;
         }
     }
     return static_cast<uint8_t>(u32Trigger);

@@ -267,7 +267,6 @@ class ServiceFlows : public Subsystem {
     ModemTime m_iTransactionTime;
     ModemTime m_iProvisioningTime;
     uint64_t m_au64Capacity[2]; // by direction, bits a second
-    uint32_t m_u32MostFlows;
     std::vector<ProvisionedFlow> m_astProvisioned;
 
     std::deque<Flow> m_astFlows;
@@ -276,11 +275,6 @@ class ServiceFlows : public Subsystem {
     uint32_t m_u32Life = 0; // counts resets
     Timer m_stProvisioning;
 };
-
-// The list of flows must fit into one message.
-constexpr uint32_t u32MostFlows =
-    (WIMAX_DATA_SIZE - MIBRecord::aucValue - MIBActiveSFIDs::astEntries) /
-    MIBActiveSFIDs::EntrySize;
 
 constexpr ScenarioWord astDirections[] = {{"downlink", ServiceFlowRecord::Downlink},
                                           {"uplink", ServiceFlowRecord::Uplink}};
@@ -297,7 +291,6 @@ ServiceFlows::ServiceFlows(Modem &stModem) : m_stModem(stModem), m_stProvisionin
     };
     m_au64Capacity[ServiceFlowRecord::Downlink] = ReadCapacity("downlink-capacity", 20000000);
     m_au64Capacity[ServiceFlowRecord::Uplink] = ReadCapacity("uplink-capacity", 5000000);
-    m_u32MostFlows = static_cast<uint32_t>(stSettings.Integer("most-flows", 0, u32MostFlows, 16));
     m_iTransactionTime = stSettings.Seconds("transaction-time", 0, 1000, 0.1);
     m_iProvisioningTime = stSettings.Seconds("provisioning-time", 0, 1000, 0.05);
     for (const Section &stSection : stModem.Root().Tables("service-flow")) {
@@ -444,7 +437,7 @@ Confirmation ServiceFlows::Admit(const Flow &stFlow) const {
             u64Taken += stOther.u32Direction == stFlow.u32Direction ? Demand(stOther) : 0;
         }
     }
-    if (u32Others >= m_u32MostFlows) {
+    if (u32Others >= m_stModem.TheSignalling().Limits().u32Most) {
         return TooManyFlows;
     }
     const uint64_t u64Demand = Demand(stFlow);

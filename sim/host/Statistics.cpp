@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "StationRecords.h"
+#include "air/PhysicalLayer.h"
 #include "air/Signalling.h"
 #include "host/HostSubsystems.h"
 #include "link/Link.h"

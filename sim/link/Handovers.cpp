@@ -33,8 +33,6 @@ class Handovers : public Subsystem {
 
     Modem &m_stModem;
     Link &m_stLink;
-    double m_fHysteresis;     // dB
-    ModemTime m_iTrigger;     // so long the other station has to be better
     ModemTime m_iLookPeriod;  // 0: only events bring handovers about
     ModemTime m_iTime;        // of a handover without ranging failures
     ModemTime m_iRangingTime; // of each further attempt
@@ -58,8 +56,6 @@ Handovers::Handovers(Modem &stModem)
     : m_stModem(stModem), m_stLink(stModem.TheLink()), m_stRandom(stModem.RandomFor("handover")),
       m_stLook(stModem.Clock()), m_stStep(stModem.Clock()) {
     const Section stSettings = stModem.Settings("handover");
-    m_fHysteresis = stSettings.Number("hysteresis", 0, 200, 6);
-    m_iTrigger = stSettings.Seconds("time-to-trigger", 0, 1000, 1);
     m_iLookPeriod = stSettings.Seconds("look-period", 0, 1000, 0.5);
     m_iTime = stSettings.Seconds("time", 0, 1000, 0.05);
     m_iRangingTime = stSettings.Seconds("ranging-time", 0, 1000, 0.02);
@@ -114,7 +110,8 @@ void Handovers::Look() {
         m_pstCandidate = pstBetter;
         m_iCandidateSince = m_stModem.Now();
     }
-    if (pstBetter != nullptr && m_stModem.Now() - m_iCandidateSince >= m_iTrigger) {
+    const ModemTime iTrigger = m_stModem.Air().Margin().iTimeToTrigger;
+    if (pstBetter != nullptr && m_stModem.Now() - m_iCandidateSince >= iTrigger) {
         Begin(*pstBetter, {});
     }
 }
@@ -123,7 +120,7 @@ Station *Handovers::Better() const {
     const ModemTime iNow = m_stModem.Now();
     const Station *pstServing = m_stLink.Serving();
     Radio &stAir = m_stModem.Air();
-    double fLeast = stAir.Measure(*pstServing, iNow).fRSSI + m_fHysteresis;
+    double fLeast = stAir.Measure(*pstServing, iNow).fRSSI + stAir.Margin().fHysteresis;
     Station *pstBetter = nullptr;
     for (Station &stStation : stAir.Stations()) {
         const auto pstBarred = m_aiBarredUntil.find(&stStation);

@@ -87,7 +87,7 @@ class Capture {
 };
 
 // A modem whose traced messages go into a capture, and one line each to standard output:
-// frame number, direction, code, CID, CMAC result.
+// frame number, direction, code, CID, CMAC result, first byte of the body.
 class TracedModem {
   public:
     TracedModem(const std::string &strScenario, Capture &stCapture)
@@ -130,8 +130,9 @@ class TracedModem {
         const uint32_t u32Code = Get(stRecord, TraceRecord::u32Code);
         m_stCapture.Add(m_stModem.Now(), u32Code,
                         stRecord.From(aucBody, Get(stRecord, s32BodyLength)));
-        std::printf("%u %u %u %u %u\n", Get(stRecord, u32FrameNumber), Get(stRecord, u8Direction),
-                    u32Code, Get(stRecord, u32CID), Get(stRecord, u8CMACResult));
+        std::printf("%u %u %u %u %u %u\n", Get(stRecord, u32FrameNumber),
+                    Get(stRecord, u8Direction), u32Code, Get(stRecord, u32CID),
+                    Get(stRecord, u8CMACResult), stRecord.At(aucBody));
     }
 
     WholeModem m_stModem;

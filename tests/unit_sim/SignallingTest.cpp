@@ -92,13 +92,13 @@ TEST(Trace, MapsSayTheFrameAndTheStation) {
                        "[trace]\non = true\n[signalling]\nmap-period = 0.1\n");
     stBench.RunUntil(0.15);
     // Frame 20 of 5 ms; the DL-MAP on the broadcast CID with the frame's duration and number,
-    // the DCD's count, the BS ID, 29 symbols and two bursts; the UL-MAP with the two regions
-    // for ranging.
+    // the DCD's count, the BS ID, 29 symbols and two bursts, the second one in the profile of 28
+    // dB; the UL-MAP from slot 8648 on, 18 symbols, with the two regions for ranging.
     EXPECT_EQ(stBench.TimedMessages(),
               Told({"0.10 21/1: 00 14 00 00 00 02 00 00 00 15 00 00 00 FF FF 00 00 00 "
-                    "04 00 00 14 05 00 12 0A 01 02 03 1D 00 10 00 42 92 05 00 18 78",
+                    "04 00 00 14 05 00 12 0A 01 02 03 1D 00 10 00 42 97 05 00 18 78",
                     "0.10 21/1: 00 14 00 00 00 03 00 00 00 14 00 00 00 FF FF 00 00 00 "
-                    "00 05 00 00 2A 80 12 FF FF C0 00 00 83 0F FF FC 02 00 04 34"}));
+                    "00 05 00 00 21 C8 12 FF FF C0 00 00 83 0F FF FC 02 00 04 34"}));
 }
 
 TEST(Trace, AScenarioSetsTheRate) {
