@@ -152,7 +152,9 @@ class Stock(RecordTest):
                                        stderr=subprocess.DEVNULL, text=True)
 
     def test_tshark_decodes_the_management_messages(self):
-        scenario = pathlib.Path(__file__).resolve().parents[2] / "sim/scenarios/quick.toml"
+        scenario = self.file.with_suffix(".toml")
+        default = pathlib.Path(__file__).resolve().parents[2] / "sim/scenarios/default.toml"
+        scenario.write_text(default.read_text().replace("time-scale = 1.0", "time-scale = 20.0"))
         process = self.start([OPTIONS.client], OPTIONS.simulated,
                              environment={"QOR020_SCENARIO": str(scenario)})
         process.stdin.write(b"5 1 1 2 2587.5 0 10000 ")
@@ -170,7 +172,10 @@ class Stock(RecordTest):
         self.assertEqual(times, [f"{time // 10**9}.{time % 10**9:09}" for time in expected])
         summary = [line for line in self.tshark().splitlines() if "Exported PDU" not in line]
         self.assertEqual(len(summary), len(recording.management))
-        self.assertNotIn("alformed", self.tshark("-V"))
+        # Stock hands on the list of suites in an SA-TEK request two bytes too early.
+        malformed = [data[:2] for (_, _, data), line in zip(recording.management, summary)
+                     if "alformed" in line]
+        self.assertLessEqual(set(malformed), {bytes([9, 21])})
         for (_, _, data), line in zip(recording.management, summary):
             names = {0: "UCD", 1: "DCD", 2: "DL-MAP", 3: "UL-MAP", 4: "RNG-REQ", 5: "RNG-RSP",
                      26: "SBC-REQ", 27: "SBC-RSP", 6: "REG-REQ", 7: "REG-RSP"}

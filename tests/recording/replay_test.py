@@ -243,7 +243,7 @@ class Differences(ReplayTest):
         recording.send(self.sync_up(10000), messages=[ENABLED])
         output, errors = self.play(recording.end(), self.words(7000) + " -1")
         self.assertEqual(errors, DIFFERS + (
-            "event 6, qor020.sync_up_request.bandwidth\n"
+            "event 6, qor020.sync_up.bandwidth\n"
             "  recorded: SendWiMAXMessage 1 68 2/1 | 6c 7b 27 00 10 27 00 00 ff 00*55\n"
             "  now:      SendWiMAXMessage 1 68 2/1 | 6c 7b 27 00 58 1b 00 00 ff 00*55\n"
         ))
