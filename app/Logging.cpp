@@ -215,7 +215,7 @@ uint32_t LogIndication(const WiMAXMessage *pstMessage) {
     }
     PutLine("\n~~~~~~ LOGGER INDICATION RECEIVED ~~~~~~");
     PutLogger(stReceived.u32SubType, stReceived.stPayload.From(LogRecord::aucData),
-              static_cast<uint16_t>(Get(stReceived.stPayload, LogRecord::u16Length)));
+              static_cast<uint16_t>(Get(stReceived.stPayload, LogRecord::s16Length)));
     PutLine("\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~");
     return 1;
 }

@@ -251,10 +251,10 @@ constexpr Field PlaceOf(uint32_t u32Offset) {
         .stName = NAME, .stField = PlaceOf(PLACE), .pcMeaning = MEANING __VA_OPT__(, ) __VA_ARGS__ \
     }
 #define RESERVED(OFFSET, SIZE)                                                                     \
-    FieldRow { .stField = PlaceOf(OFFSET), .u16Count = SIZE, .eShown = Shown::Bytes }
+    FieldRow { .stField = PlaceOf(OFFSET), .u16Count = (SIZE), .eShown = Shown::Bytes }
 // A layout of the record of that name, whose size stands there.
 #define LAYOUT(RECORD, ROWS)                                                                       \
-    Layout { #RECORD, ROWS, RECORD::Size }
+    Layout { #RECORD, (ROWS), RECORD::Size }
 #define CODE(RECORD, NAME)                                                                         \
     CodeRow { RECORD::NAME, #NAME }
 

@@ -4,16 +4,16 @@
 
 #include "Catalogue.h"
 
-namespace {
+// Records lie in records, and the calls follow them. NOLINTBEGIN(misc-no-recursion)
 
-// A list (1625) of zones in a value in a record of a list of records.
-constexpr uint32_t u32MostNested = 6;
+namespace {
 
 struct Walker {
     Walk eWalk;
     Visit pfnVisit;
     void *pvContext;
-    std::array<PathStep, u32MostNested> astPath = {};
+    // A counter group in a zone in a value in a record of a list, and room.
+    std::array<PathStep, 6> astPath = {};
     uint32_t u32Depth = 0;
 };
 
@@ -82,11 +82,8 @@ void Tell(const Walker &stWalker, FoundField stFound) {
 void WalkRecord(Walker &stWalker, const Layout &stLayout, const Place &stPlace);
 
 void WalkNested(Walker &stWalker, FoundField stFound, const Layout &stLayout) {
-    if (stWalker.u32Depth == u32MostNested) {
-        return;
-    }
     const Place stPlace{stFound.stBytes, stFound.u32Offset, stFound.eGuard};
-    stWalker.astPath[stWalker.u32Depth++] = {stFound.pstRow, &stLayout, stFound.u32Index};
+    stWalker.astPath.at(stWalker.u32Depth++) = {stFound.pstRow, &stLayout, stFound.u32Index};
     stFound.eWhat = Found::RecordBegin;
     Tell(stWalker, stFound);
     WalkRecord(stWalker, stLayout, stPlace);
@@ -291,3 +288,5 @@ FilterName FilterNameOf(const MessageRow &stMessage, std::span<const PathStep> a
     Append(stName, stRow.stName.Plain());
     return stName;
 }
+
+// NOLINTEND(misc-no-recursion)

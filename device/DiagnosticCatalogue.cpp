@@ -83,13 +83,12 @@ constexpr Layout stCQICHLogEntry = LAYOUT(CQICHLogEntry, astCQICHLogEntry);
 // A log whose entries have that layout.
 template <const Layout &stEntry>
 constexpr FieldRow astLog[] = {
-    FIELD(LogRecord, u16Length,
-          "length of the log in bytes; from 0x8000 on it counts as negative: no entries"),
+    FIELD(LogRecord, s16Length, "length of the log in bytes; a negative one stands for no entries"),
     {.stName = "astEntries",
      .stField = PlaceOf(LogRecord::aucData),
      .pcMeaning = "entries",
      .u16Count = 0,
-     .stCounter = LogRecord::u16Length,
+     .stCounter = LogRecord::s16Length,
      .bCountsBytes = true,
      .pstRecord = &stEntry},
 };

@@ -31,12 +31,12 @@ inline constexpr uint32_t Enabled = 1;
 inline constexpr uint32_t u32MACLogSize = 1500;
 inline constexpr uint32_t u32PHYLogSize = 200;
 
-// Type 8, indication. The length counts the bytes of the log; from 0x8000 on it
-// is negative and stands for no entries.
+// Type 8, indication. The length counts the bytes of the log; a negative one
+// stands for no entries.
 namespace LogRecord {
-inline constexpr Field u16Length{0, FieldType::U16};
+inline constexpr Field s16Length{0, FieldType::I16};
 inline constexpr uint32_t aucData = 2;
-static_assert(EndOf(u16Length) == aucData);
+static_assert(EndOf(s16Length) == aucData);
 } // namespace LogRecord
 
 namespace RangingLogEntry {

@@ -7,6 +7,7 @@
 #include "Catalogue.h"
 #include "Dice.h"
 #include "Steps.h"
+#include "Vocabulary.h"
 
 extern "C" size_t LLVMFuzzerMutate(uint8_t *pucBytes, size_t uCount, size_t uMost);
 
@@ -63,12 +64,18 @@ size_t WriteSteps(const Steps &astSteps, uint8_t *pucBytes, size_t uMost) {
     return aucAll.size();
 }
 
+// Attributes with values of their own, and others.
+uint32_t AnyAttribute(Dice &stDice) {
+    const FieldRow &stValue = FindReceived(TYPE_MIB, SUBTYPE_MIB_GET)->pstLayout->astRows.back();
+    return stDice.OneIn(2) ? stDice.Of(stValue.astCases).u32Code : stDice.Of(Attributes());
+}
+
 uint32_t AnyNumber(Dice &stDice) {
     switch (stDice.Roll(4)) {
     case 0:
         return stDice.Roll(256);
     case 1:
-        return stDice.Of(Attributes());
+        return AnyAttribute(stDice);
     default:
         return stDice.Of(Numbers());
     }
@@ -92,7 +99,7 @@ std::string AnyWord(Dice &stDice) {
     case 2:
         return {static_cast<char>(stDice.Roll(256))};
     case 3:
-        return std::to_string(stDice.Of(Attributes()));
+        return std::to_string(AnyAttribute(stDice));
     default:
         return stDice.Of(Words());
     }
@@ -147,29 +154,95 @@ void MutateTyped(Bytes *paucText, Dice &stDice) {
 
 // ---- Messages ----
 
-const MessageForm *FormOf(ByteView stMessage) {
-    for (const MessageForm &stForm : MessageForms()) {
-        if (stForm.u16Type == Get(stMessage, MessageHeader::usType) &&
-            stForm.u16SubType == Get(stMessage, MessageHeader::usSubType)) {
-            return &stForm;
-        }
-    }
-    return nullptr;
+// The message that the bytes are, of either direction; null when they are none.
+const MessageRow *RowOf(ByteView stMessage, Dice &stDice) {
+    const uint32_t u32Type = Get(stMessage, MessageHeader::usType);
+    const uint32_t u32SubType = Get(stMessage, MessageHeader::usSubType);
+    const MessageRow *pstReceived = FindReceived(u32Type, u32SubType);
+    const MessageRow *pstSent = FindSent(u32Type, u32SubType);
+    return pstSent == nullptr || (pstReceived != nullptr && stDice.OneIn(2)) ? pstReceived
+                                                                             : pstSent;
 }
 
-void Decide(Bytes *paucBytes, uint32_t u32Payload, const MessageForm &stForm, Dice &stDice) {
-    const Field stField = stForm.astDeciding[stDice.Roll(std::size(stForm.astDeciding))];
-    if (stField.eType != FieldType::None) {
-        PutNumber(paucBytes, u32Payload, stField, AnyNumber(stDice));
+bool Same(Field stFirst, Field stSecond) {
+    return stFirst.u16Offset == stSecond.u16Offset && stFirst.eType == stSecond.eType;
+}
+
+// A number of a message that can be changed, and what it decides.
+struct Target {
+    Field stField;
+    const FieldRow *pstRow = nullptr;
+    const FieldRow *pstDecided = nullptr; // the field that it counts or chooses the case of
+};
+
+Target TargetOf(const FoundField &stFound, const Layout &stMessageLayout) {
+    const Layout &stLayout =
+        stFound.astPath.empty() ? stMessageLayout : *stFound.astPath.back().pstLayout;
+    Target stTarget{{static_cast<uint16_t>(stFound.u32Offset), stFound.pstRow->stField.eType},
+                    stFound.pstRow};
+    for (const FieldRow &stRow : stLayout.astRows) {
+        if (Same(stRow.stCounter, stFound.pstRow->stField) ||
+            (!stRow.astCases.empty() && Same(stRow.stSelector, stFound.pstRow->stField))) {
+            stTarget.pstDecided = &stRow;
+        }
     }
+    return stTarget;
+}
+
+// A number of the message, most likely one that decides how others are read.
+Target AnyTarget(ByteView stPayload, const MessageRow &stMessage, Dice &stDice) {
+    Target stChosen;
+    uint32_t u32Seen = 0;
+    WalkMessage(stMessage, stPayload, [&](const FoundField &stFound) {
+        if (stFound.eWhat != Found::Field || IsRun(*stFound.pstRow)) {
+            return;
+        }
+        const Target stTarget = TargetOf(stFound, *stMessage.pstLayout);
+        const bool bDecides = stTarget.pstDecided != nullptr || !stTarget.pstRow->astCodes.empty();
+        const uint32_t u32Weight = bDecides ? 16 : 1;
+        u32Seen += u32Weight;
+        if (stDice.Roll(u32Seen) < u32Weight) {
+            stChosen = stTarget;
+        }
+    });
+    return stChosen;
+}
+
+uint32_t AnyValueFor(const Target &stTarget, Dice &stDice) {
+    if (stTarget.pstDecided != nullptr && !stTarget.pstDecided->astCases.empty()) {
+        return stDice.OneIn(4) ? AnyNumber(stDice)
+                               : stDice.Of(stTarget.pstDecided->astCases).u32Code;
+    }
+    if (!stTarget.pstRow->astCodes.empty() && !stDice.OneIn(4)) {
+        return stDice.Of(stTarget.pstRow->astCodes).u32Code;
+    }
+    return AnyNumber(stDice);
+}
+
+void Decide(Bytes *paucBytes, uint32_t u32Payload, const MessageRow &stMessage, Dice &stDice) {
+    const ByteView stPayload = ViewOf(*paucBytes).From(u32Payload, WIMAX_DATA_SIZE);
+    const Target stTarget = AnyTarget(stPayload, stMessage, stDice);
+    if (stTarget.pstRow != nullptr) {
+        PutNumber(paucBytes, u32Payload, stTarget.stField, AnyValueFor(stTarget, stDice));
+    }
+}
+
+// Type and subtype of a row; now and then some that there may be none for.
+void PutKind(Bytes *paucBytes, uint32_t u32Begin, const MessageRow &stMessage, Dice &stDice) {
+    const bool bAny = stDice.OneIn(32);
+    PutNumber(paucBytes, u32Begin, MessageHeader::usType,
+              bAny ? stDice.Roll(40) : stMessage.u16Type);
+    PutNumber(paucBytes, u32Begin, MessageHeader::usSubType,
+              bAny ? stDice.Roll(12) : stMessage.u16SubType);
 }
 
 // A message in the form of a row: with its header, behind u32Before bytes.
 void AppendMessage(Bytes *paucBytes, Dice &stDice) {
-    const MessageForm &stForm = stDice.Of(MessageForms());
+    const MessageRow &stMessage = stDice.Of(Messages());
     const auto u32Begin = static_cast<uint32_t>(paucBytes->size());
-    const uint32_t u32Size =
-        stForm.u16Size < 1000 || stDice.OneIn(8) ? stForm.u16Size : stDice.Roll(300);
+    const auto [u32Least, u32Most, bAsCounted] = stMessage.stSize;
+    const uint32_t u32Whole = u32Least + (u32Most != u32Least ? stDice.Roll(100) : 0);
+    const uint32_t u32Size = u32Whole < 1000 || stDice.OneIn(8) ? u32Whole : stDice.Roll(300);
     paucBytes->resize(u32Begin + MessageHeader::Size + u32Size);
     const uint32_t u32Fill = stDice.Roll(4);
     for (auto Byte = paucBytes->begin() + u32Begin; Byte != paucBytes->end(); ++Byte) {
@@ -178,23 +251,19 @@ void AppendMessage(Bytes *paucBytes, Dice &stDice) {
                                      : u32Fill == 2 ? 0xFFU
                                                     : stDice.Roll(256));
     }
-    Put(SpanOf(*paucBytes), MessageHeader::usType, stForm.u16Type, u32Begin);
-    Put(SpanOf(*paucBytes), MessageHeader::usSubType, stForm.u16SubType, u32Begin);
+    PutKind(paucBytes, u32Begin, stMessage, stDice);
     for (uint32_t i = stDice.Roll(8); i < 8; ++i) {
-        Decide(paucBytes, u32Begin + MessageHeader::Size, stForm, stDice);
+        Decide(paucBytes, u32Begin + MessageHeader::Size, stMessage, stDice);
     }
 }
 
 void MutateMessage(Bytes *paucBytes, uint32_t u32Begin, Dice &stDice) {
     const uint32_t u32Payload = u32Begin + MessageHeader::Size;
-    const MessageForm *pstForm = FormOf(ViewOf(*paucBytes).From(u32Begin));
+    const MessageRow *pstMessage = RowOf(ViewOf(*paucBytes).From(u32Begin), stDice);
     switch (stDice.Roll(6)) {
-    case 0: { // another kind of message in the same bytes
-        const MessageForm &stForm = stDice.Of(MessageForms());
-        PutNumber(paucBytes, u32Begin, MessageHeader::usType, stForm.u16Type);
-        PutNumber(paucBytes, u32Begin, MessageHeader::usSubType, stForm.u16SubType);
+    case 0: // another kind of message in the same bytes
+        PutKind(paucBytes, u32Begin, stDice.Of(Messages()), stDice);
         break;
-    }
     case 1: // another length
         paucBytes->resize(stDice.OneIn(4)
                               ? stDice.Roll(u32Payload + 1)
@@ -210,8 +279,8 @@ void MutateMessage(Bytes *paucBytes, uint32_t u32Begin, Dice &stDice) {
         }
         break;
     default:
-        if (pstForm != nullptr) {
-            Decide(paucBytes, u32Payload, *pstForm, stDice);
+        if (pstMessage != nullptr) {
+            Decide(paucBytes, u32Payload, *pstMessage, stDice);
         }
     }
 }

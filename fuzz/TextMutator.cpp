@@ -4,8 +4,8 @@
 #include <string_view>
 #include <vector>
 
-#include "Catalogue.h"
 #include "Dice.h"
+#include "Vocabulary.h"
 
 extern "C" size_t LLVMFuzzerMutate(uint8_t *pucBytes, size_t uCount, size_t uMost);
 

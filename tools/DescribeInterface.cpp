@@ -7,9 +7,9 @@
 // --check nothing is written; a page that would change is an error, as is a
 // layout or a message that no page has a table of.
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <set>
 #include <sstream>
@@ -32,6 +32,7 @@ struct Description {
     std::set<const MessageRow *> astMessagesDone;
 };
 
+// Records lie in records. NOLINTNEXTLINE(misc-no-recursion)
 void Collect(const Layout &stLayout, std::set<const Layout *> *pastLayouts) {
     pastLayouts->insert(&stLayout);
     for (const FieldRow &stRow : stLayout.astRows) {
@@ -208,7 +209,7 @@ std::string Rewritten(const std::filesystem::path &Page, const std::string &strO
             const std::string strTable =
                 TableFor(strLine.substr(strOpening.size()), pstDescription);
             if (strTable.empty()) {
-                std::fprintf(stderr, "%s: no such table: %s\n", Page.c_str(), strLine.c_str());
+                std::cerr << Page.string() << ": no such table: " << strLine << "\n";
                 *pbWrong = true;
             }
             strNew += strTable;
@@ -231,10 +232,10 @@ void DescribePage(const std::filesystem::path &Page, bool bCheck, Description *p
         return;
     }
     if (bCheck) {
-        std::fprintf(stderr, "%s: differs from the catalogue\n", Page.c_str());
+        std::cerr << Page.string() << ": differs from the catalogue\n";
         *pbWrong = true;
     } else if (!(std::ofstream(Page) << strNew)) {
-        std::fprintf(stderr, "%s: cannot be written\n", Page.c_str());
+        std::cerr << Page.string() << ": cannot be written\n";
         *pbWrong = true;
     }
 }
@@ -242,13 +243,13 @@ void DescribePage(const std::filesystem::path &Page, bool bCheck, Description *p
 void ReportMissing(const Description &stDescription, bool *pbWrong) {
     for (const Layout *pstLayout : stDescription.astLayouts) {
         if (!stDescription.astDone.contains(pstLayout)) {
-            std::fprintf(stderr, "no page has the layout %s\n", pstLayout->stName.pcOwn);
+            std::cerr << "no page has the layout " << pstLayout->stName.pcOwn << "\n";
             *pbWrong = true;
         }
     }
     for (const MessageRow &stMessage : Messages()) {
         if (!stDescription.astMessagesDone.contains(&stMessage)) {
-            std::fprintf(stderr, "no page has the message %s\n", stMessage.stName.pcOwn);
+            std::cerr << "no page has the message " << stMessage.stName.pcOwn << "\n";
             *pbWrong = true;
         }
     }
@@ -259,7 +260,7 @@ void ReportMissing(const Description &stDescription, bool *pbWrong) {
 int main(int iCount, char **ppcArguments) {
     const bool bCheck = iCount == 3 && std::string_view(ppcArguments[1]) == "--check";
     if (iCount != 2 && !bCheck) {
-        std::fprintf(stderr, "usage: %s [--check] DIRECTORY\n", ppcArguments[0]);
+        std::cerr << "usage: " << ppcArguments[0] << " [--check] DIRECTORY\n";
         return 2;
     }
     Description stDescription = WholeInterface();

@@ -248,7 +248,7 @@ void Loggers::Report(uint32_t u32Kind) {
     const auto u32Length = static_cast<uint32_t>(aucData.size());
     std::vector<uint8_t> aucIndication(LogRecord::aucData + u32Length);
     const ByteSpan stTo{aucIndication.data(), LogRecord::aucData + u32Length};
-    Put(stTo, LogRecord::u16Length, u32Length);
+    Put(stTo, LogRecord::s16Length, u32Length);
     PutBytes(stTo, LogRecord::aucData, {aucData.data(), u32Length});
     aucData.clear();
     m_stModem.Tell(TYPE_START_LOGGER, u32Kind, stTo);

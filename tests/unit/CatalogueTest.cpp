@@ -172,6 +172,126 @@ TEST(Catalogue, ANegativeLengthIsNone) {
                                                        "qor020.traced_message.body @18 = \n");
 }
 
+TEST(Catalogue, ALogHasTheWholeEntriesOfItsLength) {
+    const Payload stPayload("10:2 | 38:4 12:4 99:4");
+    EXPECT_EQ(WalkOf(*FindReceived(8, 8), stPayload), "qor020.cqich_log.length @0 = 10\n"
+                                                      "qor020.cqich_log.entries [2 of 2\n"
+                                                      "{ 0\n"
+                                                      "qor020.cqich_log.entries.value @2 = 38\n"
+                                                      "}\n"
+                                                      "{ 1\n"
+                                                      "qor020.cqich_log.entries.value @6 = 12\n"
+                                                      "}\n"
+                                                      "]\n");
+}
+
+// A record of a list is as long as its own value.
+TEST(Catalogue, RecordsOfAListMayDiffer) {
+    const Payload stPayload("2:2 | 7:4 01 8:4 0:4 00*8 0:4 05 00 | 1633:4 00 0:4 0:4 00*8 3:4 00 "
+                            "01 02 03");
+    EXPECT_EQ(WalkOf(*FindReceived(24, 4), stPayload),
+              "qor020.multiple_mib_get.count @0 = 2\n"
+              "qor020.multiple_mib_get.records [2 of 2\n"
+              "{ 0\n"
+              "qor020.multiple_mib_get.records.attribute_id @2 = 7\n"
+              "qor020.multiple_mib_get.records.key_count @6 = 1\n"
+              "qor020.multiple_mib_get.records.key1 @7 = 8\n"
+              "qor020.multiple_mib_get.records.key2 @11 = 0\n"
+              "qor020.multiple_mib_get.records.data_length @23 = 0\n"
+              "qor020.multiple_mib_get.records.status @27 = 5\n"
+              "qor020.multiple_mib_get.records.value @28 = \n"
+              "}\n"
+              "{ 1\n"
+              "qor020.multiple_mib_get.records.attribute_id @29 = 1633\n"
+              "qor020.multiple_mib_get.records.key_count @33 = 0\n"
+              "qor020.multiple_mib_get.records.key1 @34 = 0\n"
+              "qor020.multiple_mib_get.records.key2 @38 = 0\n"
+              "qor020.multiple_mib_get.records.data_length @50 = 3\n"
+              "qor020.multiple_mib_get.records.status @54 = 0\n"
+              "{ 0\n"
+              "qor020.multiple_mib_get.records.trigger_status.serving_bs @55 = 1\n"
+              "qor020.multiple_mib_get.records.trigger_status.intra_fa @56 = 2\n"
+              "qor020.multiple_mib_get.records.trigger_status.inter_fa @57 = 3\n"
+              "}\n"
+              "}\n"
+              "]\n");
+    EXPECT_TRUE(HasRightSize(*FindReceived(24, 4), stPayload));
+}
+
+TEST(Catalogue, ARegisterCallHasItsBytes) {
+    const Payload stPayload("00 10 00 0f | 4:4 | 78 56 34 12");
+    EXPECT_EQ(WalkOf(RegisterRead(), stPayload), "qor020.register_read.address @0 = 251662336\n"
+                                                 "qor020.register_read.count @4 = 4\n"
+                                                 "qor020.register_read.value @8 = 78563412\n");
+    EXPECT_EQ(WalkOf(RegisterWrite(), Payload("00 10 00 0f | 4:4")),
+              "qor020.register_write.address @0 = 251662336\n"
+              "qor020.register_write.count @4 = 4\n");
+}
+
+TEST(Catalogue, MessagesAreFoundByTheirWay) {
+    EXPECT_EQ(FindSent(2, 1)->stName.Plain(), "sync_up");
+    EXPECT_EQ(FindReceived(2, 1)->stName.Plain(), "sync_status");
+    EXPECT_EQ(FindWrittenBack(16, 3)->stName.Plain(), "modem_status");
+    EXPECT_EQ(FindWrittenBack(2, 1), nullptr);
+    EXPECT_EQ(FindReceived(31, 4711)->stName.Plain(), "phy_log_data");
+    EXPECT_EQ(FindReceived(2, 3), nullptr);
+    EXPECT_EQ(FindReceived(2, 0x10001), nullptr);
+    EXPECT_EQ(FindSent(0, 0), nullptr);
+    EXPECT_EQ(FindSent(999, 1), nullptr);
+}
+
+TEST(Catalogue, CodesHaveNames) {
+    const FieldRow &stStatus = FindReceived(2, 1)->pstLayout->astRows.front();
+    EXPECT_EQ(NameOf(stStatus, 13), "wait_for_network_entry_command");
+    EXPECT_EQ(NameOf(stStatus, 4711), "");
+    EXPECT_EQ(NameOf(FindReceived(2, 1)->pstLayout->astRows.back(), 0), "");
+}
+
+TEST(Catalogue, SizesAreThoseOfTheRule) {
+    EXPECT_TRUE(HasRightSize(*FindSent(2, 2), Payload("00*4")));
+    EXPECT_FALSE(HasRightSize(*FindSent(2, 2), Payload("00*3")));
+    EXPECT_FALSE(HasRightSize(*FindSent(2, 2), Payload("00*5")));
+    EXPECT_TRUE(HasRightSize(*FindReceived(1, 1), Payload("1:4 1:4 00*36")));
+    EXPECT_FALSE(HasRightSize(*FindReceived(1, 1), Payload("1:4 1:4 00*35")));
+    EXPECT_FALSE(HasRightSize(*FindReceived(1, 1), Payload("0:4 1:4 00*36")));
+    // More than anything can be.
+    EXPECT_FALSE(HasRightSize(*FindReceived(1, 1), Payload("ff ff ff ff 1:4 00*36")));
+}
+
+// The guards of the bytes of a message, one letter each.
+std::string GuardsOf(const MessageRow &stMessage, ByteView stPayload) {
+    std::string strGuards(stPayload.u32Length, '?');
+    WalkMessage(
+        stMessage, stPayload,
+        [&](const FoundField &stFound) {
+            if (stFound.eWhat == Found::Field) {
+                strGuards.replace(stFound.u32Offset, stFound.stBytes.u32Length,
+                                  stFound.stBytes.u32Length,
+                                  "pis"[static_cast<uint8_t>(stFound.eGuard)]);
+            }
+        },
+        Walk::Everything);
+    return strGuards;
+}
+
+TEST(Catalogue, WhatSaysWhoSomebodyIsAndWhatIsSecretIsGuarded) {
+    EXPECT_EQ(GuardsOf(*FindSent(11, 1), Payload("00 1a 2b 3c 4d 5e")), "iiiiii");
+    // A security parameter, and what lies behind it.
+    EXPECT_EQ(GuardsOf(*FindReceived(34, 2), Payload("3:4 2:4 00 | 01 02 03")), "pppppppppsss");
+    EXPECT_EQ(GuardsOf(*FindReceived(34, 3), Payload("3:4 2:4 00")), "ppppppppp");
+    // A ranging message has an address, a key message keys, a descriptor neither.
+    EXPECT_EQ(GuardsOf(*FindReceived(21, 1), Payload("00 0:4 4:4 2:4 0:4 00 | 04 05")),
+              "ppppppppppppppppppii");
+    EXPECT_EQ(GuardsOf(*FindReceived(21, 1), Payload("00 0:4 9:4 2:4 0:4 00 | 09 05")),
+              "ppppppppppppppppppss");
+    EXPECT_EQ(GuardsOf(*FindReceived(21, 1), Payload("00 0:4 1:4 2:4 0:4 00 | 01 05")),
+              "pppppppppppppppppppp");
+    // EAP-SIM: an IMEI behind the head; of other methods all may be one.
+    EXPECT_EQ(GuardsOf(*FindReceived(4, 5), Payload("01 01 00 00 00 | 11 22")), "pppppii");
+    EXPECT_EQ(GuardsOf(*FindReceived(4, 5), Payload("07 01 00 00 00 | 11 22")), "pppppii");
+    EXPECT_EQ(GuardsOf(*FindWrittenBack(34, 4), Payload("00*4 11 22")), "ppppii");
+}
+
 TEST(Catalogue, AWalkThroughEverythingLeavesNoByteOut) {
     Bytes aucBytes(500);
     for (size_t i = 0; i < aucBytes.size(); ++i) {
