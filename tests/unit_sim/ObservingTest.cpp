@@ -9,8 +9,8 @@ namespace {
 
 const std::string strSync = "6C 7B 27 00 10 27 00 00 03 00 00 00 00*52";
 
-// A life with chance in it: levels that vary, digests and answers that fail, an inactivity
-// timer that is at its end when nobody asks for anything but to watch.
+// A life with chance in it: levels that vary, digests that fail, answers late and repeated, an
+// inactivity timer that is at its end when nobody asks for anything but to watch.
 const std::string strScenario = std::string("seed = 11\n") + pcFourStations + R"(
 variation = 3
 [[service-flow]]
@@ -26,7 +26,7 @@ report-period = 1.1
 [idle]
 inactivity-timer = 4
 [[fault]]
-kind = "corrupt"
+kind = "repeat"
 probability = 0.4
 [[fault]]
 kind = "delay"

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 
 #include "ModemBench.h"
 #include "TestScenarios.h"
@@ -182,6 +184,40 @@ TEST(Radio, ChanceIsSpreadAndKeptApartByPurpose) {
     EXPECT_EQ(stFirst.Below(0), 0U);
     // Sequences stay what they are, so that scenarios do.
     EXPECT_EQ(Random(20, "radio").Next(), UINT64_C(0x31BBC94806581EF5));
+}
+
+// Second, message and what it says: the first bytes of each.
+std::vector<std::string> WhatHappensIn(const std::string &strFile, const std::string &strSeed) {
+    std::ifstream stFile(std::string(SCENARIO_DIRECTORY "/") + strFile);
+    std::stringstream stText;
+    stText << stFile.rdbuf();
+    ModemBench stBench("seed = " + strSeed + "\n" + stText.str());
+    stBench.RunUntil(421);
+    std::vector<std::string> astrHappened;
+    for (const std::string &strTimed : stBench.TimedMessages()) {
+        const size_t uPoint = strTimed.find('.');
+        astrHappened.push_back(strTimed.substr(0, uPoint) + strTimed.substr(uPoint + 3, 20));
+    }
+    return astrHappened;
+}
+
+TEST(Scenario, TheCityDriveDrivesToItsEnd) {
+    for (const char *pcSeed : {"1", "2", "3", "4", "5", "6", "7", "8"}) {
+        std::vector<std::string> astrHappened = WhatHappensIn("city-drive.toml", pcSeed);
+        ASSERT_FALSE(astrHappened.empty());
+        // To the second cell, when the fading has made it the better one.
+        const std::string strHandover = astrHappened.front();
+        EXPECT_EQ(strHandover.substr(strHandover.find(' ')), " 23/1: 01 00 00 12 0") << pcSeed;
+        EXPECT_GE(std::stoi(strHandover), 30) << pcSeed;
+        EXPECT_LE(std::stoi(strHandover), 45) << pcSeed;
+        astrHappened.erase(astrHappened.begin());
+        // Into idle mode for 4096 s and out of it, the network's order (5), the loss (24).
+        EXPECT_EQ(astrHappened, (std::vector<std::string>{
+                                    "120 19/1: 00 10 00 00 0", "241 19/1: 00*5 12 0A 00",
+                                    "300 2/2: 08 00*36 05 00", "300 19/1: 00 10 00 00 0",
+                                    "331 19/1: 00*5 12 0A 00", "360 2/2: 18 00*44", "420 30/2:"}))
+            << pcSeed;
+    }
 }
 
 } // namespace
