@@ -90,15 +90,13 @@ constexpr TagList stKeys = {astKeyRows, Treatment::Replace};
 constexpr TagRow astRuleRows[] = {{4, 5, Treatment::ReplaceHalf}, {8, 9, Treatment::ReplaceHalf}};
 constexpr TagList stRule = {astRuleRows};
 constexpr TagRow astConvergenceRows[] = {
-    One(3, Treatment::Inside, &stRule),
-    One(6, Treatment::Replace), // headers that are suppressed
+    One(3, Treatment::Inside, &stRule), One(6, Treatment::Replace), // headers that are suppressed
 };
 constexpr TagList stConvergence = {astConvergenceRows};
 constexpr TagRow astFlowRows[] = {{100, 107, Treatment::Inside, &stConvergence}, stVendorRow};
 constexpr TagList stFlow = {astFlowRows};
 constexpr TagRow astServiceRows[] = {
-    stShortDigest,  stCMACDigest, stVendorRow, {145, 146, Treatment::Inside, &stFlow},
-    stHMACDigest,
+    stShortDigest, stCMACDigest, stVendorRow, {145, 146, Treatment::Inside, &stFlow}, stHMACDigest,
 };
 constexpr TagList stService = {astServiceRows};
 

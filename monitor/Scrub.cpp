@@ -16,8 +16,7 @@ template <typename Function> void ForEachLine(std::string_view strLines, Functio
     while (!strLines.empty()) {
         const std::string_view strLine = strLines.substr(0, strLines.find('\n'));
         const size_t uEqual = std::min(strLine.find('='), strLine.size());
-        fnLine(strLine.substr(0, uEqual),
-               strLine.substr(std::min(uEqual + 1, strLine.size())));
+        fnLine(strLine.substr(0, uEqual), strLine.substr(std::min(uEqual + 1, strLine.size())));
         strLines.remove_prefix(std::min(strLine.size() + 1, strLines.size()));
     }
 }

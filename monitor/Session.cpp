@@ -8,12 +8,14 @@ namespace {
 constexpr int64_t i64LongestLatency = int64_t{600} * 1'000'000'000;
 
 constexpr std::string_view astrEventNames[] = {
-    "none",           "session",      "open",
-    "open_result",    "register",     "register_result",
-    "send",           "send_result",  "message",
-    "message_done",   "read_memory",  "read_memory_result",
-    "write_memory",   "write_memory_result",
-    "close",          "close_result",
+    "none",         "session",
+    "open",         "open_result",
+    "register",     "register_result",
+    "send",         "send_result",
+    "message",      "message_done",
+    "read_memory",  "read_memory_result",
+    "write_memory", "write_memory_result",
+    "close",        "close_result",
 };
 static_assert(std::size(astrEventNames) == static_cast<size_t>(eLastEventKind) + 1);
 
@@ -72,8 +74,7 @@ void Session::FollowSend(const Event &stEvent, Entry *pstEntry) {
     if (!pstEntry->stCodes) {
         return;
     }
-    const MessageRow *pstRow =
-        FindSent(pstEntry->stCodes->u16Type, pstEntry->stCodes->u16SubType);
+    const MessageRow *pstRow = FindSent(pstEntry->stCodes->u16Type, pstEntry->stCodes->u16SubType);
     pstEntry->pstMessage = pstEntry->pstSubject = pstRow;
     pstEntry->stPayload = PayloadOf(stEvent);
     if (pstRow == nullptr || pstRow->u16AnswerSubType == 0) {
@@ -142,8 +143,8 @@ void Session::FollowResult(const Event &stEvent, Entry *pstEntry) {
 
 // A call of rdm or wrm, or its result, as the catalogue describes it.
 void Session::FollowMemory(const Event &stEvent, Entry *pstEntry) {
-    const bool bRead = stEvent.eKind == EventKind::ReadMemory ||
-                       stEvent.eKind == EventKind::ReadMemoryResult;
+    const bool bRead =
+        stEvent.eKind == EventKind::ReadMemory || stEvent.eKind == EventKind::ReadMemoryResult;
     pstEntry->pstSubject = bRead ? &RegisterRead() : &RegisterWrite();
     if (stEvent.eKind == EventKind::WriteMemoryResult) {
         return;

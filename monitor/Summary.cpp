@@ -73,7 +73,8 @@ std::string PerSecond(uint64_t u64Count, int64_t i64Span) {
     }
     char acText[64];
     const double dRate = static_cast<double>(u64Count) * 1e9 / static_cast<double>(i64Span);
-    return {acText, std::to_chars(acText, acText + sizeof acText, dRate, std::chars_format::fixed, 1).ptr};
+    return {acText,
+            std::to_chars(acText, acText + sizeof acText, dRate, std::chars_format::fixed, 1).ptr};
 }
 
 std::string NameOf(const MessageRow *pstRow, uint16_t u16Type, uint16_t u16SubType) {
@@ -150,7 +151,8 @@ void Summary::Add(const Entry &stEntry) {
 }
 
 void Summary::PutMessages(Writer &stWriter) const {
-    std::vector<TableLine> astLines = {{"messages", "number", "bytes", "a second", "bytes a second"}};
+    std::vector<TableLine> astLines = {
+        {"messages", "number", "bytes", "a second", "bytes a second"}};
     const int64_t i64Span = m_i64Last - m_i64First;
     const auto AddLine = [&](std::string strName, const Traffic &stTraffic) {
         astLines.push_back({std::move(strName), std::to_string(stTraffic.u64Messages),

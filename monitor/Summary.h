@@ -1,4 +1,5 @@
-// A session in figures: messages and rates by type, answer times, failed calls, unanswered requests.
+// A session in figures: messages and rates by type, answer times, failed calls, unanswered
+// requests.
 #ifndef MONITOR_SUMMARY_H
 #define MONITOR_SUMMARY_H
 
@@ -40,7 +41,7 @@ class Summary {
         uint64_t u64Failed = 0;
         Times stTimes;
     };
-    using TrafficKey = std::tuple<bool, uint16_t, uint16_t>; // sent, type, subtype
+    using TrafficKey = std::tuple<bool, uint16_t, uint16_t>;               // sent, type, subtype
     using FailureKey = std::tuple<EventKind, uint16_t, uint16_t, int32_t>; // with the result
 
     void PutMessages(Writer &stWriter) const;

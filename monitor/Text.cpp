@@ -73,8 +73,9 @@ void PutNameAndSize(Writer &stWriter, const Entry &stEntry) {
         stWriter.Put(", ");
         stWriter.PutNumber(stEvent.u32Length);
         stWriter.Put(" bytes");
-        if (stEntry.pstMessage != nullptr && !HasRightSize(*stEntry.pstMessage, stEntry.stPayload)) {
-            stWriter.Put(" (not its size)");
+        if (stEntry.pstMessage != nullptr &&
+            !HasRightSize(*stEntry.pstMessage, stEntry.stPayload)) {
+            stWriter.Put(" (wrong size)");
         }
     }
 }
@@ -128,7 +129,8 @@ void PutHead(Writer &stWriter, const TextStyle &stStyle, const Entry &stEntry) {
     stWriter.Put(" #");
     stWriter.PutNumber(stEvent.u32Number);
     stWriter.Put(' ');
-    if (stEvent.eKind == EventKind::Send || stEvent.eKind == EventKind::Message || stEntry.stCodes) {
+    if (stEvent.eKind == EventKind::Send || stEvent.eKind == EventKind::Message ||
+        stEntry.stCodes) {
         PutNameAndSize(stWriter, stEntry);
     } else {
         PutCall(stWriter, stEvent);

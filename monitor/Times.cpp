@@ -20,8 +20,8 @@ void PutTime(Writer &stWriter, int64_t i64Nanoseconds, char cBetween) {
         tm stTime{};
         (void)gmtime_r(&stSeconds, &stTime);
         uBetween = std::strftime(acText, sizeof acText, "%Y-%m-%d", &stTime);
-        uLength = uBetween + std::strftime(acText + uBetween, sizeof acText - uBetween,
-                                           " %H:%M:%S.", &stTime);
+        uLength = uBetween +
+                  std::strftime(acText + uBetween, sizeof acText - uBetween, " %H:%M:%S.", &stTime);
         i64Shown = i64Seconds;
     }
     acText[uBetween] = cBetween;
