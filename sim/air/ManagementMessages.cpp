@@ -1,6 +1,7 @@
 #include "air/ManagementMessages.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "MobilityRecords.h"
 #include "ServiceFlowRecord.h"
@@ -90,11 +91,18 @@ enum : uint32_t {
     BasicCID = 9,
     PrimaryCID = 10,
     Optimisation = 21,
+    Registration = 30, // what a REG-RSP would say
     Code = 150,
 };
 }
-// SBC, authentication, address, time of day, file transfer, state and REG are left out.
+namespace CIDUpdateTLV {
+enum : uint32_t { NewCID = 1, SFID = 2, Update = 24 };
+}
+// Left out are SBC, authentication, address, time of day, file transfer and REG, and the state is
+// kept. In another subnet the modem needs a new address instead.
 constexpr uint32_t u32FullOptimisation = 0x00FF;
+constexpr uint32_t u32AddressLeftOut = 0x0008;
+constexpr uint32_t u32AddressRefreshed = 0x2000;
 
 constexpr uint32_t u32AKSequence = 1;
 constexpr uint32_t u32PrimarySAID = 0x0100;
@@ -152,15 +160,38 @@ uint32_t Clamped(double fValue, double fLeast, double fMost) {
 // From -123 dBm on, as measurement reports carry it.
 uint32_t RSSICode(double fRSSI) { return Clamped(fRSSI + 123, 0, 83); }
 
+// The standard deviation of a level's power, as a level: with powers that move by fDeviation dB
+// it lies so far from the mean.
+double DeviationLevel(double fMean, double fDeviation) {
+    return fMean + 10 * std::log10(std::pow(10, fDeviation / 10) - 1);
+}
+
+// Levels in messages about mobility: in half dB with a sign, and in quarters from -103.75 dBm on.
+uint32_t MobilityCINR(double fCINR) {
+    return static_cast<uint32_t>(std::lround(std::clamp<double>(2 * fCINR, INT8_MIN, INT8_MAX)));
+}
+uint32_t MobilityRSSI(double fRSSI) { return Clamped(4 * (fRSSI + 103.75), 0, UINT8_MAX); }
+
 } // namespace
 
 uint32_t CINRCode(double fCINR) { return Clamped(fCINR + 10, 0, 63); }
+
+uint32_t Optimisation(const Station &stFormer, const Station &stTarget) {
+    return stFormer.u32IPSubnet == stTarget.u32IPSubnet
+               ? u32FullOptimisation
+               : (u32FullOptimisation & ~u32AddressLeftOut) | u32AddressRefreshed;
+}
 
 ByteView ViewOf(const std::array<uint8_t, 6> &aucBytes) {
     return {aucBytes.data(), static_cast<uint32_t>(aucBytes.size())};
 }
 
 namespace {
+
+void PutGaps(BitWriter &stBody, const FrameLayout &stLayout) {
+    stBody.TLV(DCDTLV::TransmitGap, 2, stLayout.u32TransmitGap)
+        .TLV(DCDTLV::ReceiveGap, 1, stLayout.u32ReceiveGap);
+}
 
 // Whole dB, and milliseconds in a byte: stations with a longer one do not announce it.
 void PutHandoverMargin(BitWriter &stBody, const HandoverMargin &stMargin) {
@@ -176,11 +207,9 @@ void PutHandoverMargin(BitWriter &stBody, const HandoverMargin &stMargin) {
 BitWriter DCDBody(const Station &stStation, const HandoverMargin &stMargin) {
     BitWriter stBody;
     stBody.U8(0).U8(stStation.u32DCDChangeCount);
-    const FrameLayout stLayout = LayoutOf(stStation.u32Bandwidth);
-    stBody.TLV(DCDTLV::EIRP, 2, iStationPower)
-        .TLV(DCDTLV::TransmitGap, 2, stLayout.u32TransmitGap)
-        .TLV(DCDTLV::ReceiveGap, 1, stLayout.u32ReceiveGap)
-        .TLV(DCDTLV::WantedPower, 2, static_cast<uint32_t>(iWantedPower))
+    stBody.TLV(DCDTLV::EIRP, 2, iStationPower);
+    PutGaps(stBody, LayoutOf(stStation.u32Bandwidth));
+    stBody.TLV(DCDTLV::WantedPower, 2, static_cast<uint32_t>(iWantedPower))
         .TLV(DCDTLV::Frequency, 4, stStation.u32Frequency)
         .TLV(DCDTLV::BSID, ViewOf(stStation.aucBSID));
     Put(stBody, astDCDMobility);
@@ -218,27 +247,58 @@ BitWriter UCDBody(const Station &stStation) {
     return stBody;
 }
 
+namespace {
+
+// Bandwidth, transform, guard interval and frame.
+uint32_t PHYModeOf(const Station &stStation) {
+    constexpr uint32_t u32BandwidthUnit = 125; // kHz
+    constexpr uint32_t u32Eighth = 1;          // of a symbol
+    const uint32_t u32Carriers = LayoutOf(stStation.u32Bandwidth).u32Carriers;
+    const uint32_t u32Transform = u32Carriers == 1024 ? 1 : u32Carriers == 512 ? 2 : 3;
+    return stStation.u32Bandwidth / u32BandwidthUnit << 9 | u32Transform << 6 | u32Eighth << 4 |
+           u32FrameDurationCode;
+}
+
+// What of a neighbour's descriptors differs from the station's own.
+void PutDifferences(BitWriter &stEntry, const Station &stStation, const Station &stNeighbour) {
+    enum : uint32_t { DCDSettings = 1, UCDSettings = 2, PHYMode = 3 };
+    const bool bSameBandwidth = stNeighbour.u32Bandwidth == stStation.u32Bandwidth;
+    if (bSameBandwidth && stNeighbour.u32Frequency == stStation.u32Frequency) {
+        return;
+    }
+    BitWriter stDCD;
+    if (!bSameBandwidth) {
+        PutGaps(stDCD, LayoutOf(stNeighbour.u32Bandwidth));
+    }
+    stDCD.TLV(DCDTLV::Frequency, 4, stNeighbour.u32Frequency);
+    BitWriter stUCD;
+    stUCD.TLV(UCDTLV::Frequency, 4, stNeighbour.u32Frequency);
+    stEntry.TLV(DCDSettings, stDCD).TLV(UCDSettings, stUCD);
+    stEntry.TLV(PHYMode, 2, PHYModeOf(stNeighbour));
+}
+
+} // namespace
+
 BitWriter NBRADVBody(const Station &stStation, std::span<const Station *const> apstNeighbours) {
-    constexpr uint32_t u32DCDSettings = 1;
     constexpr size_t uMost = UINT8_MAX;
+    const auto apstFirst = apstNeighbours.first(std::min(apstNeighbours.size(), uMost));
     BitWriter stBody;
     stBody.U8(0); // nothing is skipped
     stBody.U24(stStation.NAPID());
-    stBody.U8(static_cast<uint32_t>(std::min(apstNeighbours.size(), uMost)));
-    for (const Station *pstNeighbour :
-         apstNeighbours.first(std::min(apstNeighbours.size(), uMost))) {
-        BitWriter stSettings;
-        stSettings.TLV(DCDTLV::Frequency, 4, pstNeighbour->u32Frequency);
+    stBody.U8(stStation.u32DCDChangeCount);
+    stBody.Bits(0, 4).Bits(1, 4); // the first and only fragment
+    stBody.U8(static_cast<uint32_t>(apstFirst.size()));
+    for (const Station *pstNeighbour : apstFirst) {
         BitWriter stEntry;
         stEntry
-            .U16(0) // physical layer as here
+            .U8(0) // nothing to be taken from other entries
             .Bytes(ViewOf(pstNeighbour->aucBSID).From(3))
             .U8(pstNeighbour->u32Preamble)
-            .U8(u32FullOptimisation)
-            .U8(0x1F) // all scheduling services
+            .U8(Optimisation(stStation, *pstNeighbour)) // of two bytes the lower one
+            .U8(0x1F)                                   // all scheduling services
             .Bits(pstNeighbour->u32DCDChangeCount, 4)
-            .Bits(pstNeighbour->u32DCDChangeCount, 4)
-            .TLV(u32DCDSettings, stSettings);
+            .Bits(pstNeighbour->u32DCDChangeCount, 4);
+        PutDifferences(stEntry, stStation, *pstNeighbour);
         stBody.U8(stEntry.View().u32Length).Bytes(stEntry.View());
     }
     return stBody;
@@ -299,10 +359,13 @@ BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants) {
 }
 
 BitWriter RNGREQBody(RangingPurpose ePurpose, const MACAddressBytes &aucMAC,
+                     const Station &stStation, const BurstProfile &stProfile,
                      const Station *pstFormer) {
+    BitWriter stWanted;
+    stWanted.Bits(stStation.u32DCDChangeCount, 4).Bits(stProfile.DIUC(), 4);
     BitWriter stBody;
     stBody.U8(0);
-    stBody.TLV(RNGREQTLV::BurstProfile, 1, 0).TLV(RNGREQTLV::MACAddress, ViewOf(aucMAC));
+    stBody.TLV(RNGREQTLV::BurstProfile, stWanted).TLV(RNGREQTLV::MACAddress, ViewOf(aucMAC));
     if (ePurpose != RangingPurpose::Entry && pstFormer != nullptr) {
         stBody.TLV(RNGREQTLV::ServingBSID, ViewOf(pstFormer->aucBSID));
         stBody.TLV(RNGREQTLV::Purpose, 1, 1); // handover, or back from idle mode
@@ -325,18 +388,29 @@ BitWriter RNGRSPBody(const RangingSignal &stSignal, const Corrections &stCorrect
     return stBody;
 }
 
-BitWriter RNGRSPBody(RangingPurpose ePurpose, RangingStatus eStatus, const MACAddressBytes &aucMAC,
-                     uint32_t u32BasicCID, uint32_t u32PrimaryCID) {
+BitWriter RNGRSPBody(RangingStatus eStatus, const MACAddressBytes &aucMAC,
+                     const Admission *pstAdmission) {
     BitWriter stBody;
     stBody.U8(0)
         .TLV(RNGRSPTLV::Status, 1, static_cast<uint32_t>(eStatus))
         .TLV(RNGRSPTLV::MACAddress, ViewOf(aucMAC));
-    if (eStatus == RangingStatus::Success) {
-        stBody.TLV(RNGRSPTLV::BasicCID, 2, u32BasicCID)
-            .TLV(RNGRSPTLV::PrimaryCID, 2, u32PrimaryCID);
-        if (ePurpose != RangingPurpose::Entry) {
-            stBody.TLV(RNGRSPTLV::Optimisation, 2, u32FullOptimisation);
-        }
+    if (pstAdmission == nullptr) {
+        return stBody;
+    }
+    stBody.TLV(RNGRSPTLV::BasicCID, 2, pstAdmission->u32BasicCID)
+        .TLV(RNGRSPTLV::PrimaryCID, 2, pstAdmission->u32PrimaryCID);
+    if (pstAdmission->u32Optimisation) {
+        stBody.TLV(RNGRSPTLV::Optimisation, 2, *pstAdmission->u32Optimisation);
+    }
+    BitWriter stRegistration;
+    for (const FlowCID &stFlow : pstAdmission->astFlows) {
+        BitWriter stUpdate;
+        stUpdate.TLV(CIDUpdateTLV::NewCID, 2, stFlow.u32CID)
+            .TLV(CIDUpdateTLV::SFID, 4, stFlow.u32SFID);
+        stRegistration.TLV(CIDUpdateTLV::Update, stUpdate);
+    }
+    if (!pstAdmission->astFlows.empty()) {
+        stBody.TLV(RNGRSPTLV::Registration, stRegistration);
     }
     return stBody;
 }
@@ -516,7 +590,7 @@ constexpr uint32_t u32ReportType = 1; // bit 2: CINR, bit 3: RSSI
 constexpr uint32_t u32WithCINRAndRSSI = 0x06;
 constexpr uint32_t u32Report = 1;
 namespace ReportTLV {
-enum : uint32_t { CINR = 4, RSSI = 5 };
+enum : uint32_t { CINR = 5, RSSI = 6 };
 }
 
 } // namespace
@@ -528,38 +602,42 @@ BitWriter REPREQBody() {
     return stBody.TLV(u32ReportRequest, stRequest);
 }
 
-// Mean and standard deviation, each one byte.
+// Mean and standard deviation, each one byte of the same scale.
 BitWriter REPRSPBody(const Measurement &stMeasurement) {
-    constexpr double fMostDeviation = 29;
-    const auto Pair = [](uint32_t u32Mean, double fDeviation) {
-        return u32Mean << 8 | Clamped(fDeviation, 0, fMostDeviation);
+    const auto Pair = [](uint32_t (*pfnCode)(double), double fMean, double fDeviation) {
+        return pfnCode(fMean) << 8 | pfnCode(DeviationLevel(fMean, fDeviation));
     };
     BitWriter stReport;
     stReport
-        .TLV(ReportTLV::CINR, 2, Pair(CINRCode(stMeasurement.fCINR), stMeasurement.fCINRDeviation))
-        .TLV(ReportTLV::RSSI, 2, Pair(RSSICode(stMeasurement.fRSSI), stMeasurement.fRSSIDeviation));
+        .TLV(ReportTLV::CINR, 2, Pair(CINRCode, stMeasurement.fCINR, stMeasurement.fCINRDeviation))
+        .TLV(ReportTLV::RSSI, 2, Pair(RSSICode, stMeasurement.fRSSI, stMeasurement.fRSSIDeviation));
     BitWriter stBody;
     return stBody.TLV(u32Report, stReport);
 }
 
-BitWriter MSHOREQBody(const Station &stTarget, const Measurement &stMeasurement) {
+BitWriter MSHOREQBody(const Station &stTarget, const Measurement &stThere,
+                      const Measurement &stHere) {
     constexpr uint32_t u32CINRAndRSSI = 0x03;
+    constexpr uint32_t u32ServingStation = 0; // the temporary ID of the only active station
+    const auto PutLevels = [](BitWriter &stTo, const Measurement &stLevels) {
+        stTo.U8(MobilityCINR(stLevels.fCINR)).U8(MobilityRSSI(stLevels.fRSSI));
+    };
     BitWriter stBody;
     stBody.U8(u32CINRAndRSSI)
         .U8(0) // stations by their place in the neighbour advertisement
         .U8(1) // stations by their ID
         .Bytes(ViewOf(stTarget.aucBSID))
-        .U8(stTarget.u32Preamble)
-        .U8(CINRCode(stMeasurement.fCINR))
-        .U8(RSSICode(stMeasurement.fRSSI))
-        .U8(2)      // all services expected
+        .U8(stTarget.u32Preamble);
+    PutLevels(stBody, stThere);
+    stBody
         .Bits(0, 1) // no arrival time difference
-        .Bits(0, 3) // no stations of a diversity set
-        .Pad();
-    return stBody;
+        .Bits(1, 4) // active stations
+        .Bits(u32ServingStation, 4);
+    PutLevels(stBody, stHere);
+    return stBody.Pad();
 }
 
-BitWriter BSHORSPBody(const Station &stTarget) {
+BitWriter BSHORSPBody(const Station &stServing, const Station &stTarget) {
     constexpr uint32_t u32AllServices = 2;
     constexpr uint32_t u32ActionTime = 2; // frames
     BitWriter stBody;
@@ -570,10 +648,10 @@ BitWriter BSHORSPBody(const Station &stTarget) {
         .Bits(0, 6)
         .U8(1)
         .Bytes(ViewOf(stTarget.aucBSID))
-        .U8(u32AllServices)
         .U8(stTarget.u32Preamble)
-        .U8(u32FullOptimisation)
-        .Bits(0, 3)
+        .U8(u32AllServices)
+        .U8(Optimisation(stServing, stTarget)) // of two bytes the lower one
+        .Bits(0, 3)                            // no network assistance, ID or policy
         .Pad()
         .U8(u32ActionTime);
     return stBody;

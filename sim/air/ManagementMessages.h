@@ -106,7 +106,9 @@ BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants);
 
 // Ranging.
 enum class RangingPurpose : uint8_t { Entry, Handover, IdleReentry };
+// With the burst profile that the modem wants.
 BitWriter RNGREQBody(RangingPurpose ePurpose, const MACAddressBytes &aucMAC,
+                     const Station &stStation, const BurstProfile &stProfile,
                      const Station *pstFormer);
 enum class RangingStatus : uint8_t { Continue = 1, Abort = 2, Success = 3 };
 struct Corrections {
@@ -117,9 +119,22 @@ struct Corrections {
 // In answer to a code.
 BitWriter RNGRSPBody(const RangingSignal &stSignal, const Corrections &stCorrections,
                      RangingStatus eStatus);
-// In answer to a RNG-REQ; u32Optimisation says which steps of the entry are left out.
-BitWriter RNGRSPBody(RangingPurpose ePurpose, RangingStatus eStatus, const MACAddressBytes &aucMAC,
-                     uint32_t u32BasicCID, uint32_t u32PrimaryCID);
+// A service flow's connection with the station that the modem has come to.
+struct FlowCID {
+    uint32_t u32SFID;
+    uint32_t u32CID;
+};
+struct Admission {
+    uint32_t u32BasicCID;
+    uint32_t u32PrimaryCID;
+    std::optional<uint32_t> u32Optimisation; // not at the first entry
+    std::vector<FlowCID> astFlows;
+};
+// In answer to a RNG-REQ; null when the modem is not let in.
+BitWriter RNGRSPBody(RangingStatus eStatus, const MACAddressBytes &aucMAC,
+                     const Admission *pstAdmission);
+// Which steps of an entry are left out for a modem that comes from another station.
+uint32_t Optimisation(const Station &stFormer, const Station &stTarget);
 
 // Keys. The identifier ties answers to requests.
 namespace PKMCode {
@@ -167,8 +182,9 @@ BitWriter REPREQBody();
 BitWriter REPRSPBody(const Measurement &stMeasurement);
 
 // Handover.
-BitWriter MSHOREQBody(const Station &stTarget, const Measurement &stMeasurement);
-BitWriter BSHORSPBody(const Station &stTarget);
+BitWriter MSHOREQBody(const Station &stTarget, const Measurement &stThere,
+                      const Measurement &stHere);
+BitWriter BSHORSPBody(const Station &stServing, const Station &stTarget);
 enum HandoverIndication : uint32_t { ServingReleased = 0, Cancelled = 1 };
 BitWriter HOINDBody(HandoverIndication eIndication, const Station &stTarget);
 

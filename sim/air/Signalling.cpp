@@ -186,7 +186,10 @@ void Signalling::Follow(const LinkChange &stChange) {
     } else if (stChange.eAfter == LeavingIdle) {
         Range(*pstServing, RangingPurpose::IdleReentry);
     } else if (stChange.eBefore == LeavingIdle && stChange.eAfter == LinkUp) {
-        Later([this] { AnswerRNGREQ(RangingPurpose::IdleReentry); });
+        const uint32_t u32Optimisation = Optimisation(*m_pstFormer, *pstServing);
+        Later([this, u32Optimisation] {
+            AnswerRNGREQ(RangingPurpose::IdleReentry, u32Optimisation);
+        });
     }
     m_pstTarget = nullptr;
     if (!m_stAt.Registered() && m_stAt.eState != Entering) {
@@ -267,7 +270,7 @@ void Signalling::FinishStage(uint32_t u32Stage) {
     switch (u32Stage) {
     case Ranging:
         MakeConnections();
-        Later([this] { AnswerRNGREQ(RangingPurpose::Entry); });
+        Later([this] { AnswerRNGREQ(RangingPurpose::Entry, 0); });
         break;
     case Capabilities:
         SayLater(MessageCode::SBCRSP, bDown, m_u32BasicCID, SBCRSPBody(*m_stAt.pstServing));
@@ -300,7 +303,7 @@ void Signalling::FailStage(uint32_t u32Reason) {
     case LinkReason::RangingFailure:
         if (m_stAt.pstServing->u32EntryFailure == u32Reason) {
             SayLater(MessageCode::RNGRSP, bDown, WellKnownCID::InitialRanging,
-                     RNGRSPBody(RangingPurpose::Entry, RangingStatus::Abort, m_aucAddress, 0, 0));
+                     RNGRSPBody(RangingStatus::Abort, m_aucAddress, nullptr));
         }
         break;
     case LinkReason::PKMFailure:
@@ -349,9 +352,11 @@ void Signalling::Range(const Station &stStation, RangingPurpose ePurpose) {
     // The station that the modem comes from still knows its keys.
     const Station *pstFormer =
         ePurpose == RangingPurpose::Handover ? m_stAt.pstServing : m_pstFormer;
-    SayLater(MessageCode::RNGREQ, bUp, WellKnownCID::InitialRanging,
-             RNGREQBody(ePurpose, m_aucAddress, pstFormer),
-             ePurpose == RangingPurpose::Entry ? Protection::None : Protection::Tuple);
+    Later([this, &stStation, ePurpose, pstFormer] {
+        Say(MessageCode::RNGREQ, bUp, WellKnownCID::InitialRanging,
+            RNGREQBody(ePurpose, m_aucAddress, stStation, ProfileAt(CINROf(stStation)), pstFormer),
+            ePurpose == RangingPurpose::Entry ? Protection::None : Protection::Tuple);
+    });
 }
 
 void Signalling::SendCode(const CodeGroup &stGroup, RangingKind eKind) {
@@ -406,13 +411,23 @@ void Signalling::AdjustOpenLoop(const Station &stStation) {
     }
 }
 
-void Signalling::AnswerRNGREQ(RangingPurpose ePurpose) {
-    if (ePurpose != RangingPurpose::Entry) {
+void Signalling::AnswerRNGREQ(RangingPurpose ePurpose, uint32_t u32Optimisation) {
+    const bool bEntry = ePurpose == RangingPurpose::Entry;
+    if (!bEntry) {
         MakeConnections();
     }
+    Admission stAdmission{m_u32BasicCID, m_u32PrimaryCID, {}, {}};
+    if (!bEntry) {
+        stAdmission.u32Optimisation = u32Optimisation;
+        for (const Connection &stConnection : m_astConnections) {
+            if (!IsManagement(stConnection)) {
+                stAdmission.astFlows.push_back({stConnection.u32SFID, stConnection.u32CID});
+            }
+        }
+    }
     Say(MessageCode::RNGRSP, bDown, WellKnownCID::InitialRanging,
-        RNGRSPBody(ePurpose, RangingStatus::Success, m_aucAddress, m_u32BasicCID, m_u32PrimaryCID),
-        ePurpose == RangingPurpose::Entry ? Protection::None : Protection::Tuple);
+        RNGRSPBody(RangingStatus::Success, m_aucAddress, &stAdmission),
+        bEntry ? Protection::None : Protection::Tuple);
 }
 
 void Signalling::RangePeriodically() {
@@ -607,10 +622,14 @@ void Signalling::Paged() {
 }
 
 void Signalling::HandoverBegins(const Station &stTarget) {
+    const Station &stServing = *m_stAt.pstServing;
     m_pstTarget = &stTarget;
     SayLater(MessageCode::MSHOREQ, bUp, m_u32BasicCID,
-             MSHOREQBody(stTarget, m_stAir.Measure(stTarget, m_stClock.Now())), Protection::Tuple);
-    SayLater(MessageCode::BSHORSP, bDown, m_u32BasicCID, BSHORSPBody(stTarget), Protection::Tuple);
+             MSHOREQBody(stTarget, m_stAir.Measure(stTarget, m_stClock.Now()),
+                         m_stAir.Measure(stServing, m_stClock.Now())),
+             Protection::Tuple);
+    SayLater(MessageCode::BSHORSP, bDown, m_u32BasicCID, BSHORSPBody(stServing, stTarget),
+             Protection::Tuple);
     SayLater(MessageCode::HOIND, bUp, m_u32BasicCID, HOINDBody(ServingReleased, stTarget),
              Protection::Tuple);
     Range(stTarget, RangingPurpose::Handover);
@@ -627,7 +646,8 @@ void Signalling::HandoverEnds(bool bSuccess) {
         return;
     }
     if (bSuccess) {
-        Later([this] { AnswerRNGREQ(RangingPurpose::Handover); });
+        const uint32_t u32Optimisation = Optimisation(*m_stAt.pstServing, *m_pstTarget);
+        Later([this, u32Optimisation] { AnswerRNGREQ(RangingPurpose::Handover, u32Optimisation); });
     } else {
         DropSteps();
         SayLater(MessageCode::HOIND, bUp, m_u32BasicCID, HOINDBody(Cancelled, *m_pstTarget),

@@ -147,7 +147,7 @@ class Signalling {
     void Range(const Station &stStation, RangingPurpose ePurpose);
     void SendCode(const CodeGroup &stGroup, RangingKind eKind);
     void AnswerCode(RangingStatus eStatus);
-    void AnswerRNGREQ(RangingPurpose ePurpose);
+    void AnswerRNGREQ(RangingPurpose ePurpose, uint32_t u32Optimisation);
     void AdjustOpenLoop(const Station &stStation);
 
     void MakeConnections();

@@ -132,4 +132,98 @@ TEST(PhysicalLayer, AFrameIsFilledToItsEndAtAnyBandwidth) {
     }
 }
 
+// 11.12: TLVs 5 and 6 of the report. 8.4.11.2, 8.4.11.3: from -123 dBm and -10 dB on; the
+// deviation is a level of the same scale, for 1 dB it lies 5.9 dB below the mean.
+TEST(AirInterface, AREPRSPHasMeanAndDeviationOfOneScale) {
+    EXPECT_EQ(HexOf(REPRSPBody({-65, 1, 23, 1})), "01 08 05 02 21 1B 06 02 3A 34");
+    EXPECT_EQ(HexOf(REPRSPBody({-65, 3, 23, 2})), "01 08 05 02 21 1F 06 02 3A 3A");
+    // Nothing moves; and beyond both ends.
+    EXPECT_EQ(HexOf(REPRSPBody({-65, 0, 23, 0})), "01 08 05 02 21 00 06 02 3A 00");
+    EXPECT_EQ(HexOf(REPRSPBody({-30, 0, 60, 0})), "01 08 05 02 3F 00 06 02 53 00");
+    EXPECT_EQ(HexOf(REPRSPBody({-140, 0, -20, 0})), "01 08 05 02 00 00 06 02 00 00");
+}
+
+// 6.3.2.3.48: CINR and RSSI; no index; one station by its ID, with preamble, half dB and quarters
+// from -103.75 dBm on; no arrival difference, one active station: bits 0 0001 0000, then 28 dB
+// (0x38) and -58 dBm (0xB7) behind nine bits, seven bits of padding.
+TEST(AirInterface, AMSHOREQReportsBothStationsInItsOwnScales) {
+    EXPECT_EQ(HexOf(MSHOREQBody(StationAt(2600000, 10000), {-65, 0, 23, 0}, {-58, 0, 28, 0})),
+              "03 00 01 00 12 0A 01 02 03 03 2E 9B 08 1C 5B 80");
+    // Below and above what the scales have.
+    EXPECT_EQ(HexOf(MSHOREQBody(StationAt(2600000, 10000), {-110, 0, -3.5, 0}, {-30, 0, 70, 0})),
+              "03 00 01 00 12 0A 01 02 03 03 F9 00 08 3F FF 80");
+}
+
+// 6.3.2.3.49: handover, recommended, resources kept; one station: ID, preamble, all services,
+// optimisation bits 0 to 7 of 11.6; two frames until the ranging.
+TEST(AirInterface, ABSHORSPSaysWhatTheTargetLeavesOut) {
+    const Station stServing = StationAt(2587500, 10000);
+    Station stTarget = StationAt(2600000, 10000);
+    stTarget.u32Preamble = 35;
+    EXPECT_EQ(HexOf(BSHORSPBody(stServing, stTarget)), "00 40 01 00 12 0A 01 02 03 23 02 FF 00 02");
+    stTarget.u32IPSubnet = 7;
+    EXPECT_EQ(HexOf(BSHORSPBody(stServing, stTarget)), "00 40 01 00 12 0A 01 02 03 23 02 F7 00 02");
+}
+
+// 6.3.2.3.42: nothing skipped, operator, change count, one fragment, one neighbour: its length,
+// profile, low half of the ID, preamble, optimisation, services, counts. 11.18.1: only what
+// differs: frequency, gaps, and the mode of the physical layer, which has the bandwidth in
+// 125 kHz (7 bits), the transform (3), the guard interval (2) and the frame (4).
+TEST(AirInterface, ANeighbourIsToldOfByWhatDiffers) {
+    const Station stServing = StationAt(2587500, 10000);
+    const std::string strHead = "00 00 12 0A 05 01 01 ";
+    const std::string strSame = "00 01 02 04 23 FF 1F 11";
+    Station stNeighbour = StationAt(2587500, 10000);
+    stNeighbour.aucBSID[5] = 4;
+    stNeighbour.u32Preamble = 35;
+    stNeighbour.u32DCDChangeCount = 1;
+    const std::vector<const Station *> apstNeighbours{&stNeighbour};
+    EXPECT_EQ(HexOf(NBRADVBody(stServing, apstNeighbours)), strHead + "08 " + strSame);
+    stNeighbour.u32Frequency = 2600000;
+    EXPECT_EQ(HexOf(NBRADVBody(stServing, apstNeighbours)),
+              strHead + "1C " + strSame +
+                  " 01 06 0C 04 00 27 AC 40 02 06 05 04 00 27 AC 40 03 02 A0 54");
+    stNeighbour.u32Bandwidth = 5000;
+    EXPECT_EQ(HexOf(NBRADVBody(stServing, apstNeighbours)),
+              strHead + "23 " + strSame +
+                  " 01 0D 07 02 00 94 08 01 54 0C 04 00 27 AC 40 02 06 05 04 00 27 AC 40 "
+                  "03 02 50 94");
+}
+
+// 11.5: the DIUC wanted in the lower half, the DCD's count in the upper one; the MAC address; at
+// a handover the station that the modem comes from.
+TEST(AirInterface, ARNGREQNamesTheDescriptorItCountsOn) {
+    const Station stStation = StationAt(2587500, 10000);
+    const MACAddressBytes aucMAC{0x02, 0x00, 0x00, 0x20, 0x00, 0x01};
+    EXPECT_EQ(HexOf(RNGREQBody(RangingPurpose::Entry, aucMAC, stStation, ProfileAt(28), nullptr)),
+              "00 01 01 57 02 06 02 00 00 20 00 01 94 01 05");
+    Station stTarget = StationAt(2600000, 10000);
+    stTarget.u32DCDChangeCount = 31;
+    EXPECT_EQ(
+        HexOf(RNGREQBody(RangingPurpose::Handover, aucMAC, stTarget, ProfileAt(6), &stStation)),
+        "00 01 01 F0 02 06 02 00 00 20 00 01 05 06 00 12 0A 01 02 03 06 01 01 94 01 05");
+}
+
+// 11.6: status, MAC address, CIDs; after a handover the optimisation (bit 13 instead of bit 3
+// where the address is new) and in TLV 30 the flows' new connections (11.7.10).
+TEST(AirInterface, ARNGRSPSaysWhatAHandoverLeavesOut) {
+    const MACAddressBytes aucMAC{0x02, 0x00, 0x00, 0x20, 0x00, 0x01};
+    const std::string strEntry = "00 04 01 03 08 06 02 00 00 20 00 01 09 02 00 11 0A 02 02 10";
+    Admission stAdmission{0x11, 0x210, {}, {}};
+    EXPECT_EQ(HexOf(RNGRSPBody(RangingStatus::Success, aucMAC, &stAdmission)), strEntry);
+    const Station stServing = StationAt(2587500, 10000);
+    Station stTarget = StationAt(2600000, 10000);
+    stAdmission.u32Optimisation = Optimisation(stServing, stTarget);
+    EXPECT_EQ(HexOf(RNGRSPBody(RangingStatus::Success, aucMAC, &stAdmission)),
+              strEntry + " 15 02 00 FF");
+    stTarget.u32IPSubnet = 7;
+    stAdmission.u32Optimisation = Optimisation(stServing, stTarget);
+    stAdmission.astFlows = {{1, 0x2001}, {2, 0x1001}};
+    EXPECT_EQ(HexOf(RNGRSPBody(RangingStatus::Success, aucMAC, &stAdmission)),
+              strEntry + " 15 02 20 F7 1E 18 18 0A 01 02 20 01 02 04 00 00 00 01 "
+                         "18 0A 01 02 10 01 02 04 00 00 00 02");
+    EXPECT_EQ(HexOf(RNGRSPBody(RangingStatus::Abort, aucMAC, nullptr)),
+              "00 04 01 02 08 06 02 00 00 20 00 01");
+}
+
 } // namespace

@@ -263,10 +263,10 @@ TEST(Trace, NeighboursOfTheSameNetworkAreAdvertised) {
     ModemBench stBench(strLinkUp + "[trace]\non = true\n[signalling]\nneighbour-period = 0.1\n");
     stBench.RunUntil(0.12);
     const std::vector<Traced> astTraced = TracedBy(stBench);
-    // Operator, one neighbour: its length, ID, preamble, counts and frequency.
+    // Operator, the station's count, one fragment, one neighbour on the same channel: its length,
+    // ID, preamble and counts.
     ASSERT_EQ(Talk(astTraced), "53v");
-    EXPECT_EQ(HexOf(astTraced[0].aucBody), "00 00 12 0A 01 11 00 00 01 02 04 23 FF 1F 11 "
-                                           "01 06 0C 04 00 27 7B 6C");
+    EXPECT_EQ(HexOf(astTraced[0].aucBody), "00 00 12 0A 05 01 01 08 00 01 02 04 23 FF 1F 11");
 }
 
 } // namespace
