@@ -378,7 +378,7 @@ void AddLog(std::vector<BenchMessage> &astMessages, const char *pcName, uint32_t
     const uint32_t u32Size = u32Entries * u32EntrySize;
     astMessages.push_back(
         Message(pcName, TYPE_START_LOGGER, u32Kind, LogRecord::aucData + u32Size,
-                {{{LogRecord::u16Length, u32Size}}},
+                {{{LogRecord::s16Length, u32Size}}},
                 {{{{"\n~~~~~~ LOGGER INDICATION RECEIVED ~~~~~~\n"}, {pcHeading}}},
                  {std::move(astRows), LogRecord::aucData, u32Size, u32EntrySize},
                  {{{Tildes(40)}}}}));
