@@ -12,6 +12,7 @@ sections=(
     "fuzz        always      each fuzz target for some seconds"
     "linter      always      clang-tidy"
     "sweep       --long      every session with each thing that can go wrong, in full"
+    "storms      --long      a minute of each storm under the sanitizers"
     "armhf       --machines  all tests on 32-bit ARM, run by qemu"
     "mips        --machines  all tests on 32-bit big-endian MIPS, run by qemu"
     "s390x       --machines  all tests on 64-bit big-endian S/390, run by qemu"
@@ -147,6 +148,15 @@ section_sweep() {
         check tests/sweep.py --client build/release/TarvelWiMAXApp \
             --scripted build/release/scripted/libqor020.so \
             --faults build/release/tests/faults/libfaults.so tests/sessions
+}
+
+section_storms() {
+    local preset
+    for preset in asan-ubsan tsan; do
+        check configure "$preset" ON && check build "$preset" &&
+            check tests/storm/storm_test.py --client "build/$preset/TarvelWiMAXApp" \
+                --library "build/$preset/storm/libqor020.so" --seconds 60 Storms
+    done
 }
 
 # The cross compiler of a machine and what runs its programs. Where they cannot be had, the machine
