@@ -116,7 +116,7 @@ TEST(HostileRequests, EveryRequestTakesAnythingInEveryState) {
     for (const std::string &strScenario : astrScenarios) {
         for (const Door &stDoor : astDoors) {
             ModemBench stBench(strScenario + "[trace]\non = true\n");
-            for (uint32_t i = 0; i < 40; ++i) {
+            for (uint32_t i = 0; i < 20; ++i) {
                 const uint32_t u32Length = stDoor.au32Lengths[stRandom.Below(
                     static_cast<uint32_t>(stDoor.au32Lengths.size()))];
                 const uint32_t u32Most = stRandom.Below(3) == 0 ? 256 : 4;
