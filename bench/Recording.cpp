@@ -1,14 +1,16 @@
 // What recording costs for each message of the modem: the processor time until the callback, which
-// does nothing here, has returned to the library, with the recorder and without it. The recording
-// goes to the working directory. Run it where libqor020record.so lies.
+// does nothing here, has returned to the library. Beside it, as a measure, one bare write of as
+// many bytes. Both files are in the working directory. Run it where libqor020record.so lies.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -20,6 +22,7 @@ namespace {
 
 constexpr const char *pcRecorder = "./libqor020record.so";
 constexpr const char *pcRecording = "bench_recording.pcapng";
+constexpr const char *pcBareFile = "bench_bare_write";
 constexpr uint32_t u32Messages = 20000;
 constexpr int iRounds = 15;
 // A traced message of 60 bytes, one of 1000, and a record filled to its end.
@@ -37,6 +40,20 @@ double ProcessorTime() {
     return static_cast<double>(stTime.tv_sec) * 1e9 + static_cast<double>(stTime.tv_nsec);
 }
 
+// Prints what each message took.
+template <typename Run> void Measure(const char *pcWhat, Run fnRun) {
+    std::vector<double> adNanoseconds;
+    for (int i = 0; i < iRounds; ++i) {
+        const double dBegin = ProcessorTime();
+        fnRun();
+        adNanoseconds.push_back((ProcessorTime() - dBegin) / u32Messages);
+    }
+    std::sort(adNanoseconds.begin(), adNanoseconds.end());
+    std::printf("%s %.0f ns at best, %.0f ns median", pcWhat, adNanoseconds.front(),
+                adNanoseconds[iRounds / 2]);
+    std::fflush(stdout);
+}
+
 void MeasureMessages(uint32_t u32Body) {
     WiMAXMessage stMessage{};
     Put(BytesOf(stMessage), MessageHeader::usType, TYPE_MAC_MGMT);
@@ -46,15 +63,25 @@ void MeasureMessages(uint32_t u32Body) {
     const uint32_t hDevice = OpenWiMAXDevice();
     RegisterCallback(hDevice, Callback, 0);
     SendWiMAXMessage(hDevice, &stMessage, MessageHeader::Size + TraceRecord::aucBody + u32Body);
-    std::vector<double> adNanoseconds;
-    for (int i = 0; i < iRounds; ++i) {
-        const double dBegin = ProcessorTime();
-        rdm(0, nullptr, u32Messages);
-        adNanoseconds.push_back((ProcessorTime() - dBegin) / u32Messages);
-    }
-    std::sort(adNanoseconds.begin(), adNanoseconds.end());
-    std::printf("%8.0f ns at best, %8.0f ns median", adNanoseconds.front(),
-                adNanoseconds[iRounds / 2]);
+    Measure("recorded", [] { rdm(0, nullptr, u32Messages); });
+    CloseWiMAXDevice();
+}
+
+void MeasureBareWrites() {
+    const uintmax_t uBytes =
+        std::filesystem::file_size(pcRecording) / (uintmax_t{iRounds} * u32Messages);
+    const std::vector<char> acBytes(uBytes);
+    const int iFile = open(pcBareFile, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    Measure("bare write", [&] {
+        for (uint32_t i = 0; i < u32Messages; ++i) {
+            if (write(iFile, acBytes.data(), acBytes.size()) < 0) {
+                std::perror(pcBareFile);
+                std::exit(1);
+            }
+        }
+    });
+    std::printf(" of %ju bytes", uBytes);
+    close(iFile);
 }
 
 void RunItself(const char *pcProgram, uint32_t u32Body) {
@@ -79,20 +106,18 @@ int main(int iArguments, char **ppcArguments) {
     std::printf("a message through the callback, %u messages, %d times (goal: under 2000 ns)\n",
                 u32Messages, iRounds);
     for (const uint32_t u32Body : au32Bodies) {
-        for (const bool bRecorded : {false, true}) {
-            if (bRecorded) {
-                setenv("LD_PRELOAD", pcRecorder, 1);
-                setenv("QOR020_RECORDING", pcRecording, 1);
-            }
-            std::printf("traced message of %5u bytes, %-12s", u32Body,
-                        bRecorded ? "recorded:" : "not recorded:");
-            std::fflush(stdout);
-            RunItself(ppcArguments[0], u32Body);
-            std::printf("\n");
-            unsetenv("LD_PRELOAD");
-            unsetenv("QOR020_RECORDING");
-            unlink(pcRecording);
-        }
+        std::printf("traced message of %5u bytes: ", u32Body);
+        std::fflush(stdout);
+        setenv("LD_PRELOAD", pcRecorder, 1);
+        setenv("QOR020_RECORDING", pcRecording, 1);
+        RunItself(ppcArguments[0], u32Body);
+        unsetenv("LD_PRELOAD");
+        unsetenv("QOR020_RECORDING");
+        std::printf("; ");
+        MeasureBareWrites();
+        std::printf("\n");
+        std::filesystem::remove(pcRecording);
+        std::filesystem::remove(pcBareFile);
     }
     return 0;
 }

@@ -14,6 +14,8 @@
 namespace {
 
 constexpr int iPollMilliseconds = 100;
+constexpr int64_t i64SecondInNanoseconds = 1'000'000'000;
+constexpr int64_t i64LastSecond = INT64_MAX / i64SecondInNanoseconds - 1;
 constexpr size_t uBuffer = size_t{256} * 1024;
 constexpr size_t uStreamBuffer = size_t{16} * 1024;
 
@@ -176,9 +178,12 @@ struct RecordingReader::State {
                 Note(AtByte(u64At, "an event was cut when it was captured"));
                 return false;
             }
+            if (stHeader.ts.tv_sec < 0 || stHeader.ts.tv_sec > i64LastSecond) {
+                Note(AtByte(u64At, "an event of an impossible time"));
+                return false;
+            }
             // With this precision the field for microseconds holds nanoseconds.
-            pstEvent->i64Time =
-                static_cast<int64_t>(stHeader.ts.tv_sec) * 1'000'000'000 + stHeader.ts.tv_usec;
+            pstEvent->i64Time = stHeader.ts.tv_sec * i64SecondInNanoseconds + stHeader.ts.tv_usec;
             bAnyEvent = true;
             return true;
         case PacketKind::Management:

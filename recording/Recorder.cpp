@@ -551,8 +551,9 @@ __attribute__((constructor)) void Prepare() {
     if (pcPath == nullptr || *pcPath == '\0' || Real().pfnOpen == nullptr) {
         return;
     }
-    if (std::strlen(pcPath) < sizeof gstRecorder.acPath) {
-        std::strcpy(gstRecorder.acPath, pcPath);
+    const size_t uLength = std::strlen(pcPath);
+    if (uLength < sizeof gstRecorder.acPath) {
+        std::memcpy(gstRecorder.acPath, pcPath, uLength + 1);
         gstRecorder.bOn = true;
     } else {
         Complain("the name of the file", std::strerror(ENAMETOOLONG),

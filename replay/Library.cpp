@@ -32,7 +32,7 @@ double ChosenSpeed() {
 
 bool IsStrict() {
     const char *pcStrict = std::getenv("QOR020_REPLAY_STRICT");
-    return pcStrict != nullptr && std::string(pcStrict) != "" && std::string(pcStrict) != "0";
+    return pcStrict != nullptr && *pcStrict != '\0' && std::string(pcStrict) != "0";
 }
 
 Player *StartPlayer() {

@@ -1,5 +1,6 @@
 #include "Player.h"
 
+#include <algorithm>
 #include <csignal>
 #include <memory>
 #include <utility>
@@ -68,10 +69,13 @@ Player::Clock::time_point Player::DueTime(const Step &stStep) const {
     if (m_uLastCall == uNoStep || m_stOptions.fSpeed == 0) {
         return Clock::now();
     }
-    const std::chrono::duration<double, std::nano> stRecorded(static_cast<double>(
-        stStep.stEvent.i64Time - m_stRecording.astSteps[m_uLastCall].stEvent.i64Time));
-    return m_stLastCallTime +
-           std::chrono::duration_cast<Clock::duration>(stRecorded / m_stOptions.fSpeed);
+    // Further away than anybody waits, a time is no time any more.
+    constexpr double fLongest = 1e17;
+    const auto fRecorded = static_cast<double>(stStep.stEvent.i64Time -
+                                               m_stRecording.astSteps[m_uLastCall].stEvent.i64Time);
+    const std::chrono::duration<double, std::nano> stDistance(
+        std::clamp(fRecorded / m_stOptions.fSpeed, -fLongest, fLongest));
+    return m_stLastCallTime + std::chrono::duration_cast<Clock::duration>(stDistance);
 }
 
 // The cursor's thread.

@@ -238,6 +238,22 @@ TEST(ReaderTest, AnotherVersionIsTold) {
               "byte 60: an event of another version than 1, which this program does not know");
 }
 
+TEST(ReaderTest, AnImpossibleTimeIsTold) {
+    std::string strLate = Block(strMessage);
+    strLate[15] = '\x7F'; // the highest byte of the time
+    const Found stFound = ReadBytes(strHead + strLate + Block(strSend));
+    EXPECT_LE(stFound.au32Numbers.size(), 2U);
+    EXPECT_EQ(stFound.au32Numbers.back(), 9U);
+    const File stPlain(Hex("4d3cb2a1 0200 0400 00000000 00000000 ffff0000 fc000000"
+                           "ffffffff ffffffff 41000000 41000000") +
+                       strMessage);
+    RecordingReader stReader(stPlain.Path());
+    Event stEvent;
+    while (stReader.Next(&stEvent)) {
+        EXPECT_GE(stEvent.i64Time, 0);
+    }
+}
+
 TEST(ReaderTest, ForeignPacketsAreLeftOut) {
     const std::string strForeign = Hex("000c 0004 68747470 0000 0000") + "GET / HTTP/1.1";
     const Found stFound = ReadBytes(strHead + Block(strForeign) + Block(strSend));

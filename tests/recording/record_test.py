@@ -31,6 +31,11 @@ class RecordTest(SessionTest):
     def recorded(self):
         return Capture(self.file).check()
 
+    def foreign_programs(self):
+        """For tests that load the recorder into other programs, too."""
+        if OPTIONS.sanitized:
+            self.skipTest("a sanitizer is in the recorder, but not in other programs")
+
 
 class Contents(RecordTest):
     def test_a_session_from_open_to_close(self):
@@ -200,10 +205,6 @@ class Processes(RecordTest):
         self.run_program("replaced")
         self.assertEqual(len(self.recorded().of("open")), 1)
 
-    def foreign_programs(self):
-        if OPTIONS.sanitized:
-            self.skipTest("a sanitizer is in the recorder, but not in other programs")
-
     def test_programs_without_a_device_hand_the_recorder_on(self):
         self.foreign_programs()
         process = self.start(["/bin/sh", "-c", f"/bin/true; exec {OPTIONS.client}"],
@@ -365,6 +366,7 @@ class Files(RecordTest):
         ["unshare", "-rm", "true"], stderr=subprocess.DEVNULL, check=False).returncode == 0,
         "no file system of its own can be made here")
     def test_a_full_disk(self):
+        self.foreign_programs()
         words = "5 1 " * 400 + "-1"
         place = self.top / "small"
         place.mkdir()

@@ -22,6 +22,8 @@ ENABLED = b"\x15\0\3\0\1\0\0\0"
 DISABLED = b"\x15\0\3\0\0\0\0\0"
 ON = "\nMAC MGMT MESSAGES TO HOST IS ENABLED"
 OFF = "\nMAC MGMT MESSAGES TO HOST IS DISABLED"
+# What a machine with too much to do may add to a time, in seconds.
+LATE = 1
 DIFFERS = "libqor020: differs from the recording: "
 
 
@@ -140,11 +142,11 @@ class Answers(ReplayTest):
 
 
 class Times(ReplayTest):
-    def recording(self):
+    def recording(self, distance):
         recording = self.begun()
         recording.send(TRACE_STATUS)
         for _ in range(4):
-            recording.message(ENABLED, after=0.25)
+            recording.message(ENABLED, after=distance)
         recording.send(TRACE_ON, lasts=0.2)
         return recording.end()
 
@@ -167,17 +169,17 @@ class Times(ReplayTest):
         self.assertEqual(len(got), len(expected))
         for took, seconds in zip(got, expected):
             self.assertGreaterEqual(took, seconds - 0.001)
-            self.assertLess(took, seconds + 0.3)
+            self.assertLess(took, seconds + LATE)
 
     def test_messages_come_at_their_distance(self):
-        times, sent, played = self.run_slowly(self.recording(), "1", 1.5)
+        times, sent, played = self.run_slowly(self.recording(0.25), "1", 2)
         self.check_times(times, [0.25, 0.5, 0.75, 1.0])
         last = played.of("send-result")[-1]
         self.check_times([last.duration / 1e9], [0.2])
 
     def test_ten_times_as_fast(self):
-        times, _, _ = self.run_slowly(self.recording(), "10", 0.5)
-        self.check_times(times, [0.025, 0.05, 0.075, 0.1])
+        times, _, _ = self.run_slowly(self.recording(5), "10", 3)
+        self.check_times(times, [0.5, 1.0, 1.5, 2.0])
 
     def test_a_slow_callback_does_not_shift_what_comes_behind_it(self):
         recording = self.begun()

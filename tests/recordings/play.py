@@ -20,7 +20,8 @@ PATIENCE = 100
 
 def play(recording, client, library):
     """What the recorded program prints; it stands beside the client."""
-    program = pathlib.Path(client).resolve().with_name(Capture(recording).origin()["client"])
+    name = pathlib.Path(Capture(recording).origin()["client"]).name
+    program = pathlib.Path(client).resolve().with_name(name)
     with tempfile.TemporaryDirectory(prefix="play.") as directory:
         os.symlink(os.path.abspath(library), os.path.join(directory, "libqor020.so"))
         environment = {**os.environ, **SANITIZERS, "QOR020_REPLAY": os.path.abspath(recording),
@@ -38,10 +39,13 @@ def main():
     parser.add_argument("recording", nargs="+", type=pathlib.Path)
     parser.add_argument("--client", required=True)
     parser.add_argument("--library", required=True, help="the libqor020.so that plays recordings")
+    parser.add_argument("--write", action="store_true", help="freezes what is printed now")
     options = parser.parse_args()
     failed = False
     for recording in options.recording:
         got = play(recording, options.client, options.library)
+        if options.write:
+            recording.with_suffix(".output").write_bytes(got)
         expected = recording.with_suffix(".output").read_bytes()
         if got != expected:
             failed = True
