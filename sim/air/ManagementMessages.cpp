@@ -6,6 +6,7 @@
 #include "MobilityRecords.h"
 #include "ServiceFlowRecord.h"
 #include "air/Capabilities.h"
+#include "air/Traffic.h"
 #include "time/Random.h"
 
 namespace {
@@ -91,7 +92,6 @@ enum : uint32_t {
     BasicCID = 9,
     PrimaryCID = 10,
     Optimisation = 21,
-    Registration = 30, // what a REG-RSP would say
     Code = 150,
 };
 }
@@ -402,15 +402,17 @@ BitWriter RNGRSPBody(RangingStatus eStatus, const MACAddressBytes &aucMAC,
     if (pstAdmission->u32Optimisation) {
         stBody.TLV(RNGRSPTLV::Optimisation, 2, *pstAdmission->u32Optimisation);
     }
-    BitWriter stRegistration;
-    for (const FlowCID &stFlow : pstAdmission->astFlows) {
+    return stBody;
+}
+
+BitWriter CIDUpdateBody(std::span<const FlowCID> astFlows) {
+    BitWriter stBody;
+    stBody.U8(0); // registered
+    for (const FlowCID &stFlow : astFlows) {
         BitWriter stUpdate;
         stUpdate.TLV(CIDUpdateTLV::NewCID, 2, stFlow.u32CID)
             .TLV(CIDUpdateTLV::SFID, 4, stFlow.u32SFID);
-        stRegistration.TLV(CIDUpdateTLV::Update, stUpdate);
-    }
-    if (!pstAdmission->astFlows.empty()) {
-        stBody.TLV(RNGRSPTLV::Registration, stRegistration);
+        stBody.TLV(CIDUpdateTLV::Update, stUpdate);
     }
     return stBody;
 }
@@ -776,9 +778,90 @@ enum : uint32_t {
     TargetSAID = 17,
     ARQ = 18,
     CS = 28,
+    DownlinkService = 29,
+    GrantInterval = 40,
+    PollingInterval = 41,
     Uplink = 145,
     Downlink = 146,
 };
+}
+
+// The type of a downlink flow's service has numbers of its own.
+uint32_t DownlinkService(uint32_t u32SchedulingType) {
+    switch (u32SchedulingType) {
+    case SFParamSet::UGS:
+        return 0;
+    case SFParamSet::RTPS:
+        return 1;
+    case SFParamSet::NRTPS:
+        return 2;
+    case SFParamSet::ERTPS:
+        return 4;
+    default:
+        return 3; // best effort
+    }
+}
+
+// How the station serves the flow, and in the uplink how often it does without being asked.
+void PutService(BitWriter &stTLVs, bool bUplink, uint32_t u32SchedulingType) {
+    constexpr auto u32Interval = static_cast<uint32_t>(iGrantInterval / i64Millisecond);
+    if (!bUplink) {
+        stTLVs.TLV(FlowTLV::DownlinkService, 1, DownlinkService(u32SchedulingType));
+        return;
+    }
+    stTLVs.TLV(FlowTLV::Scheduling, 1, u32SchedulingType);
+    if (u32SchedulingType == SFParamSet::UGS || u32SchedulingType == SFParamSet::ERTPS) {
+        stTLVs.TLV(FlowTLV::GrantInterval, 2, u32Interval);
+    } else if (u32SchedulingType == SFParamSet::RTPS) {
+        stTLVs.TLV(FlowTLV::PollingInterval, 2, u32Interval);
+    }
+}
+
+// What of a rule is there: the bytes that its length says.
+struct RuleBytes {
+    uint32_t u32Type;
+    Field stLength;
+    Field stBytes;
+};
+constexpr std::array astRuleBytes{
+    RuleBytes{4, ClassifierRule::u8IPMaskedSrcAddrLength, ClassifierRule::au8IPMaskedSrcAddr},
+    RuleBytes{5, ClassifierRule::u8IPMaskedDestAddrLength, ClassifierRule::au8IPMaskedDestAddr},
+    RuleBytes{6, ClassifierRule::u8SrcPortRangeLength, ClassifierRule::au8SrcPortRange},
+    RuleBytes{7, ClassifierRule::u8DestPortRangeLength, ClassifierRule::au8DestPortRange},
+    RuleBytes{8, ClassifierRule::u8EthDestMacLength, ClassifierRule::au8EthDestMac},
+    RuleBytes{9, ClassifierRule::u8EthSrcMacLength, ClassifierRule::au8EthSrcMac},
+};
+namespace RuleTLV {
+enum : uint32_t { Priority = 1, Protocol = 3, Index = 14, Action = 1, Rule = 3 };
+}
+
+void PutRule(BitWriter &stTLVs, uint32_t u32CS, const FlowRule &stRule) {
+    // The parameters of the convergence sublayers stand in the order of their numbers.
+    constexpr uint32_t u32FirstCS = 1;
+    constexpr uint32_t u32LastCS = 8;
+    constexpr uint32_t u32FirstParameters = 100;
+    if (u32CS < u32FirstCS || u32CS > u32LastCS) {
+        return;
+    }
+    BitWriter stContent;
+    if (stRule.stContent.u32Length != 0) {
+        stContent.TLV(RuleTLV::Priority, 1, Get(stRule.stContent, ClassifierRule::u8Priority));
+        if (const uint32_t u32Protocol = Get(stRule.stContent, ClassifierRule::u8Protocol)) {
+            stContent.TLV(RuleTLV::Protocol, 1, u32Protocol);
+        }
+        for (const RuleBytes &stRow : astRuleBytes) {
+            if (const uint32_t u32Length = Get(stRule.stContent, stRow.stLength)) {
+                stContent.TLV(stRow.u32Type,
+                              stRule.stContent.From(stRow.stBytes.u16Offset, u32Length));
+            }
+        }
+    }
+    if (stRule.u32Index != 0) {
+        stContent.TLV(RuleTLV::Index, 2, stRule.u32Index);
+    }
+    BitWriter stParameters;
+    stParameters.TLV(RuleTLV::Action, 1, stRule.u32Action).TLV(RuleTLV::Rule, stContent);
+    stTLVs.TLV(u32FirstParameters + u32CS - u32FirstCS, stParameters);
 }
 
 void PutFlow(BitWriter &stBody, const FlowParameters &stFlow, bool bWithParameters) {
@@ -790,8 +873,9 @@ void PutFlow(BitWriter &stBody, const FlowParameters &stFlow, bool bWithParamete
     if (stFlow.u32CID != 0) {
         stTLVs.TLV(FlowTLV::CID, 2, stFlow.u32CID);
     }
+    const ByteView stSet = stFlow.stSet;
+    const uint32_t u32CS = Get(stSet, u8CSSpecification);
     if (bWithParameters) {
-        const ByteView stSet = stFlow.stSet;
         const uint32_t u32NameRoom = EndOf(au8ServiceClassName) + 32;
         const uint32_t u32Name = std::min(Get(stSet, u8ServiceClassNameLength),
                                           u32NameRoom - au8ServiceClassName.u16Offset);
@@ -802,14 +886,17 @@ void PutFlow(BitWriter &stBody, const FlowParameters &stFlow, bool bWithParamete
         stTLVs.TLV(FlowTLV::ParamSets, 1, Get(stSet, u8QoSParamSetType))
             .TLV(FlowTLV::Priority, 1, Get(stSet, u8TrafficPriority))
             .TLV(FlowTLV::MostRate, 4, Get(stSet, u32MaxSustainedTrafficRate))
-            .TLV(FlowTLV::LeastRate, 4, Get(stSet, u32MinReservedTrafficRate))
-            .TLV(FlowTLV::Scheduling, 1, Get(stSet, u8SchedulingType))
-            .TLV(FlowTLV::Policy, 4, Get(stSet, u8RetransmissionPolicy))
+            .TLV(FlowTLV::LeastRate, 4, Get(stSet, u32MinReservedTrafficRate));
+        PutService(stTLVs, stFlow.bUplink, Get(stSet, u8SchedulingType));
+        stTLVs.TLV(FlowTLV::Policy, 4, Get(stSet, u8RetransmissionPolicy))
             .TLV(FlowTLV::Jitter, 4, Get(stSet, u32ToleratedJitter))
             .TLV(FlowTLV::Latency, 4, Get(stSet, u32MaximumLatency))
             .TLV(FlowTLV::TargetSAID, 2, u32PrimarySAID)
             .TLV(FlowTLV::ARQ, 1, 0)
-            .TLV(FlowTLV::CS, 1, Get(stSet, u8CSSpecification));
+            .TLV(FlowTLV::CS, 1, u32CS);
+    }
+    for (const FlowRule &stRule : stFlow.astRules) {
+        PutRule(stTLVs, u32CS, stRule);
     }
     stBody.TLV(stFlow.bUplink ? FlowTLV::Uplink : FlowTLV::Downlink, stTLVs);
 }

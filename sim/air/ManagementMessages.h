@@ -119,22 +119,23 @@ struct Corrections {
 // In answer to a code.
 BitWriter RNGRSPBody(const RangingSignal &stSignal, const Corrections &stCorrections,
                      RangingStatus eStatus);
-// A service flow's connection with the station that the modem has come to.
-struct FlowCID {
-    uint32_t u32SFID;
-    uint32_t u32CID;
-};
 struct Admission {
     uint32_t u32BasicCID;
     uint32_t u32PrimaryCID;
     std::optional<uint32_t> u32Optimisation; // not at the first entry
-    std::vector<FlowCID> astFlows;
 };
 // In answer to a RNG-REQ; null when the modem is not let in.
 BitWriter RNGRSPBody(RangingStatus eStatus, const MACAddressBytes &aucMAC,
                      const Admission *pstAdmission);
 // Which steps of an entry are left out for a modem that comes from another station.
 uint32_t Optimisation(const Station &stFormer, const Station &stTarget);
+// Besides: a REG-RSP comes unasked, with the connections that the service flows have from now on.
+inline constexpr uint32_t u32RegistrationComes = 0x0400;
+struct FlowCID {
+    uint32_t u32SFID;
+    uint32_t u32CID;
+};
+BitWriter CIDUpdateBody(std::span<const FlowCID> astFlows);
 
 // Keys. The identifier ties answers to requests.
 namespace PKMCode {
@@ -193,12 +194,20 @@ BitWriter SLPREQBody(ByteView stClass, uint32_t u32Frame);
 BitWriter SLPRSPBody(ByteView stClass, uint32_t u32Frame);
 BitWriter TRFINDBody(uint32_t u32SleepID);
 
-// Service flows. The set is a SFParamSet record of the host interface.
+// Service flows. A rule of a flow's classifier, and what is to be done with it: content and
+// actions are those of the host interface's ClassifierRule.
+struct FlowRule {
+    uint32_t u32Action;
+    uint32_t u32Index;  // that the station has given it, 0: not known yet
+    ByteView stContent; // may be empty where the index says all
+};
+// The set is a SFParamSet record of the host interface.
 struct FlowParameters {
     bool bUplink;
     uint32_t u32SFID; // 0: not known yet
     uint32_t u32CID;  // 0: not known yet
     ByteView stSet;
+    std::vector<FlowRule> astRules;
 };
 BitWriter DSxREQBody(uint32_t u32TransactionID, const FlowParameters &stFlow);
 // RSP and ACK of an addition or a change.

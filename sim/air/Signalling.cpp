@@ -1,6 +1,7 @@
 #include "air/Signalling.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <string_view>
 
@@ -23,8 +24,21 @@ constexpr auto iHighest = static_cast<int32_t>(iMostPower * fQuarters);
 // So far the station's corrections may take the modem from its own measurement.
 constexpr int32_t iMostCorrection = 32; // quarter dB
 
-constexpr uint32_t u32ModemTransactions = 0x0000;
-constexpr uint32_t u32StationTransactions = 0x8000;
+// Numbers of transactions: the lower half is the modem's, the upper half the station's.
+constexpr uint32_t u32TransactionsOfEach = 0x8000;
+
+struct DialogueCodes {
+    uint32_t u32Request;
+    uint32_t u32Response;
+    uint32_t u32Acknowledgement; // none of a deletion
+};
+const DialogueCodes &CodesOf(FlowDialogue eDialogue) {
+    static constexpr std::array astCodes{
+        DialogueCodes{MessageCode::DSAREQ, MessageCode::DSARSP, MessageCode::DSAACK},
+        DialogueCodes{MessageCode::DSCREQ, MessageCode::DSCRSP, MessageCode::DSCACK},
+        DialogueCodes{MessageCode::DSDREQ, MessageCode::DSDRSP, 0}};
+    return astCodes[static_cast<size_t>(eDialogue)];
+}
 constexpr uint32_t u32CodesWithoutAnswer = 4;
 
 constexpr uint32_t u32DREGGoIdle = 5;
@@ -57,7 +71,9 @@ Signalling::Signalling(const Section &stRoot, uint64_t u64Seed, Scheduler &stClo
 }
 
 void Signalling::Start() {
+    ++m_u32Life;
     DropSteps();
+    m_astWaiting.clear();
     m_stStep.Stop();
     m_pstTarget = nullptr;
     m_bToldToIdle = false;
@@ -87,6 +103,7 @@ void Signalling::WantBroadcasts(bool bWanted) {
 
 void Signalling::Later(Step pfnStep) {
     m_apfnSteps.push_back(std::move(pfnStep));
+    ++m_u64Steps;
     if (!m_stStep.Running()) {
         const ModemTime iWait = m_iLastStep + i64Frame - m_stClock.Now();
         m_stStep.Start(std::max<ModemTime>(iWait, 0), [this] { NextStep(); });
@@ -96,6 +113,45 @@ void Signalling::Later(Step pfnStep) {
 void Signalling::DropSteps() {
     m_apfnSteps.clear();
     m_bRangingWaits = m_bReportWaits = false;
+}
+
+// Whether the first so many steps have been taken. A message that is said again is a step that
+// has come back.
+bool Signalling::Said(uint64_t u64Steps) const {
+    return m_u64Steps - m_apfnSteps.size() >= u64Steps;
+}
+
+void Signalling::OnceSaid(Step pfnAction) {
+    if (m_astWaiting.empty() && Said(m_u64Steps)) {
+        pfnAction();
+        return;
+    }
+    m_astWaiting.push_back({m_u64Steps, std::move(pfnAction)});
+    LookWhenSaid(m_u64Steps);
+}
+
+void Signalling::LookWhenSaid(uint64_t u64Steps) {
+    // The last of them is taken then, unless some have to be taken again.
+    ModemTime iWait = 0;
+    if (!Said(u64Steps)) {
+        const uint64_t u64Before = u64Steps - (m_u64Steps - m_apfnSteps.size()) - 1;
+        iWait = std::max<ModemTime>(m_iLastStep + i64Frame - m_stClock.Now(), 0) +
+                static_cast<ModemTime>(u64Before) * i64Frame;
+    }
+    m_stClock.After(iWait, [this, u64Steps, u32Life = m_u32Life] {
+        if (u32Life != m_u32Life) {
+            return;
+        }
+        if (!Said(u64Steps)) {
+            LookWhenSaid(u64Steps);
+        }
+        while (!m_astWaiting.empty() && m_astWaiting.front().u64Steps <= u64Steps &&
+               Said(m_astWaiting.front().u64Steps)) {
+            const Step pfnAction = std::move(m_astWaiting.front().pfnAction);
+            m_astWaiting.pop_front();
+            pfnAction();
+        }
+    });
 }
 
 void Signalling::NextStep() {
@@ -186,10 +242,7 @@ void Signalling::Follow(const LinkChange &stChange) {
     } else if (stChange.eAfter == LeavingIdle) {
         Range(*pstServing, RangingPurpose::IdleReentry);
     } else if (stChange.eBefore == LeavingIdle && stChange.eAfter == LinkUp) {
-        const uint32_t u32Optimisation = Optimisation(*m_pstFormer, *pstServing);
-        Later([this, u32Optimisation] {
-            AnswerRNGREQ(RangingPurpose::IdleReentry, u32Optimisation);
-        });
+        Readmit(RangingPurpose::IdleReentry, Optimisation(*m_pstFormer, *pstServing));
     }
     m_pstTarget = nullptr;
     if (!m_stAt.Registered() && m_stAt.eState != Entering) {
@@ -413,21 +466,36 @@ void Signalling::AdjustOpenLoop(const Station &stStation) {
 
 void Signalling::AnswerRNGREQ(RangingPurpose ePurpose, uint32_t u32Optimisation) {
     const bool bEntry = ePurpose == RangingPurpose::Entry;
+    Admission stAdmission{};
     if (!bEntry) {
         MakeConnections();
-    }
-    Admission stAdmission{m_u32BasicCID, m_u32PrimaryCID, {}, {}};
-    if (!bEntry) {
         stAdmission.u32Optimisation = u32Optimisation;
-        for (const Connection &stConnection : m_astConnections) {
-            if (!IsManagement(stConnection)) {
-                stAdmission.astFlows.push_back({stConnection.u32SFID, stConnection.u32CID});
-            }
-        }
     }
+    stAdmission.u32BasicCID = m_u32BasicCID;
+    stAdmission.u32PrimaryCID = m_u32PrimaryCID;
     Say(MessageCode::RNGRSP, bDown, WellKnownCID::InitialRanging,
         RNGRSPBody(RangingStatus::Success, m_aucAddress, &stAdmission),
         bEntry ? Protection::None : Protection::Tuple);
+}
+
+void Signalling::Readmit(RangingPurpose ePurpose, uint32_t u32Optimisation) {
+    if (std::all_of(m_astConnections.begin(), m_astConnections.end(), IsManagement)) {
+        Later([this, ePurpose, u32Optimisation] { AnswerRNGREQ(ePurpose, u32Optimisation); });
+        return;
+    }
+    Later([this, ePurpose, u32Optimisation] {
+        AnswerRNGREQ(ePurpose, u32Optimisation | u32RegistrationComes);
+    });
+    Later([this] {
+        std::vector<FlowCID> astFlows;
+        for (const Connection &stConnection : m_astConnections) {
+            if (!IsManagement(stConnection)) {
+                astFlows.push_back({stConnection.u32SFID, stConnection.u32CID});
+            }
+        }
+        Say(MessageCode::REGRSP, bDown, m_u32PrimaryCID, CIDUpdateBody(astFlows),
+            Protection::Tuple);
+    });
 }
 
 void Signalling::RangePeriodically() {
@@ -452,6 +520,7 @@ void Signalling::Report() {
                 REPRSPBody(m_stAir.Measure(*m_stAt.pstServing, m_stClock.Now())));
         }
     });
+    m_u64ReportEnd = m_u64Steps;
 }
 
 void Signalling::MakeConnections() {
@@ -549,7 +618,7 @@ void Signalling::Broadcast(Timer &stTimer, ModemTime iPeriod, void (Signalling::
 
 void Signalling::SayMaps() {
     const Station &stStation = *m_stAt.pstServing;
-    SayDLMAP(*m_stAt.pstServing);
+    SayDLMAP(stStation);
     Grants stGrants;
     if (m_stAt.eState == LinkUp) {
         stGrants.stData = {m_u32BasicCID, ProfileAt(CINROf(stStation) - fUplinkLoss)};
@@ -646,8 +715,7 @@ void Signalling::HandoverEnds(bool bSuccess) {
         return;
     }
     if (bSuccess) {
-        const uint32_t u32Optimisation = Optimisation(*m_stAt.pstServing, *m_pstTarget);
-        Later([this, u32Optimisation] { AnswerRNGREQ(RangingPurpose::Handover, u32Optimisation); });
+        Readmit(RangingPurpose::Handover, Optimisation(*m_stAt.pstServing, *m_pstTarget));
     } else {
         DropSteps();
         SayLater(MessageCode::HOIND, bUp, m_u32BasicCID, HOINDBody(Cancelled, *m_pstTarget),
@@ -657,37 +725,78 @@ void Signalling::HandoverEnds(bool bSuccess) {
 }
 
 void Signalling::SleepAgreed(ByteView stClass) {
-    SayLater(MessageCode::SLPREQ, bUp, m_u32BasicCID, SLPREQBody(stClass, Frame()),
-             Protection::Tuple);
-    SayLater(MessageCode::SLPRSP, bDown, m_u32BasicCID, SLPRSPBody(stClass, Frame() + 1),
-             Protection::Tuple);
+    const std::vector<uint8_t> aucClass(stClass.pucData, stClass.pucData + stClass.u32Length);
+    const auto SayClass = [&](uint32_t u32Code, bool bUplink,
+                              BitWriter (*pfnBody)(ByteView, uint32_t)) {
+        Later([this, aucClass, u32Code, bUplink, pfnBody] {
+            const ByteView stBytes{aucClass.data(), static_cast<uint32_t>(aucClass.size())};
+            Say(u32Code, bUplink, m_u32BasicCID, pfnBody(stBytes, Frame()), Protection::Tuple);
+        });
+    };
+    SayClass(MessageCode::SLPREQ, bUp, SLPREQBody);
+    SayClass(MessageCode::SLPRSP, bDown, SLPRSPBody);
 }
 
 void Signalling::TrafficIndicated(uint32_t u32PSCID) {
     SayLater(MessageCode::TRFIND, bDown, WellKnownCID::Broadcast, TRFINDBody(u32PSCID));
 }
 
-void Signalling::FlowAdded(const FlowParameters &stFlow, uint32_t u32Confirmation,
-                           bool bByStation) {
-    const uint32_t u32Transaction = bByStation ? u32StationTransactions + m_u32StationTransaction++
-                                               : u32ModemTransactions + m_u32ModemTransaction++;
+Transaction Signalling::StationTransaction() {
+    const uint32_t u32Place = m_u32StationTransactions++ % u32TransactionsOfEach;
+    return {true, u32TransactionsOfEach + u32Place};
+}
+
+Transaction Signalling::ModemTransaction(uint32_t u32Wanted) {
+    return {false, u32Wanted % u32TransactionsOfEach};
+}
+
+void Signalling::FlowAsked(FlowDialogue eDialogue, const Transaction &stTransaction,
+                           const FlowParameters &stFlow) {
+    const bool bAsks = stTransaction.bByStation ? bDown : bUp;
+    const DialogueCodes &stCodes = CodesOf(eDialogue);
     FlowParameters stAsked = stFlow;
-    if (!bByStation) {
+    if (eDialogue == FlowDialogue::Add && !stTransaction.bByStation) {
         stAsked.u32SFID = stAsked.u32CID = 0; // the station hands them out
     }
-    const bool bAsks = bByStation ? bDown : bUp;
-    SayLater(MessageCode::DSAREQ, bAsks, m_u32PrimaryCID, DSxREQBody(u32Transaction, stAsked),
+    SayLater(stCodes.u32Request, bAsks, m_u32PrimaryCID,
+             eDialogue == FlowDialogue::Delete ? DSDREQBody(stTransaction.u32ID, stFlow.u32SFID)
+                                               : DSxREQBody(stTransaction.u32ID, stAsked),
              Protection::Tuple);
-    if (!bByStation) {
-        SayLater(MessageCode::DSXRVD, bDown, m_u32PrimaryCID, DSXRVDBody(u32Transaction, 0));
+    if (eDialogue != FlowDialogue::Delete && !stTransaction.bByStation) {
+        SayLater(MessageCode::DSXRVD, bDown, m_u32PrimaryCID, DSXRVDBody(stTransaction.u32ID, 0));
     }
-    SayLater(MessageCode::DSARSP, !bAsks, m_u32PrimaryCID,
-             DSxRSPBody(u32Transaction, u32Confirmation, stFlow), Protection::Tuple);
-    SayLater(MessageCode::DSAACK, bAsks, m_u32PrimaryCID,
-             DSxRSPBody(u32Transaction, u32Confirmation, stFlow), Protection::Tuple);
-    if (u32Confirmation == 0) {
-        FlowThere(stFlow);
+}
+
+void Signalling::FlowAnswered(FlowDialogue eDialogue, const Transaction &stTransaction,
+                              const FlowParameters &stFlow, uint32_t u32Confirmation) {
+    const bool bAsks = stTransaction.bByStation ? bDown : bUp;
+    const DialogueCodes &stCodes = CodesOf(eDialogue);
+    const bool bDelete = eDialogue == FlowDialogue::Delete;
+    SayLater(stCodes.u32Response, !bAsks, m_u32PrimaryCID,
+             bDelete ? DSDRSPBody(stTransaction.u32ID, u32Confirmation, stFlow.u32SFID)
+                     : DSxRSPBody(stTransaction.u32ID, u32Confirmation, stFlow),
+             Protection::Tuple);
+    if (!bDelete) {
+        FlowParameters stKnown = stFlow;
+        stKnown.astRules.clear();
+        SayLater(stCodes.u32Acknowledgement, bAsks, m_u32PrimaryCID,
+                 DSxRSPBody(stTransaction.u32ID, u32Confirmation, stKnown), Protection::Tuple);
     }
+    if (u32Confirmation != 0 || eDialogue == FlowDialogue::Change) {
+        return;
+    }
+    const uint32_t u32Type = Get(stFlow.stSet, SFParamSet::u8SchedulingType);
+    const Connection stConnection{0, stFlow.u32CID, stFlow.bUplink, false, stFlow.u32SFID, u32Type};
+    OnceSaid([this, bDelete, stConnection] {
+        if (bDelete) {
+            std::erase_if(m_astConnections, [&](const Connection &stOne) {
+                return stOne.u32SFID == stConnection.u32SFID;
+            });
+        } else if (m_stAt.Registered()) {
+            Connect(stConnection.u32CID, stConnection.bUplink, stConnection.u32SFID,
+                    stConnection.u32SchedulingType);
+        }
+    });
 }
 
 void Signalling::FlowThere(const FlowParameters &stFlow) {
@@ -695,29 +804,11 @@ void Signalling::FlowThere(const FlowParameters &stFlow) {
             Get(stFlow.stSet, SFParamSet::u8SchedulingType));
 }
 
-void Signalling::FlowChanged(const FlowParameters &stFlow, uint32_t u32Confirmation) {
-    const uint32_t u32Transaction = u32ModemTransactions + m_u32ModemTransaction++;
-    SayLater(MessageCode::DSCREQ, bUp, m_u32PrimaryCID, DSxREQBody(u32Transaction, stFlow),
-             Protection::Tuple);
-    SayLater(MessageCode::DSXRVD, bDown, m_u32PrimaryCID, DSXRVDBody(u32Transaction, 0));
-    SayLater(MessageCode::DSCRSP, bDown, m_u32PrimaryCID,
-             DSxRSPBody(u32Transaction, u32Confirmation, stFlow), Protection::Tuple);
-    SayLater(MessageCode::DSCACK, bUp, m_u32PrimaryCID,
-             DSxRSPBody(u32Transaction, u32Confirmation, stFlow), Protection::Tuple);
-}
-
-void Signalling::FlowDeleted(uint32_t u32SFID, uint32_t u32Confirmation, bool bByStation) {
-    const uint32_t u32Transaction = bByStation ? u32StationTransactions + m_u32StationTransaction++
-                                               : u32ModemTransactions + m_u32ModemTransaction++;
-    const bool bAsks = bByStation ? bDown : bUp;
-    SayLater(MessageCode::DSDREQ, bAsks, m_u32PrimaryCID, DSDREQBody(u32Transaction, u32SFID),
-             Protection::Tuple);
-    SayLater(MessageCode::DSDRSP, !bAsks, m_u32PrimaryCID,
-             DSDRSPBody(u32Transaction, u32Confirmation, u32SFID), Protection::Tuple);
-    if (u32Confirmation == 0) {
-        std::erase_if(m_astConnections, [&](const Connection &stConnection) {
-            return stConnection.u32SFID == u32SFID;
-        });
+void Signalling::FlowMoved(uint32_t u32SFID, uint32_t u32CID) {
+    for (Connection &stConnection : m_astConnections) {
+        if (stConnection.u32SFID == u32SFID) {
+            stConnection.u32CID = u32CID;
+        }
     }
 }
 

@@ -48,8 +48,17 @@ struct Connection {
     uint32_t u32Grant = 0;      // bytes of every allocation, 0: as a packet needs it
 };
 
+enum class FlowDialogue : uint8_t { Add, Change, Delete };
+
+struct Transaction {
+    bool bByStation;
+    uint32_t u32ID;
+};
+
 class Signalling {
   public:
+    using Step = std::function<void()>;
+
     // Reads [signalling], and how many service flows the network has.
     Signalling(const Section &stRoot, uint64_t u64Seed, Scheduler &stClock, Radio &stAir,
                const Attachment &stAt, const Options &stOptions, const MACAddressBytes &aucAddress);
@@ -84,6 +93,9 @@ class Signalling {
 
     // ---- For the parts of the modem that talk to the station ----
 
+    // Does something once all that has been planned to be said is on the air, or given up: at
+    // once when nothing is.
+    void OnceSaid(Step pfnAction);
     // The link has changed.
     void Follow(const LinkChange &stChange);
     // The link is about to be left.
@@ -100,19 +112,23 @@ class Signalling {
     void SleepAgreed(ByteView stClass);
     // The station says that traffic waits.
     void TrafficIndicated(uint32_t u32PSCID);
-    // A service flow, asked for by the modem or by the station, and what came of it.
-    // What stFlow's set says is copied.
-    void FlowAdded(const FlowParameters &stFlow, uint32_t u32Confirmation, bool bByStation);
+    // A service flow's dialogue: asked for, and what came of it. Who knows no transaction yet
+    // has one of its own. What stFlow refers to is copied.
+    Transaction StationTransaction();
+    static Transaction ModemTransaction(uint32_t u32Wanted);
+    void FlowAsked(FlowDialogue eDialogue, const Transaction &stTransaction,
+                   const FlowParameters &stFlow);
+    void FlowAnswered(FlowDialogue eDialogue, const Transaction &stTransaction,
+                      const FlowParameters &stFlow, uint32_t u32Confirmation);
     // A flow of a link that was up from the start: nothing had to be said.
     void FlowThere(const FlowParameters &stFlow);
-    void FlowChanged(const FlowParameters &stFlow, uint32_t u32Confirmation);
-    void FlowDeleted(uint32_t u32SFID, uint32_t u32Confirmation, bool bByStation);
+    // The flow has another connection with the station that the modem has come to.
+    void FlowMoved(uint32_t u32SFID, uint32_t u32CID);
     // From now on the flow's allocations have so many bytes; 0: as a packet needs it.
     // No management message says so: the packets themselves do.
     void FlowGranted(uint32_t u32SFID, uint32_t u32Bytes);
 
   private:
-    using Step = std::function<void()>;
     enum class Protection : uint8_t { None, Tuple, Attribute };
     static constexpr uint32_t u32FirstTransport = 1024; // above the primary CIDs
     static constexpr bool bUp = true;
@@ -121,6 +137,8 @@ class Signalling {
     // Puts a step of a dialogue behind those that wait.
     void Later(Step pfnStep);
     void NextStep();
+    bool Said(uint64_t u64Steps) const;
+    void LookWhenSaid(uint64_t u64Steps);
     // Over the air in the present frame.
     void Say(uint32_t u32Code, bool bUplink, uint32_t u32CID, BitWriter stBody,
              Protection eProtection = Protection::None);
@@ -148,6 +166,8 @@ class Signalling {
     void SendCode(const CodeGroup &stGroup, RangingKind eKind);
     void AnswerCode(RangingStatus eStatus);
     void AnswerRNGREQ(RangingPurpose ePurpose, uint32_t u32Optimisation);
+    // The answer for a modem that is known, and what belongs to it.
+    void Readmit(RangingPurpose ePurpose, uint32_t u32Optimisation);
     void AdjustOpenLoop(const Station &stStation);
 
     void MakeConnections();
@@ -186,6 +206,13 @@ class Signalling {
     bool m_bRangingWaits = false;
     bool m_bReportWaits = false;
     std::deque<Step> m_apfnSteps;
+    uint64_t m_u64Steps = 0; // planned so far
+    struct Waiting {
+        uint64_t u64Steps;
+        Step pfnAction;
+    };
+    std::deque<Waiting> m_astWaiting; // for what has been planned to be said
+    uint32_t m_u32Life = 0;           // counts resets
     ModemTime m_iLastStep = -i64Frame;
     Timer m_stStep;
     Timer m_stMaps;
@@ -207,8 +234,7 @@ class Signalling {
     bool m_bToldToIdle = false;
     const Station *m_pstFormer = nullptr; // the station of idle mode's beginning
     const Station *m_pstTarget = nullptr; // of the handover under way
-    uint32_t m_u32ModemTransaction = 0;
-    uint32_t m_u32StationTransaction = 0;
+    uint32_t m_u32StationTransactions = 0;
 };
 
 #endif

@@ -6,12 +6,15 @@
 #include <cstdint>
 
 #include "scenario/Scenario.h"
+#include "time/ModemTime.h"
 #include "time/Scheduler.h"
 
 // Of an uplink burst, 16-QAM 1/2.
 inline constexpr uint32_t u32SlotBytes = 12;
 // Header and checksum of a MAC PDU.
 inline constexpr uint32_t u32PDUOverhead = 10;
+// Between two grants, or polls, that a station gives without being asked.
+inline constexpr ModemTime iGrantInterval = 20 * i64Millisecond;
 
 // Since the modem was started.
 struct TrafficTotals {

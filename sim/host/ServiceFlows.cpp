@@ -34,15 +34,15 @@ constexpr uint32_t u32AllSets =
 constexpr uint32_t u32HighestPriority = 7;
 constexpr uint32_t u32HighestCS = 15;
 
-// Connection IDs begin here in either direction; a station hands them out once.
+// Connection IDs begin here in either direction; a station hands them out one after the other.
 constexpr uint32_t au32FirstCID[] = {8192, 4096}; // downlink, uplink
+constexpr uint32_t u32CIDs = 4096;
 
 constexpr Field astRates[] = {SFParamSet::u32MaxSustainedTrafficRate,
                               SFParamSet::u32MinReservedTrafficRate, SFParamSet::u32ToleratedJitter,
                               SFParamSet::u32MaximumLatency};
 
-// Unsolicited grants come every 20 ms.
-constexpr uint64_t u64GrantsPerSecond = 50;
+constexpr uint64_t u64GrantsPerSecond = i64Second / iGrantInterval;
 // A grant is an allocation, which is counted in 16 bits: whole slots.
 constexpr uint32_t u32LargestGrant = UINT16_MAX / u32SlotBytes * u32SlotBytes;
 
@@ -81,8 +81,23 @@ ByteView LeadingSet(ByteView stRecord) {
 
 // What the modem and the station say of a flow.
 FlowParameters SaidOf(const Flow &stFlow) {
-    return {stFlow.u32Direction == ServiceFlowRecord::Uplink, stFlow.u32SFID, stFlow.u32CID,
-            LeadingSet(stFlow.stRecord.View())};
+    return {stFlow.u32Direction == ServiceFlowRecord::Uplink,
+            stFlow.u32SFID,
+            stFlow.u32CID,
+            LeadingSet(stFlow.stRecord.View()),
+            {}};
+}
+
+// Says in all of a flow's sets which connection it has.
+void PutCID(Flow &stFlow, uint32_t u32CID) {
+    const ByteSpan stRecord = stFlow.stRecord.Span();
+    stFlow.u32CID = u32CID;
+    Put(stRecord, ServiceFlowRecord::u16CID, u32CID);
+    for (const ServiceFlowRecord::SetOfBit &stRow : ServiceFlowRecord::Sets) {
+        if (Present(stRecord, stRow.u32Offset)) {
+            Put(stRecord, SFParamSet::u16CID, u32CID, stRow.u32Offset);
+        }
+    }
 }
 
 // Bits a second that the station has to keep free for a set.
@@ -202,6 +217,46 @@ Confirmation ChangeRule(ByteSpan stSet, ByteView stRule, uint32_t u32Index) {
     return Accepted;
 }
 
+ByteView RuleOf(ByteView stSet, uint32_t u32Place) {
+    return stSet.From(SFParamSet::astClassifierRule + u32Place * ClassifierRule::Size,
+                      ClassifierRule::Size);
+}
+
+// The rules of a flow that is added: asked for with what they match, answered with the numbers
+// that the station gives them, which are their places, from 1 on.
+std::vector<FlowRule> AddedRules(ByteView stSet, bool bNumbered) {
+    std::vector<FlowRule> astRules;
+    const uint32_t u32Count =
+        std::min(Get(stSet, SFParamSet::u8NumClassifierRules), SFParamSet::MaxClassifierRules);
+    for (uint32_t i = 0; i < u32Count; ++i) {
+        astRules.push_back(bNumbered ? FlowRule{ClassifierRule::AddRule, i + 1, {}}
+                                     : FlowRule{ClassifierRule::AddRule, 0, RuleOf(stSet, i)});
+    }
+    return astRules;
+}
+
+// What a change request's set does with the rules of a flow.
+std::vector<FlowRule> ChangedRules(ByteView stChange) {
+    using namespace ClassifierRule;
+    std::vector<FlowRule> astRules;
+    for (uint32_t i = 0; i < SFParamSet::MaxClassifierRules && stChange.u32Length != 0; ++i) {
+        const ByteView stRule = RuleOf(stChange, i);
+        const uint32_t u32Action = Get(stRule, u8ClassifierAction);
+        if (u32Action == DeleteRule) {
+            astRules.push_back({u32Action, i + 1, {}});
+        } else if (HasContent(stRule)) {
+            astRules.push_back({u32Action, u32Action == AddRule ? 0 : i + 1, stRule});
+        }
+    }
+    return astRules;
+}
+
+// The modem's transaction as the host has numbered it; the number stands at the same place in
+// all requests.
+Transaction TransactionOf(ByteView stRequest) {
+    return Signalling::ModemTransaction(Get(stRequest, ServiceFlowRecord::u16TID));
+}
+
 // Takes over what the set of a change request states: a parameter of 0 stays as it
 // was, except that a scheduling type brings all its rates with it.
 Confirmation ChangeSet(ByteSpan stSet, ByteView stChange) {
@@ -241,13 +296,25 @@ class ServiceFlows : public Subsystem {
 
   private:
     void ReadProvisioned(const Section &stSection);
-    // Runs pfnFinish when the station has answered, unless the modem is reset.
-    int32_t Ask(const Request &stRequest, uint32_t u32RecordSize,
-                void (ServiceFlows::*pfnFinish)(ByteView stRequest));
-    void FinishAdd(ByteView stRequest);
-    void FinishChange(ByteView stRequest);
-    void FinishDelete(ByteView stRequest) { Delete(stRequest, false); }
-    void Delete(ByteView stRequest, bool bByStation);
+    // Asks the station over the air, false when there is nothing to ask for; finishes the request
+    // when it has had the time to answer, unless the modem is reset.
+    using Asking = bool (ServiceFlows::*)(ByteView stRequest);
+    using Finishing = void (ServiceFlows::*)(ByteView stRequest, bool bAsked);
+    int32_t Ask(const Request &stRequest, uint32_t u32RecordSize, Asking pfnAsk,
+                Finishing pfnFinish);
+    bool AskAdd(ByteView stRequest);
+    bool AskChange(ByteView stRequest);
+    bool AskDelete(ByteView stRequest);
+    void FinishAdd(ByteView stRequest, bool bAsked);
+    void FinishChange(ByteView stRequest, bool bAsked);
+    void FinishDelete(ByteView stRequest, bool bAsked);
+    void DeleteByStation(uint32_t u32SFID);
+    void Delete(ByteView stRequest, const Transaction &stTransaction, bool bAsked);
+    // The flow that a change request means; null when there is none.
+    Flow *FlowToChange(ByteView stRequest);
+    uint32_t NextCID(uint32_t u32Direction);
+    // The modem is with another station, which gives all flows new connections.
+    void Reconnect();
     Flow *FlowOfConnection(uint32_t u32Connection);
     int32_t ChangeGrant(const Request &stRequest);
     Confirmation JudgeAdd(ByteView stRequest) const;
@@ -271,8 +338,8 @@ class ServiceFlows : public Subsystem {
 
     std::deque<Flow> m_astFlows;
     uint32_t m_u32NextSFID = 1;
-    uint32_t m_au32NextCID[2]{};
-    uint32_t m_u32Life = 0; // counts resets
+    uint32_t m_au32NextCID[2]{}; // by direction, from the first one on
+    uint32_t m_u32Life = 0;      // counts resets
     Timer m_stProvisioning;
 };
 
@@ -297,26 +364,22 @@ ServiceFlows::ServiceFlows(Modem &stModem) : m_stModem(stModem), m_stProvisionin
         ReadProvisioned(stSection);
     }
     stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_DSA, [this](const Request &stRequest) {
-        return Ask(stRequest, ServiceFlowRecord::ShortSize, &ServiceFlows::FinishAdd);
+        return Ask(stRequest, ServiceFlowRecord::ShortSize, &ServiceFlows::AskAdd,
+                   &ServiceFlows::FinishAdd);
     });
     stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_DSC, [this](const Request &stRequest) {
-        return Ask(stRequest, ServiceFlowRecord::Size, &ServiceFlows::FinishChange);
+        return Ask(stRequest, ServiceFlowRecord::Size, &ServiceFlows::AskChange,
+                   &ServiceFlows::FinishChange);
     });
     stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_DSD, [this](const Request &stRequest) {
-        return Ask(stRequest, DeleteFlowRequest::Size, &ServiceFlows::FinishDelete);
+        return Ask(stRequest, DeleteFlowRequest::Size, &ServiceFlows::AskDelete,
+                   &ServiceFlows::FinishDelete);
     });
     stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_ERTPS_CHANGE,
                [this](const Request &stRequest) { return ChangeGrant(stRequest); });
     stModem.OnEvent("flow-deleted", [this](const Section &stSection) {
         const auto u32SFID = static_cast<uint32_t>(stSection.Integer("sfid", 1, UINT32_MAX));
-        return [this, u32SFID] {
-            Record<DeleteFlowRequest::Size> stRequest;
-            Put(stRequest.Span(), DeleteFlowRequest::u8MsgCode, ServiceFlowRecord::DeleteRequest);
-            Put(stRequest.Span(), DeleteFlowRequest::u32SFID, u32SFID);
-            if (FlowWith(&Flow::u32SFID, u32SFID) != nullptr) {
-                Delete(stRequest.View(), true);
-            }
-        };
+        return [this, u32SFID] { DeleteByStation(u32SFID); };
     });
     stModem.TheMIBs().Provide(MIBAttribute::ActiveSFIDs, [this] { return ActiveSFIDs(); });
     stModem.OnTransportCIDs([this] {
@@ -326,6 +389,7 @@ ServiceFlows::ServiceFlows(Modem &stModem) : m_stModem(stModem), m_stProvisionin
         return au32CIDs;
     });
     stModem.TheLink().Observe([this](const LinkChange &stChange) { OnLinkChange(stChange); });
+    stModem.TheLink().OnMove([this] { Reconnect(); });
 }
 
 void ServiceFlows::ReadProvisioned(const Section &stSection) {
@@ -355,7 +419,7 @@ void ServiceFlows::Start() {
     m_stProvisioning.Stop();
     m_astFlows.clear();
     m_u32NextSFID = 1;
-    std::copy(std::begin(au32FirstCID), std::end(au32FirstCID), m_au32NextCID);
+    std::fill(std::begin(m_au32NextCID), std::end(m_au32NextCID), 0U);
     // A link that is up from the start has everything that belongs to it.
     if (m_stModem.TheLink().Registered()) {
         Provision(false);
@@ -369,7 +433,24 @@ void ServiceFlows::OnLinkChange(const LinkChange &stChange) {
     } else if (stChange.eBefore == LinkState::Entering && stChange.eAfter == LinkState::LinkUp &&
                !m_astProvisioned.empty()) {
         m_stProvisioning.Start(m_iProvisioningTime, [this] { Provision(true); });
+    } else if (stChange.eBefore == LinkState::LeavingIdle && stChange.eAfter == LinkState::LinkUp) {
+        Reconnect();
     }
+}
+
+void ServiceFlows::Reconnect() {
+    for (Flow &stFlow : m_astFlows) {
+        PutCID(stFlow, NextCID(stFlow.u32Direction));
+        m_stModem.TheSignalling().FlowMoved(stFlow.u32SFID, stFlow.u32CID);
+    }
+}
+
+uint32_t ServiceFlows::NextCID(uint32_t u32Direction) {
+    uint32_t u32CID = 0;
+    do {
+        u32CID = au32FirstCID[u32Direction] + m_au32NextCID[u32Direction]++ % u32CIDs;
+    } while (FlowWith(&Flow::u32CID, u32CID) != nullptr);
+    return u32CID;
 }
 
 void ServiceFlows::Provision(bool bOverTheAir) {
@@ -380,7 +461,12 @@ void ServiceFlows::Provision(bool bOverTheAir) {
         if (Admit(stFlow) == Accepted) {
             m_astFlows.push_back(stFlow);
             if (bOverTheAir) {
-                stSignalling.FlowAdded(SaidOf(stFlow), Accepted, true);
+                const Transaction stTransaction = stSignalling.StationTransaction();
+                FlowParameters stSaid = SaidOf(stFlow);
+                stSaid.astRules = AddedRules(stSaid.stSet, false);
+                stSignalling.FlowAsked(FlowDialogue::Add, stTransaction, stSaid);
+                stSignalling.FlowAnswered(FlowDialogue::Add, stTransaction, SaidOf(stFlow),
+                                          Accepted);
             } else {
                 stSignalling.FlowThere(SaidOf(stFlow));
             }
@@ -389,13 +475,16 @@ void ServiceFlows::Provision(bool bOverTheAir) {
     m_stModem.History().iProvisioning = m_astProvisioned.empty() ? 0 : m_iProvisioningTime;
 }
 
-int32_t ServiceFlows::Ask(const Request &stRequest, uint32_t u32RecordSize,
-                          void (ServiceFlows::*pfnFinish)(ByteView stRequest)) {
-    const ByteView stPayload = stRequest.stPayload;
-    const std::vector<uint8_t> aucRequest(stPayload.pucData, stPayload.pucData + u32RecordSize);
-    const auto Finish = [this, aucRequest, pfnFinish, u32Life = m_u32Life] {
+int32_t ServiceFlows::Ask(const Request &stRequest, uint32_t u32RecordSize, Asking pfnAsk,
+                          Finishing pfnFinish) {
+    const ByteView stRecord = stRequest.stPayload.From(0, u32RecordSize);
+    const std::vector<uint8_t> aucRequest(stRecord.pucData, stRecord.pucData + u32RecordSize);
+    const bool bAsked = LinkUp() && (this->*pfnAsk)(stRecord);
+    const auto Finish = [this, aucRequest, pfnAsk, pfnFinish, bAsked, u32Life = m_u32Life] {
         if (u32Life == m_u32Life) {
-            (this->*pfnFinish)({aucRequest.data(), static_cast<uint32_t>(aucRequest.size())});
+            const ByteView stAgain{aucRequest.data(), static_cast<uint32_t>(aucRequest.size())};
+            // What was not there to be asked for may be there by now.
+            (this->*pfnFinish)(stAgain, LinkUp() && (bAsked || (this->*pfnAsk)(stAgain)));
         }
     };
     // Without a link there is nobody to ask.
@@ -404,19 +493,18 @@ int32_t ServiceFlows::Ask(const Request &stRequest, uint32_t u32RecordSize,
 }
 
 Flow ServiceFlows::NewFlow(uint32_t u32Direction, uint32_t u32Sets, ByteView stSet) {
-    Flow stFlow{m_u32NextSFID++, m_au32NextCID[u32Direction]++, u32Direction, {}};
+    Flow stFlow{m_u32NextSFID++, 0, u32Direction, {}};
     Put(stFlow.stRecord.Span(), ServiceFlowRecord::u8Direction, u32Direction);
-    Put(stFlow.stRecord.Span(), ServiceFlowRecord::u16CID, stFlow.u32CID);
     for (const ServiceFlowRecord::SetOfBit &stRow : ServiceFlowRecord::Sets) {
         if ((u32Sets & stRow.u32Bit) != 0) {
             const ByteSpan stTo = stFlow.stRecord.Span().From(stRow.u32Offset, SFParamSet::Size);
             PutBytes(stTo, 0, stSet);
             Put(stTo, SFParamSet::u32SFID, stFlow.u32SFID);
-            Put(stTo, SFParamSet::u16CID, stFlow.u32CID);
             Put(stTo, SFParamSet::u8QoSParamSetType, u32Sets);
             Put(stTo, SFParamSet::u8SetPresent, 1);
         }
     }
+    PutCID(stFlow, NextCID(u32Direction));
     return stFlow;
 }
 
@@ -465,11 +553,20 @@ Confirmation ServiceFlows::JudgeAdd(ByteView stRequest) const {
     return JudgeSet(stSet);
 }
 
-void ServiceFlows::FinishAdd(ByteView stRequest) {
+bool ServiceFlows::AskAdd(ByteView stRequest) {
     const ByteView stSet = stRequest.From(ServiceFlowRecord::stProvisionedSet, SFParamSet::Size);
     const bool bUplink =
         Get(stRequest, ServiceFlowRecord::u8Direction) == ServiceFlowRecord::Uplink;
-    FlowParameters stSaid{bUplink, 0, 0, stSet};
+    m_stModem.TheSignalling().FlowAsked(FlowDialogue::Add, TransactionOf(stRequest),
+                                        {bUplink, 0, 0, stSet, AddedRules(stSet, false)});
+    return true;
+}
+
+void ServiceFlows::FinishAdd(ByteView stRequest, bool bAsked) {
+    const ByteView stSet = stRequest.From(ServiceFlowRecord::stProvisionedSet, SFParamSet::Size);
+    const bool bUplink =
+        Get(stRequest, ServiceFlowRecord::u8Direction) == ServiceFlowRecord::Uplink;
+    FlowParameters stSaid{bUplink, 0, 0, stSet, AddedRules(stSet, true)};
     Confirmation eCode = JudgeAdd(stRequest);
     FlowBytes stAnswer;
     PutBytes(stAnswer.Span(), 0, stRequest);
@@ -488,8 +585,9 @@ void ServiceFlows::FinishAdd(ByteView stRequest) {
             --m_au32NextCID[u32Direction];
         }
     }
-    if (LinkUp()) {
-        m_stModem.TheSignalling().FlowAdded(stSaid, eCode, false);
+    if (bAsked) {
+        m_stModem.TheSignalling().FlowAnswered(FlowDialogue::Add, TransactionOf(stRequest), stSaid,
+                                               eCode);
     }
     Tell(SUBTYPE_DSA, stRequest, stAnswer, eCode);
 }
@@ -539,31 +637,83 @@ Confirmation ServiceFlows::Change(ByteView stRequest, Flow *pstFlow) const {
     return Admit(*pstFlow);
 }
 
-void ServiceFlows::FinishChange(ByteView stRequest) {
+// A request without a set has only its CID to tell the flow by.
+Flow *ServiceFlows::FlowToChange(ByteView stRequest) {
     const ByteView stLeading = LeadingSet(stRequest);
-    // A request without a set has only its CID to tell the flow by.
-    Flow *pstFlow = stLeading.u32Length != 0
-                        ? FlowWith(&Flow::u32SFID, Get(stLeading, SFParamSet::u32SFID))
-                        : FlowWith(&Flow::u32CID, Get(stRequest, ServiceFlowRecord::u16CID));
+    return stLeading.u32Length != 0
+               ? FlowWith(&Flow::u32SFID, Get(stLeading, SFParamSet::u32SFID))
+               : FlowWith(&Flow::u32CID, Get(stRequest, ServiceFlowRecord::u16CID));
+}
+
+// The flow as it would be afterwards, and what is to be done with its rules.
+bool ServiceFlows::AskChange(ByteView stRequest) {
+    const Flow *pstFlow = FlowToChange(stRequest);
+    if (pstFlow == nullptr) {
+        return false;
+    }
+    Flow stChanged = *pstFlow;
+    (void)Change(stRequest, &stChanged);
+    FlowParameters stSaid = SaidOf(stChanged);
+    stSaid.astRules = ChangedRules(LeadingSet(stRequest));
+    m_stModem.TheSignalling().FlowAsked(FlowDialogue::Change, TransactionOf(stRequest), stSaid);
+    return true;
+}
+
+void ServiceFlows::FinishChange(ByteView stRequest, bool bAsked) {
+    Signalling &stSignalling = m_stModem.TheSignalling();
+    Flow *pstFlow = FlowToChange(stRequest);
     FlowBytes stAnswer;
     PutBytes(stAnswer.Span(), 0, stRequest);
     Confirmation eCode = LinkUp() ? FlowNotFound : RejectOther;
+    Flow stChanged{};
     if (LinkUp() && pstFlow != nullptr) {
-        Flow stChanged = *pstFlow;
+        stChanged = *pstFlow;
         eCode = Change(stRequest, &stChanged);
         if (eCode == Accepted) {
             *pstFlow = stChanged;
             stAnswer = stChanged.stRecord;
             if (stChanged.u64GrantedRate == 0) {
-                m_stModem.TheSignalling().FlowGranted(stChanged.u32SFID, 0);
+                stSignalling.FlowGranted(stChanged.u32SFID, 0);
             }
         }
-        m_stModem.TheSignalling().FlowChanged(SaidOf(stChanged), eCode);
+    }
+    if (bAsked) {
+        stSignalling.FlowAnswered(FlowDialogue::Change, TransactionOf(stRequest), SaidOf(stChanged),
+                                  eCode);
     }
     Tell(SUBTYPE_DSC, stRequest, stAnswer, eCode);
 }
 
-void ServiceFlows::Delete(ByteView stRequest, bool bByStation) {
+bool ServiceFlows::AskDelete(ByteView stRequest) {
+    const uint32_t u32SFID = Get(stRequest, DeleteFlowRequest::u32SFID);
+    if (FlowWith(&Flow::u32SFID, u32SFID) == nullptr) {
+        return false;
+    }
+    m_stModem.TheSignalling().FlowAsked(FlowDialogue::Delete, TransactionOf(stRequest),
+                                        {false, u32SFID, 0, {}, {}});
+    return true;
+}
+
+void ServiceFlows::FinishDelete(ByteView stRequest, bool bAsked) {
+    Delete(stRequest, TransactionOf(stRequest), bAsked);
+}
+
+void ServiceFlows::DeleteByStation(uint32_t u32SFID) {
+    if (FlowWith(&Flow::u32SFID, u32SFID) == nullptr) {
+        return;
+    }
+    Signalling &stSignalling = m_stModem.TheSignalling();
+    const Transaction stTransaction = stSignalling.StationTransaction();
+    Record<DeleteFlowRequest::Size> stRequest;
+    Put(stRequest.Span(), DeleteFlowRequest::u8MsgCode, ServiceFlowRecord::DeleteRequest);
+    Put(stRequest.Span(), DeleteFlowRequest::u32SFID, u32SFID);
+    if (LinkUp()) {
+        stSignalling.FlowAsked(FlowDialogue::Delete, stTransaction, {false, u32SFID, 0, {}, {}});
+    }
+    Delete(stRequest.View(), stTransaction, LinkUp());
+}
+
+void ServiceFlows::Delete(ByteView stRequest, const Transaction &stTransaction, bool bAsked) {
     const uint32_t u32SFID = Get(stRequest, DeleteFlowRequest::u32SFID);
     const Flow *pstFlow = FlowWith(&Flow::u32SFID, u32SFID);
     Confirmation eCode = LinkUp() ? FlowNotFound : RejectOther;
@@ -572,7 +722,10 @@ void ServiceFlows::Delete(ByteView stRequest, bool bByStation) {
         eCode = Accepted;
         stAnswer = pstFlow->stRecord;
         Delete(pstFlow);
-        m_stModem.TheSignalling().FlowDeleted(u32SFID, eCode, bByStation);
+    }
+    if (bAsked) {
+        m_stModem.TheSignalling().FlowAnswered(FlowDialogue::Delete, stTransaction,
+                                               {false, u32SFID, 0, {}, {}}, eCode);
     }
     Put(stAnswer.Span(), SFParamSet::u32SFID, u32SFID, ServiceFlowRecord::stProvisionedSet);
     Tell(SUBTYPE_DSD, stRequest, stAnswer, eCode);
@@ -624,15 +777,14 @@ int32_t ServiceFlows::ChangeGrant(const Request &stRequest) {
     return 0;
 }
 
-// Sends the record as the answer in the request's transaction, which stands at the
-// same place in all requests.
+// Sends the record as the answer in the request's transaction, once all of it is over.
 void ServiceFlows::Tell(uint32_t u32SubType, ByteView stRequest, FlowBytes stRecord,
                         Confirmation eCode) {
     const ByteSpan stTo = stRecord.Span();
     Put(stTo, ServiceFlowRecord::u8MsgCode, Get(stRequest, ServiceFlowRecord::u8MsgCode));
     Put(stTo, ServiceFlowRecord::u16TID, Get(stRequest, ServiceFlowRecord::u16TID));
     Put(stTo, ServiceFlowRecord::u8ConfirmationCode, eCode);
-    m_stModem.Tell(TYPE_SERVICE_FLOW, u32SubType, stTo);
+    m_stModem.TellOnceSaid(TYPE_SERVICE_FLOW, u32SubType, stTo);
 }
 
 std::vector<uint8_t> ServiceFlows::ActiveSFIDs() const {

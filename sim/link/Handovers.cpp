@@ -199,8 +199,9 @@ void Handovers::Finish(bool bSuccess) {
     } else {
         m_aiBarredUntil[&stTarget] = m_stModem.Now() + m_iRetryAfter;
     }
-    m_stModem.Tell(TYPE_HANDOVER, SUBTYPE_HANDOVER_IND,
-                   stIndication.View().From(0, Handover::au8VendorSpecificData + u32Vendor));
+    m_stModem.TellOnceSaid(
+        TYPE_HANDOVER, SUBTYPE_HANDOVER_IND,
+        stIndication.View().From(0, Handover::au8VendorSpecificData + u32Vendor));
 }
 
 } // namespace

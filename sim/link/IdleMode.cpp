@@ -189,8 +189,8 @@ void IdleMode::TellIndication(uint32_t u32StateWord) {
     Put(stTo, IdleIndication::u32PreambleID, stStation.u32Preamble);
     Put(stTo, IdleIndication::s32VendorDataLength, u32Vendor);
     PutBytes(stTo, IdleIndication::aucVendorData, {stStation.aucVendorData.data(), u32Vendor});
-    m_stModem.Tell(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE,
-                   stIndication.View().From(0, IdleIndication::aucVendorData + u32Vendor));
+    m_stModem.TellOnceSaid(TYPE_IDLE_MODE, SUBTYPE_IDLE_MODE,
+                           stIndication.View().From(0, IdleIndication::aucVendorData + u32Vendor));
 }
 
 } // namespace

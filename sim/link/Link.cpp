@@ -135,6 +135,7 @@ void Link::RegisterEvents() {
 
 void Link::Start() {
     m_bSleeping = false;
+    m_u32Reports = 0;
     m_stAt.pstServing = m_pstStationAtStart;
     SetState(m_eStateAtStart);
 }
@@ -180,8 +181,8 @@ void Link::MoveTo(Station &stStation) {
 }
 
 void Link::Leave(uint32_t u32Reason, LinkState eState, uint32_t u32DREGAction) {
-    TellEntryStatus(u32Reason, u32DREGAction);
     m_stModem.TheSignalling().Leaving(u32Reason, u32DREGAction);
+    ReportEntryStatus(u32Reason, u32DREGAction);
     SetState(eState);
 }
 
@@ -239,7 +240,7 @@ void Link::FinishSync(uint32_t u32Frequency, uint32_t u32Bandwidth, uint32_t u32
     }
     m_stAt.pstServing = pstFound;
     SetState(Synchronised);
-    TellSyncStatus(LinkReason::LinkUpAchieved);
+    ReportSyncStatus(LinkReason::LinkUpAchieved);
 }
 
 int32_t Link::Enter(std::optional<uint32_t> u32NSPID) {
@@ -253,8 +254,8 @@ int32_t Link::Enter(std::optional<uint32_t> u32NSPID) {
     m_u32WantedNSP = u32NSPID;
     m_u32StagesDone = 0;
     m_aiEntryTimes[0] = m_stModem.Now();
-    SetState(Entering);
     TellEntryStatus(LinkReason::NetworkEntryInProgress);
+    SetState(Entering);
     NextStage();
     return 0;
 }
@@ -296,7 +297,7 @@ void Link::FinishStage() {
         return;
     }
     SetState(LinkUp);
-    TellEntryStatus(LinkReason::LinkUpAchieved);
+    ReportEntryStatus(LinkReason::LinkUpAchieved);
 }
 
 int32_t Link::SyncDown() {
@@ -305,7 +306,7 @@ int32_t Link::SyncDown() {
     }
     if (IsAnyOf({Synchronising, Synchronised})) {
         SetState(Unsynchronised);
-        TellSyncStatus(LinkReason::HostInitiatedSyncDown);
+        ReportSyncStatus(LinkReason::HostInitiatedSyncDown);
     } else {
         TellSyncStatus(StatusReason());
     }
@@ -326,8 +327,8 @@ void Link::ReceiveDREG(uint32_t u32Action) {
         return;
     }
     if (u32Action == u32DREGReturnToNormal || u32Action == u32DREGGoIdle) {
-        TellEntryStatus(LinkReason::DREGReceived, u32Action);
         m_stModem.TheSignalling().DREGReceived(u32Action);
+        ReportEntryStatus(LinkReason::DREGReceived, u32Action);
         if (u32Action == u32DREGGoIdle && m_stAt.eState == LinkUp && m_pfnIdleOrder) {
             m_pfnIdleOrder();
         }
@@ -364,7 +365,7 @@ uint32_t Link::StatusReason() const {
     return LinkReason::ShutdownReceivedCommand;
 }
 
-void Link::TellSyncStatus(uint32_t u32Reason) {
+std::vector<uint8_t> Link::SyncStatusOf(uint32_t u32Reason) const {
     Record<SyncStatus::Size> stAnswer;
     Put(stAnswer.Span(), SyncStatus::u32Status, u32Reason);
     if (m_stAt.pstServing != nullptr) {
@@ -384,7 +385,7 @@ void Link::TellSyncStatus(uint32_t u32Reason) {
         Put(stTo, SyncStatus::u32DCDChangeCount, m_stAt.pstServing->u32DCDChangeCount);
         Put(stTo, SyncStatus::u32NSPChangeCount, m_stAt.pstServing->u32NSPChangeCount);
     }
-    m_stModem.Tell(TYPE_NETWORK_ENTRY, SUBTYPE_SYNC_STATUS_RESP, stAnswer.View());
+    return {std::begin(stAnswer.aucBytes), std::end(stAnswer.aucBytes)};
 }
 
 void Link::PutBaseInformation(ByteSpan stTo) const {
@@ -406,7 +407,7 @@ void Link::PutBaseInformation(ByteSpan stTo) const {
         m_stAt.pstServing->u32Frequency / u32kHzPerMHz);
 }
 
-void Link::TellEntryStatus(uint32_t u32Reason, uint32_t u32DREGAction) {
+std::vector<uint8_t> Link::EntryStatusOf(uint32_t u32Reason, uint32_t u32DREGAction) const {
     Record<NetworkEntryStatus::aucVendorData + UINT8_MAX> stAnswer;
     const ByteSpan stTo = stAnswer.Span();
     uint32_t u32Length = NetworkEntryStatus::aucVendorData;
@@ -426,6 +427,37 @@ void Link::TellEntryStatus(uint32_t u32Reason, uint32_t u32DREGAction) {
                  {m_stAt.pstServing->aucVendorData.data(), u32Vendor});
         u32Length += u32Vendor;
     }
-    m_stModem.Tell(TYPE_NETWORK_ENTRY, SUBTYPE_NETWORK_ENTRY_STATUS_RESP,
-                   stAnswer.View().From(0, u32Length));
+    return {stAnswer.aucBytes, stAnswer.aucBytes + u32Length};
+}
+
+void Link::TellSyncStatus(uint32_t u32Reason) {
+    Tell(SUBTYPE_SYNC_STATUS_RESP, SyncStatusOf(u32Reason), m_u32Reports != 0);
+}
+
+void Link::TellEntryStatus(uint32_t u32Reason) {
+    Tell(SUBTYPE_NETWORK_ENTRY_STATUS_RESP, EntryStatusOf(u32Reason, 0), m_u32Reports != 0);
+}
+
+void Link::ReportSyncStatus(uint32_t u32Reason) {
+    Tell(SUBTYPE_SYNC_STATUS_RESP, SyncStatusOf(u32Reason), true);
+}
+
+void Link::ReportEntryStatus(uint32_t u32Reason, uint32_t u32DREGAction) {
+    Tell(SUBTYPE_NETWORK_ENTRY_STATUS_RESP, EntryStatusOf(u32Reason, u32DREGAction), true);
+}
+
+void Link::Tell(uint32_t u32SubType, const std::vector<uint8_t> &aucStatus, bool bOnceSaid) {
+    const auto Send = [this, u32SubType, aucStatus] {
+        m_stModem.Tell(TYPE_NETWORK_ENTRY, u32SubType,
+                       {aucStatus.data(), static_cast<uint32_t>(aucStatus.size())});
+    };
+    if (!bOnceSaid) {
+        Send();
+        return;
+    }
+    ++m_u32Reports;
+    m_stModem.TheSignalling().OnceSaid([this, Send] {
+        --m_u32Reports;
+        Send();
+    });
 }

@@ -44,7 +44,7 @@ class Link : public Subsystem {
     // The reason that a network entry status request is answered with.
     uint32_t StatusReason() const;
     // Answers with the network entry status.
-    void TellEntryStatus(uint32_t u32Reason, uint32_t u32DREGAction = 0);
+    void TellEntryStatus(uint32_t u32Reason);
     // Answers with the sync status, with the details of the serving station.
     void TellSyncStatus(uint32_t u32Reason);
     // Out of shutdown, with the indication.
@@ -64,6 +64,12 @@ class Link : public Subsystem {
     void FinishStage();
     uint32_t StageResult(uint32_t u32Failure) const;
     void Supervise();
+    // The same for what has happened on the air, once it has.
+    void ReportSyncStatus(uint32_t u32Reason);
+    void ReportEntryStatus(uint32_t u32Reason, uint32_t u32DREGAction = 0);
+    std::vector<uint8_t> SyncStatusOf(uint32_t u32Reason) const;
+    std::vector<uint8_t> EntryStatusOf(uint32_t u32Reason, uint32_t u32DREGAction) const;
+    void Tell(uint32_t u32SubType, const std::vector<uint8_t> &aucStatus, bool bOnceSaid);
     void PutBaseInformation(ByteSpan stTo) const;
     void ReceiveDREG(uint32_t u32Action);
     void RegisterRequests();
@@ -82,6 +88,7 @@ class Link : public Subsystem {
     std::function<void()> m_pfnIdleOrder;
 
     bool m_bSleeping = false;
+    uint32_t m_u32Reports = 0; // that wait for the air; answers stay behind them
     std::optional<uint32_t> m_u32WantedNSP;
     uint32_t m_u32StagesDone = 0;
     std::array<ModemTime, u32EntryStages + 1> m_aiEntryTimes{};

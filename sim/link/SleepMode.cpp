@@ -167,8 +167,8 @@ int32_t SleepClasses::Handle(ByteView stRequest) {
             }
         }
     }
-    FollowClasses();
     TellClasses(apstDone);
+    m_stModem.TheSignalling().OnceSaid([this] { FollowClasses(); });
     return 0;
 }
 
@@ -293,7 +293,7 @@ void SleepClasses::TellClasses(const std::vector<Class *> &apstClasses) {
         PutBytes(stIndication.Span(), u32Offset, pstClass->stDefinition.View());
         u32Offset += PSCDefinition::Size;
     }
-    m_stModem.Tell(TYPE_SLEEP_MODE, SUBTYPE_SLEEP_MODE_IND, stIndication.View());
+    m_stModem.TellOnceSaid(TYPE_SLEEP_MODE, SUBTYPE_SLEEP_MODE_IND, stIndication.View());
 }
 
 } // namespace

@@ -173,6 +173,13 @@ void Modem::Tell(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload) {
     TellBytes(std::move(aucMessage));
 }
 
+void Modem::TellOnceSaid(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload) {
+    const MessageBytes aucPayload(stPayload.pucData, stPayload.pucData + stPayload.u32Length);
+    m_stSignalling.OnceSaid([this, u32Type, u32SubType, aucPayload] {
+        Tell(u32Type, u32SubType, {aucPayload.data(), static_cast<uint32_t>(aucPayload.size())});
+    });
+}
+
 void Modem::TellBytes(MessageBytes aucMessage) {
     const uint32_t u32Answers = m_stScheduler.Answering() ? 1 : 0;
     m_u32Untold += u32Answers;

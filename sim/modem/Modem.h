@@ -156,6 +156,8 @@ class Modem {
     // Sends a message to the client, after the time that the modem takes for any
     // answer. Messages keep their order.
     void Tell(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload = {});
+    // The same of what happens on the air: when all that belongs to it has been said there.
+    void TellOnceSaid(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload);
     // The same with a message that has its header already.
     void TellBytes(MessageBytes aucMessage);
     // The firmware stands still until the next restart: only chipset control is heard

@@ -31,6 +31,14 @@ preamble = 35
 rssi = -71
 cinr = 16
 dcd-change-count = 9
+ip-subnet = 1
+[[station]]
+bsid = "00 12 0A 01 02 05"
+frequency = 3490500
+bandwidth = 7000
+preamble = 64
+rssi = -80
+cinr = 8
 [trace]
 on = true
 [signalling]
@@ -189,6 +197,11 @@ void UseFlows(TracedModem &stTraced) {
     Put(stSet, SFParamSet::u8QoSParamSetType, 7);
     Put(stSet, SFParamSet::u8SchedulingType, SFParamSet::UGS);
     Put(stSet, SFParamSet::u8CSSpecification, 1);
+    Put(stSet, SFParamSet::u8NumClassifierRules, 2);
+    const ByteSpan stRule = stSet.From(SFParamSet::astClassifierRule, ClassifierRule::Size);
+    Put(stRule, ClassifierRule::u8Protocol, 17);
+    Put(stRule, ClassifierRule::u8IPMaskedSrcAddrLength, 8);
+    Put(stRule, ClassifierRule::u8DestPortRangeLength, ClassifierRule::PortRangeSize);
     // The second one is too large for the station.
     for (const uint32_t u32Rate : {1000000U, 1000000000U}) {
         Put(stSet, SFParamSet::u32MaxSustainedTrafficRate, u32Rate);
@@ -201,11 +214,28 @@ void UseFlows(TracedModem &stTraced) {
     Put(stSet, SFParamSet::u32MaxSustainedTrafficRate, 500000);
     stTraced.Send(TYPE_SERVICE_FLOW, SUBTYPE_DSC, stRequest.View());
     stTraced.Run(0.3);
+    // Without its first rule.
+    Put(stRule, ClassifierRule::u8ClassifierAction, ClassifierRule::DeleteRule);
+    stTraced.Send(TYPE_SERVICE_FLOW, SUBTYPE_DSC, stRequest.View());
+    stTraced.Run(0.3);
     Record<DeleteFlowRequest::Size> stDelete;
     Put(stDelete.Span(), DeleteFlowRequest::u8MsgCode, ServiceFlowRecord::DeleteRequest);
     Put(stDelete.Span(), DeleteFlowRequest::u32SFID, 2);
     stTraced.Send(TYPE_SERVICE_FLOW, SUBTYPE_DSD, stDelete.View());
     stTraced.Run(0.3);
+    // One of each other type in either direction.
+    Put(stTo, ServiceFlowRecord::u8MsgCode, ServiceFlowRecord::AddRequest);
+    Put(stSet, SFParamSet::u32SFID, 0);
+    Put(stRule, ClassifierRule::u8ClassifierAction, ClassifierRule::AddRule);
+    for (const uint32_t u32Direction : {ServiceFlowRecord::Downlink, ServiceFlowRecord::Uplink}) {
+        for (uint32_t u32Type = SFParamSet::BE; u32Type < SFParamSet::UGS; ++u32Type) {
+            Put(stTo, ServiceFlowRecord::u8Direction, u32Direction);
+            Put(stSet, SFParamSet::u8SchedulingType, u32Type);
+            stTraced.Send(TYPE_SERVICE_FLOW, SUBTYPE_DSA,
+                          stRequest.View().From(0, ServiceFlowRecord::ShortSize));
+            stTraced.Run(0.05);
+        }
+    }
 }
 
 constexpr const char *pcEvents = R"(

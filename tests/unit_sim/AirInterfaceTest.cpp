@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "ModemBench.h"
+#include "ServiceFlowRecord.h"
 #include "air/Capabilities.h"
 #include "air/ManagementMessages.h"
 #include "air/PhysicalLayer.h"
@@ -204,12 +205,12 @@ TEST(AirInterface, ARNGREQNamesTheDescriptorItCountsOn) {
         "00 01 01 F0 02 06 02 00 00 20 00 01 05 06 00 12 0A 01 02 03 06 01 01 94 01 05");
 }
 
-// 11.6: status, MAC address, CIDs; after a handover the optimisation (bit 13 instead of bit 3
-// where the address is new) and in TLV 30 the flows' new connections (11.7.10).
+// 11.6: status, MAC address, CIDs; after a handover the optimisation: bit 13 instead of bit 3
+// where the address is new.
 TEST(AirInterface, ARNGRSPSaysWhatAHandoverLeavesOut) {
     const MACAddressBytes aucMAC{0x02, 0x00, 0x00, 0x20, 0x00, 0x01};
     const std::string strEntry = "00 04 01 03 08 06 02 00 00 20 00 01 09 02 00 11 0A 02 02 10";
-    Admission stAdmission{0x11, 0x210, {}, {}};
+    Admission stAdmission{0x11, 0x210, {}};
     EXPECT_EQ(HexOf(RNGRSPBody(RangingStatus::Success, aucMAC, &stAdmission)), strEntry);
     const Station stServing = StationAt(2587500, 10000);
     Station stTarget = StationAt(2600000, 10000);
@@ -218,12 +219,99 @@ TEST(AirInterface, ARNGRSPSaysWhatAHandoverLeavesOut) {
               strEntry + " 15 02 00 FF");
     stTarget.u32IPSubnet = 7;
     stAdmission.u32Optimisation = Optimisation(stServing, stTarget);
-    stAdmission.astFlows = {{1, 0x2001}, {2, 0x1001}};
     EXPECT_EQ(HexOf(RNGRSPBody(RangingStatus::Success, aucMAC, &stAdmission)),
-              strEntry + " 15 02 20 F7 1E 18 18 0A 01 02 20 01 02 04 00 00 00 01 "
-                         "18 0A 01 02 10 01 02 04 00 00 00 02");
+              strEntry + " 15 02 20 F7");
     EXPECT_EQ(HexOf(RNGRSPBody(RangingStatus::Abort, aucMAC, nullptr)),
               "00 04 01 02 08 06 02 00 00 20 00 01");
+}
+
+// 11.7.9: each flow's new connection.
+TEST(AirInterface, AREGRSPUpdatesTheConnections) {
+    const std::vector<FlowCID> astFlows{{1, 0x2001}, {2, 0x1001}};
+    EXPECT_EQ(HexOf(CIDUpdateBody(astFlows)),
+              "00 18 0A 01 02 20 01 02 04 00 00 00 01 18 0A 01 02 10 01 02 04 00 00 00 02");
+}
+
+// The set of a flow with one rule, as the host interface has it.
+class FlowSet {
+  public:
+    explicit FlowSet(uint32_t u32Type) {
+        using namespace SFParamSet;
+        Put(Span(), u8QoSParamSetType, 7);
+        Put(Span(), u32MaxSustainedTrafficRate, 1000000);
+        Put(Span(), u32ToleratedJitter, 10);
+        Put(Span(), u32MaximumLatency, 50);
+        Put(Span(), u8SchedulingType, u32Type);
+        Put(Span(), u8CSSpecification, 1);
+        const ByteSpan stRule = Span().From(astClassifierRule, ClassifierRule::Size);
+        const std::vector<uint8_t> aucSource = BytesOfHex("0A 00 00 01 FF FF FF FF");
+        const std::vector<uint8_t> aucPorts = BytesOfHex("13 88 13 8B");
+        Put(stRule, ClassifierRule::u8Priority, 3);
+        Put(stRule, ClassifierRule::u8Protocol, 17);
+        Put(stRule, ClassifierRule::u8IPMaskedSrcAddrLength, 8);
+        PutBytes(stRule, ClassifierRule::au8IPMaskedSrcAddr.u16Offset, {aucSource.data(), 8});
+        Put(stRule, ClassifierRule::u8DestPortRangeLength, 4);
+        PutBytes(stRule, ClassifierRule::au8DestPortRange.u16Offset, {aucPorts.data(), 4});
+    }
+    ByteView View() const { return m_stSet.View(); }
+    ByteView Rule() const {
+        return View().From(SFParamSet::astClassifierRule, ClassifierRule::Size);
+    }
+
+  private:
+    ByteSpan Span() { return m_stSet.Span(); }
+    Record<SFParamSet::Size> m_stSet;
+};
+
+// 11.13: sets, priority, rates, 11.13.11 (UGS), 11.13.19 (a grant every 20 ms), policy, jitter,
+// latency, SAID, no ARQ, IPv4; 11.13.19.3.4 (what the rule matches: priority, UDP, source,
+// destination ports).
+TEST(AirInterface, ADSAREQCarriesGrantIntervalAndRules) {
+    const FlowSet stSet(SFParamSet::UGS);
+    const std::string strRates = "05 01 07 06 01 00 07 04 00 0F 42 40 09 04 00 00 00 00 ";
+    const std::string strRest = "0C 04 00 00 00 00 0D 04 00 00 00 0A 0E 04 00 00 00 32 "
+                                "11 02 01 00 12 01 00 1C 01 01";
+    EXPECT_EQ(HexOf(DSxREQBody(1234, {true, 0, 0, stSet.View(), {{0, 0, stSet.Rule()}}})),
+              "04 D2 91 52 " + strRates + "0B 01 06 28 02 00 14 " + strRest +
+                  " 64 1B 01 01 00 03 16 01 01 03 03 01 11 04 08 0A 00 00 01 FF FF FF FF "
+                  "07 04 13 88 13 8B");
+    // The other types: granted, polled, neither.
+    EXPECT_EQ(HexOf(DSxREQBody(1, {true, 0, 0, FlowSet(SFParamSet::ERTPS).View(), {}})),
+              "00 01 91 35 " + strRates + "0B 01 05 28 02 00 14 " + strRest);
+    EXPECT_EQ(HexOf(DSxREQBody(1, {true, 0, 0, FlowSet(SFParamSet::RTPS).View(), {}})),
+              "00 01 91 35 " + strRates + "0B 01 04 29 02 00 14 " + strRest);
+    EXPECT_EQ(HexOf(DSxREQBody(1, {true, 0, 0, FlowSet(SFParamSet::BE).View(), {}})),
+              "00 01 91 31 " + strRates + "0B 01 02 " + strRest);
+    // 11.13.24: downlink services have numbers of their own.
+    for (const auto &[u32Type, strService] :
+         {std::pair<uint32_t, std::string>{SFParamSet::UGS, "00"},
+          {SFParamSet::RTPS, "01"},
+          {SFParamSet::NRTPS, "02"},
+          {SFParamSet::BE, "03"},
+          {SFParamSet::ERTPS, "04"}}) {
+        EXPECT_EQ(HexOf(DSxREQBody(0x8000, {false, 7, 0x2001, FlowSet(u32Type).View(), {}})),
+                  "80 00 92 3B 01 04 00 00 00 07 02 02 20 01 " + strRates + "1D 01 " + strService +
+                      " " + strRest);
+    }
+}
+
+// 11.13.19.3.4.14: the station numbers the rules, and is asked by these numbers.
+TEST(AirInterface, RulesAreAnsweredAndDeletedByTheirNumbers) {
+    const FlowSet stSet(SFParamSet::BE);
+    EXPECT_EQ(HexOf(DSxRSPBody(1234, 0, {true, 7, 0x1064, stSet.View(), {{0, 1, {}}}})),
+              "04 D2 00 91 15 01 04 00 00 00 07 02 02 10 64 64 09 01 01 00 03 04 0E 02 00 01");
+    const std::string strRequest =
+        HexOf(DSxREQBody(3, {true, 7, 0x1064, stSet.View(), {{2, 2, {}}}}));
+    EXPECT_EQ(strRequest.substr(strRequest.size() - 32), "64 09 01 01 02 03 04 0E 02 00 02");
+    EXPECT_EQ(HexOf(DSxRSPBody(1234, 3, {true, 0, 0, stSet.View(), {}})), "04 D2 03");
+    // 11.13.19: convergence sublayers have their rules in TLVs of their own; there are eight.
+    Record<SFParamSet::Size> stOther;
+    Put(stOther.Span(), SFParamSet::u8CSSpecification, 8);
+    EXPECT_EQ(HexOf(DSxRSPBody(1, 0, {true, 7, 0, stOther.View(), {{0, 1, {}}}})),
+              "00 01 00 91 11 01 04 00 00 00 07 6B 09 01 01 00 03 04 0E 02 00 01");
+    Put(stOther.Span(), SFParamSet::u8CSSpecification, 9);
+    EXPECT_EQ(HexOf(DSxRSPBody(1, 0, {true, 7, 0, stOther.View(), {{0, 1, {}}}})),
+              "00 01 00 91 06 01 04 00 00 00 07");
 }
 
 } // namespace

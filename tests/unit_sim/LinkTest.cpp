@@ -39,7 +39,7 @@ TEST(Link, SyncUpFindsTheStationWithItsPreamble) {
     EXPECT_EQ(stBench.Send(2, 1, strSync35), 0);
     stBench.RunUntil(0.29);
     EXPECT_EQ(stBench.Messages(), Told({}));
-    stBench.RunUntil(0.31);
+    stBench.RunUntil(0.32);
     EXPECT_EQ(stBench.Messages(), Told({"2/1: 00 00 00 00 " + strSecondSynced}));
 }
 
@@ -139,6 +139,7 @@ TEST(Link, NetworkEntryFailsAsTheStationHasIt) {
                            "\"\n[link]\nsync-time = 0\n[radio]\nentry-rssi = -100\n"
                            "entry-cinr = -10\n");
         stBench.Send(2, 1, strSyncWeak);
+        stBench.Pass();
         stBench.Messages();
         stBench.Send(2, 2, "00*4");
         stBench.RunUntil(3);
@@ -170,12 +171,14 @@ TEST(Link, SyncDownEndsTheSynchronisation) {
 TEST(Link, SyncDownTakesTheLinkDownFirst) {
     ModemBench stBench(strStations + pcLinkUp);
     EXPECT_EQ(stBench.Send(3, 1), 0);
+    stBench.Pass();
     EXPECT_EQ(stBench.Messages(), Told({WithReason("13"), "2/1: 03 00*47"}));
 }
 
 TEST(Link, DeregistrationKeepsTheSynchronisation) {
     ModemBench stBench(strStations + pcLinkUp);
     EXPECT_EQ(stBench.Send(3, 2), 0);
+    stBench.Pass();
     EXPECT_EQ(stBench.Messages(), Told({WithReason("13")}));
     EXPECT_EQ(stBench.Send(3, 2), 0);
     EXPECT_EQ(stBench.Messages(),
@@ -234,6 +237,7 @@ TEST(Link, AStationThatAppearsCanBeSynchronisedTo) {
     EXPECT_EQ(stBench.Messages(), Told({"2/1: 01 00*47"}));
     stBench.RunUntil(2);
     stBench.Send(2, 1, strSyncWeak);
+    stBench.Pass();
     EXPECT_EQ(stBench.Messages(),
               Told({"2/1: 00 00 00 00 00 00 00 2B 37 00 00 02 11 00 00 00 FF FF FF FF "
                     "00 00 00 00 A3 FF FF FF 00 00 00 00 90 6F 28 00 10 27 00 00 "

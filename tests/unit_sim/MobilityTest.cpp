@@ -53,12 +53,15 @@ TEST(SleepMode, ThereAreThreeClassesTheModemsOwnIncluded) {
 TEST(SleepMode, AnActiveClassIsSleepModeUntilItIsDeactivated) {
     ModemBench stBench(strLinkUp);
     EXPECT_EQ(stBench.Send(26, 1, OneClass(Definition("FF", "03"))), 0);
+    stBench.Pass();
     EXPECT_EQ(stBench.Send(2, 3), 0);
     stBench.RunUntil(60);
     EXPECT_EQ(stBench.Send(26, 1, OneClass(Definition("00", "02"))), 0);
+    stBench.Pass();
     EXPECT_EQ(stBench.Send(2, 3), 0);
     EXPECT_EQ(stBench.Send(26, 1, OneClass(Definition("00", "02"))), 0);
     EXPECT_EQ(stBench.Send(26, 1, OneClass(Definition("00", "01"))), 0);
+    stBench.Pass();
     const std::vector<std::string> astrTexts = stBench.Messages();
     ASSERT_EQ(astrTexts.size(), 6U);
     EXPECT_EQ(astrTexts[0], Told({"26/2: " + OneClass(Definition("00", "03"))})[0]);
@@ -113,7 +116,7 @@ TEST(SleepMode, WaitingTrafficEndsItInTheNextListeningWindow) {
     ModemBench stBench(strLinkUp + "[[event]]\nat = 0.25\nkind = \"traffic-waits\"\n");
     EXPECT_EQ(stBench.Send(26, 1, OneClass(Definition("FF", "03"))), 0);
     stBench.RunUntil(10);
-    EXPECT_EQ(stBench.TimedMessages(), Told({"0.00 26/2: " + OneClass(Definition("00", "03")),
+    EXPECT_EQ(stBench.TimedMessages(), Told({"0.01 26/2: " + OneClass(Definition("00", "03")),
                                              "0.28 26/2: " + OneClass(Definition("00", "02"))}));
 }
 
@@ -143,7 +146,7 @@ TEST(SleepMode, AClassOfTheThirdTypeSleepsOnce) {
     EXPECT_EQ(stBench.Send(26, 1, OneClass(Definition("FF", "03", "03"))), 0);
     stBench.RunUntil(10);
     EXPECT_EQ(stBench.TimedMessages(),
-              Told({"0.00 26/2: " + OneClass(Definition("00", "03", "03")),
+              Told({"0.01 26/2: " + OneClass(Definition("00", "03", "03")),
                     "0.64 26/2: " + OneClass(Definition("00", "02", "03"))}));
 }
 
@@ -151,7 +154,7 @@ TEST(SleepMode, SteadyTrafficDoesNotLetTheModemSleep) {
     ModemBench stBench(strLinkUp + "[traffic]\nkeeps-awake = true\n");
     EXPECT_EQ(stBench.Send(26, 1, OneClass(Definition("FF", "03"))), 0);
     stBench.RunUntil(10);
-    EXPECT_EQ(stBench.TimedMessages(), Told({"0.00 26/2: " + OneClass(Definition("00", "03")),
+    EXPECT_EQ(stBench.TimedMessages(), Told({"0.01 26/2: " + OneClass(Definition("00", "03")),
                                              "0.04 26/2: " + OneClass(Definition("00", "02"))}));
 }
 

@@ -102,6 +102,10 @@ void ModemBench::RunUntil(double fSeconds) {
     m_stModem.AdvanceTo(iEnd);
 }
 
+void ModemBench::Pass(double fSeconds) {
+    RunUntil(static_cast<double>(m_stModem.Now()) / 1e6 + fSeconds);
+}
+
 void ModemBench::Collect() {
     for (MessageBytes aucMessage; m_stModem.TakeMessage(&aucMessage);) {
         const ByteView stBytes{aucMessage.data(), static_cast<uint32_t>(aucMessage.size())};

@@ -19,6 +19,8 @@ class ModemBench {
     int32_t Send(uint32_t u32Type, uint32_t u32SubType, const std::string &strPayload = "");
     // Lets time pass until fSeconds since the start.
     void RunUntil(double fSeconds);
+    // Lets so much more time pass: enough of it for what is said over the air by then.
+    void Pass(double fSeconds = 0.05);
     // Every message since the last call, as "TYPE/SUBTYPE: hex bytes", runs of five and
     // more equal bytes as "00*12".
     std::vector<std::string> Messages();

@@ -168,7 +168,7 @@ TEST(Shutdown, EndsWhenTheClientWantsToSynchroniseOrToEnter) {
     const std::vector<std::string> astrTexts = stSync.TimedMessages();
     ASSERT_EQ(astrTexts.size(), 2U);
     EXPECT_EQ(astrTexts[0], "0.00 30/4:");
-    EXPECT_EQ(astrTexts[1].substr(0, 21), "0.30 2/1: 00 00 00 00");
+    EXPECT_EQ(astrTexts[1].substr(0, 21), "0.32 2/1: 00 00 00 00");
 
     ModemBench stEntry(strShutdown);
     EXPECT_EQ(stEntry.Send(2, 2, "00*4"), 0);

@@ -82,6 +82,7 @@ struct Answer {
 };
 
 Answer AnswerOf(ModemBench *pstBench) {
+    pstBench->Pass();
     const std::vector<std::string> astrTexts = pstBench->Messages();
     EXPECT_EQ(astrTexts.size(), 1U);
     if (astrTexts.empty()) {
@@ -128,6 +129,7 @@ TEST(ServiceFlows, AnAddedFlowGetsAnSFIDAndACIDInEachOfItsSets) {
     const std::string strSet = " 01 00 00 00 45 23 01 00 00*8 03 00 00 00 20 00 00 00 00 10 FF FF"
                                " 00*79 06 00 06 10 00 31 00 00 00 01 FF 00*11 01 00*43 01 01 00"
                                " 00 FF 00*658 00*1980";
+    stBench.Pass();
     EXPECT_EQ(stBench.Messages(),
               Told({"6/1: 0B 01 05 00 00 10 00 00 00*2816" + strSet + strSet + " 00*16"}));
 }
@@ -181,6 +183,7 @@ TEST(ServiceFlows, TheStationTakesItsTime) {
     // The link goes before the answer comes.
     EXPECT_EQ(stBench.Send(6, 1, AddRequest(0, {})), 0);
     EXPECT_EQ(stBench.Send(3, 2), 0);
+    stBench.Pass();
     EXPECT_EQ(stBench.Messages().size(), 1U);
     stBench.RunUntil(2);
     EXPECT_EQ(AnswerOf(&stBench).Code(), 12U);

@@ -269,4 +269,121 @@ TEST(Trace, NeighboursOfTheSameNetworkAreAdvertised) {
     EXPECT_EQ(HexOf(astTraced[0].aucBody), "00 00 12 0A 05 01 01 08 00 01 02 04 23 FF 1F 11");
 }
 
+// What was traced, by code, and what the host was told, in their order.
+std::string Order(ModemBench &stBench) {
+    std::string strOrder;
+    for (const std::string &strMessage : stBench.Messages()) {
+        const std::string strKind = strMessage.substr(0, strMessage.find(':'));
+        const bool bTraced = strKind == "21/1";
+        strOrder += strOrder.empty() ? "" : " ";
+        strOrder +=
+            bTraced ? std::to_string(BytesOfHex(strMessage.substr(5)).at(5)) : "(" + strKind + ")";
+    }
+    return strOrder;
+}
+
+TEST(Trace, TheHostHearsOfThingsAfterTheyHappenedOnTheAir) {
+    ModemBench stEntry(strStations + strQuiet + "[trace]\non = true\n");
+    EXPECT_EQ(stEntry.Send(2, 1, strSync), 0);
+    stEntry.RunUntil(1);
+    EXPECT_EQ(Order(stEntry), "2 1 0 3 (2/1)");
+    EXPECT_EQ(stEntry.Send(2, 2, "00*4"), 0);
+    stEntry.RunUntil(4);
+    EXPECT_EQ(Order(stEntry), "(2/2) 5 5 3 4 5 26 27 9 10 9 10 9 10 10 9 10 6 7 9 10 (2/2)");
+
+    struct Case {
+        uint32_t u32Type;
+        uint32_t u32SubType;
+        std::string strRequest;
+        std::string strOrder;
+    };
+    const std::string strAdd = "0B 01 D2 04 00*4 00*4 E8 03 00*18 00*4 00*79 07 00 02 10 00*5 01 "
+                               "00*57 01 00 00*2640 00*4";
+    const std::vector<Case> astCases = {
+        {6, 1, strAdd, "11 30 12 13 (6/1)"},
+        {6, 2, "11 00 D2 04 01 00 00 00", "17 18 (6/2)"},
+        {26, 1, "01 00 00 00 FF 01 00 02 01 02 20 00 01 00 00 00 00*32 03 00*4 00*147",
+         "50 51 (26/2)"},
+        {3, 2, "", "49 29 (2/2)"},
+    };
+    ModemBench stBench(strLinkUp + strQuiet + "[trace]\non = true\n");
+    double fNow = 0;
+    for (const Case &stCase : astCases) {
+        EXPECT_EQ(stBench.Send(stCase.u32Type, stCase.u32SubType, stCase.strRequest), 0);
+        stBench.RunUntil(fNow += 0.5);
+        EXPECT_EQ(Order(stBench), stCase.strOrder);
+    }
+    // The sync status stays behind the end of the link, however fast the requests come.
+    ModemBench stOther(strLinkUp + strQuiet + "[trace]\non = true\n");
+    EXPECT_EQ(stOther.Send(19, 1), 0);
+    stOther.RunUntil(0.5);
+    EXPECT_EQ(Order(stOther), "49 29 (19/1)");
+    ModemBench stDown(strLinkUp + strQuiet + "[trace]\non = true\n");
+    EXPECT_EQ(stDown.Send(3, 1), 0);
+    EXPECT_EQ(stDown.Send(2, 3), 0);
+    stDown.RunUntil(0.5);
+    EXPECT_EQ(Order(stDown), "49 29 (2/2) (2/1) (2/2)");
+}
+
+TEST(Trace, ARequestGoesOutAtOnceInTheHostsTransaction) {
+    ModemBench stBench(strLinkUp + strQuiet + "[trace]\non = true\n");
+    EXPECT_EQ(stBench.Send(6, 1,
+                           "0B 01 D2 84 00*4 00*4 E8 03 00*18 00*4 00*79 07 00 02 10 00*5 01 "
+                           "00*57 01 00 00*2640 00*4"),
+              0);
+    stBench.RunUntil(0.05);
+    const std::vector<Traced> astAsked = TracedBy(stBench);
+    EXPECT_EQ(Talk(astAsked), "11^! 30v");
+    // 0x84D2: the upper half of the numbers is the station's.
+    EXPECT_EQ(HexOf({astAsked[0].aucBody.begin(), astAsked[0].aucBody.begin() + 2}), "04 D2");
+    EXPECT_EQ(HexOf(astAsked[1].aucBody), "04 D2 00");
+    stBench.RunUntil(0.2);
+    const std::vector<Traced> astAnswered = TracedBy(stBench);
+    EXPECT_EQ(Talk(astAnswered), "12v! 13^!");
+    EXPECT_EQ(HexOf({astAnswered[0].aucBody.begin(), astAnswered[0].aucBody.begin() + 2}), "04 D2");
+}
+
+TEST(Trace, ShortPeriodsHoldNoDialogueUp) {
+    ModemBench stBench(strStations + "[trace]\non = true\n[signalling]\nmap-period = 0.005\n"
+                                     "descriptor-period = 0.005\nneighbour-period = 0.005\n"
+                                     "ranging-period = 0.005\nreport-period = 0.005\n");
+    EXPECT_EQ(stBench.Send(2, 1, strSync), 0);
+    stBench.RunUntil(1);
+    EXPECT_EQ(stBench.Send(2, 2, "00*4"), 0);
+    stBench.RunUntil(4);
+    (void)stBench.Messages();
+    // With the link up and everything periodic in every frame.
+    EXPECT_EQ(stBench.Send(3, 2), 0);
+    stBench.RunUntil(4.1);
+    const std::string strOrder = " " + Order(stBench);
+    EXPECT_NE(strOrder.find(" 49 "), std::string::npos);
+    EXPECT_LT(strOrder.find(" 49 "), strOrder.find(" 29 "));
+    EXPECT_LT(strOrder.find(" 29 "), strOrder.find("(2/2)"));
+    EXPECT_NE(strOrder.find("(2/2)"), std::string::npos);
+}
+
+TEST(Trace, FlowsHaveNewConnectionsAfterAHandoverAndAfterIdleMode) {
+    ModemBench stBench(strLinkUp + strQuiet +
+                       "[trace]\non = true\n[[service-flow]]\ndirection = \"uplink\"\n"
+                       "type = \"BE\"\n[[event]]\nat = 1\nkind = \"handover\"\n"
+                       "station = \"00 12 0A 01 02 04\"\n");
+    stBench.RunUntil(2);
+    std::vector<Traced> astTraced = TracedBy(stBench);
+    EXPECT_EQ(Talk(astTraced), "57^! 58v! 59^! 5v 3v 4^! 5v! 7v!");
+    // A REG-RSP comes (bit 10), with the second connection instead of the first, 0x1000.
+    const std::vector<uint8_t> &aucRanging = astTraced[6].aucBody;
+    EXPECT_EQ(HexOf({aucRanging.begin() + 20, aucRanging.begin() + 24}), "15 02 04 FF");
+    EXPECT_EQ(HexOf({astTraced[7].aucBody.begin(), astTraced[7].aucBody.begin() + 13}),
+              "00 18 0A 01 02 10 01 02 04 00 00 00 01");
+    EXPECT_EQ(stBench.Send(19, 1), 0);
+    stBench.RunUntil(3);
+    EXPECT_EQ(stBench.Send(19, 4), 0);
+    stBench.RunUntil(4);
+    astTraced = TracedBy(stBench);
+    ASSERT_FALSE(astTraced.empty());
+    EXPECT_EQ(astTraced.back().u32Code, 7U);
+    EXPECT_EQ(HexOf({astTraced.back().aucBody.begin(), astTraced.back().aucBody.begin() + 13}),
+              "00 18 0A 01 02 10 02 02 04 00 00 00 01");
+}
+
 } // namespace
