@@ -42,7 +42,7 @@ refuse() {
 
 wanted=" always "
 only=" "
-fuzz_seconds=10
+fuzz_seconds=8
 while [ $# -gt 0 ]; do
     case $1 in
     --machines) wanted+="--machines " ;;
@@ -182,22 +182,34 @@ section_format() {
 
 # Runs a fuzz target on its seeds and on what it found before; new finds stay in the build.
 fuzz() {
-    local log=build/fuzz/$1.log
     mkdir -p "build/fuzz/found/$1"
-    if (cd build/fuzz && "./fuzz/fuzz_$1" -max_total_time="$fuzz_seconds" -max_len=12000 \
-        "found/$1" "../../fuzz/corpus/$1") >"$log" 2>&1; then
-        echo "fuzz_$1: $(tail -1 "$log")"
+    (cd build/fuzz && "./fuzz/fuzz_$1" -max_total_time="$fuzz_seconds" "-max_len=${longest[$1]}" \
+        "found/$1" "../../fuzz/corpus/$1") >"build/fuzz/$1.log" 2>&1
+    echo $? >"build/fuzz/$1.status"
+}
+
+tell_of_fuzzing() {
+    if [ "$(<"build/fuzz/$1.status")" -eq 0 ]; then
+        echo "fuzz_$1: $(tail -1 "build/fuzz/$1.log")"
     else
-        tail -60 "$log"
+        tail -60 "build/fuzz/$1.log"
         return 1
     fi
 }
 
 section_fuzz() {
-    local corpus
+    local target
     check configure fuzz OFF && check build fuzz --target fuzz_targets || return
-    for corpus in fuzz/corpus/*/; do
-        check fuzz "$(basename "$corpus")"
+    . fuzz/lengths.sh
+    for target in "${!longest[@]}"; do
+        while [ "$(jobs -rp | wc -l)" -ge "$jobs" ]; do
+            sleep 0.2
+        done
+        fuzz "$target" &
+    done
+    wait
+    for target in "${!longest[@]}"; do
+        check tell_of_fuzzing "$target"
     done
 }
 
