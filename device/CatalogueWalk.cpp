@@ -74,14 +74,14 @@ Guard StrictestOf(const Layout &stLayout) {
     return eGuard;
 }
 
-void Tell(const Walker &stWalker, FoundField stFound) {
+void Tell(const Walker &stWalker, FoundField &stFound) {
     stFound.astPath = {stWalker.astPath.data(), stWalker.u32Depth};
     stWalker.pfnVisit(stWalker.pvContext, stFound);
 }
 
 void WalkRecord(Walker &stWalker, const Layout &stLayout, const Place &stPlace);
 
-void WalkNested(Walker &stWalker, FoundField stFound, const Layout &stLayout) {
+void WalkNested(Walker &stWalker, FoundField &stFound, const Layout &stLayout) {
     const Place stPlace{stFound.stBytes, stFound.u32Offset, stFound.eGuard};
     stWalker.astPath.at(stWalker.u32Depth++) = {stFound.pstRow, &stLayout, stFound.u32Index};
     stFound.eWhat = Found::RecordBegin;
@@ -105,7 +105,7 @@ const CaseRow *CaseOf(const FieldRow &stRow, ByteView stRecord) {
 uint32_t ShortValue(ByteView stBytes) { return stBytes.u32Length <= 4 ? GetWord(stBytes, 0) : 0; }
 
 // Bytes that belong together: a case of a value, or one field.
-void WalkRun(Walker &stWalker, FoundField stFound, ByteView stRecord, ByteView stRoom) {
+void WalkRun(Walker &stWalker, FoundField &stFound, ByteView stRecord, ByteView stRoom) {
     const FieldRow &stRow = *stFound.pstRow;
     stFound.stBytes = stRoom.From(0, ToVisit(stRow, stRecord, stWalker.eWalk));
     if (stFound.stBytes.u32Length == 0 && stFound.u32Announced != 0) {
@@ -123,7 +123,7 @@ void WalkRun(Walker &stWalker, FoundField stFound, ByteView stRecord, ByteView s
     Tell(stWalker, stFound);
 }
 
-void WalkElement(Walker &stWalker, FoundField stFound, ByteView stRoom, uint32_t u32Size) {
+void WalkElement(Walker &stWalker, FoundField &stFound, ByteView stRoom, uint32_t u32Size) {
     stFound.stBytes = stRoom.From(0, u32Size);
     if (stFound.pstRow->pstRecord != nullptr) {
         WalkNested(stWalker, stFound, *stFound.pstRow->pstRecord);
@@ -170,9 +170,9 @@ uint32_t CountPresent(const FieldRow &stRow, ByteView stRoom, uint32_t u32Most) 
     return u32Count;
 }
 
-void WalkElements(Walker &stWalker, FoundField stFound, ByteView stRecord, ByteView stRoom) {
+void WalkElements(Walker &stWalker, FoundField &stFound, ByteView stRecord, ByteView stRoom) {
     const FieldRow &stRow = *stFound.pstRow;
-    const FoundField stList = stFound;
+    const uint32_t u32Begin = stFound.u32Offset;
     stFound.u32Count = CountPresent(stRow, stRoom, ToVisit(stRow, stRecord, stWalker.eWalk));
     if (IsList(stRow)) {
         stFound.eWhat = Found::ListBegin;
@@ -188,7 +188,9 @@ void WalkElements(Walker &stWalker, FoundField stFound, ByteView stRecord, ByteV
     if (IsList(stRow)) {
         stFound.eWhat = Found::ListEnd;
         stFound.u32Index = 0;
-        stFound.u32Offset = stList.u32Offset;
+        stFound.u32Offset = u32Begin;
+        stFound.stBytes = {};
+        stFound.u32Value = 0;
         Tell(stWalker, stFound);
     }
 }
