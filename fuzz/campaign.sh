@@ -69,7 +69,7 @@ run_piece() {
     log=$(mktemp)
     mkdir -p "build/fuzz/found/$target"
     (cd build/fuzz && taskset -c "$processor" "$programs/fuzz_$target" -runs=$piece "-max_len=${longest[$target]}" \
-        -reload=0 -entropic=0 -rss_limit_mb=0 -timeout=60 -print_final_stats=1 \
+        -reload=0 -entropic=0 -rss_limit_mb=0 -timeout=60 -report_slow_units=60 -print_final_stats=1 \
         "-artifact_prefix=crashes/$target-" "found/$target" "../../fuzz/corpus/$target") \
         >"$log" 2>&1 || ended=$?
     [ $ended -eq 0 ] || cp "$log" "build/fuzz/crashes/$target.log"
