@@ -12,8 +12,10 @@
 
 namespace {
 
-// Between two reports the quality of the link is looked at so often.
-constexpr ModemTime iSamples = 32;
+// The quality of the link is looked at so often, and what it comes to counted so often:
+// whether anybody asks makes no difference.
+constexpr ModemTime iLookPeriod = 31250;
+constexpr ModemTime iCountPeriod = 32 * iLookPeriod;
 constexpr double fHCSShare = 0.25;           // of the frames in error
 constexpr ModemTime i64CQICH = 8 * i64Frame; // between two reports of the channel's quality
 constexpr uint64_t u64PacketsPerBandwidthRequest = 4;
@@ -34,6 +36,16 @@ class StatisticsReports : public Subsystem {
     int32_t SetPolicy(uint32_t u32Policy);
     void ReportPeriodically();
     void Tell();
+    struct Counters {
+        ModemTime iReceiving = 0;
+        ModemTime iLinkUp = 0;
+        double fFramesInError = 0;
+        double fCRCErrors = 0;
+        uint64_t u64UplinkPackets = 0;
+    };
+
+    // The counters at this moment, but for the errors of packets, which are counted later.
+    Counters CountersNow() const;
     // Counts what has happened since the last time.
     void CatchUp();
     void FollowLink(const LinkChange &stChange);
@@ -51,12 +63,8 @@ class StatisticsReports : public Subsystem {
     Timer m_stNext;
 
     // Since the last reset of the counters.
-    double m_fFrames = 0;
-    double m_fFramesInError = 0;
-    double m_fCRCErrors = 0;
-    double m_fCQICH = 0;
-    uint64_t m_u64UplinkPackets = 0;
-
+    Counters m_stCounters;
+    Timer m_stCount;
     ModemTime m_iCountedUntil = 0;
     TrafficTotals m_stTrafficThen;
     const Station *m_pstServing = nullptr; // since m_iCountedUntil, null: not receiving
@@ -64,7 +72,8 @@ class StatisticsReports : public Subsystem {
 };
 
 StatisticsReports::StatisticsReports(Modem &stModem)
-    : m_stModem(stModem), m_stLink(stModem.TheLink()), m_stNext(stModem.Clock()) {
+    : m_stModem(stModem), m_stLink(stModem.TheLink()), m_stNext(stModem.Clock()),
+      m_stCount(stModem.Clock()) {
     const Section stSettings = stModem.Settings("statistics");
     m_fErrorFloor = stSettings.Number("error-rate", 0, 1, 0.0005);
     m_bResetAtStart = stSettings.Flag("reset-on-resync", false);
@@ -85,8 +94,7 @@ void StatisticsReports::Start() {
     m_bResetOnResync = m_bResetAtStart;
     m_stNext.Stop();
     CatchUp();
-    m_fFrames = m_fFramesInError = m_fCRCErrors = m_fCQICH = 0;
-    m_u64UplinkPackets = 0;
+    m_stCounters = {};
 }
 
 void StatisticsReports::FollowLink(const LinkChange &stChange) {
@@ -100,8 +108,7 @@ void StatisticsReports::FollowLink(const LinkChange &stChange) {
 
 void StatisticsReports::Resynchronised() {
     if (m_bResetOnResync) {
-        m_fFrames = m_fFramesInError = m_fCRCErrors = m_fCQICH = 0;
-        m_u64UplinkPackets = 0;
+        m_stCounters = {};
     }
 }
 
@@ -110,25 +117,37 @@ double StatisticsReports::ErrorRate(double fCINR) const {
     return std::min(1.0, m_fErrorFloor + fLost);
 }
 
-void StatisticsReports::CatchUp() {
+StatisticsReports::Counters StatisticsReports::CountersNow() const {
+    Counters stNow = m_stCounters;
+    if (m_pstServing == nullptr) {
+        return stNow;
+    }
     const ModemTime iPassed = m_stModem.Now() - m_iCountedUntil;
+    for (ModemTime iLooked = 0; iLooked < iPassed; iLooked += iLookPeriod) {
+        const ModemTime iMoment = m_iCountedUntil + iLooked + iLookPeriod / 2;
+        const double fRate = ErrorRate(m_stModem.Air().Measure(*m_pstServing, iMoment).fCINR);
+        const ModemTime iTime = std::min(iLookPeriod, iPassed - iLooked);
+        stNow.fFramesInError += fRate * static_cast<double>(iTime) / static_cast<double>(i64Frame);
+    }
+    stNow.iReceiving += iPassed;
+    stNow.iLinkUp += m_bLinkUp ? iPassed : 0;
+    stNow.u64UplinkPackets +=
+        m_stModem.UserTraffic().Totals().u64UplinkPackets - m_stTrafficThen.u64UplinkPackets;
+    return stNow;
+}
+
+void StatisticsReports::CatchUp() {
     const TrafficTotals stTraffic = m_stModem.UserTraffic().Totals();
-    if (m_pstServing != nullptr && iPassed > 0) {
-        double fErrors = 0;
-        for (ModemTime i = 0; i < iSamples; ++i) {
-            const ModemTime iMoment = m_iCountedUntil + iPassed * (2 * i + 1) / (2 * iSamples);
-            fErrors += ErrorRate(m_stModem.Air().Measure(*m_pstServing, iMoment).fCINR);
-        }
-        const double fRate = fErrors / static_cast<double>(iSamples);
+    const Counters stNow = CountersNow();
+    const ModemTime iPassed = stNow.iReceiving - m_stCounters.iReceiving;
+    if (iPassed != 0) {
         const double fFrames = static_cast<double>(iPassed) / static_cast<double>(i64Frame);
-        m_fFrames += fFrames;
-        m_fFramesInError += fFrames * fRate;
-        m_fCRCErrors += fRate * static_cast<double>(stTraffic.u64DownlinkPackets -
-                                                    m_stTrafficThen.u64DownlinkPackets);
-        m_u64UplinkPackets += stTraffic.u64UplinkPackets - m_stTrafficThen.u64UplinkPackets;
-        if (m_bLinkUp) {
-            m_fCQICH += static_cast<double>(iPassed) / static_cast<double>(i64CQICH);
-        }
+        const double fRate = (stNow.fFramesInError - m_stCounters.fFramesInError) / fFrames;
+        const uint64_t u64Packets =
+            stTraffic.u64DownlinkPackets - m_stTrafficThen.u64DownlinkPackets;
+        const double fCRCErrors = m_stCounters.fCRCErrors + fRate * static_cast<double>(u64Packets);
+        m_stCounters = stNow;
+        m_stCounters.fCRCErrors = fCRCErrors;
     }
     m_iCountedUntil = m_stModem.Now();
     m_stTrafficThen = stTraffic;
@@ -136,6 +155,11 @@ void StatisticsReports::CatchUp() {
     const bool bReceiving =
         m_bLinkUp || m_stLink.IsAnyOf({LinkState::Synchronised, LinkState::Entering});
     m_pstServing = bReceiving ? m_stLink.Serving() : nullptr;
+    if (bReceiving) {
+        m_stCount.Start(iCountPeriod, [this] { CatchUp(); });
+    } else {
+        m_stCount.Stop();
+    }
 }
 
 // An interval starts the periodic reports, or replaces that of those that run; zero
@@ -183,21 +207,24 @@ void StatisticsReports::PutStation(ByteSpan stTo) const {
 }
 
 void StatisticsReports::Tell() {
-    CatchUp();
+    const Counters stCounters = CountersNow();
     // Counters wrap around at 32 bits.
     const auto Counted = [](double fValue) {
         return static_cast<uint32_t>(static_cast<uint64_t>(fValue));
     };
+    const auto PeriodsIn = [](ModemTime iTime, ModemTime iPeriod) {
+        return static_cast<uint32_t>(iTime / iPeriod);
+    };
     Record<Statistics::Size> stReport;
     const ByteSpan stTo = stReport.Span();
     Put(stTo, Statistics::u32RecordSize, Statistics::Size);
-    Put(stTo, Statistics::u32FramesReceived, Counted(m_fFrames));
-    Put(stTo, Statistics::u32FramesInError, Counted(m_fFramesInError));
-    Put(stTo, Statistics::u32CRCErrors, Counted(m_fCRCErrors));
-    Put(stTo, Statistics::u32HCSErrors, Counted(m_fFramesInError * fHCSShare));
-    Put(stTo, Statistics::u32CQICHTransmitted, Counted(m_fCQICH));
+    Put(stTo, Statistics::u32FramesReceived, PeriodsIn(stCounters.iReceiving, i64Frame));
+    Put(stTo, Statistics::u32FramesInError, Counted(stCounters.fFramesInError));
+    Put(stTo, Statistics::u32CRCErrors, Counted(stCounters.fCRCErrors));
+    Put(stTo, Statistics::u32HCSErrors, Counted(stCounters.fFramesInError * fHCSShare));
+    Put(stTo, Statistics::u32CQICHTransmitted, PeriodsIn(stCounters.iLinkUp, i64CQICH));
     Put(stTo, Statistics::u32BandwidthRequests,
-        static_cast<uint32_t>(m_u64UplinkPackets / u64PacketsPerBandwidthRequest));
+        static_cast<uint32_t>(stCounters.u64UplinkPackets / u64PacketsPerBandwidthRequest));
     std::vector<uint32_t> au32CIDs = m_stModem.TransportCIDs();
     au32CIDs.resize(std::min<size_t>(au32CIDs.size(), Statistics::MaxConnections));
     Put(stTo, Statistics::s32NumConnections, static_cast<uint32_t>(au32CIDs.size()));

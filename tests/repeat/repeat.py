@@ -20,16 +20,16 @@ class Program(argparse.Action):
     """A program with the emulator that was named before it."""
 
     def __call__(self, parser, options, value, option=None):
-        options.programs.append(shlex.split(options.emulator) + [value])
+        program = str(pathlib.Path(value).resolve())
+        options.programs.append(shlex.split(options.emulator) + [program])
 
 
 def once(command, scenario, calls):
     """What the session says of itself."""
     environment = dict(os.environ, QOR020_SCENARIO=str(HERE / f"{scenario}.toml"))
-    library = str(pathlib.Path(command[-1]).resolve().parent)
-    environment["LD_LIBRARY_PATH"] = library
+    # Programs look for the library in the working directory first.
     result = subprocess.run(command + [str(calls), "1"], env=environment, capture_output=True,
-                            text=True, check=False)
+                            text=True, check=False, cwd=pathlib.Path(command[-1]).parent)
     return result.stdout.strip() if result.returncode == 0 and not result.stderr \
         else f"status {result.returncode}: {result.stderr.strip() or result.stdout.strip()}"
 
