@@ -520,7 +520,6 @@ void Signalling::Report() {
                 REPRSPBody(m_stAir.Measure(*m_stAt.pstServing, m_stClock.Now())));
         }
     });
-    m_u64ReportEnd = m_u64Steps;
 }
 
 void Signalling::MakeConnections() {

@@ -121,8 +121,8 @@ TEST_F(Clock, WithTheJumpASendComesBackWithItsAnswers) {
                     std::string(pcFourStations));
     EXPECT_EQ(Send(pcSyncUp), 0);
     EXPECT_EQ(Heard(), std::vector<std::string>{"02 00 01 00*5"});
-    // Two calls, the synchronisation, and the way of the answer.
-    EXPECT_EQ(m_pstDevice->Now(), 2000 + 300000 + 500000);
+    // Two calls, the synchronisation, three frames until the UL-MAP, and the way of the answer.
+    EXPECT_EQ(m_pstDevice->Now(), 2000 + 300000 + 15000 + 500000);
     EXPECT_EQ(Send(pcEntry), 0);
     EXPECT_EQ(Heard(),
               (std::vector<std::string>{"02 00 02 00 0C 00 00 00", "02 00 02 00 00 01 00 00"}));
@@ -169,7 +169,7 @@ TEST_F(Clock, ItGoesOnUntilNoAnswerIsUnderWay) {
     EXPECT_EQ(Heard(), std::vector<std::string>{});
     EXPECT_EQ(m_pstDevice->AdvanceUntilIdle(i64Second), End::Reached);
     EXPECT_EQ(Heard(), std::vector<std::string>{"02 00 01 00*5"});
-    EXPECT_EQ(m_pstDevice->Now(), 2000 + 300000 + 20000);
+    EXPECT_EQ(m_pstDevice->Now(), 2000 + 300000 + 15000 + 20000);
 }
 
 TEST_F(Clock, ARequestFromTheCallbackIsAnsweredInTheSameCall) {
