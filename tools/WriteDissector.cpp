@@ -61,10 +61,6 @@ std::string_view NumberKindOf(FieldType eType) {
     return astrKinds[static_cast<size_t>(eType)];
 }
 
-bool IsSigned(FieldType eType) {
-    return eType == FieldType::I8 || eType == FieldType::I16 || eType == FieldType::I32;
-}
-
 std::string_view KindOf(const FieldRow &stRow) {
     if (stRow.pstRecord != nullptr) {
         return "record";
@@ -117,6 +113,7 @@ struct Description {
         }
     }
 
+    // Records lie in records. NOLINTNEXTLINE(misc-no-recursion)
     void Take(const Layout &stLayout) {
         for (const FieldRow &stRow : stLayout.astRows) {
             TakeCodes(stRow);
@@ -239,22 +236,20 @@ std::string ContentOf(const std::filesystem::path &File) {
     return {std::istreambuf_iterator<char>(Stream), {}};
 }
 
-std::string DissectorFrom(const std::filesystem::path &Directory) {
-    std::string strDissector = std::string(strOpening) + Tables();
-    for (const char *pcPart : apcParts) {
-        strDissector += "\n" + ContentOf(Directory / pcPart);
-    }
-    return strDissector;
+int Fail(const std::filesystem::path &File, const char *pcWhat) {
+    (void)std::fprintf(stderr, "%s: %s\n", File.c_str(), pcWhat);
+    return 1;
 }
 
-// The names of what a layout holds, for a walk that comes to everything.
+// The names of what a layout holds, for a walk that comes to everything. Records lie in records.
+// NOLINTBEGIN(misc-no-recursion)
 struct NameList {
     const MessageRow &stMessage;
     std::vector<PathStep> astPath;
 
     void Print(const FieldRow &stRow) const {
         const FilterName stName = FilterNameOf(stMessage, astPath, stRow);
-        std::printf("%.*s\n", static_cast<int>(stName.View().size()), stName.View().data());
+        (void)std::printf("%.*s\n", static_cast<int>(stName.View().size()), stName.View().data());
     }
 
     void Enter(const FieldRow &stRow, const Layout &stLayout) {
@@ -280,11 +275,7 @@ struct NameList {
         }
     }
 };
-
-int Fail(const std::filesystem::path &File, const char *pcWhat) {
-    std::fprintf(stderr, "%s: %s\n", File.c_str(), pcWhat);
-    return 1;
-}
+// NOLINTEND(misc-no-recursion)
 
 int PrintNames() {
     for (const MessageRow *pstMessage : AllMessages()) {
@@ -294,8 +285,15 @@ int PrintNames() {
 }
 
 int WriteDissector(const std::filesystem::path &Directory, bool bCheck) {
+    std::string strDissector = std::string(strOpening) + Tables();
+    for (const char *pcPart : apcParts) {
+        const std::string strPart = ContentOf(Directory / pcPart);
+        if (strPart.empty()) {
+            return Fail(Directory / pcPart, "cannot be read");
+        }
+        strDissector += "\n" + strPart;
+    }
     const std::filesystem::path File = Directory / pcDissector;
-    const std::string strDissector = DissectorFrom(Directory);
     if (strDissector == ContentOf(File)) {
         return 0;
     }
@@ -314,8 +312,8 @@ int main(int iCount, char **ppcArguments) {
     }
     const bool bCheck = iCount == 3 && strFirst == "--check";
     if (iCount != 2 && !bCheck) {
-        std::fprintf(stderr, "usage: %s [--check] DIRECTORY\n       %s --names\n", ppcArguments[0],
-                     ppcArguments[0]);
+        (void)std::fprintf(stderr, "usage: %s [--check] DIRECTORY\n       %s --names\n",
+                           ppcArguments[0], ppcArguments[0]);
         return 2;
     }
     return WriteDissector(ppcArguments[iCount - 1], bCheck);

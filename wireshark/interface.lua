@@ -308,6 +308,11 @@ end
 
 -- ---- Messages by what identifies them ----
 
+-- Memory comes in pieces: the bytes that an event has are all that it should have.
+for _, row in ipairs(LAYOUTS.RegisterCall) do
+    row.counter = nil
+end
+
 local messages = {}
 
 local function key_of(way, type, subtype)

@@ -326,8 +326,8 @@ LAYOUTS.RangingLogEntry = {
 }
 LAYOUTS.RangingLog = {
     name = "ranging_log", label = "Ranging Log", meaning = "", size = 2,
-    {at = 0, kind = "U16", name = "length", label = "Length", meaning = "length of the log in bytes; from 0x8000 on it counts as negative: no entries"},
-    {at = 2, kind = "record", name = "entries", label = "Entries", meaning = "entries", count = 0, list = true, counter = {at = 0, kind = "U16"}, counts_bytes = true, record = LAYOUTS.RangingLogEntry},
+    {at = 0, kind = "I16", name = "length", label = "Length", meaning = "length of the log in bytes; a negative one stands for no entries"},
+    {at = 2, kind = "record", name = "entries", label = "Entries", meaning = "entries", count = 0, list = true, counter = {at = 0, kind = "I16"}, counts_bytes = true, record = LAYOUTS.RangingLogEntry},
 }
 LAYOUTS.BandwidthLogEntry = {
     name = "bandwidth_log_entry", label = "Bandwidth Log Entry", meaning = "", size = 16,
@@ -342,8 +342,8 @@ LAYOUTS.BandwidthLogEntry = {
 }
 LAYOUTS.BandwidthLog = {
     name = "bandwidth_log", label = "Bandwidth Log", meaning = "", size = 2,
-    {at = 0, kind = "U16", name = "length", label = "Length", meaning = "length of the log in bytes; from 0x8000 on it counts as negative: no entries"},
-    {at = 2, kind = "record", name = "entries", label = "Entries", meaning = "entries", count = 0, list = true, counter = {at = 0, kind = "U16"}, counts_bytes = true, record = LAYOUTS.BandwidthLogEntry},
+    {at = 0, kind = "I16", name = "length", label = "Length", meaning = "length of the log in bytes; a negative one stands for no entries"},
+    {at = 2, kind = "record", name = "entries", label = "Entries", meaning = "entries", count = 0, list = true, counter = {at = 0, kind = "I16"}, counts_bytes = true, record = LAYOUTS.BandwidthLogEntry},
 }
 LAYOUTS.PowerLogEntry = {
     name = "power_log_entry", label = "Power Log Entry", meaning = "", size = 16,
@@ -354,8 +354,8 @@ LAYOUTS.PowerLogEntry = {
 }
 LAYOUTS.PowerLog = {
     name = "power_log", label = "Power Log", meaning = "", size = 2,
-    {at = 0, kind = "U16", name = "length", label = "Length", meaning = "length of the log in bytes; from 0x8000 on it counts as negative: no entries"},
-    {at = 2, kind = "record", name = "entries", label = "Entries", meaning = "entries", count = 0, list = true, counter = {at = 0, kind = "U16"}, counts_bytes = true, record = LAYOUTS.PowerLogEntry},
+    {at = 0, kind = "I16", name = "length", label = "Length", meaning = "length of the log in bytes; a negative one stands for no entries"},
+    {at = 2, kind = "record", name = "entries", label = "Entries", meaning = "entries", count = 0, list = true, counter = {at = 0, kind = "I16"}, counts_bytes = true, record = LAYOUTS.PowerLogEntry},
 }
 LAYOUTS.CIDLogEntry = {
     name = "cid_log_entry", label = "CID Log Entry", meaning = "", size = 8,
@@ -366,8 +366,8 @@ LAYOUTS.CIDLogEntry = {
 }
 LAYOUTS.CIDLog = {
     name = "cid_log", label = "CID Log", meaning = "", size = 2,
-    {at = 0, kind = "U16", name = "length", label = "Length", meaning = "length of the log in bytes; from 0x8000 on it counts as negative: no entries"},
-    {at = 2, kind = "record", name = "entries", label = "Entries", meaning = "entries", count = 0, list = true, counter = {at = 0, kind = "U16"}, counts_bytes = true, record = LAYOUTS.CIDLogEntry},
+    {at = 0, kind = "I16", name = "length", label = "Length", meaning = "length of the log in bytes; a negative one stands for no entries"},
+    {at = 2, kind = "record", name = "entries", label = "Entries", meaning = "entries", count = 0, list = true, counter = {at = 0, kind = "I16"}, counts_bytes = true, record = LAYOUTS.CIDLogEntry},
 }
 LAYOUTS.CQICHLogEntry = {
     name = "cqich_log_entry", label = "CQICH Log Entry", meaning = "", size = 4,
@@ -375,8 +375,8 @@ LAYOUTS.CQICHLogEntry = {
 }
 LAYOUTS.CQICHLog = {
     name = "cqich_log", label = "CQICH Log", meaning = "", size = 2,
-    {at = 0, kind = "U16", name = "length", label = "Length", meaning = "length of the log in bytes; from 0x8000 on it counts as negative: no entries"},
-    {at = 2, kind = "record", name = "entries", label = "Entries", meaning = "entries", count = 0, list = true, counter = {at = 0, kind = "U16"}, counts_bytes = true, record = LAYOUTS.CQICHLogEntry},
+    {at = 0, kind = "I16", name = "length", label = "Length", meaning = "length of the log in bytes; a negative one stands for no entries"},
+    {at = 2, kind = "record", name = "entries", label = "Entries", meaning = "entries", count = 0, list = true, counter = {at = 0, kind = "I16"}, counts_bytes = true, record = LAYOUTS.CQICHLogEntry},
 }
 LAYOUTS.VendorParameter = {
     name = "vendor_parameter", label = "Vendor Parameter", meaning = "", size = 4,
@@ -1369,6 +1369,11 @@ function show_nodes(tree, nodes, view)
 end
 
 -- ---- Messages by what identifies them ----
+
+-- Memory comes in pieces: the bytes that an event has are all that it should have.
+for _, row in ipairs(LAYOUTS.RegisterCall) do
+    row.counter = nil
+end
 
 local messages = {}
 
