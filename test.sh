@@ -243,7 +243,7 @@ install_missing "${BUILD_PACKAGES[@]}" \
     /usr/include/gtest/gtest.h=libgtest-dev /usr/include/benchmark/benchmark.h=libbenchmark-dev \
     clang++=clang "/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-*=libclang-rt-14-dev" \
     clang-format=clang-format clang-tidy=clang-tidy run-clang-tidy=clang-tidy \
-    python3=python3 tshark=tshark || exit 1
+    python3=python3 tshark=tshark lua5.2=lua5.2 lua5.3=lua5.3 lua5.4=lua5.4 || exit 1
 
 for section in "${sections[@]}"; do
     read -r name when what <<<"$section"

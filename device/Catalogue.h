@@ -147,6 +147,9 @@ const MessageRow *FindReceived(uint32_t u32Type, uint32_t u32SubType);
 const MessageRow &RegisterRead();
 const MessageRow &RegisterWrite();
 
+constexpr bool IsSigned(FieldType eType) {
+    return eType == FieldType::I8 || eType == FieldType::I16 || eType == FieldType::I32;
+}
 inline bool IsReserved(const FieldRow &stRow) { return stRow.stName.acPlain[0] == '\0'; }
 inline bool IsRun(const FieldRow &stRow) { return stRow.eShown >= Shown::Bytes; }
 // More than one element, or a number of them that a counter gives.

@@ -28,10 +28,6 @@ constexpr FieldRow stRest = {.eShown = Shown::Bytes};
 
 bool IsCounted(const FieldRow &stRow) { return stRow.stCounter.eType != FieldType::None; }
 
-bool IsSigned(FieldType eType) {
-    return eType == FieldType::I8 || eType == FieldType::I16 || eType == FieldType::I32;
-}
-
 // Elements that there should be, as the counter says or the room.
 uint32_t Announced(const FieldRow &stRow, ByteView stRecord) {
     if (IsCounted(stRow)) {

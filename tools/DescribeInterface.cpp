@@ -63,10 +63,6 @@ Description WholeInterface() {
     return stDescription;
 }
 
-bool IsSigned(FieldType eType) {
-    return eType == FieldType::I8 || eType == FieldType::I16 || eType == FieldType::I32;
-}
-
 std::string WidthText(const FieldRow &stRow) {
     std::string strSize = std::to_string(ElementSize(stRow));
     if (IsRun(stRow)) {
