@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "library/Control.h"
 #include "library/Device.h"
 
 #define EXPORTED __attribute__((visibility("default")))
@@ -10,13 +11,17 @@
 namespace {
 
 constexpr uint32_t hTheDevice = 1;
+// The exit status of a process that has no use for the library as it was set up.
+constexpr int iUnusable = 2;
 
 struct Library {
     std::mutex stMutex;
-    std::shared_ptr<Device> pstDevice; // null while closed
-    std::string strScenario;           // the one that the attempts are counted for
+    std::shared_ptr<Device> pstDevice;   // null while closed
+    std::unique_ptr<Control> pstControl; // of the device, if it is wanted
+    std::string strScenario;             // the one that the attempts are counted for
     uint32_t u32Attempts = 0;
     std::string strLastReport;
+    bool bWasOpen = false;
 };
 
 // Never destroyed: the device may be in use until the process is gone.
@@ -36,49 +41,96 @@ Scenario ChosenScenario(const std::string &strPath) {
 
 // One line for one mistake, however often the client tries.
 void Report(const std::string &strReason) {
+    const std::lock_guard stLock(TheLibrary().stMutex);
     if (TheLibrary().strLastReport != strReason) {
         TheLibrary().strLastReport = strReason;
         (void)std::fprintf(stderr, "libqor020: %s\n", strReason.c_str());
     }
 }
 
-struct StopAtEnd {
-    std::shared_ptr<Device> &pstDevice;
-    ~StopAtEnd() {
+// A device that is to be closed, with its control, when nobody has the library's lock: a running
+// callback may be sending.
+struct Closing {
+    std::shared_ptr<Device> pstDevice;
+    std::unique_ptr<Control> pstControl;
+
+    Closing() = default;
+    Closing(const Closing &) = delete;
+    Closing &operator=(const Closing &) = delete;
+    ~Closing() {
         if (pstDevice != nullptr) {
             pstDevice->Stop();
         }
     }
+    // With the lock.
+    void TakeFrom(Library &stLibrary) {
+        pstDevice = std::move(stLibrary.pstDevice);
+        stLibrary.pstDevice = nullptr;
+        pstControl = std::move(stLibrary.pstControl);
+    }
 };
 
+std::string EnvironmentOf(const char *pcName) {
+    const char *pcValue = std::getenv(pcName);
+    return pcValue != nullptr ? pcValue : "";
+}
+
+// Throws ScenarioError.
+std::unique_ptr<Control> WantedControl() {
+    const std::string strPath = EnvironmentOf("QOR020_CONTROL_SOCKET");
+    return strPath.empty() ? nullptr : std::make_unique<Control>(strPath);
+}
+
+// Throws ScenarioError.
 uint32_t Open() {
-    // Stopped when the lock has been given back: a running callback may be sending.
-    std::shared_ptr<Device> pstUnloaded;
-    const StopAtEnd stStop{pstUnloaded};
+    Closing stUnloaded;
     Library &stLibrary = TheLibrary();
     const std::lock_guard stLock(stLibrary.stMutex);
     if (stLibrary.pstDevice != nullptr && !stLibrary.pstDevice->Unloaded()) {
         return hTheDevice;
     }
-    const char *pcScenario = std::getenv("QOR020_SCENARIO");
-    const std::string strScenario = pcScenario != nullptr ? pcScenario : "";
+    const std::string strScenario = EnvironmentOf("QOR020_SCENARIO");
     if (strScenario != stLibrary.strScenario) {
         stLibrary.strScenario = strScenario;
         stLibrary.u32Attempts = 0;
     }
     ++stLibrary.u32Attempts;
-    try {
-        auto pstModem = std::make_unique<WholeModem>(ChosenScenario(strScenario));
-        if (!pstModem->OpensAt(stLibrary.u32Attempts)) {
-            return WIMAX_NO_DEVICE;
-        }
-        pstUnloaded = std::move(stLibrary.pstDevice);
-        stLibrary.pstDevice = Device::Start(std::move(pstModem));
-        return hTheDevice;
-    } catch (const ScenarioError &stError) {
-        Report(stError.what());
+    auto pstModem = std::make_unique<WholeModem>(ChosenScenario(strScenario));
+    if (!pstModem->OpensAt(stLibrary.u32Attempts)) {
         return WIMAX_NO_DEVICE;
     }
+    if (stLibrary.pstControl != nullptr) {
+        stLibrary.pstControl->LeavePath();
+    }
+    std::unique_ptr<Control> pstControl = WantedControl();
+    std::shared_ptr<Device> pstDevice = Device::Start(std::move(pstModem));
+    if (pstControl != nullptr) {
+        pstControl->Serve(pstDevice);
+    }
+    stUnloaded.TakeFrom(stLibrary);
+    stLibrary.pstDevice = std::move(pstDevice);
+    stLibrary.pstControl = std::move(pstControl);
+    stLibrary.bWasOpen = true;
+    return hTheDevice;
+}
+
+bool WasOpen() {
+    const std::lock_guard stLock(TheLibrary().stMutex);
+    return TheLibrary().bWasOpen;
+}
+
+// The interface knows one result for a device that is not there, which clients try again and again.
+// No attempt helps against a mistake in the files that the process was started with: it ends.
+uint32_t OpenOrEnd() {
+    try {
+        return Open();
+    } catch (const ScenarioError &stError) {
+        Report(stError.what());
+    }
+    if (!WasOpen()) {
+        std::exit(iUnusable); // without the lock: what runs at the end may close the device
+    }
+    return WIMAX_NO_DEVICE;
 }
 
 // Runs pfnUse with the open device, if hDevice is its handle.
@@ -101,7 +153,7 @@ template <typename Result, typename Call> Result Guarded(Result Failure, Call pf
 
 } // namespace
 
-EXPORTED uint32_t OpenWiMAXDevice() { return Guarded(WIMAX_NO_DEVICE, Open); }
+EXPORTED uint32_t OpenWiMAXDevice() { return Guarded(WIMAX_NO_DEVICE, OpenOrEnd); }
 
 EXPORTED int32_t RegisterCallback(uint32_t hDevice, WiMAXCallback pfnCallback,
                                   uint32_t u32Context) {
@@ -123,17 +175,10 @@ EXPORTED int32_t SendWiMAXMessage(uint32_t hDevice, void *pvMessage, uint32_t u3
 
 EXPORTED int32_t CloseWiMAXDevice() {
     return Guarded(LibraryError::NotOpen, [] {
-        std::shared_ptr<Device> pstDevice;
-        {
-            const std::lock_guard stLock(TheLibrary().stMutex);
-            pstDevice = std::move(TheLibrary().pstDevice);
-            TheLibrary().pstDevice = nullptr;
-        }
-        if (pstDevice == nullptr) {
-            return LibraryError::NotOpen;
-        }
-        pstDevice->Stop();
-        return 0;
+        Closing stClosed;
+        const std::lock_guard stLock(TheLibrary().stMutex);
+        stClosed.TakeFrom(TheLibrary());
+        return stClosed.pstDevice != nullptr ? 0 : LibraryError::NotOpen;
     });
 }
 
