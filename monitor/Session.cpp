@@ -32,6 +32,14 @@ ByteView PayloadOf(const Event &stEvent) {
     return stEvent.stBytes.From(0, stEvent.u32Length).From(MessageHeader::Size);
 }
 
+// The message that answers a request; null when there is none, or no request.
+const MessageRow *AnswerTo(const MessageRow *pstRequest) {
+    return pstRequest != nullptr && pstRequest->eDirection == Direction::Request &&
+                   pstRequest->u16AnswerSubType != 0
+               ? FindReceived(pstRequest->u16Type, pstRequest->u16AnswerSubType)
+               : nullptr;
+}
+
 } // namespace
 
 bool HasFailed(const Event &stEvent) {
@@ -43,19 +51,23 @@ bool HasFailed(const Event &stEvent) {
 
 std::string_view NameOf(EventKind eKind) { return astrEventNames[static_cast<size_t>(eKind)]; }
 
-Session::Session() {
+Session::Session() : m_aiWaiting(Messages().size(), -1) {
     for (const MessageRow &stRow : Messages()) {
-        const MessageCodes stAnswer{stRow.u16Type, stRow.u16AnswerSubType};
-        if (stRow.eDirection == Direction::Request && stRow.u16AnswerSubType != 0 &&
-            WaitingFor(stAnswer) == nullptr) {
-            m_astWaiting.push_back({stAnswer, 0, 0, {}});
+        const MessageRow *pstAnswer = AnswerTo(&stRow);
+        if (pstAnswer != nullptr && WaitingFor(pstAnswer) == nullptr) {
+            m_aiWaiting[static_cast<size_t>(pstAnswer - Messages().data())] =
+                static_cast<int32_t>(m_astWaiting.size());
+            m_astWaiting.push_back({pstAnswer, 0, 0, {}});
         }
     }
 }
 
-Session::Waiting *Session::WaitingFor(const MessageCodes &stAnswer) {
-    const auto it = std::ranges::find(m_astWaiting, stAnswer, &Waiting::stAnswer);
-    return it != m_astWaiting.end() ? &*it : nullptr;
+Session::Waiting *Session::WaitingFor(const MessageRow *pstAnswer) {
+    if (pstAnswer == nullptr) {
+        return nullptr;
+    }
+    const int32_t iWaiting = m_aiWaiting[static_cast<size_t>(pstAnswer - Messages().data())];
+    return iWaiting >= 0 ? &m_astWaiting[static_cast<size_t>(iWaiting)] : nullptr;
 }
 
 std::vector<Session::Unanswered> Session::UnansweredRequests() const {
@@ -63,7 +75,7 @@ std::vector<Session::Unanswered> Session::UnansweredRequests() const {
     for (const Waiting &stWaiting : m_astWaiting) {
         const uint64_t u64Requests = stWaiting.u64GivenUp + stWaiting.u32Count;
         if (u64Requests != 0) {
-            astUnanswered.push_back({stWaiting.stAnswer, u64Requests});
+            astUnanswered.push_back({stWaiting.pstAnswer, u64Requests});
         }
     }
     return astUnanswered;
@@ -77,17 +89,17 @@ void Session::FollowSend(const Event &stEvent, Entry *pstEntry) {
     const MessageRow *pstRow = FindSent(pstEntry->stCodes->u16Type, pstEntry->stCodes->u16SubType);
     pstEntry->pstMessage = pstEntry->pstSubject = pstRow;
     pstEntry->stPayload = PayloadOf(stEvent);
-    if (pstRow == nullptr || pstRow->u16AnswerSubType == 0) {
+    Waiting *pstWaiting = WaitingFor(AnswerTo(pstRow));
+    if (pstWaiting == nullptr) {
         return;
     }
-    Waiting &stWaiting = *WaitingFor({pstRow->u16Type, pstRow->u16AnswerSubType});
-    auto &astRequests = stWaiting.astRequests;
-    if (stWaiting.u32Count == astRequests.size()) {
+    auto &astRequests = pstWaiting->astRequests;
+    if (pstWaiting->u32Count == astRequests.size()) {
         std::ranges::rotate(astRequests, astRequests.begin() + 1);
-        --stWaiting.u32Count;
-        ++stWaiting.u64GivenUp;
+        --pstWaiting->u32Count;
+        ++pstWaiting->u64GivenUp;
     }
-    astRequests[stWaiting.u32Count++] = {stEvent.u32Number, stEvent.i64Time};
+    astRequests[pstWaiting->u32Count++] = {stEvent.u32Number, stEvent.i64Time};
 }
 
 void Session::FollowMessage(const Event &stEvent, Entry *pstEntry) {
@@ -98,7 +110,7 @@ void Session::FollowMessage(const Event &stEvent, Entry *pstEntry) {
     pstEntry->pstMessage = pstEntry->pstSubject =
         FindReceived(pstEntry->stCodes->u16Type, pstEntry->stCodes->u16SubType);
     pstEntry->stPayload = PayloadOf(stEvent);
-    Waiting *pstWaiting = WaitingFor(*pstEntry->stCodes);
+    Waiting *pstWaiting = WaitingFor(pstEntry->pstMessage);
     if (pstWaiting == nullptr || pstWaiting->u32Count == 0) {
         return;
     }
@@ -131,13 +143,10 @@ void Session::FollowResult(const Event &stEvent, Entry *pstEntry) {
         pstEntry->stPayload = stEvent.stBytes.From(MessageHeader::Size);
     }
     // What was not accepted will not be answered.
-    if (stEvent.s32Result != 0 && stCall.pstMessage != nullptr) {
-        Waiting *pstWaiting =
-            WaitingFor({stCall.stCodes.u16Type, stCall.pstMessage->u16AnswerSubType});
-        if (pstWaiting != nullptr && pstWaiting->u32Count != 0 &&
-            pstWaiting->astRequests[pstWaiting->u32Count - 1].u32Number == stCall.u32Number) {
-            --pstWaiting->u32Count;
-        }
+    Waiting *pstWaiting = WaitingFor(AnswerTo(stCall.pstMessage));
+    if (stEvent.s32Result != 0 && pstWaiting != nullptr && pstWaiting->u32Count != 0 &&
+        pstWaiting->astRequests[pstWaiting->u32Count - 1].u32Number == stCall.u32Number) {
+        --pstWaiting->u32Count;
     }
 }
 

@@ -59,7 +59,7 @@ class Session {
 
     // Requests whose answer has not come, by that answer.
     struct Unanswered {
-        MessageCodes stAnswer;
+        const MessageRow *pstAnswer;
         uint64_t u64Requests;
     };
     std::vector<Unanswered> UnansweredRequests() const;
@@ -77,13 +77,14 @@ class Session {
     // The requests that one kind of message answers. A person who asks again has given up the
     // question before, so that the last one is answered first.
     struct Waiting {
-        MessageCodes stAnswer;
+        const MessageRow *pstAnswer = nullptr;
         uint32_t u32Count = 0;
         uint64_t u64GivenUp = 0; // too many, or too long ago
         std::array<Request, 16> astRequests;
     };
 
-    Waiting *WaitingFor(const MessageCodes &stAnswer);
+    // Null when no request asks for that message, or it is none.
+    Waiting *WaitingFor(const MessageRow *pstAnswer);
     void FollowSend(const Event &stEvent, Entry *pstEntry);
     void FollowMessage(const Event &stEvent, Entry *pstEntry);
     void FollowResult(const Event &stEvent, Entry *pstEntry);
@@ -92,6 +93,7 @@ class Session {
     // By the lowest bits of the number: a call lasts for no more than a few events.
     std::array<Call, 256> m_astCalls;
     std::vector<Waiting> m_astWaiting;
+    std::vector<int32_t> m_aiWaiting; // by the answer's place in the catalogue; -1: none
     std::vector<uint8_t> m_aucMemoryCall;
 };
 

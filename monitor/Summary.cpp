@@ -227,9 +227,8 @@ void Summary::Put(Writer &stWriter, const Session &stSession) const {
     PutAnswerTimes(stWriter);
     PutCalls(stWriter);
     std::vector<TableLine> astLines = {{"unanswered requests, waiting for", "number"}};
-    for (const auto &[stAnswer, u64Requests] : stSession.UnansweredRequests()) {
-        astLines.push_back({"< " + NameOf(FindReceived(stAnswer.u16Type, stAnswer.u16SubType),
-                                          stAnswer.u16Type, stAnswer.u16SubType),
+    for (const auto &[pstAnswer, u64Requests] : stSession.UnansweredRequests()) {
+        astLines.push_back({"< " + NameOf(pstAnswer, pstAnswer->u16Type, pstAnswer->u16SubType),
                             std::to_string(u64Requests)});
     }
     PutTable(stWriter, astLines);
