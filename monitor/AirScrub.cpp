@@ -169,6 +169,8 @@ bool TakeValue(ByteSpan *pstList, uint8_t *pu8Tag, ByteSpan *pstValue) {
     return true;
 }
 
+// As deep as the tables are.
+// NOLINTNEXTLINE(misc-no-recursion)
 void ScrubValues(const Pseudonyms &stPseudonyms, const TagList &stTags, ByteSpan stList) {
     uint8_t u8Tag = 0;
     ByteSpan stValue;

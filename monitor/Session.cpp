@@ -95,7 +95,7 @@ void Session::FollowSend(const Event &stEvent, Entry *pstEntry) {
     }
     auto &astRequests = pstWaiting->astRequests;
     if (pstWaiting->u32Count == astRequests.size()) {
-        std::ranges::rotate(astRequests, astRequests.begin() + 1);
+        std::rotate(astRequests.begin(), astRequests.begin() + 1, astRequests.end());
         --pstWaiting->u32Count;
         ++pstWaiting->u64GivenUp;
     }

@@ -10,8 +10,9 @@
 
 void Writer::PutFraction(int64_t i64Value, uint32_t u32Divisor) {
     constexpr int iMostDecimals = 16;
-    uint64_t u64Value = i64Value < 0 ? -static_cast<uint64_t>(i64Value) : i64Value;
+    auto u64Value = static_cast<uint64_t>(i64Value);
     if (i64Value < 0) {
+        u64Value = -u64Value;
         Put('-');
     }
     PutNumber(u64Value / u32Divisor);

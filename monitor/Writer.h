@@ -34,8 +34,10 @@ struct Writer {
             PutLong(strText);
             return;
         }
-        std::memcpy(Room(strText.size()), strText.data(), strText.size());
-        uUsed += strText.size();
+        if (!strText.empty()) {
+            std::memcpy(Room(strText.size()), strText.data(), strText.size());
+            uUsed += strText.size();
+        }
     }
     void PutNumber(std::integral auto Value, int iBase = 10) {
         constexpr size_t uMostDigits = 72;
