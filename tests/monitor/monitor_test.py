@@ -61,11 +61,11 @@ SMALL_TEXT = """\
 < 2023-11-14 22:13:20.000000000 #3 open (#2), handle 1, took 0.000 ms
 > 2023-11-14 22:13:20.000000000 #4 register, context 0
 < 2023-11-14 22:13:20.000000000 #5 register (#4), result 0, took 0.000 ms
-> 2023-11-14 22:13:21.000000000 #6 sync_up_request 2/1, 68 bytes
+> 2023-11-14 22:13:21.000000000 #6 sync_up 2/1, 68 bytes
     center_frequency: 2587500 kHz
     bandwidth: 10000 kHz
     preamble_id: 255
-< 2023-11-14 22:13:21.000010000 #7 sync_up_request 2/1 (#6), result 0, took 0.010 ms
+< 2023-11-14 22:13:21.000010000 #7 sync_up 2/1 (#6), result 0, took 0.010 ms
 < 2023-11-14 22:13:21.250010000 #8 sync_status 2/1, 52 bytes, 250.010 ms after #6
     ~~~~~~~~~~ SYNC STATUS RESPONSE RECEIVED ~~~~~~~~~~
 
@@ -278,7 +278,7 @@ class JSON(MonitorTest):
         self.assertEqual(objects[3]["context"], 0)
         self.assertEqual(objects[5], {
             "number": 6, "time": "2023-11-14T22:13:21.000000000Z", "event": "send",
-            "direction": "sent", "type": 2, "subtype": 1, "name": "sync_up_request", "handle": 1,
+            "direction": "sent", "type": 2, "subtype": 1, "name": "sync_up", "handle": 1,
             "length": 68,
             "fields": {"center_frequency": 2587500, "bandwidth": 10000, "preamble_id": 255},
         })
@@ -367,7 +367,7 @@ class Filters(MonitorTest):
     def test_by_subtype(self):
         self.assertEqual(self.numbers("--subtype", "7"), [16, 17])
         self.assertEqual(self.numbers("--subtype", "sync_status"), [8, 9])
-        self.assertEqual(self.numbers("--subtype", "SyncUpRequest"), [6, 7])
+        self.assertEqual(self.numbers("--subtype", "SyncUp"), [6, 7])
         self.assertEqual(self.numbers("--type", "2", "--subtype", "2"), [])
 
     def test_by_direction(self):
@@ -412,7 +412,7 @@ class Summary(MonitorTest):
 21 events from 2023-11-14 22:13:20.000000000 to 2023-11-14 22:13:21.750010000
 
 messages                   number  bytes  a second  bytes a second
-> sync_up_request 2/1           1     68       0.6            38.9
+> sync_up 2/1                   1     68       0.6            38.9
 > statistics_request 17/1       1      8       0.6             4.6
 < sync_status 2/1               1     52       0.6            29.7
 < traced_message 21/1           1     25       0.6            14.3
@@ -690,7 +690,7 @@ class Terminal(MonitorTest):
     def test_colours(self):
         self.file.write_bytes(small())
         text = self.on_terminal([OPTIONS.monitor, self.file], ["stdout"])
-        self.assertIn("\x1b[1;32m> 2023-11-14 22:13:21.000000000 #6 sync_up_request 2/1, 68 bytes"
+        self.assertIn("\x1b[1;32m> 2023-11-14 22:13:21.000000000 #6 sync_up 2/1, 68 bytes"
                       "\x1b[0m\n", text)
         self.assertIn("\x1b[1;34m< 2023-11-14 22:13:21.750010000 #13 statistics_request 17/1\x1b[0m"
                       " (#12)\x1b[1;31m, result -76\x1b[0m, took 0.000 ms\n", text)
