@@ -1553,7 +1553,13 @@ end
 
 local function follow(event)
     if event.belongs_to == 0 then
-        calls[event.number] = event
+        -- Of a long session, no more than others ask for.
+        calls[event.number] = {
+            frame = event.frame,
+            message = event.message,
+            type = event.type,
+            subtype = event.subtype,
+        }
     else
         local call = calls[event.belongs_to]
         if call then
