@@ -14,8 +14,8 @@ namespace {
 
 // The quality of the link is looked at so often, and what it comes to counted so often:
 // whether anybody asks makes no difference.
-constexpr ModemTime iLookPeriod = 31250;
-constexpr ModemTime iCountPeriod = 32 * iLookPeriod;
+constexpr ModemTime iLookPeriod = i64Second / 4;
+constexpr ModemTime iCountPeriod = i64Second;
 constexpr double fHCSShare = 0.25;           // of the frames in error
 constexpr ModemTime i64CQICH = 8 * i64Frame; // between two reports of the channel's quality
 constexpr uint64_t u64PacketsPerBandwidthRequest = 4;
