@@ -10,6 +10,8 @@
 namespace {
 
 constexpr uint32_t hTheDevice = 1;
+// The exit status of a process that has no use for the library as it was set up.
+constexpr int iUnusable = 2;
 
 struct Library {
     std::mutex stMutex;
@@ -17,6 +19,7 @@ struct Library {
     std::string strScenario;           // the one that the attempts are counted for
     uint32_t u32Attempts = 0;
     std::string strLastReport;
+    bool bWasOpen = false;
 };
 
 // Never destroyed: the device may be in use until the process is gone.
@@ -36,6 +39,7 @@ Scenario ChosenScenario(const std::string &strPath) {
 
 // One line for one mistake, however often the client tries.
 void Report(const std::string &strReason) {
+    const std::lock_guard stLock(TheLibrary().stMutex);
     if (TheLibrary().strLastReport != strReason) {
         TheLibrary().strLastReport = strReason;
         (void)std::fprintf(stderr, "libqor020: %s\n", strReason.c_str());
@@ -51,6 +55,7 @@ struct StopAtEnd {
     }
 };
 
+// Throws ScenarioError.
 uint32_t Open() {
     // Stopped when the lock has been given back: a running callback may be sending.
     std::shared_ptr<Device> pstUnloaded;
@@ -67,18 +72,33 @@ uint32_t Open() {
         stLibrary.u32Attempts = 0;
     }
     ++stLibrary.u32Attempts;
-    try {
-        auto pstModem = std::make_unique<WholeModem>(ChosenScenario(strScenario));
-        if (!pstModem->OpensAt(stLibrary.u32Attempts)) {
-            return WIMAX_NO_DEVICE;
-        }
-        pstUnloaded = std::move(stLibrary.pstDevice);
-        stLibrary.pstDevice = Device::Start(std::move(pstModem));
-        return hTheDevice;
-    } catch (const ScenarioError &stError) {
-        Report(stError.what());
+    auto pstModem = std::make_unique<WholeModem>(ChosenScenario(strScenario));
+    if (!pstModem->OpensAt(stLibrary.u32Attempts)) {
         return WIMAX_NO_DEVICE;
     }
+    pstUnloaded = std::move(stLibrary.pstDevice);
+    stLibrary.pstDevice = Device::Start(std::move(pstModem));
+    stLibrary.bWasOpen = true;
+    return hTheDevice;
+}
+
+bool WasOpen() {
+    const std::lock_guard stLock(TheLibrary().stMutex);
+    return TheLibrary().bWasOpen;
+}
+
+// The interface knows one result for a device that is not there, which clients try again and again.
+// No attempt helps against a mistake in the files that the process was started with: it ends.
+uint32_t OpenOrEnd() {
+    try {
+        return Open();
+    } catch (const ScenarioError &stError) {
+        Report(stError.what());
+    }
+    if (!WasOpen()) {
+        std::exit(iUnusable); // without the lock: what runs at the end may close the device
+    }
+    return WIMAX_NO_DEVICE;
 }
 
 // Runs pfnUse with the open device, if hDevice is its handle.
@@ -101,7 +121,7 @@ template <typename Result, typename Call> Result Guarded(Result Failure, Call pf
 
 } // namespace
 
-EXPORTED uint32_t OpenWiMAXDevice() { return Guarded(WIMAX_NO_DEVICE, Open); }
+EXPORTED uint32_t OpenWiMAXDevice() { return Guarded(WIMAX_NO_DEVICE, OpenOrEnd); }
 
 EXPORTED int32_t RegisterCallback(uint32_t hDevice, WiMAXCallback pfnCallback,
                                   uint32_t u32Context) {

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 
 // The TOML reader asserts what it has not looked at yet: a "[" with nothing
 // behind it, for one. It reports the mistake when it goes on, but must not take
@@ -21,18 +23,21 @@ struct ScenarioValue {
     enum class Kind : uint8_t { Table, Array, Integer, Number, Flag, Text, Other };
 
     Kind eKind = Kind::Other;
+    std::shared_ptr<const std::string> pstrFile; // that it stands in
     uint32_t u32Line = 0;
     bool bRead = false;
+    bool bBare = false; // a text as well, whatever else it is
     bool bFlag = false;
     int64_t iInteger = 0;
     double fNumber = 0;
     std::string strKey;
     std::string strText;
     std::vector<ScenarioValue> astItems; // of a table or an array
+
+    bool IsText() const { return bBare || eKind == Kind::Text; }
 };
 
 struct ScenarioDocument {
-    std::string strName;
     ScenarioValue stRoot;
 };
 
@@ -40,21 +45,25 @@ namespace {
 
 using Kind = ScenarioValue::Kind;
 
+std::string Quoted(std::string_view strText) { return "\"" + std::string(strText) + "\""; }
+
 // As deep as the file is nested, which the TOML reader limits.
 // NOLINTNEXTLINE(misc-no-recursion)
-ScenarioValue Convert(const toml::node &stNode, std::string_view strKey) {
+ScenarioValue Convert(const toml::node &stNode, std::string_view strKey,
+                      const std::shared_ptr<const std::string> &pstrFile) {
     ScenarioValue stValue;
+    stValue.pstrFile = pstrFile;
     stValue.strKey = strKey;
     stValue.u32Line = stNode.source().begin.line;
     if (const toml::table *pstTable = stNode.as_table()) {
         stValue.eKind = Kind::Table;
         for (const auto &[stKey, stItem] : *pstTable) {
-            stValue.astItems.push_back(Convert(stItem, stKey.str()));
+            stValue.astItems.push_back(Convert(stItem, stKey.str(), pstrFile));
         }
     } else if (const toml::array *pstArray = stNode.as_array()) {
         stValue.eKind = Kind::Array;
         for (const toml::node &stItem : *pstArray) {
-            stValue.astItems.push_back(Convert(stItem, strKey));
+            stValue.astItems.push_back(Convert(stItem, strKey, pstrFile));
         }
     } else if (const auto *pstInteger = stNode.as_integer()) {
         stValue.eKind = Kind::Integer;
@@ -69,6 +78,25 @@ ScenarioValue Convert(const toml::node &stNode, std::string_view strKey) {
     } else if (const auto *pstText = stNode.as_string()) {
         stValue.eKind = Kind::Text;
         stValue.strText = pstText->get();
+    }
+    return stValue;
+}
+
+ScenarioValue FromWord(const std::string &strKey, const std::string &strWord) {
+    ScenarioValue stValue;
+    stValue.strKey = strKey;
+    stValue.strText = strWord;
+    stValue.bBare = true;
+    const char *pcEnd = strWord.data() + strWord.size();
+    const auto Whole = std::from_chars(strWord.data(), pcEnd, stValue.iInteger);
+    const auto Decimal = std::from_chars(strWord.data(), pcEnd, stValue.fNumber);
+    if (strWord == "true" || strWord == "false") {
+        stValue.eKind = Kind::Flag;
+        stValue.bFlag = strWord == "true";
+    } else if (Whole.ec == std::errc() && Whole.ptr == pcEnd) {
+        stValue.eKind = Kind::Integer;
+    } else if (Decimal.ec == std::errc() && Decimal.ptr == pcEnd) {
+        stValue.eKind = Kind::Number;
     }
     return stValue;
 }
@@ -94,8 +122,6 @@ std::string Short(double fValue) {
     return acText.data();
 }
 
-std::string Quoted(std::string_view strText) { return "\"" + std::string(strText) + "\""; }
-
 int DigitOf(char cChar) {
     if (cChar >= '0' && cChar <= '9') {
         return cChar - '0';
@@ -105,6 +131,117 @@ int DigitOf(char cChar) {
     }
     return cChar >= 'A' && cChar <= 'F' ? cChar - 'A' + 10 : -1;
 }
+
+ScenarioError ErrorIn(const ScenarioValue &stValue, const std::string &strReason) {
+    return {*stValue.pstrFile, stValue.u32Line, strReason};
+}
+
+std::string ReadPresent(const std::string &strPath) {
+    std::optional<std::string> strText = ReadTextFile(strPath);
+    if (!strText) {
+        throw ScenarioError(strPath, ScenarioError::u32WholeFile,
+                            std::string("cannot be read: ") + std::strerror(ENOENT));
+    }
+    return std::move(*strText);
+}
+
+bool IsListOfTables(const ScenarioValue &stValue) {
+    return stValue.eKind == Kind::Array && !stValue.astItems.empty() &&
+           stValue.astItems.front().eKind == Kind::Table;
+}
+
+// What stands in stOver counts; tables become one, and of sections that may stand several times
+// both files' stand there.
+// NOLINTNEXTLINE(misc-no-recursion)
+void Merge(ScenarioValue *pstUnder, ScenarioValue stOver) {
+    if (pstUnder->eKind == Kind::Table && stOver.eKind == Kind::Table) {
+        for (ScenarioValue &stItem : stOver.astItems) {
+            const auto pstSame = std::find_if(
+                pstUnder->astItems.begin(), pstUnder->astItems.end(),
+                [&](const ScenarioValue &stOther) { return stOther.strKey == stItem.strKey; });
+            if (pstSame == pstUnder->astItems.end()) {
+                pstUnder->astItems.push_back(std::move(stItem));
+            } else {
+                Merge(&*pstSame, std::move(stItem));
+            }
+        }
+    } else if (IsListOfTables(*pstUnder) && IsListOfTables(stOver)) {
+        std::move(stOver.astItems.begin(), stOver.astItems.end(),
+                  std::back_inserter(pstUnder->astItems));
+    } else {
+        *pstUnder = std::move(stOver);
+    }
+}
+
+// Reads a scenario with all that it includes.
+class Loader {
+  public:
+    // NOLINTNEXTLINE(misc-no-recursion)
+    ScenarioValue Load(std::string_view strText, const std::string &strName) {
+        const auto pstrFile = std::make_shared<const std::string>(strName);
+        ScenarioValue stOwn;
+        try {
+            stOwn = Convert(toml::parse(strText), "", pstrFile);
+        } catch (const toml::parse_error &stError) {
+            throw ScenarioError(strName, stError.source().begin.line,
+                                std::string(stError.description()));
+        }
+        const auto pstInclude =
+            std::find_if(stOwn.astItems.begin(), stOwn.astItems.end(),
+                         [](const ScenarioValue &stItem) { return stItem.strKey == "include"; });
+        if (pstInclude == stOwn.astItems.end()) {
+            return stOwn;
+        }
+        const ScenarioValue stInclude = std::move(*pstInclude);
+        stOwn.astItems.erase(pstInclude);
+        ScenarioValue stAll;
+        stAll.eKind = Kind::Table;
+        stAll.pstrFile = pstrFile;
+        m_astrWithin.push_back(strName);
+        if (stInclude.eKind == Kind::Array) {
+            for (const ScenarioValue &stPath : stInclude.astItems) {
+                Merge(&stAll, Include(stPath));
+            }
+        } else {
+            Merge(&stAll, Include(stInclude));
+        }
+        m_astrWithin.pop_back();
+        Merge(&stAll, std::move(stOwn));
+        return stAll;
+    }
+
+  private:
+    static constexpr uint32_t u32MostFiles = 32;
+
+    // NOLINTNEXTLINE(misc-no-recursion)
+    ScenarioValue Include(const ScenarioValue &stPath) {
+        if (stPath.eKind != Kind::Text) {
+            throw ErrorIn(stPath, "\"include\" must be a file in quotes, or a list of such");
+        }
+        // Beside the file that says so.
+        const std::string strPath =
+            (std::filesystem::path(*stPath.pstrFile).parent_path() / stPath.strText)
+                .lexically_normal();
+        if (std::find(m_astrWithin.begin(), m_astrWithin.end(), strPath) != m_astrWithin.end()) {
+            throw ErrorIn(stPath, "\"include\" names a file that includes this one");
+        }
+        if (++m_u32Files > u32MostFiles) {
+            throw ErrorIn(stPath, "\"include\" names more than " + std::to_string(u32MostFiles) +
+                                      " files in all");
+        }
+        std::string strText;
+        try {
+            strText = ReadPresent(strPath);
+        } catch (const ScenarioError &stError) {
+            throw ErrorIn(stPath, "\"include\" names " + Quoted(stPath.strText) + ", which " +
+                                      stError.Reason());
+        }
+        return Load(strText, strPath);
+    }
+
+    std::vector<std::string> m_astrWithin; // the files that are being read
+    uint32_t m_u32Files = 0;
+};
 
 // False when the text is not whole bytes.
 bool ReadBytes(std::string_view strText, std::vector<uint8_t> *paucBytes) {
@@ -124,26 +261,6 @@ bool ReadBytes(std::string_view strText, std::vector<uint8_t> *paucBytes) {
 }
 
 } // namespace
-
-std::optional<std::string> ReadTextFile(const std::string &strPath) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> pstFile(
-        std::fopen(strPath.c_str(), "rb"), &std::fclose);
-    if (pstFile == nullptr && errno == ENOENT) {
-        return {};
-    }
-    std::string strText;
-    if (pstFile != nullptr) {
-        std::array<char, 4096> acBlock{};
-        size_t uCount = 0;
-        while ((uCount = std::fread(acBlock.data(), 1, acBlock.size(), pstFile.get())) != 0) {
-            strText.append(acBlock.data(), uCount);
-        }
-    }
-    if (pstFile == nullptr || std::ferror(pstFile.get()) != 0) {
-        throw ScenarioError(strPath, 0, std::string("cannot be read: ") + std::strerror(errno));
-    }
-    return strText;
-}
 
 ScenarioValue *Section::Find(std::string_view strKey) const {
     if (m_pstTable == nullptr) {
@@ -168,13 +285,13 @@ ScenarioValue *Section::FindOrRefuse(std::string_view strKey, bool bOptional) co
 
 bool Section::Has(std::string_view strKey) const { return Find(strKey) != nullptr; }
 
-void Section::Refuse(std::string_view strKey, const std::string &strReason) const {
+ScenarioError Section::ErrorAbout(std::string_view strKey, const std::string &strReason) const {
     const ScenarioValue *pstValue = Find(strKey);
     if (pstValue == nullptr) {
         pstValue = m_pstTable;
     }
-    throw ScenarioError(m_pstDocument->strName, pstValue != nullptr ? pstValue->u32Line : 0,
-                        Quoted(strKey) + " " + strReason);
+    return ErrorIn(pstValue != nullptr ? *pstValue : m_pstDocument->stRoot,
+                   Quoted(strKey) + " " + strReason);
 }
 
 int64_t Section::Integer(std::string_view strKey, int64_t iLeast, int64_t iMost,
@@ -227,7 +344,7 @@ std::string Section::Text(std::string_view strKey,
     if (pstValue == nullptr) {
         return std::string(*strDefault);
     }
-    if (pstValue->eKind != Kind::Text) {
+    if (!pstValue->IsText()) {
         Refuse(strKey, "must be a text in quotes");
     }
     return pstValue->strText;
@@ -241,7 +358,7 @@ uint32_t Section::Choice(std::string_view strKey, std::span<const ScenarioWord> 
     }
     std::string strAllowed;
     for (const ScenarioWord &stWord : astWords) {
-        if (pstValue->eKind == Kind::Text && pstValue->strText == stWord.pcWord) {
+        if (pstValue->IsText() && pstValue->strText == stWord.pcWord) {
             return stWord.u32Value;
         }
         strAllowed += (strAllowed.empty() ? "" : ", ") + Quoted(stWord.pcWord);
@@ -251,9 +368,11 @@ uint32_t Section::Choice(std::string_view strKey, std::span<const ScenarioWord> 
 
 std::vector<uint8_t> Section::Bytes(std::string_view strKey, size_t uMost) const {
     std::vector<uint8_t> aucBytes;
-    if (!ReadBytes(Text(strKey, ""), &aucBytes) || aucBytes.size() > uMost) {
-        Refuse(strKey, "must be at most " + std::to_string(uMost) +
-                           " bytes, each of two hexadecimal digits");
+    if (!ReadBytes(Text(strKey, ""), &aucBytes)) {
+        Refuse(strKey, "must be whole bytes, each of two hexadecimal digits");
+    }
+    if (aucBytes.size() > uMost) {
+        Refuse(strKey, "must be at most " + std::to_string(uMost) + " bytes");
     }
     return aucBytes;
 }
@@ -313,33 +432,39 @@ Scenario &Scenario::operator=(Scenario &&) noexcept = default;
 Scenario::~Scenario() = default;
 
 Scenario Scenario::FromText(std::string_view strText, const std::string &strName) {
-    try {
-        const toml::table stTable = toml::parse(strText);
-        auto pstDocument = std::make_unique<ScenarioDocument>();
-        pstDocument->strName = strName;
-        pstDocument->stRoot = Convert(stTable, "");
-        return Scenario(std::move(pstDocument));
-    } catch (const toml::parse_error &stError) {
-        throw ScenarioError(strName, stError.source().begin.line,
-                            std::string(stError.description()));
-    }
+    auto pstDocument = std::make_unique<ScenarioDocument>();
+    pstDocument->stRoot = Loader().Load(strText, strName);
+    return Scenario(std::move(pstDocument));
 }
 
 Scenario Scenario::FromFile(const std::string &strPath) {
-    const std::optional<std::string> strText = ReadTextFile(strPath);
-    if (!strText) {
-        throw ScenarioError(strPath, 0, std::string("cannot be read: ") + std::strerror(ENOENT));
-    }
-    return FromText(*strText, strPath);
+    return FromText(ReadPresent(strPath), strPath);
 }
 
 Scenario Scenario::BuiltIn() { return FromText(pcDefaultScenario, "built-in scenario"); }
+
+Scenario Scenario::FromWords(const Words &astWords, const std::string &strName) {
+    auto pstDocument = std::make_unique<ScenarioDocument>();
+    pstDocument->stRoot.pstrFile = std::make_shared<const std::string>(strName);
+    pstDocument->stRoot.eKind = Kind::Table;
+    for (const auto &stWord : astWords) {
+        const std::string &strKey = stWord.first;
+        const auto &astItems = pstDocument->stRoot.astItems;
+        if (std::any_of(astItems.begin(), astItems.end(),
+                        [&](const ScenarioValue &stItem) { return stItem.strKey == strKey; })) {
+            throw ScenarioError(strName, ScenarioError::u32WholeFile,
+                                Quoted(strKey) + " stands twice");
+        }
+        pstDocument->stRoot.astItems.push_back(FromWord(strKey, stWord.second));
+        pstDocument->stRoot.astItems.back().pstrFile = pstDocument->stRoot.pstrFile;
+    }
+    return Scenario(std::move(pstDocument));
+}
 
 Section Scenario::Root() const { return {m_pstDocument.get(), &m_pstDocument->stRoot}; }
 
 void Scenario::RefuseUnread() const {
     if (const ScenarioValue *pstUnread = FirstUnread(m_pstDocument->stRoot)) {
-        throw ScenarioError(m_pstDocument->strName, pstUnread->u32Line,
-                            Quoted(pstUnread->strKey) + " is not known here");
+        throw ErrorIn(*pstUnread, Quoted(pstUnread->strKey) + " is not known here");
     }
 }

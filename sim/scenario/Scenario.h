@@ -1,33 +1,20 @@
-// A scenario file: what surrounds the modem, what happens to it, and what goes
-// wrong. Every part of the modem reads its own section; what nobody has read at
-// the end is a mistake in the file and is refused.
+// A scenario file, with the files that it includes: what surrounds the modem, what happens to it,
+// and what goes wrong. Every part of the modem reads its own section; what nobody has read at the
+// end is a mistake in the file and is refused.
 #ifndef SCENARIO_H
 #define SCENARIO_H
 
 #include <cstdint>
-#include <exception>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "scenario/TextFile.h"
 #include "time/ModemTime.h"
-
-// What is wrong with a file: "FILE:LINE: reason".
-class ScenarioError : public std::exception {
-  public:
-    ScenarioError(const std::string &strFile, uint32_t u32Line, const std::string &strReason)
-        : m_strText(strFile + ":" + std::to_string(u32Line) + ": " + strReason) {}
-    const char *what() const noexcept override { return m_strText.c_str(); }
-
-  private:
-    std::string m_strText;
-};
-
-// A file's text, or nothing when there is no such file. Throws ScenarioError.
-std::optional<std::string> ReadTextFile(const std::string &strPath);
 
 struct ScenarioDocument;
 struct ScenarioValue;
@@ -74,7 +61,11 @@ class Section {
 
     // Refuses the file because of this key, or because of the whole table when
     // the key is not there.
-    [[noreturn]] void Refuse(std::string_view strKey, const std::string &strReason) const;
+    [[noreturn]] void Refuse(std::string_view strKey, const std::string &strReason) const {
+        throw ErrorAbout(strKey, strReason);
+    }
+    // What is said of this key, or of the whole table.
+    ScenarioError ErrorAbout(std::string_view strKey, const std::string &strReason) const;
 
   private:
     ScenarioValue *Find(std::string_view strKey) const;
@@ -90,6 +81,10 @@ class Scenario {
     static Scenario FromText(std::string_view strText, const std::string &strName);
     static Scenario FromFile(const std::string &strPath);
     static Scenario BuiltIn();
+    // One table of keys and values, the values as bare words: each is whatever the reader of its
+    // key asks for, if it can be that.
+    using Words = std::vector<std::pair<std::string, std::string>>;
+    static Scenario FromWords(const Words &astWords, const std::string &strName);
 
     Scenario(Scenario &&) noexcept;
     Scenario &operator=(Scenario &&) noexcept;

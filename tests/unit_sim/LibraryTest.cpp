@@ -295,7 +295,9 @@ TEST_F(Library, TheFirstOpensCanFail) {
     std::filesystem::remove(m_strPath + "x");
 }
 
-TEST_F(Library, ABadScenarioIsReportedOnceAndDoesNotOpen) {
+TEST_F(Library, AScenarioThatHasGoneBadIsReportedOnceAndDoesNotOpen) {
+    ASSERT_NE(OpenWiMAXDevice(), 0xFFFFFFFF);
+    ASSERT_EQ(CloseWiMAXDevice(), 0);
     UseScenario("[device]\n\npresence = true\n");
     testing::internal::CaptureStderr();
     testing::internal::CaptureStdout();

@@ -4,8 +4,12 @@
 #include <fstream>
 #include <sstream>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include "ModemBench.h"
 #include "TestScenarios.h"
+#include "scenario/Warnings.h"
 
 namespace {
 
@@ -76,7 +80,9 @@ TEST(Scenario, MistakesAreReportedWithTheirLine) {
         {"[[station]]\nbsid = \"00 11\"\n",
          "bad.toml:2: \"bsid\" must be six bytes, each of two hexadecimal digits"},
         {"[[station]]\nbsid = \"00120A0102033\"\n",
-         "bad.toml:2: \"bsid\" must be at most 6 bytes, each of two hexadecimal digits"},
+         "bad.toml:2: \"bsid\" must be whole bytes, each of two hexadecimal digits"},
+        {"[[station]]\nbsid = \"00120A01020304\"\n",
+         "bad.toml:2: \"bsid\" must be at most 6 bytes"},
         {"[[station]]\nbsid = \"00120A010203\"\nfrequency = 2587.5\n",
          "bad.toml:3: \"frequency\" must be a whole number from 1 to 4294967295"},
         {strStation + strStation, "bad.toml:9: \"bsid\" is used twice"},
@@ -100,7 +106,7 @@ TEST(Scenario, MistakesAreReportedWithTheirLine) {
         {"[[event]]\nat = 1\nkind = \"message\"\nbytes = \"010203\"\n",
          "bad.toml:4: \"bytes\" must hold at least the four bytes of type and subtype"},
         {"[[event]]\nat = 1\nkind = \"message\"\nbytes = \"0102030\"\n",
-         "bad.toml:4: \"bytes\" must be at most 10244 bytes, each of two hexadecimal digits"},
+         "bad.toml:4: \"bytes\" must be whole bytes, each of two hexadecimal digits"},
         {"[[fault]]\nkind = \"fail\"\n", "bad.toml:1: \"code\" is missing"},
         {"[[fault]]\nkind = \"drop\"\nseconds = 2\n", "bad.toml:3: \"seconds\" is not known here"},
         {"[[fault]]\nkind = \"drop\"\nprobability = 1.5\n",
@@ -116,15 +122,205 @@ TEST(Scenario, TextThatIsNoTOMLIsReportedWithItsLine) {
     EXPECT_EQ(ReasonAgainst("\n\nseed = [1,\n").substr(0, 9), "bad.toml:");
 }
 
-TEST(Scenario, AFileThatCannotBeReadIsReported) {
-    try {
-        Scenario::FromFile("/nonexistent/scenario.toml");
-        FAIL();
-    } catch (const ScenarioError &stError) {
-        EXPECT_STREQ(stError.what(),
-                     "/nonexistent/scenario.toml:0: cannot be read: No such file or directory");
+TEST(Scenario, WhatIsSaidIsOneLineThatATerminalShows) {
+    EXPECT_EQ(ReasonAgainst("\"a\\nb\" = 1\n"), "bad.toml:1: \"a\\nb\" is not known here");
+    EXPECT_EQ(ReasonAgainst("\"\\u001B[31mred\\u007F\\u009B\" = 1\n"),
+              "bad.toml:1: \"\\x1B[31mred\\x7F\\xC2\\x9B\" is not known here");
+    EXPECT_EQ(ReasonAgainst("\"gr\xC3\xBC\xC3\x9F\" = 1\n"),
+              "bad.toml:1: \"gr\xC3\xBC\xC3\x9F\" is not known here");
+    EXPECT_STREQ(ScenarioError("a\nb\xFF", 7, "no\r\xE2\x82").what(),
+                 "a\\nb\\xFF:7: no\\x0D\\xE2\\x82");
+    EXPECT_EQ(ReasonAgainst(std::string(100000, 'k') + " = 1\n"),
+              "bad.toml:1: \"" + std::string(1000, 'k') + "...");
+}
+
+// Whatever stands in a file, its reader reports it or takes it: no assertion of its own ends it.
+TEST(Scenario, AnyTextIsTakenOrRefused) {
+    const std::string strBits = "[]\n\"'=.,{}# a1-+:T_\\\r\t\xFF\xC3";
+    Random stRandom(1, "texts");
+    uint32_t u32Refused = 0;
+    for (int i = 0; i < 20000; ++i) {
+        std::string strText;
+        for (uint32_t u32Left = stRandom.Below(8); u32Left != 0; --u32Left) {
+            strText += strBits[stRandom.Below(static_cast<uint32_t>(strBits.size()))];
+        }
+        try {
+            (void)Scenario::FromText(strText, "any.toml");
+        } catch (const ScenarioError &stError) {
+            ++u32Refused;
+            EXPECT_EQ(std::string(stError.what()).substr(0, 9), "any.toml:");
+            EXPECT_EQ(std::string(stError.what()).find('\n'), std::string::npos);
+        }
     }
-    EXPECT_THROW(Scenario::FromFile("/"), ScenarioError);
+    EXPECT_GT(u32Refused, 10000U);
+}
+
+// What is said about a file; empty when nothing is wrong with it.
+std::string ReasonAgainstFile(const std::string &strPath) {
+    try {
+        Scenario::FromFile(strPath);
+        return "";
+    } catch (const ScenarioError &stError) {
+        return stError.what();
+    }
+}
+
+TEST(Scenario, AFileThatCannotBeReadIsReported) {
+    EXPECT_EQ(ReasonAgainstFile("/nonexistent/scenario.toml"),
+              "/nonexistent/scenario.toml: cannot be read: No such file or directory");
+    EXPECT_EQ(ReasonAgainstFile("/"), "/: cannot be read: it is not a regular file");
+    EXPECT_EQ(ReasonAgainstFile("/dev/zero"),
+              "/dev/zero: cannot be read: it is not a regular file");
+}
+
+TEST(Scenario, APipeIsRefusedWithoutWaitingForItsWriter) {
+    const std::string strPath = testing::TempDir() + "scenario-pipe-" + std::to_string(getpid());
+    ASSERT_EQ(mkfifo(strPath.c_str(), 0600), 0);
+    EXPECT_EQ(ReasonAgainstFile(strPath), strPath + ": cannot be read: it is not a regular file");
+    std::filesystem::remove(strPath);
+}
+
+TEST(Scenario, AFileMayHaveFourMegabytesAndNoMore) {
+    const std::string strPath = testing::TempDir() + "scenario-long-" + std::to_string(getpid());
+    std::ofstream(strPath) << "#" << std::string(4194302, ' ') << "\n";
+    EXPECT_EQ(ReasonAgainstFile(strPath), "");
+    std::filesystem::resize_file(strPath, 4194305);
+    EXPECT_EQ(ReasonAgainstFile(strPath), strPath + ": is longer than 4194304 bytes");
+    std::filesystem::remove(strPath);
+}
+
+// A directory of scenario files.
+class Including : public testing::Test {
+  protected:
+    Including() : m_stTop(testing::TempDir() + "including-" + std::to_string(getpid())) {
+        std::filesystem::create_directories(m_stTop / "below");
+    }
+    ~Including() override { std::filesystem::remove_all(m_stTop); }
+    void Write(const std::string &strName, const std::string &strText) const {
+        std::ofstream(m_stTop / strName) << strText;
+    }
+    std::string Path(const std::string &strName) const { return (m_stTop / strName).string(); }
+    // What is said about a file, without the directory; empty when nothing is wrong with it.
+    std::string Reason(const std::string &strName) const {
+        std::string strReason;
+        try {
+            const WholeModem stModem(Scenario::FromFile(Path(strName)));
+        } catch (const ScenarioError &stError) {
+            strReason = stError.what();
+        }
+        for (size_t uAt = 0; (uAt = strReason.find(Path(""))) != std::string::npos;) {
+            strReason.erase(uAt, Path("").size());
+        }
+        return strReason;
+    }
+
+  private:
+    std::filesystem::path m_stTop;
+};
+
+TEST_F(Including, TablesBecomeOneAndTheFileThatIncludesCounts) {
+    Write("below/town.toml",
+          "seed = 3\n[search]\nrssi-threshold = -80\ncinr-threshold = 1\n" + strStation);
+    Write("all.toml", "include = \"below/town.toml\"\nseed = 4\n[search]\ncinr-threshold = 2\n"
+                      "[[station]]\nbsid = \"00120A010204\"\nfrequency = 2600000\n"
+                      "bandwidth = 10000\npreamble = 4\nrssi = -60\ncinr = 20\n");
+    WholeModem stModem(Scenario::FromFile(Path("all.toml")));
+    EXPECT_EQ(stModem.Seed(), 4U);
+    EXPECT_EQ(stModem.Settings("search").Number("rssi-threshold", -200, 0), -80);
+    EXPECT_EQ(stModem.Settings("search").Number("cinr-threshold", -200, 10), 2);
+    ASSERT_EQ(stModem.Air().Stations().size(), 2U);
+    EXPECT_EQ(stModem.Air().Stations()[0].u32Preamble, 3U);
+    EXPECT_EQ(stModem.Air().Stations()[1].u32Preamble, 4U);
+}
+
+TEST_F(Including, AListIsReadInItsOrder) {
+    Write("one.toml", "seed = 1\n");
+    Write("two.toml", "include = \"one.toml\"\nseed = 2\n");
+    Write("all.toml", "include = [\"two.toml\", \"one.toml\"]\n");
+    EXPECT_EQ(WholeModem(Scenario::FromFile(Path("all.toml"))).Seed(), 1U);
+}
+
+TEST_F(Including, MistakesAreReportedWithTheirOwnFile) {
+    Write("town.toml", "\n[search]\nspeed = 1\n");
+    Write("all.toml", "include = \"town.toml\"\n");
+    EXPECT_EQ(Reason("all.toml"), "town.toml:3: \"speed\" is not known here");
+    Write("all.toml", "\ninclude = \"nowhere.toml\"\n");
+    EXPECT_EQ(Reason("all.toml"), "all.toml:2: \"include\" names \"nowhere.toml\", which cannot be "
+                                  "read: No such file or directory");
+    Write("all.toml", "include = 4\n");
+    EXPECT_EQ(Reason("all.toml"),
+              "all.toml:1: \"include\" must be a file in quotes, or a list of such");
+    Write("all.toml", "[search]\ninclude = \"town.toml\"\n");
+    EXPECT_EQ(Reason("all.toml"), "all.toml:2: \"include\" is not known here");
+}
+
+TEST_F(Including, ACircleIsRefusedAndSoAreEverMoreFiles) {
+    Write("one.toml", "include = \"two.toml\"\n");
+    Write("two.toml", "include = \"below/../one.toml\"\n");
+    EXPECT_EQ(Reason("one.toml"), "two.toml:1: \"include\" names a file that includes this one");
+    Write("empty.toml", "");
+    std::string strMany = "include = [";
+    for (int i = 0; i < 33; ++i) {
+        strMany += "\"empty.toml\",\n";
+    }
+    Write("many.toml", strMany + "]\n");
+    EXPECT_EQ(Reason("many.toml"), "many.toml:33: \"include\" names more than 32 files in all");
+}
+
+// What is said that nobody can mean.
+std::vector<std::string> Warnings(const std::string &strText) {
+    return WarningsAbout(Scenario::FromText(strText, "odd.toml"));
+}
+
+using Texts = std::vector<std::string>;
+
+TEST(Warning, ShippedScenariosHaveNone) {
+    for (const auto &stEntry : std::filesystem::directory_iterator(SCENARIO_DIRECTORY)) {
+        EXPECT_EQ(WarningsAbout(Scenario::FromFile(stEntry.path())), Texts{}) << stEntry.path();
+    }
+    EXPECT_EQ(WarningsAbout(Scenario::BuiltIn()), Texts{});
+}
+
+TEST(Warning, UnitsThatWereMixedUp) {
+    EXPECT_EQ(Warnings("[[station]]\nbsid = \"00120A010203\"\nfrequency = 2587\nbandwidth = 3\n"
+                       "preamble = 3\nrssi = -58\ncinr = 28\n"),
+              (Texts{"odd.toml:3: \"frequency\" is 2587 kHz: is that the unit that is meant?",
+                     "odd.toml:4: \"bandwidth\" is 3 kHz, which no profile has"}));
+}
+
+TEST(Warning, ALinkToAStationThatIsOffTheAir) {
+    EXPECT_EQ(Warnings(strStation + "on-air = false\n[start]\nstate = \"link-up\"\n"
+                                    "station = \"00 12 0A 01 02 03\"\n"),
+              Texts{"odd.toml:11: \"station\" is not on the air"});
+}
+
+TEST(Warning, AnAttributeTwice) {
+    const std::string strAttribute = "[[attribute]]\nid = 20\nkey = 1\nvalue = \"01\"\n";
+    EXPECT_EQ(Warnings(strAttribute + "[[attribute]]\nid = 20\nvalue = \"01\"\n" + strAttribute),
+              Texts{"odd.toml:9: \"id\" has its value from another [[attribute]] already"});
+}
+
+TEST(Warning, FlowsBeyondTheCapacity) {
+    const std::string strFlow = "[[service-flow]]\ndirection = \"uplink\"\ntype = \"UGS\"\n"
+                                "max-rate = 60000\n";
+    EXPECT_EQ(Warnings("[service-flows]\nuplink-capacity = 100000\n" + strFlow + strFlow),
+              Texts{"odd.toml:8: \"direction\" has no capacity left for this flow"});
+}
+
+TEST(Warning, AStateFileInADirectoryThatIsMissing) {
+    EXPECT_EQ(Warnings("[state]\nfile = \"/nonexistent/state\"\n"),
+              Texts{"odd.toml:2: \"file\" is in a directory that is not there"});
+}
+
+TEST(Warning, EventsThatCannotDoAnything) {
+    EXPECT_EQ(Warnings("[[event]]\nat = 1\nkind = \"flow-deleted\"\nsfid = 3\n"),
+              Texts{"odd.toml:4: \"sfid\" is 3, and the network sets up no flow"});
+    const std::string strHandover = "[[event]]\nat = 1\nkind = \"handover\"\n"
+                                    "station = \"00:12:0A:01:02:03\"\n";
+    EXPECT_EQ(Warnings(strStation + "[start]\nstate = \"link-up\"\nstation = \"00120A010203\"\n" +
+                       strHandover),
+              Texts{"odd.toml:14: \"station\" serves the modem already"});
+    EXPECT_EQ(Warnings(strStation + strHandover), Texts{});
 }
 
 TEST(Scenario, OpensFailAsItSays) {
