@@ -1,6 +1,6 @@
 #include "library/Device.h"
 
-#include <csignal>
+#include "library/QuietThread.h"
 
 namespace {
 
@@ -19,18 +19,12 @@ constexpr std::chrono::milliseconds stLongestBehind(250);
 
 } // namespace
 
-Device::Device(std::unique_ptr<Modem> pstModem)
+Device::Device(std::unique_ptr<WholeModem> pstModem)
     : m_pstModem(std::move(pstModem)), m_stClock(m_pstModem->HowTimePasses().fTimeScale) {}
 
-std::shared_ptr<Device> Device::Start(std::unique_ptr<Modem> pstModem) {
+std::shared_ptr<Device> Device::Start(std::unique_ptr<WholeModem> pstModem) {
     std::shared_ptr<Device> pstDevice(new Device(std::move(pstModem)));
-    // Signals are the business of the program's own threads.
-    sigset_t stAll;
-    sigset_t stBefore;
-    sigfillset(&stAll);
-    pthread_sigmask(SIG_SETMASK, &stAll, &stBefore);
-    pstDevice->m_stThread = std::thread([pstDevice] { pstDevice->Run(); });
-    pthread_sigmask(SIG_SETMASK, &stBefore, nullptr);
+    pstDevice->m_stThread = StartQuietThread([pstDevice] { pstDevice->Run(); });
     return pstDevice;
 }
 
@@ -46,10 +40,11 @@ void Device::GiveWay(std::unique_lock<std::mutex> &stLock) {
     stLock.lock();
 }
 
-std::unique_lock<std::mutex> Device::Enter() {
+std::unique_lock<std::mutex> Device::Enter(bool bCall) {
     std::unique_lock stLock = Lock();
     if (Stepped()) {
-        m_pstModem->AdvanceTo(m_pstModem->Now() + m_pstModem->HowTimePasses().iCallTime);
+        const ModemTime iTakes = bCall ? m_pstModem->HowTimePasses().iCallTime : 0;
+        m_pstModem->AdvanceTo(m_pstModem->Now() + iTakes);
     } else if (!m_stBehindSince || RealClock::Now() - *m_stBehindSince > stLongestBehind) {
         // A thread that is behind is at it itself, unless a callback keeps it.
         CatchUp(SIZE_MAX);
@@ -67,14 +62,14 @@ void Device::Leave(std::unique_lock<std::mutex> &stLock) {
 }
 
 void Device::SetCallback(WiMAXCallback pfnCallback, uint32_t u32Context) {
-    std::unique_lock stLock = Enter();
+    std::unique_lock stLock = Enter(true);
     m_pfnCallback = pfnCallback;
     m_u32Context = u32Context;
     Leave(stLock);
 }
 
 int32_t Device::Send(uint8_t *pucMessage, uint32_t u32Length) {
-    std::unique_lock stLock = Enter();
+    std::unique_lock stLock = Enter(true);
     const int32_t iResult = m_pstModem->Send(pucMessage, u32Length);
     const bool bHolds = m_pstModem->HoldsSender();
     m_bSenderHeld = m_bSenderHeld || bHolds;
@@ -96,14 +91,14 @@ void Device::WaitForAnswer(std::unique_lock<std::mutex> &stLock) {
 }
 
 int32_t Device::ReadMemory(uint32_t u32Address, ByteSpan stTo) {
-    std::unique_lock stLock = Enter();
+    std::unique_lock stLock = Enter(true);
     const int32_t iResult = m_pstModem->ReadMemory(u32Address, stTo);
     Leave(stLock);
     return iResult;
 }
 
 int32_t Device::WriteMemory(uint32_t u32Address, ByteView stFrom) {
-    std::unique_lock stLock = Enter();
+    std::unique_lock stLock = Enter(true);
     const int32_t iResult = m_pstModem->WriteMemory(u32Address, stFrom);
     Leave(stLock);
     return iResult;
@@ -303,4 +298,22 @@ Device::AdvanceEnd Device::AdvanceTowards(Until eUntil, ModemTime iBy, uint32_t 
 ModemTime Device::Now() {
     const std::unique_lock stLock = Lock();
     return m_pstModem->Now();
+}
+
+void Device::Steer(const std::function<void(WholeModem &)> &pfnUse) {
+    std::unique_lock stLock = Enter(false);
+    pfnUse(*m_pstModem);
+    m_pstModem->AdvanceTo(m_pstModem->Now()); // what has to happen at once
+    Leave(stLock);
+}
+
+bool Device::SetTimeScale(double fTimeScale) {
+    std::unique_lock stLock = Enter(false);
+    if (Stepped()) {
+        return false;
+    }
+    m_stClock.SetScale(fTimeScale, RealClock::Now());
+    m_pstModem->SetTimeScale(fTimeScale);
+    Leave(stLock);
+    return true;
 }

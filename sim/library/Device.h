@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -20,7 +21,7 @@
 class Device : public std::enable_shared_from_this<Device> {
   public:
     // Starts the clock and the thread.
-    static std::shared_ptr<Device> Start(std::unique_ptr<Modem> pstModem);
+    static std::shared_ptr<Device> Start(std::unique_ptr<WholeModem> pstModem);
 
     // Messages wait until there is a callback. Null: they wait again.
     void SetCallback(WiMAXCallback pfnCallback, uint32_t u32Context);
@@ -50,6 +51,14 @@ class Device : public std::enable_shared_from_this<Device> {
     AdvanceEnd AdvanceUntilIdle(ModemTime iLimit);
     ModemTime Now();
 
+    // ---- Steering; from any thread but the callback's ----
+
+    // Runs pfnUse with the modem at this moment; what comes of it is delivered as what comes of
+    // a call. It takes no modem time.
+    void Steer(const std::function<void(WholeModem &)> &pfnUse);
+    // False, and no change, with the stepped clock.
+    bool SetTimeScale(double fTimeScale);
+
   private:
     enum class Until : uint8_t { Time, Message, Idle };
     struct Goal {
@@ -57,13 +66,13 @@ class Device : public std::enable_shared_from_this<Device> {
         ModemTime iLatest;
     };
 
-    explicit Device(std::unique_ptr<Modem> pstModem);
+    explicit Device(std::unique_ptr<WholeModem> pstModem);
     bool Stepped() const { return m_pstModem->HowTimePasses().bStepped; }
     bool InOwnThread() const { return m_stThread.get_id() == std::this_thread::get_id(); }
     std::unique_lock<std::mutex> Lock();
     void GiveWay(std::unique_lock<std::mutex> &stLock);
-    // The beginning and the end of a client's call.
-    std::unique_lock<std::mutex> Enter();
+    // The beginning and the end of a client's call, or of steering, which takes no modem time.
+    std::unique_lock<std::mutex> Enter(bool bCall);
     void Leave(std::unique_lock<std::mutex> &stLock);
 
     void Run();
@@ -87,7 +96,7 @@ class Device : public std::enable_shared_from_this<Device> {
     std::condition_variable m_stWork;
     std::condition_variable m_stEnded;
     std::condition_variable m_stDelivered;
-    std::unique_ptr<Modem> m_pstModem;
+    std::unique_ptr<WholeModem> m_pstModem;
     RealClock m_stClock;
     std::optional<RealClock::Moment> m_stBehindSince; // the real clock
     WiMAXCallback m_pfnCallback = nullptr;

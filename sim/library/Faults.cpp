@@ -23,22 +23,51 @@ std::optional<uint32_t> Optional(const Section &stSection, const char *pcKey, ui
 
 } // namespace
 
+const std::array<ScenarioWord, 7> Faults::astKinds{
+    ScenarioWord{"fail", Fail},       ScenarioWord{"drop", Drop},
+    ScenarioWord{"delay", Delay},     ScenarioWord{"repeat", Repeat},
+    ScenarioWord{"reorder", Reorder}, ScenarioWord{"truncate", Truncate},
+    ScenarioWord{"corrupt", Corrupt},
+};
+
 Faults::Faults(const Section &stRoot, uint64_t u64Seed, Scheduler &stScheduler, Deliver pfnDeliver,
                Deliver pfnLose)
-    : m_stScheduler(stScheduler), m_pfnDeliver(std::move(pfnDeliver)),
+    : m_u64Seed(u64Seed), m_stScheduler(stScheduler), m_pfnDeliver(std::move(pfnDeliver)),
       m_pfnLose(std::move(pfnLose)), m_stHoldLimit(stScheduler) {
     for (const Section &stSection : stRoot.Tables("fault")) {
-        m_astFaults.push_back(Read(stSection, u64Seed, m_astFaults.size()));
+        Add(Read(stSection));
     }
 }
 
-Faults::Fault Faults::Read(const Section &stSection, uint64_t u64Seed, size_t uIndex) {
-    static constexpr std::array astKinds{
-        ScenarioWord{"fail", Fail},       ScenarioWord{"drop", Drop},
-        ScenarioWord{"delay", Delay},     ScenarioWord{"repeat", Repeat},
-        ScenarioWord{"reorder", Reorder}, ScenarioWord{"truncate", Truncate},
-        ScenarioWord{"corrupt", Corrupt},
-    };
+uint32_t Faults::Add(Fault stFault) {
+    m_astFaults.push_back(std::move(stFault));
+    return static_cast<uint32_t>(m_astFaults.size());
+}
+
+bool Faults::Switch(uint32_t u32Number, bool bOn) {
+    if (u32Number == 0 || u32Number > m_astFaults.size()) {
+        return false;
+    }
+    m_astFaults[u32Number - 1].bOn = bOn;
+    return true;
+}
+
+void Faults::SwitchAll(bool bOn) {
+    for (Fault &stFault : m_astFaults) {
+        stFault.bOn = bOn;
+    }
+}
+
+std::vector<FaultReport> Faults::Reports() const {
+    std::vector<FaultReport> astReports;
+    for (const Fault &stFault : m_astFaults) {
+        astReports.push_back({static_cast<uint32_t>(astReports.size()) + 1,
+                              astKinds[stFault.u32Kind].pcWord, stFault.bOn, stFault.u64Hits});
+    }
+    return astReports;
+}
+
+Faults::Fault Faults::Read(const Section &stSection) const {
     constexpr uint32_t u32Always = std::numeric_limits<uint32_t>::max();
     Fault stFault{stSection.Choice("kind", astKinds),
                   Optional(stSection, "type", UINT16_MAX),
@@ -52,7 +81,7 @@ Faults::Fault Faults::Read(const Section &stSection, uint64_t u64Seed, size_t uI
                   std::nullopt,
                   std::nullopt,
                   {},
-                  SeedFor(u64Seed, "fault " + std::to_string(uIndex)),
+                  SeedFor(m_u64Seed, "fault " + std::to_string(m_astFaults.size())),
                   {}};
     // Only the keys of its kind have a meaning.
     switch (stFault.u32Kind) {
@@ -79,7 +108,7 @@ Faults::Fault Faults::Read(const Section &stSection, uint64_t u64Seed, size_t uI
 }
 
 bool Faults::Fault::Hits(uint32_t u32OfType, uint32_t u32OfSubType) {
-    if (u32Type.value_or(u32OfType) != u32OfType ||
+    if (!bOn || u32Type.value_or(u32OfType) != u32OfType ||
         u32SubType.value_or(u32OfSubType) != u32OfSubType) {
         return false;
     }
@@ -93,6 +122,7 @@ bool Faults::Fault::Hits(uint32_t u32OfType, uint32_t u32OfSubType) {
     if (u32Left != std::numeric_limits<uint32_t>::max()) {
         --u32Left;
     }
+    ++u64Hits;
     return true;
 }
 

@@ -4,6 +4,7 @@
 #ifndef FAULTS_H
 #define FAULTS_H
 
+#include <array>
 #include <functional>
 #include <map>
 #include <optional>
@@ -14,21 +15,20 @@
 #include "time/Random.h"
 #include "time/Scheduler.h"
 
+// A fault as whoever steers the modem sees it.
+struct FaultReport {
+    uint32_t u32Number; // counted from 1, the scenario's first
+    const char *pcKind;
+    bool bOn;
+    uint64_t u64Hits;
+};
+
 class Faults {
   public:
     using Deliver = std::function<void(MessageBytes)>;
 
-    // Reads [[fault]]. What gets through is handed to pfnDeliver, what is lost to pfnLose.
-    Faults(const Section &stRoot, uint64_t u64Seed, Scheduler &stScheduler, Deliver pfnDeliver,
-           Deliver pfnLose);
-
-    // The code that a send of this request has to fail with.
-    std::optional<int32_t> SendFailure(uint32_t u32Type, uint32_t u32SubType);
-    // Sends a message of the modem through all the faults.
-    void Pass(MessageBytes aucMessage);
-
-  private:
     enum Kind : uint32_t { Fail, Drop, Delay, Repeat, Reorder, Truncate, Corrupt };
+    static const std::array<ScenarioWord, 7> astKinds; // in their order
 
     struct Fault {
         uint32_t u32Kind;
@@ -46,17 +46,37 @@ class Faults {
         uint64_t u64Seed;
         // For each kind of message: others that come in between change nothing.
         std::map<std::pair<uint32_t, uint32_t>, Random> astRandoms;
+        bool bOn = true; // one that is off counts no messages
+        uint64_t u64Hits = 0;
 
         bool Hits(uint32_t u32OfType, uint32_t u32OfSubType);
         Random &RandomFor(uint32_t u32OfType, uint32_t u32OfSubType);
     };
 
-    static Fault Read(const Section &stSection, uint64_t u64Seed, size_t uIndex);
+    // Reads [[fault]]. What gets through is handed to pfnDeliver, what is lost to pfnLose.
+    Faults(const Section &stRoot, uint64_t u64Seed, Scheduler &stScheduler, Deliver pfnDeliver,
+           Deliver pfnLose);
+
+    // The code that a send of this request has to fail with.
+    std::optional<int32_t> SendFailure(uint32_t u32Type, uint32_t u32SubType);
+    // Throws ScenarioError.
+    Fault Read(const Section &stSection) const;
+    // One more, behind all others; returns its number.
+    uint32_t Add(Fault stFault);
+    // False when there is none with this number.
+    bool Switch(uint32_t u32Number, bool bOn);
+    void SwitchAll(bool bOn);
+    std::vector<FaultReport> Reports() const;
+    // Sends a message of the modem through all the faults.
+    void Pass(MessageBytes aucMessage);
+
+  private:
     // Lets the message go through the faults from uFirst on.
     void PassFrom(size_t uFirst, MessageBytes aucMessage);
     static void DamageMessage(Fault &stFault, MessageBytes *paucMessage);
     void LetOut(MessageBytes aucMessage);
 
+    uint64_t m_u64Seed;
     Scheduler &m_stScheduler;
     Deliver m_pfnDeliver;
     Deliver m_pfnLose;

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "library/Control.h"
 #include "library/Device.h"
 
 #define EXPORTED __attribute__((visibility("default")))
@@ -15,8 +16,9 @@ constexpr int iUnusable = 2;
 
 struct Library {
     std::mutex stMutex;
-    std::shared_ptr<Device> pstDevice; // null while closed
-    std::string strScenario;           // the one that the attempts are counted for
+    std::shared_ptr<Device> pstDevice;   // null while closed
+    std::unique_ptr<Control> pstControl; // of the device, if it is wanted
+    std::string strScenario;             // the one that the attempts are counted for
     uint32_t u32Attempts = 0;
     std::string strLastReport;
     bool bWasOpen = false;
@@ -46,27 +48,48 @@ void Report(const std::string &strReason) {
     }
 }
 
-struct StopAtEnd {
-    std::shared_ptr<Device> &pstDevice;
-    ~StopAtEnd() {
+// A device that is to be closed, with its control, when nobody has the library's lock: a running
+// callback may be sending.
+struct Closing {
+    std::shared_ptr<Device> pstDevice;
+    std::unique_ptr<Control> pstControl;
+
+    Closing() = default;
+    Closing(const Closing &) = delete;
+    Closing &operator=(const Closing &) = delete;
+    ~Closing() {
         if (pstDevice != nullptr) {
             pstDevice->Stop();
         }
     }
+    // With the lock.
+    void TakeFrom(Library &stLibrary) {
+        pstDevice = std::move(stLibrary.pstDevice);
+        stLibrary.pstDevice = nullptr;
+        pstControl = std::move(stLibrary.pstControl);
+    }
 };
+
+std::string EnvironmentOf(const char *pcName) {
+    const char *pcValue = std::getenv(pcName);
+    return pcValue != nullptr ? pcValue : "";
+}
+
+// Throws ScenarioError.
+std::unique_ptr<Control> WantedControl() {
+    const std::string strPath = EnvironmentOf("QOR020_CONTROL_SOCKET");
+    return strPath.empty() ? nullptr : std::make_unique<Control>(strPath);
+}
 
 // Throws ScenarioError.
 uint32_t Open() {
-    // Stopped when the lock has been given back: a running callback may be sending.
-    std::shared_ptr<Device> pstUnloaded;
-    const StopAtEnd stStop{pstUnloaded};
+    Closing stUnloaded;
     Library &stLibrary = TheLibrary();
     const std::lock_guard stLock(stLibrary.stMutex);
     if (stLibrary.pstDevice != nullptr && !stLibrary.pstDevice->Unloaded()) {
         return hTheDevice;
     }
-    const char *pcScenario = std::getenv("QOR020_SCENARIO");
-    const std::string strScenario = pcScenario != nullptr ? pcScenario : "";
+    const std::string strScenario = EnvironmentOf("QOR020_SCENARIO");
     if (strScenario != stLibrary.strScenario) {
         stLibrary.strScenario = strScenario;
         stLibrary.u32Attempts = 0;
@@ -76,8 +99,17 @@ uint32_t Open() {
     if (!pstModem->OpensAt(stLibrary.u32Attempts)) {
         return WIMAX_NO_DEVICE;
     }
-    pstUnloaded = std::move(stLibrary.pstDevice);
-    stLibrary.pstDevice = Device::Start(std::move(pstModem));
+    if (stLibrary.pstControl != nullptr) {
+        stLibrary.pstControl->LeavePath();
+    }
+    std::unique_ptr<Control> pstControl = WantedControl();
+    std::shared_ptr<Device> pstDevice = Device::Start(std::move(pstModem));
+    if (pstControl != nullptr) {
+        pstControl->Serve(pstDevice);
+    }
+    stUnloaded.TakeFrom(stLibrary);
+    stLibrary.pstDevice = std::move(pstDevice);
+    stLibrary.pstControl = std::move(pstControl);
     stLibrary.bWasOpen = true;
     return hTheDevice;
 }
@@ -143,17 +175,10 @@ EXPORTED int32_t SendWiMAXMessage(uint32_t hDevice, void *pvMessage, uint32_t u3
 
 EXPORTED int32_t CloseWiMAXDevice() {
     return Guarded(LibraryError::NotOpen, [] {
-        std::shared_ptr<Device> pstDevice;
-        {
-            const std::lock_guard stLock(TheLibrary().stMutex);
-            pstDevice = std::move(TheLibrary().pstDevice);
-            TheLibrary().pstDevice = nullptr;
-        }
-        if (pstDevice == nullptr) {
-            return LibraryError::NotOpen;
-        }
-        pstDevice->Stop();
-        return 0;
+        Closing stClosed;
+        const std::lock_guard stLock(TheLibrary().stMutex);
+        stClosed.TakeFrom(TheLibrary());
+        return stClosed.pstDevice != nullptr ? 0 : LibraryError::NotOpen;
     });
 }
 

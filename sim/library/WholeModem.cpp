@@ -48,6 +48,11 @@ WholeModem::WholeModem(Scenario stScenario)
     for (const MakeSubsystem pfnMake : apfnSubsystems) {
         m_apstSubsystems.push_back(pfnMake(*this));
     }
+    m_stLink.Observe([this](const LinkChange &stChange) {
+        if (stChange.eBefore != stChange.eAfter) {
+            TheEvents().Reached(stChange.eAfter);
+        }
+    });
     ReadEvents();
     WholeModem::Restart();
 }

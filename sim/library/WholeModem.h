@@ -19,6 +19,7 @@ class WholeModem : public Modem {
     explicit WholeModem(Scenario stScenario);
 
     void Restart() override;
+    Faults &TheFaults() { return m_stFaults; }
 
   private:
     std::optional<int32_t> SendFailure(uint32_t u32Type, uint32_t u32SubType) override;

@@ -44,15 +44,8 @@ void Modem::Know(Link &stLink, MIBStore &stMIBs, VendorRegionStore &stVendorRegi
 }
 
 void Modem::ReadEvents() {
-    std::vector<ScenarioWord> astKinds;
-    for (const EventKind &stKind : m_astEventKinds) {
-        astKinds.push_back(
-            {stKind.strName.c_str(), static_cast<uint32_t>(&stKind - m_astEventKinds.data())});
-    }
     for (const Section &stSection : Root().Tables("event")) {
-        const EventKind &stKind = m_astEventKinds[stSection.Choice("kind", astKinds)];
-        const ModemTime iAt = stSection.Seconds("at", 0, 1e9);
-        m_stScheduler.After(iAt, stKind.pfnRead(stSection));
+        m_stEvents.Plan(m_stEvents.Read(stSection, Events::Unsaid::Refused));
     }
     m_stScenario.RefuseUnread();
 }
@@ -83,10 +76,6 @@ void Modem::On(uint32_t u32Type, uint32_t u32SubType, RequestHandler pfnHandle) 
 void Modem::OnAnsweredAtOnce(uint32_t u32Type, uint32_t u32SubType, RequestHandler pfnHandle) {
     m_astRows.push_back(
         {u32Type, u32SubType, SizeOf(u32Type, u32SubType), true, std::move(pfnHandle)});
-}
-
-void Modem::OnEvent(const char *pcKind, EventReader pfnRead) {
-    m_astEventKinds.push_back({pcKind, std::move(pfnRead)});
 }
 
 void Modem::OnMemory(MemoryReader pfnRead, MemoryWriter pfnWrite) {
@@ -195,8 +184,10 @@ void Modem::Queue(MessageBytes aucMessage) {
         Lose(aucMessage);
     } else {
         const ByteView stBytes{aucMessage.data(), static_cast<uint32_t>(aucMessage.size())};
-        m_bHeard = m_bHeard || (Get(stBytes, MessageHeader::usType) == m_u32ListenedType &&
-                                Get(stBytes, MessageHeader::usSubType) == m_u32ListenedSubType);
+        const MessageKind stKind{Get(stBytes, MessageHeader::usType),
+                                 Get(stBytes, MessageHeader::usSubType)};
+        m_bHeard = m_bHeard || stKind == m_stListened;
+        m_stEvents.Reached(stKind);
         const bool bAnswer = m_stScheduler.Answering();
         m_u32Untold += bAnswer ? 1 : 0;
         m_astOutbox.push_back({std::move(aucMessage), bAnswer});
@@ -204,8 +195,7 @@ void Modem::Queue(MessageBytes aucMessage) {
 }
 
 void Modem::ListenFor(uint32_t u32Type, uint32_t u32SubType) {
-    m_u32ListenedType = u32Type;
-    m_u32ListenedSubType = u32SubType;
+    m_stListened = {u32Type, u32SubType};
     m_bHeard = false;
 }
 

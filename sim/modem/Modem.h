@@ -18,6 +18,7 @@
 #include "air/Radio.h"
 #include "air/Signalling.h"
 #include "air/Traffic.h"
+#include "modem/Events.h"
 #include "modem/LibraryError.h"
 #include "modem/Subsystem.h"
 #include "scenario/Options.h"
@@ -58,8 +59,6 @@ class Modem {
   public:
     // Returns the result of the send: 0, or a negative LibraryError.
     using RequestHandler = std::function<int32_t(const Request &)>;
-    // Reads the keys of an event of its kind; returns what the event does.
-    using EventReader = std::function<Scheduler::Action(const Section &)>;
     using Notice = std::function<void()>;
     using MemoryReader = std::function<int32_t(uint32_t u32Address, ByteSpan stTo)>;
     using MemoryWriter = std::function<int32_t(uint32_t u32Address, ByteView stFrom)>;
@@ -88,6 +87,7 @@ class Modem {
     // How many messages wait to be taken.
     size_t Waiting() const { return m_astOutbox.size(); }
     const ClockSettings &HowTimePasses() const { return m_stClockSettings; }
+    void SetTimeScale(double fTimeScale) { m_stClockSettings.fTimeScale = fTimeScale; }
     // From now on, until a message of this kind is there to be taken: says so.
     void ListenFor(uint32_t u32Type, uint32_t u32SubType);
     bool Heard() const { return m_bHeard; }
@@ -108,7 +108,9 @@ class Modem {
     // Requests that are answered in the sender's buffer, through Request::stReply.
     void OnAnsweredAtOnce(uint32_t u32Type, uint32_t u32SubType, RequestHandler pfnHandle);
     // A kind of [[event]].
-    void OnEvent(const char *pcKind, EventReader pfnRead);
+    void OnEvent(const char *pcKind, Events::Reader pfnRead) {
+        m_stEvents.Know(pcKind, std::move(pfnRead));
+    }
     // Called for every request that the modem accepts, before its handler, but for those of
     // trace, loggers, log data and statistics, which watch and change nothing else.
     void OnAnyRequest(Notice pfnNotice) { m_apfnNotices.push_back(std::move(pfnNotice)); }
@@ -131,6 +133,7 @@ class Modem {
     Radio &Air() { return m_stRadio; }
     Traffic &UserTraffic() { return m_stTraffic; }
     Attachment &Attached() { return m_stAttachment; }
+    Events &TheEvents() { return m_stEvents; }
     Options &TheOptions() { return m_stOptions; }
     Signalling &TheSignalling() { return m_stSignalling; }
     Link &TheLink() { return *m_pstLink; }
@@ -190,10 +193,6 @@ class Modem {
         bool bAnsweredAtOnce;
         RequestHandler pfnHandle;
     };
-    struct EventKind {
-        std::string strName;
-        EventReader pfnRead;
-    };
 
     static ClockSettings ReadClock(const Section &stRoot);
     const Row *RowOf(uint32_t u32Type, uint32_t u32SubType) const;
@@ -207,12 +206,12 @@ class Modem {
     bool m_bUnloaded = false;
     bool m_bHoldsSender = false;
     uint32_t m_u32Untold = 0; // answers on their way
-    uint32_t m_u32ListenedType = 0;
-    uint32_t m_u32ListenedSubType = 0;
+    MessageKind m_stListened{};
     bool m_bHeard = true;
     EntryHistory m_stHistory;
     bool m_bHalted = false;
     Scheduler m_stScheduler;
+    Events m_stEvents{m_stScheduler};
     StateFile m_stStateFile;
     Radio m_stRadio;
     Traffic m_stTraffic;
@@ -221,7 +220,6 @@ class Modem {
     Attachment m_stAttachment;
     Signalling m_stSignalling;
     std::vector<Row> m_astRows;
-    std::vector<EventKind> m_astEventKinds;
     std::vector<Notice> m_apfnNotices;
     MemoryReader m_pfnReadMemory;
     MemoryWriter m_pfnWriteMemory;

@@ -27,3 +27,9 @@ void RealClock::SlipTo(ModemTime iTime, Moment stMoment) {
     const Microseconds stLived(static_cast<double>(iTime) / m_fScale);
     m_stZero = stMoment - std::chrono::duration_cast<Moment::duration>(stLived);
 }
+
+void RealClock::SetScale(double fScale, Moment stMoment) {
+    const ModemTime iTime = TimeAt(stMoment);
+    m_fScale = fScale;
+    SlipTo(iTime, stMoment);
+}

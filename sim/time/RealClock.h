@@ -19,6 +19,8 @@ class RealClock {
     Moment MomentOf(ModemTime iTime) const;
     // Modem time has not kept up: it is iTime at stMoment.
     void SlipTo(ModemTime iTime, Moment stMoment);
+    // From stMoment on time goes so many times as fast.
+    void SetScale(double fScale, Moment stMoment);
 
   private:
     double m_fScale;
