@@ -5,7 +5,7 @@ set -euo pipefail
 
 usage() {
     cat <<'TEXT'
-Usage: ./run.sh [--scenario FILE | --replay FILE] [--record FILE]
+Usage: ./run.sh [--scenario FILE | --replay FILE] [--record FILE] [--control PATH]
 
 Builds the client and the simulated modem when needed and starts the client on it.
 
@@ -14,6 +14,8 @@ Builds the client and the simulated modem when needed and starts the client on i
   --replay FILE    plays a recording instead of the simulated modem, as fast as it was, or
                    QOR020_REPLAY_SPEED times as fast; 0: at once (see docs/recording.md)
   --record FILE    records the session into FILE, which is replaced
+  --control PATH   the simulated modem listens at the socket PATH, where simctl steers it (see
+                   docs/control.md)
   --help           this text
 TEXT
 }
@@ -28,7 +30,7 @@ recorder=()
 environment=()
 while [ $# -gt 0 ]; do
     case $1 in
-    --scenario | --replay | --record) [ $# -ge 2 ] || refuse "$1 needs a file" ;;&
+    --scenario | --replay | --record | --control) [ $# -ge 2 ] || refuse "$1 needs a file" ;;&
     --scenario)
         [ -f "$2" ] || refuse "no such scenario: $2"
         QOR020_SCENARIO=$(realpath "$2")
@@ -47,6 +49,11 @@ while [ $# -gt 0 ]; do
         environment+=("QOR020_RECORDING=$(realpath --no-symlinks --canonicalize-missing "$2")")
         shift 2
         ;;
+    --control)
+        QOR020_CONTROL_SOCKET=$(realpath --no-symlinks --canonicalize-missing "$2")
+        export QOR020_CONTROL_SOCKET
+        shift 2
+        ;;
     --help)
         usage
         exit 0
@@ -54,6 +61,10 @@ while [ $# -gt 0 ]; do
     *) refuse "unknown option: $1 (--help explains)" ;;
     esac
 done
+
+if [ "${device[0]}" != qor020 ] && [ -n "${QOR020_CONTROL_SOCKET:-}" ]; then
+    refuse "--control steers a simulated modem, and a replay is none"
+fi
 
 cd "$(dirname "${BASH_SOURCE[0]}")"
 . .ci/packages.sh
@@ -71,8 +82,14 @@ build() {
 if [ ! -f build/release/build.ninja ]; then
     build cmake --preset release -DWIMAX_TESTS=OFF -DWIMAX_BENCH=OFF
 fi
-build cmake --build build/release --target TarvelWiMAXApp "${device[0]}" "${recorder[@]}"
+build cmake --build build/release --target TarvelWiMAXApp simctl "${device[0]}" "${recorder[@]}"
 
+if [ "${device[0]}" = qor020 ]; then
+    [ -z "${QOR020_SCENARIO:-}" ] || build/release/simctl --check "$QOR020_SCENARIO" || exit 2
+    if [ -n "${QOR020_CONTROL_SOCKET:-}" ]; then
+        echo "Steer the modem with: $PWD/build/release/simctl $QOR020_CONTROL_SOCKET" >&2
+    fi
+fi
 if [ ${#recorder[@]} -gt 0 ]; then
     environment+=("LD_PRELOAD=$PWD/build/release/libqor020record.so")
 fi

@@ -33,4 +33,5 @@ install_missing() {
 }
 
 BUILD_PACKAGES=(cmake=cmake ninja=ninja-build g++=g++
-    /usr/include/toml++/toml.h=libtomlplusplus-dev /usr/include/pcap/pcap.h=libpcap-dev)
+    /usr/include/toml++/toml.h=libtomlplusplus-dev /usr/include/pcap/pcap.h=libpcap-dev
+    /usr/include/editline/readline.h=libedit-dev)
