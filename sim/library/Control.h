@@ -59,7 +59,7 @@ class Control {
     void Run();
     std::vector<pollfd> Awaited(bool bListening) const;
     void Accept();
-    void Receive(Peer &stPeer);
+    static void Receive(Peer &stPeer);
     void AnswerNext(Peer &stPeer);
     static bool HasLine(const Peer &stPeer);
     static void Send(Peer &stPeer);
