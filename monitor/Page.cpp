@@ -10,7 +10,7 @@
 namespace {
 
 // What the objects of the table take together, at most.
-constexpr size_t uMostBytes = size_t{24} * 1024 * 1024;
+constexpr size_t uMostBytes = size_t{12} * 1024 * 1024;
 constexpr size_t uMostCurves = 96;
 constexpr size_t uMostChanges = 4096;
 
@@ -372,11 +372,11 @@ void Page::PutCharts(Writer &stWriter) const {
     };
     stWriter.Put(",\"charts\":[");
     for (uint32_t i = 0; i < std::size(astCharts); ++i) {
-        stWriter.Put(i == 0 ? "{\"title\":\"" : ",{\"title\":\"");
+        stWriter.Put(i == 0 ? R"({"title":")" : R"(,{"title":")");
         stWriter.Put(astCharts[i].pcTitle);
-        stWriter.Put("\",\"unit\":\"");
+        stWriter.Put(R"(","unit":")");
         stWriter.Put(astCharts[i].pcUnit);
-        stWriter.Put("\",\"curves\":[");
+        stWriter.Put(R"(","curves":[)");
         if (i == Traffic) {
             PutCurve(true, "sent", m_astFrequencies[0].Points());
             PutCurve(false, "received", m_astFrequencies[1].Points());
@@ -406,7 +406,7 @@ void Page::PutCharts(Writer &stWriter) const {
 
 void Page::Put(Writer &stWriter, std::string_view strTitle) const {
     stWriter.Put(strPageHead);
-    stWriter.Put("<script type=\"application/json\" id=\"data\">{\"title\":");
+    stWriter.Put(R"(<script type="application/json" id="data">{"title":)");
     PutText(stWriter, strTitle);
     stWriter.Put(",\"start\":");
     PutMicroseconds(stWriter, m_i64Start);

@@ -214,10 +214,14 @@ function setWindow(from, to) {
     const span = Math.min(length, Math.max(1000, to - from));
     const start = Math.min(Math.max(0, from), length - span);
     state.window = [start, start + span];
-    byId('window').textContent = `${clock(start)} to ${clock(start + span)} UTC`;
     for (const chart of state.charts) {
         chart.graph.updateOptions({dateWindow: state.window.map(time => +dateOf(time))});
     }
+    showWindow();
+}
+
+function showWindow() {
+    byId('window').textContent = `${state.window.map(clock).join(' to ')} UTC`;
     drawBand();
     filter();
 }
@@ -254,15 +258,17 @@ function makeChart(chart) {
     place.setAttribute('role', 'img');
     place.setAttribute('aria-label', `${chart.title}: ${chart.curves.map(curve => curve.name).join(', ')}. ` +
         'Plus and minus zoom, arrows move, 0 shows everything, Enter shows the message in the middle.');
+    const legend = chart.curves.map(curve => make('small', ' ' + curve.name));
+    heading.append(...legend);
     section.append(heading, place);
     byId('charts').append(section);
     const {lines, numbers} = chartRows(chart);
     const graph = new Dygraph(place, lines, {
         labels: ['time', ...chart.curves.map(curve => curve.name)], labelsUTC: true,
         connectSeparatedPoints: true, drawPoints: lines.length < 300, pointSize: 2, strokeWidth: 1.5,
-        legend: 'follow', highlightCircleSize: 4, axes: {y: {axisLabelWidth: 50}},
+        legend: 'follow', highlightCircleSize: 4, axes: {x: {axisLabelWidth: 70}, y: {axisLabelWidth: 50}},
         includeZero: chart.unit === 'ms' || chart.unit === 'per second',
-        stepPlot: chart.title === 'Messages',
+        stepPlot: chart.title === 'Messages', dateWindow: state.window.map(time => +dateOf(time)),
         zoomCallback: (from, to) => setWindow(...[from, to].map(time => time * 1000 - data.start)),
         clickCallback: (event, time) => choose(rowOf(numbers.get(time)) || nearestRow(time * 1000 - data.start)),
         underlayCallback: (context, area, drawing) => {
@@ -277,7 +283,7 @@ function makeChart(chart) {
         if (how) zoom(how);
         if (how) event.preventDefault();
     };
-    state.charts.push({graph});
+    state.charts.push({graph, legend});
 }
 
 const bandColors = ['#8ecae6', '#ffd166', '#f4a3a3', '#c3aed6', '#b5e2a8', '#f7c59f', '#9ad1c6'];
@@ -306,14 +312,19 @@ function drawBand() {
     byId('states').hidden = data.states.length === 0;
 }
 
-function applyColors(dark) {
+function colorsOf(count, dark) {
     const hues = dark ? ['#6fb1ff', '#6fd08c', '#ffb86b', '#c69cf2', '#ff8a80', '#7fdbe6']
                       : ['#0b62c4', '#1b7f3b', '#b85c00', '#8a4fc0', '#c62828', '#0a7d8c'];
-    for (const {graph} of state.charts) {
-        const names = graph.getLabels().slice(1);
-        graph.updateOptions({colors: names.map((_, index) => hues[index % hues.length]),
-                             gridLineColor: dark ? '#37404d' : '#d5d9e0',
-                             axisLineColor: dark ? '#37404d' : '#d5d9e0'});
+    const lines = dark ? '#37404d' : '#d5d9e0';
+    return {colors: Array.from({length: count}, (_, index) => hues[index % hues.length]),
+            gridLineColor: lines, axisLineColor: lines};
+}
+
+function applyColors(dark) {
+    for (const {graph, legend} of state.charts) {
+        const options = colorsOf(legend.length, dark);
+        graph.updateOptions(options);
+        legend.forEach((name, index) => { name.style.color = options.colors[index]; });
     }
 }
 
@@ -326,11 +337,11 @@ byId('about').textContent = `${dateOf(0).toISOString().slice(0, 19).replace('T',
     (rows.length < data.all ? `; of ${data.all} calls and messages ${rows.length} are here: of the most frequent every ` +
                               'second, fourth and so on' : '');
 for (const name of [...data.names].sort()) byId('name').append(make('option', name));
-data.charts.forEach(makeChart);
 const dark = matchMedia('(prefers-color-scheme: dark)');
-dark.onchange = () => applyColors(dark.matches);
+data.charts.forEach(makeChart);
 applyColors(dark.matches);
-setWindow(0, length);
+dark.onchange = () => applyColors(dark.matches);
+showWindow();
 for (const button of document.querySelectorAll('[data-zoom]')) {
     button.onclick = () => zoom(button.dataset.zoom);
 }

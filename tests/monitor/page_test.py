@@ -36,10 +36,10 @@ def sync_status(station, cinr, rssi, state=0):
                        station, 3, cinr, 1, rssi, 1, 2587500, 10000, 5, 2)
 
 
-def statistics(frames, errors, power):
+def statistics(frames, errors, power, rssi=-60, cinr=25):
     data = bytearray(STATISTICS_SIZE)
     struct.pack_into("<III", data, 0, STATISTICS_SIZE, frames, errors)
-    struct.pack_into("<ii", data, 24, -60, 25)
+    struct.pack_into("<ii", data, 24, rssi, cinr)
     struct.pack_into("<b", data, 234, power)
     data[244:250] = bytes([0, 0x12, 0xA, 0, 1, 1])
     return bytes.fromhex("11000100") + bytes(data)
@@ -53,10 +53,11 @@ def session(seconds=60, traced=1):
         wave = math.sin(second / 9)
         writer.send(SYNC_UP, after=0.25, lasts=0.0001)
         state = 13 if second % 20 == 10 else 0
-        writer.message(sync_status(1 + second % 2, int(20 + 8 * wave), int(-70 + 12 * wave), state),
-                       after=0.02 + 0.01 * (second % 7))
-        writer.message(statistics(1000 + second * 200, second * second // 10, 5 + second % 9),
-                       after=0.1)
+        cinr, rssi = int(20 + 8 * wave), int(-70 + 12 * wave)
+        writer.message(sync_status(1 + second % 2, cinr - second % 2 * 9, rssi - second % 2 * 9,
+                                   state), after=0.02 + 0.01 * (second % 7))
+        writer.message(statistics(1000 + second * 200, second * second // 10, 5 + second % 9, rssi,
+                                  cinr), after=0.1)
         for _ in range(traced):
             writer.message(DL_MAP, after=0.2 / traced)
         writer.message(RNG_REQ, after=0.2)
@@ -158,6 +159,15 @@ class Structure(PageTest):
     def test_a_session_of_nothing_is_a_page(self):
         self.assertEqual(len(self.data(self.draw(Writer()))["rows"]), 3)
 
+    def test_times_of_any_kind(self):
+        writer = Writer()
+        for moment in (2**62, 0, 2**61, 5):
+            writer.message(sync_status(1, 0, 0))
+            writer.message(statistics(moment % 1000, 0, 0))
+            for event in writer.events[-4:]:
+                event.time = moment
+        self.assertEqual(len(self.data(self.draw(writer))["rows"]), 11)
+
     def test_nothing_is_fetched(self):
         text = self.draw(session(1))
         self.assertIn("default-src 'none'", text)
@@ -198,8 +208,11 @@ class InABrowser(PageTest):
         with self.subTest("charts are drawn"):
             self.assertEqual(
                 page.run("[...document.querySelectorAll('#charts h2')].map(e => e.textContent)"),
-                ["RSSI dBm", "CINR dB", "Transmit power dBm", "Counters per second",
-                 "Messages per second", "Answer times ms"])
+                ["RSSI dBm 00:12:0a:00:01:01 00:12:0a:00:01:02",
+                 "CINR dB 00:12:0a:00:01:01 00:12:0a:00:01:02", "Transmit power dBm tx_power",
+                 "Counters per second bandwidth_requests cqich_transmitted crc_errors "
+                 "frames_in_error frames_received hcs_errors",
+                 "Messages per second sent received", "Answer times ms sync_status"])
         with self.subTest("a click into the table"):
             page.click("#table .row:nth-child(10)")
             self.assertEqual(chosen(), "#10 statistics")
@@ -211,13 +224,13 @@ class InABrowser(PageTest):
             self.assertIn("-70", page.run("document.getElementById('details').textContent"))
         with self.subTest("the request of an answer"):
             page.click("#details button")
-            self.assertEqual(chosen(), "#6 sync_up_request")
+            self.assertEqual(chosen(), "#6 sync_up")
         with self.subTest("a click into the ladder"):
             page.click("#ladder .row:nth-child(5)")
             self.assertEqual(chosen(), "#12 traced_message")
         with self.subTest("a click into a chart"):
             page.click("#charts .chart", 0.6, 0.4)
-            self.assertIn("sync_status", chosen())
+            self.assertRegex(chosen(), "^#[0-9]+ (sync_status|statistics)$")
         with self.subTest("a click into the band"):
             page.click("#band button:nth-child(2)")
             self.assertIn("wait_for_network_entry_command", page.run(
@@ -225,7 +238,7 @@ class InABrowser(PageTest):
         with self.subTest("search"):
             everything = count()
             page.click("#search")
-            page.type("-76")
+            page.type('"result":-76')
             time.sleep(0.5)
             self.assertEqual(count().split()[0], "1")
             page.run("(document.getElementById('search').value = '', filter())")
@@ -250,7 +263,7 @@ class InABrowser(PageTest):
         with self.subTest("markup is text"):
             self.draw(with_markup())
             page.open(self.out)
-            page.click("#table .row:nth-child(2)")
+            page.click("#table .row:nth-child(3)")
             self.assertIn("</script><script>alert(1)", page.run(
                 "document.getElementById('details').textContent"))
             self.assertEqual(page.run("document.querySelectorAll('img').length"), 0)
