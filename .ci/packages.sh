@@ -34,4 +34,5 @@ install_missing() {
 
 BUILD_PACKAGES=(cmake=cmake ninja=ninja-build g++=g++
     /usr/include/toml++/toml.h=libtomlplusplus-dev /usr/include/pcap/pcap.h=libpcap-dev
+    /usr/share/javascript/dygraphs/dygraph.min.js=libjs-dygraphs
     /usr/include/editline/readline.h=libedit-dev)

@@ -11,6 +11,7 @@
 
 #include "Filter.h"
 #include "JSON.h"
+#include "Page.h"
 #include "Progress.h"
 #include "Reader.h"
 #include "Scrub.h"
@@ -48,8 +49,8 @@ bool WantsColours() {
 
 bool WantsProgress(const Options &stOptions, uint64_t u64Size) {
     // On one terminal it would stand in the middle of the text.
-    const bool bApart = stOptions.eForm == OutputForm::Summary ||
-                        stOptions.eForm == OutputForm::Scrub || isatty(STDOUT_FILENO) == 0;
+    const bool bApart = stOptions.eForm == OutputForm::Summary || !stOptions.strOutput.empty() ||
+                        isatty(STDOUT_FILENO) == 0;
     return bApart && isatty(STDERR_FILENO) != 0 && !stOptions.bFollow && u64Size >= u64LongFile;
 }
 
@@ -119,27 +120,46 @@ bool IsSameFile(const std::string &strFirst, const std::string &strSecond) {
            stFirst.st_dev == stSecond.st_dev && stFirst.st_ino == stSecond.st_ino;
 }
 
-int Scrub(const Options &stOptions) {
+// A file that only its owner can read, in the place of the standard output.
+template <typename Function> int WriteFile(const Options &stOptions, Function fnWrite) {
     constexpr mode_t uOwnerOnly = 0600;
-    if (IsSameFile(stOptions.strFile, stOptions.strScrubbed)) {
-        Complain(stOptions.strScrubbed + ": the recording itself");
+    if (IsSameFile(stOptions.strFile, stOptions.strOutput)) {
+        Complain(stOptions.strOutput + ": the recording itself");
         return iWrongArguments;
     }
     const int iFile =
-        open(stOptions.strScrubbed.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, uOwnerOnly);
+        open(stOptions.strOutput.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, uOwnerOnly);
     if (iFile < 0) {
-        Complain(stOptions.strScrubbed + ": " + std::strerror(errno));
+        Complain(stOptions.strOutput + ": " + std::strerror(errno));
         return iDamaged;
     }
     Writer stWriter(iFile);
-    ScrubbedFile stFile(&stWriter);
-    Scrubber stScrubber{Pseudonyms()};
-    const int iStatus = TakeEvents(stOptions, &stWriter, [&](const Event &stEvent) {
-        stFile.Add(stScrubber.Scrubbed(stEvent));
-    });
-    const int iFinished = Finish(&stWriter, stOptions.strScrubbed, iStatus);
+    const int iStatus = fnWrite(&stWriter);
+    const int iFinished = Finish(&stWriter, stOptions.strOutput, iStatus);
     (void)close(iFile);
     return iFinished;
+}
+
+int Scrub(const Options &stOptions, Writer *pstWriter) {
+    ScrubbedFile stFile(pstWriter);
+    Scrubber stScrubber{Pseudonyms()};
+    return TakeEvents(stOptions, pstWriter,
+                      [&](const Event &stEvent) { stFile.Add(stScrubber.Scrubbed(stEvent)); });
+}
+
+int Draw(const Options &stOptions, Writer *pstWriter) {
+    Session stSession;
+    Filter stFilter(stOptions.stFilter);
+    Page stPage;
+    const int iStatus = TakeEvents(stOptions, pstWriter, [&](const Event &stEvent) {
+        const Entry stEntry = stSession.Follow(stEvent);
+        if (stFilter.Shows(stEntry)) {
+            stPage.Add(stEntry);
+        }
+    });
+    const size_t uName = stOptions.strFile.rfind('/') + 1; // the path is nobody's business
+    stPage.Put(*pstWriter, stOptions.strFile.substr(uName));
+    return iStatus;
 }
 
 } // namespace
@@ -157,5 +177,11 @@ int main(int argc, char **argv) {
         return 0;
     }
     CatchSignals();
-    return stOptions.eForm == OutputForm::Scrub ? Scrub(stOptions) : Show(stOptions);
+    if (stOptions.eForm == OutputForm::Scrub || stOptions.eForm == OutputForm::Page) {
+        return WriteFile(stOptions, [&](Writer *pstWriter) {
+            return stOptions.eForm == OutputForm::Scrub ? Scrub(stOptions, pstWriter)
+                                                        : Draw(stOptions, pstWriter);
+        });
+    }
+    return Show(stOptions);
 }

@@ -8,6 +8,7 @@
 const char *const pcUsage =
     R"(Usage: TarvelWiMAXMonitor [OPTION]... FILE
        TarvelWiMAXMonitor --scrub OUT FILE
+       TarvelWiMAXMonitor --page OUT.html [FILTER]... FILE
 
 Shows a recorded session (- is standard input): every call of the device library and every message
 of the modem, requests by their fields and answers by the client's own reports.
@@ -26,6 +27,7 @@ of the modem, requests by their fields and answers by the client's own reports.
   --result RESULT     only results: ok, failed, or a number
 
   --scrub OUT         write a copy to OUT that can be given away: without keys, identities, paths
+  --page OUT.html     draw it: one page for a browser, with charts, a ladder and a table
   --help              this text
 
 Exit status: 0; 1 when the recording is damaged or cannot be read or written; 2 for wrong arguments.
@@ -159,6 +161,11 @@ bool TakeForm(OutputForm eForm, Options *pst) {
     return bFirst;
 }
 
+bool TakeOutput(OutputForm eForm, const std::string &strFile, Options *pst) {
+    pst->strOutput = strFile;
+    return !strFile.empty() && TakeForm(eForm, pst);
+}
+
 constexpr OptionRow astOptions[] = {
     {"--fields", false, [](const std::string &, Options *pst) { return pst->bFields = true; }},
     {"--raw", false, [](const std::string &, Options *pst) { return pst->bRaw = true; }},
@@ -170,8 +177,11 @@ constexpr OptionRow astOptions[] = {
      [](const std::string &, Options *pst) { return TakeForm(OutputForm::Summary, pst); }},
     {"--scrub", true,
      [](const std::string &strValue, Options *pst) {
-         pst->strScrubbed = strValue;
-         return !strValue.empty() && TakeForm(OutputForm::Scrub, pst);
+         return TakeOutput(OutputForm::Scrub, strValue, pst);
+     }},
+    {"--page", true,
+     [](const std::string &strValue, Options *pst) {
+         return TakeOutput(OutputForm::Page, strValue, pst);
      }},
     {"--type", true,
      [](const std::string &strValue, Options *pst) {

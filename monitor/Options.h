@@ -8,7 +8,7 @@
 
 #include "Session.h"
 
-enum class OutputForm : uint8_t { Text, JSON, Summary, Scrub };
+enum class OutputForm : uint8_t { Text, JSON, Summary, Scrub, Page };
 
 // A moment, as it was given.
 struct Moment {
@@ -38,7 +38,7 @@ struct Options {
     bool bHelp = false;
     FilterOptions stFilter;
     std::string strFile;
-    std::string strScrubbed; // the copy
+    std::string strOutput; // the copy or page
 };
 
 // Empty, or what is wrong with the arguments: one line.

@@ -52,6 +52,10 @@ void Writer::PutLong(std::string_view strText) {
 
 void Writer::Flush() {
     const char *pcNext = pacText.get();
+    if (pstrText != nullptr) {
+        pstrText->append(pcNext, uUsed);
+        uUsed = 0;
+    }
     while (uUsed != 0 && iError == 0) {
         const ssize_t iWritten = write(iFile, pcNext, uUsed);
         if (iWritten >= 0) {

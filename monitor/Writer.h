@@ -1,4 +1,4 @@
-// Text on its way to a descriptor: collected, and written in large pieces.
+// Text on its way to a descriptor or into a text: collected, and written in large pieces.
 #ifndef MONITOR_WRITER_H
 #define MONITOR_WRITER_H
 
@@ -6,6 +6,7 @@
 #include <concepts>
 #include <cstring>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "Wire.h"
@@ -15,6 +16,7 @@ struct Writer {
     static constexpr size_t uMostRoom = uSize / 2;
 
     explicit Writer(int iDescriptor) : iFile(iDescriptor) {}
+    explicit Writer(std::string *pstr) : iFile(-1), pstrText(pstr) {}
 
     // Room for so many characters, uMostRoom at most, and where what was written there ends.
     char *Room(size_t uBytes) {
@@ -65,8 +67,9 @@ struct Writer {
     void Flush();
 
     int iFile;
-    int iError = 0;        // of the first write that failed
-    uint64_t u64Bytes = 0; // written
+    std::string *pstrText = nullptr; // in the place of the file
+    int iError = 0;                  // of the first write that failed
+    uint64_t u64Bytes = 0;           // written
 
   private:
     void PutLong(std::string_view strText);
