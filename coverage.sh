@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Line and branch coverage of the unit tests and the sessions over app/, ext/ and device/: a table,
+# Line and branch coverage of the unit tests, sessions and storms over app/, ext/ and device/: a table,
 # and what is not reached. Fails when that is more than tests/unreached.txt gives reasons for.
 set -euo pipefail
 
@@ -11,14 +11,14 @@ build=build/coverage
 
 install_missing "${BUILD_PACKAGES[@]}" /usr/include/gtest/gtest.h=libgtest-dev python3=python3
 quietly cmake --preset coverage
-quietly cmake --build "$build" -j "$jobs" --target unit_tests qor020_scripted qor020 TarvelWiMAXApp \
+quietly cmake --build "$build" -j "$jobs" --target unit_tests qor020_scripted qor020_storm qor020 TarvelWiMAXApp \
     VendorSpecificMessageApp
 find "$build" -name '*.gcda' -delete
 
 failed=0
 "$build/tests/unit/unit_tests" --gtest_brief=1 || failed=1
 # Most sessions wait for something most of the time, so more of them than processors run.
-ctest --preset coverage -R '^sessions/' -j $((jobs * 4)) --quiet || failed=1
+ctest --preset coverage -R '^(sessions|storm)/' -j $((jobs * 4)) --quiet || failed=1
 
 tests/coverage_report.py "$build" || failed=1
 exit $failed

@@ -330,7 +330,7 @@ class Client:
         heed_signals()
         program = client.with_name(session.program) if session.program else client
         command = [*options.emulator, program]
-        if options.recorder:
+        if getattr(options, "recorder", None):
             command = self.recorded(command, options, directory, environment)
         if session.pty:
             self.master, slave = os.openpty()
