@@ -123,7 +123,7 @@ run_tests() {
     local preset=$1 log=build/$1/test.log ended=0 counts
     shift
     # Most sessions wait for something most of the time, so more of them than processors run.
-    ctest --preset "$preset" -j $((jobs * 4)) "$@" | tee "$log" || ended=$?
+    ctest --preset "$preset" -j $((jobs * 6)) "$@" | tee "$log" || ended=$?
     read -r -a counts < <(count_tests "$log" "build/$preset/Testing/Temporary/LastTest.log")
     # However ctest ended, something failed that it did not list.
     if [ "$ended" -ne 0 ] && [ "${counts[1]}" -eq 0 ] || [ "${counts[0]}" -eq 0 ]; then

@@ -7,7 +7,7 @@
 namespace {
 
 // Nothing varies: antenna 1 is at -58 dBm and 28 dB, antenna 2 at -62 dBm and 24 dB.
-const std::string strLinkUp = std::string(pcFourStations) + pcLinkUp + "[antenna]\nvariation = 0\n";
+const std::string strSteady = strLinkUp + "[antenna]\nvariation = 0\n";
 
 // A scan without a choice; patterns 1, 2 and 3, or none.
 const std::string strThreePatterns = " 03 00 00 00 01 00 00 00 02 00 00 00 03 00 00 00 00*4";
@@ -73,7 +73,7 @@ TEST(Antennas, BadPinsAreRefusedAndTheConfigurationStays) {
 }
 
 TEST(Antennas, AScanTakesAFrameForEachPatternOfAnIteration) {
-    ModemBench stBench(strLinkUp + "pattern-gains = [0, 0, 5, -10]\n");
+    ModemBench stBench(strSteady + "pattern-gains = [0, 0, 5, -10]\n");
     // Two iterations, one frame of traffic between two frames of the scan.
     EXPECT_EQ(
         stBench.Send(28, 2, strScan + " 02 00 00 00" + strThreePatterns + " 01 00 00 00" + strRest),
@@ -94,7 +94,7 @@ TEST(Antennas, AScanTakesAFrameForEachPatternOfAnIteration) {
 }
 
 TEST(Antennas, ALongScanReportsThirtyTwoFramesAtATime) {
-    ModemBench stBench(strLinkUp);
+    ModemBench stBench(strSteady);
     EXPECT_EQ(
         stBench.Send(28, 2, strScan + " 46 00 00 00" + strNoPattern + " 00 00 00 00" + strRest), 0);
     stBench.RunUntil(5);
@@ -106,7 +106,7 @@ TEST(Antennas, ALongScanReportsThirtyTwoFramesAtATime) {
 }
 
 TEST(Antennas, AScanWithoutEndEndsWhenItIsAborted) {
-    ModemBench stBench(strLinkUp);
+    ModemBench stBench(strSteady);
     // Ten iterations of three patterns a report.
     EXPECT_EQ(stBench.Send(
                   28, 2, strEndless + " 0A 00 00 00" + strThreePatterns + " 00 00 00 00" + strRest),
@@ -124,7 +124,7 @@ TEST(Antennas, AScanWithoutEndEndsWhenItIsAborted) {
 }
 
 TEST(Antennas, AScanWithoutEndAndIterationsReportsFullLists) {
-    ModemBench stBench(strLinkUp);
+    ModemBench stBench(strSteady);
     EXPECT_EQ(
         stBench.Send(28, 2, strEndless + " 00 00 00 00" + strNoPattern + " 00 00 00 00" + strRest),
         0);
@@ -135,7 +135,7 @@ TEST(Antennas, AScanWithoutEndAndIterationsReportsFullLists) {
 }
 
 TEST(Antennas, ScansThatCannotBeAreRefused) {
-    ModemBench stBench(strLinkUp);
+    ModemBench stBench(strSteady);
     const std::string strOnce = " 01 00 00 00";
     const std::string strNow = " 00 00 00 00" + strRest;
     const auto Refused = [&](const std::string &strRequest) {
@@ -161,7 +161,7 @@ TEST(Antennas, ScansThatCannotBeAreRefused) {
 }
 
 TEST(Antennas, AScanEndsWithTheLink) {
-    ModemBench stBench(strLinkUp + "[[event]]\nat = 0.1\nkind = \"link-loss\"\n");
+    ModemBench stBench(strSteady + "[[event]]\nat = 0.1\nkind = \"link-loss\"\n");
     EXPECT_EQ(
         stBench.Send(28, 2, strScan + " FF 00 00 00" + strNoPattern + " 00 00 00 00" + strRest), 0);
     stBench.RunUntil(5);
@@ -182,7 +182,7 @@ TEST(Antennas, EachFrameVariesAsTheSeedHasIt) {
 }
 
 TEST(Antennas, ASelectionIsTheCurrentPattern) {
-    ModemBench stBench(strLinkUp + "pattern-gains = [0, 7]\n");
+    ModemBench stBench(strSteady + "pattern-gains = [0, 7]\n");
     EXPECT_EQ(stBench.Send(28, 5, "01 00 00 00 00*4 01 00 00 00 07 00 00 00 02 00 00 00 00*28"), 0);
     EXPECT_EQ(
         stBench.Send(28, 2, strScan + " 01 00 00 00" + strNoPattern + " 00 00 00 00" + strRest), 0);
@@ -232,7 +232,7 @@ std::string SwitchInformation(ModemBench &stBench) {
 const std::string strTxOnly = "00*4 01 00 00 00 00*16 ";
 
 TEST(Antennas, TheTransmitAntennaIsTheOneThatWasSelected) {
-    ModemBench stBench(strLinkUp + "pattern-gains = [0, 7]\n");
+    ModemBench stBench(strSteady + "pattern-gains = [0, 7]\n");
     const std::string strLevels = "60 FC FF FF 20 FC FF FF"; // -58 and -62 dBm
     EXPECT_EQ(SwitchInformation(stBench), "80 00 00 00 80 00 00 00 03 00 00 00 03 00 00 00 " +
                                               strLevels + " 01 00 00 00 01 00 00 00");
@@ -256,7 +256,7 @@ TEST(Antennas, TheTransmitAntennaIsTheOneThatWasSelected) {
 }
 
 TEST(Antennas, TheAutomaticChoiceFollowsItsThresholds) {
-    ModemBench stBench(strLinkUp);
+    ModemBench stBench(strSteady);
     struct {
         const char *pcSetting;
         const char *pcThresholds;
@@ -298,8 +298,8 @@ int32_t Power(ModemBench &stBench) {
 }
 
 TEST(Antennas, AWorseTransmitAntennaHasToSendLouder) {
-    ModemBench stFirst(strLinkUp);
-    ModemBench stSecond(strLinkUp);
+    ModemBench stFirst(strSteady);
+    ModemBench stSecond(strSteady);
     EXPECT_EQ(stSecond.Send(28, 5, strTxOnly + "00*4 02 00 00 00 00*16"), 0);
     EXPECT_EQ(Power(stFirst), 44); // 11 dBm for a loss of 101 dB
     EXPECT_EQ(Power(stSecond), 44);
@@ -309,7 +309,7 @@ TEST(Antennas, AWorseTransmitAntennaHasToSendLouder) {
 }
 
 TEST(Antennas, AConfigurationThatIsNeitherReadNorWrittenIsRefused) {
-    ModemBench stBench(strLinkUp);
+    ModemBench stBench(strSteady);
     EXPECT_EQ(stBench.Send(28, 1, "01 00 00 00 00*4 02 00*19 02 00 00 00 00*4"), 0);
     EXPECT_EQ(stBench.Messages(),
               Told({"28/1: 01 00 00 00 00*4 02 00*19 02 00 00 00 05 00 00 00"}));

@@ -12,8 +12,6 @@
 
 namespace {
 
-const std::string strLinkUp = std::string(pcFourStations) + pcLinkUp;
-
 TEST(StationInformation, ComesFromTheScenario) {
     ModemBench stBench("[station-information]\nfirmware-version = [1, 2, 3]\n"
                        "driver-version = \"D 7\"\nlibrary-version = [4, 5, 6]\n"

@@ -6,9 +6,6 @@
 
 namespace {
 
-const std::string strStations = pcFourStations;
-const std::string strLinkUp = strStations + pcLinkUp;
-
 // Payloads of the messages that begin with this, one behind the other from uSkip on.
 std::vector<uint8_t> PayloadsOf(const std::vector<std::string> &astrMessages,
                                 const std::string &strHead, size_t uSkip) {

@@ -9,7 +9,7 @@
 namespace {
 
 // Sets the paging cycle; the answer repeats it.
-int32_t Ask(ModemBench &stBench, int iValue) {
+int32_t AskValue(ModemBench &stBench, int iValue) {
     char acPayload[64];
     std::snprintf(acPayload, sizeof acPayload, "00*4 20 00*3 00*20 %02X 00*3 00*8", iValue);
     return stBench.Send(29, 2, acPayload);
@@ -26,7 +26,7 @@ std::vector<std::string> EightAnswers(const std::string &strFault) {
     ModemBench stBench(strFault);
     for (int i = 0; i < 8; ++i) {
         stBench.RunUntil(10 * i);
-        EXPECT_EQ(Ask(stBench, i), 0);
+        EXPECT_EQ(AskValue(stBench, i), 0);
     }
     stBench.RunUntil(1000);
     return stBench.TimedMessages();
@@ -83,22 +83,22 @@ TEST(Faults, AnswersAreRepeated) {
 
 TEST(Faults, AReorderedAnswerIsOvertakenByTheNextMessage) {
     ModemBench stBench("[[fault]]\nkind = \"reorder\"\ncount = 1\n");
-    Ask(stBench, 1);
+    AskValue(stBench, 1);
     stBench.RunUntil(1);
-    Ask(stBench, 2);
+    AskValue(stBench, 2);
     EXPECT_EQ(stBench.TimedMessages(), Told({"1.00 " + AnswerTo(2), "1.00 " + AnswerTo(1)}));
 }
 
 TEST(Faults, AReorderedAnswerDoesNotWaitForEver) {
     ModemBench stBench("[[fault]]\nkind = \"reorder\"\n");
-    Ask(stBench, 1);
+    AskValue(stBench, 1);
     stBench.RunUntil(100);
     EXPECT_EQ(stBench.TimedMessages(), Told({"2.00 " + AnswerTo(1)}));
 }
 
 TEST(Faults, AnswersAreCutShort) {
     ModemBench stBench("[[fault]]\nkind = \"truncate\"\nlength = 6\n");
-    Ask(stBench, 1);
+    AskValue(stBench, 1);
     EXPECT_EQ(stBench.Messages(), Told({"29/2: 00*4 20 00"}));
 }
 
@@ -114,7 +114,7 @@ TEST(Faults, AnswersAreCutShortAnywhere) {
 
 TEST(Faults, AnswersAreDamagedAsGiven) {
     ModemBench stBench("[[fault]]\nkind = \"corrupt\"\noffset = 38\nbytes = \"AA BB CC DD\"\n");
-    Ask(stBench, 1);
+    AskValue(stBench, 1);
     EXPECT_EQ(stBench.Messages(), Told({"29/2: 00*4 20 00*3 00*20 01 00*3 00*6 AA BB"}));
 }
 
@@ -130,7 +130,7 @@ TEST(Faults, AnswersAreDamagedAnywhereAndKeepTheirHeaderAndLength) {
 
 TEST(Faults, AWildCountStandsWhereItIsWanted) {
     ModemBench stBench("[[fault]]\nkind = \"corrupt\"\noffset = 8\n");
-    Ask(stBench, 1);
+    AskValue(stBench, 1);
     const std::string strText = stBench.Messages().at(0);
     EXPECT_NE(strText, AnswerTo(1));
     std::vector<uint8_t> aucBytes = BytesOfHex(strText.substr(strText.find(':') + 1));
@@ -149,7 +149,7 @@ TEST(Faults, AMessageGoesThroughAllFaultsInTheirOrder) {
     ModemBench stBench("[[fault]]\nkind = \"truncate\"\nlength = 6\n"
                        "[[fault]]\nkind = \"delay\"\nseconds = 3\n"
                        "[[fault]]\nkind = \"repeat\"\n");
-    Ask(stBench, 1);
+    AskValue(stBench, 1);
     stBench.RunUntil(10);
     EXPECT_EQ(stBench.TimedMessages(), Told({"3.00 29/2: 00*4 20 00", "3.00 29/2: 00*4 20 00"}));
 }
@@ -157,8 +157,8 @@ TEST(Faults, AMessageGoesThroughAllFaultsInTheirOrder) {
 TEST(Faults, SendsFailWithTheirCodeAndDoNothing) {
     ModemBench stBench("[[fault]]\nkind = \"fail\"\ntype = 29\ncode = -76\ncount = 1\n");
     EXPECT_EQ(stBench.Send(36, 1), 0);
-    EXPECT_EQ(Ask(stBench, 1), -76);
-    EXPECT_EQ(Ask(stBench, 2), 0);
+    EXPECT_EQ(AskValue(stBench, 1), -76);
+    EXPECT_EQ(AskValue(stBench, 2), 0);
     EXPECT_EQ(stBench.Messages(), Told({"36/2:", AnswerTo(2)}));
 }
 
@@ -237,7 +237,7 @@ TEST(Events, NothingGetsThroughAfterTheDeviceIsUnloaded) {
 TEST(Events, AnswersTakeTheirTimeAndKeepTheirOrder) {
     ModemBench stBench("[device]\nanswer-delay = 0.25\n");
     stBench.Send(36, 1);
-    Ask(stBench, 3);
+    AskValue(stBench, 3);
     stBench.RunUntil(0.24);
     EXPECT_EQ(stBench.Messages(), Told({}));
     stBench.RunUntil(1);
@@ -246,7 +246,7 @@ TEST(Events, AnswersTakeTheirTimeAndKeepTheirOrder) {
 
 TEST(Restart, BringsBackTheStateAtStart) {
     ModemBench stBench("");
-    Ask(stBench, 9);
+    AskValue(stBench, 9);
     stBench.TheModem().Restart();
     stBench.Send(29, 3, "00*40");
     EXPECT_EQ(stBench.Messages(), Told({AnswerTo(9), "29/3: 00*4 3B 00*3 00*20 01 00*3 00*8"}));

@@ -105,7 +105,6 @@ std::vector<Door> Doors(const std::string &strScenario) {
 // In every state of the link: whatever stands in a request of a length that is taken,
 // the modem refuses it or answers it, and lives on.
 TEST(HostileRequests, EveryRequestTakesAnythingInEveryState) {
-    const std::string strStations = pcFourStations;
     const std::vector<Door> astDoors = Doors(strStations);
     EXPECT_EQ(astDoors.size(), 88U);
     const std::string strStart = strStations + "[start]\nstation = \"00120A010203\"\nstate = ";

@@ -5,8 +5,6 @@
 
 namespace {
 
-const std::string strStations = pcFourStations;
-
 // Sync up requests: centre frequency, bandwidth, preamble (FF: any).
 const std::string strSyncAny = "6C 7B 27 00 10 27 00 00 FF 00 00 00 00*52";
 const std::string strSync3 = "6C 7B 27 00 10 27 00 00 03 00 00 00 00*52";

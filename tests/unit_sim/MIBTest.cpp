@@ -13,8 +13,6 @@
 
 namespace {
 
-const std::string strLinkUp = std::string(pcFourStations) + pcLinkUp;
-
 std::string Word(uint32_t u32Value) {
     char acText[32];
     std::snprintf(acText, sizeof acText, "%02X %02X %02X %02X", u32Value & 0xFF,

@@ -6,8 +6,6 @@
 
 namespace {
 
-const std::string strLinkUp = std::string(pcFourStations) + pcLinkUp;
-
 // A definition: PSC ID, type, direction, windows and flags as in the client's default;
 // no CIDs.
 std::string Definition(const std::string &strID, const std::string &strActivity,

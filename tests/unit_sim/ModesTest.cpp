@@ -6,7 +6,6 @@
 
 namespace {
 
-const std::string strLinkUp = std::string(pcFourStations) + pcLinkUp;
 const std::string strIdle =
     std::string(pcFourStations) + "[start]\nstate = \"idle\"\nstation = \"00120A010203\"\n";
 const std::string strShutdown = std::string(pcFourStations) + "[start]\nstate = \"shutdown\"\n";

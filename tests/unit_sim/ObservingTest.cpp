@@ -7,7 +7,7 @@
 
 namespace {
 
-const std::string strSync = "6C 7B 27 00 10 27 00 00 03 00 00 00 00*52";
+const std::string strSyncUp = "6C 7B 27 00 10 27 00 00 03 00 00 00 00*52";
 
 // A life with chance in it: levels that vary, digests that fail, answers late and repeated, an
 // inactivity timer that is at its end when nobody asks for anything but to watch.
@@ -78,8 +78,9 @@ std::vector<std::string> Live(bool bWatched) {
         uint32_t u32SubType;
         std::string strPayload;
     };
-    const std::vector<Call> astCalls{{1, 2, 1, strSync}, {10, 2, 2, "00*4"},   {60, 2, 3, ""},
-                                     {250, 30, 5, ""},   {330, 2, 1, strSync}, {340, 2, 2, "00*4"}};
+    const std::vector<Call> astCalls{{1, 2, 1, strSyncUp},   {10, 2, 2, "00*4"},
+                                     {60, 2, 3, ""},         {250, 30, 5, ""},
+                                     {330, 2, 1, strSyncUp}, {340, 2, 2, "00*4"}};
     uint32_t u32Turn = 0;
     for (int iTenth = 1; iTenth < 400; ++iTenth) {
         stBench.RunUntil(iTenth / 10.0);
@@ -151,7 +152,7 @@ TEST(Observing, TheShortestPeriodsHoldNoDialogueUp) {
                 au32Frames.push_back(stMessage.u32Frame);
             }
         });
-        EXPECT_EQ(stBench.Send(2, 1, strSync), 0);
+        EXPECT_EQ(stBench.Send(2, 1, strSyncUp), 0);
         stBench.RunUntil(0.5);
         EXPECT_EQ(stBench.Send(2, 2, "00*4"), 0);
         stBench.RunUntil(5);

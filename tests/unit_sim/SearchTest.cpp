@@ -5,8 +5,6 @@
 
 namespace {
 
-const std::string strStations = pcFourStations;
-
 // The records of the four stations.
 const std::string strFirst = " 01 00 00 12 0A 01 02 03 03 00 00 00 6C 7B 27 00 10 27 00 00 "
                              "C6 FF FF FF 1C 00 00 00 05 00 00 00 02 00 00 00";

@@ -13,7 +13,6 @@ constexpr int iRTPS = 4;
 constexpr int iERTPS = 5;
 constexpr int iUGS = 6;
 
-const std::string strLinkUp = std::string(pcFourStations) + pcLinkUp;
 // Answers from the station at once.
 const std::string strFlows = strLinkUp + "[service-flows]\ntransaction-time = 0\n";
 

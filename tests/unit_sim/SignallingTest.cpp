@@ -9,8 +9,6 @@
 
 namespace {
 
-const std::string strStations = pcFourStations;
-const std::string strLinkUp = strStations + pcLinkUp;
 const std::string strSync = "6C 7B 27 00 10 27 00 00 03 00 00 00 00*52";
 // Nothing periodic comes between.
 const std::string strQuiet = "[signalling]\nmap-period = 1000\ndescriptor-period = 1000\n"

@@ -2,6 +2,8 @@
 #ifndef TEST_SCENARIOS_H
 #define TEST_SCENARIOS_H
 
+#include <string>
+
 // A strong station, a weaker one on the same channel, one on another frequency with
 // a narrower channel, and one that is heard but too weak to enter.
 inline constexpr const char *pcFourStations = R"(
@@ -59,5 +61,8 @@ inline constexpr const char *pcLinkUp = R"(
 state = "link-up"
 station = "00 12 0A 01 02 03"
 )";
+
+inline const std::string strStations = pcFourStations;
+inline const std::string strLinkUp = strStations + pcLinkUp;
 
 #endif
