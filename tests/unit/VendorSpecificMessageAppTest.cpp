@@ -1,5 +1,6 @@
 #include "VendorSpecificMessageApp.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "TestConsole.h"
@@ -24,6 +25,7 @@ TEST_F(VendorSpecificMessageAppTest, TheEndOfTheInputCountsAsAKey) {
 TEST_F(VendorSpecificMessageAppTest, WithoutAnInputThereIsNoKey) {
     close(STDIN_FILENO);
     EXPECT_EQ(MyKbHit(), 0U);
+    EXPECT_EQ(open("/dev/null", O_RDONLY), STDIN_FILENO); // for the tests that follow
 }
 
 TEST_F(VendorSpecificMessageAppTest, EntriesAreNumberedBehindTheLastOne) {
