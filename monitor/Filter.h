@@ -6,7 +6,7 @@
 
 class Filter {
   public:
-    explicit Filter(FilterOptions stOptions) : m_stOptions(std::move(stOptions)) {}
+    explicit Filter(const FilterOptions &stOptions) : m_stOptions(stOptions) {}
 
     // Whether the next entry of the session is shown.
     bool Shows(const Entry &stEntry);

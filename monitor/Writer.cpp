@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 
 #include <poll.h>
 #include <unistd.h>
@@ -32,7 +33,7 @@ void Writer::PutHex(ByteView stBytes, std::string_view strBetween) {
     if (!strBetween.empty()) {
         for (uint32_t i = 0; i < stBytes.u32Length; ++i) {
             Put(i == 0 ? std::string_view() : strBetween);
-            PutHex(stBytes.From(i, 1));
+            EndAt(WriteEachByte(Room(HexByte::Size), "%02x", stBytes.From(i, 1)));
         }
         return;
     }
@@ -45,7 +46,8 @@ void Writer::PutHex(ByteView stBytes, std::string_view strBetween) {
 void Writer::PutLong(std::string_view strText) {
     while (!strText.empty()) {
         const size_t uCount = std::min(strText.size(), uMostRoom);
-        Put(strText.substr(0, uCount));
+        std::memcpy(Room(uCount), strText.data(), uCount);
+        uUsed += uCount;
         strText.remove_prefix(uCount);
     }
 }

@@ -7,9 +7,9 @@
 
 namespace {
 
-constexpr double fLatest = 1e9; // seconds
+constexpr double fMostTime = 1e9; // seconds
 // What repeats itself lets some time pass, so that time goes on.
-constexpr double fShortestPause = 0.001;
+constexpr double fLeastPause = 0.001;
 
 std::optional<Events::Condition> ConditionOf(std::string_view strText) {
     constexpr std::string_view strMessage = "message ";
@@ -18,7 +18,7 @@ std::optional<Events::Condition> ConditionOf(std::string_view strText) {
             MessageKind::FromText(strText.substr(strMessage.size()));
         return stKind ? std::optional<Events::Condition>(*stKind) : std::nullopt;
     }
-    const auto pstName = std::find(apcLinkStates.begin(), apcLinkStates.end(), strText);
+    const auto *const pstName = std::find(apcLinkStates.begin(), apcLinkStates.end(), strText);
     if (pstName == apcLinkStates.end()) {
         return std::nullopt;
     }
@@ -77,7 +77,7 @@ Events::Planned Events::Read(const Section &stSection, Unsaid eUnsaid) const {
 void Events::ReadTime(const Section &stSection, Unsaid eUnsaid, Planned *pstPlanned) const {
     const bool bRepeats = stSection.Has("every");
     if (bRepeats) {
-        pstPlanned->iEvery = stSection.Seconds("every", fShortestPause, fLatest);
+        pstPlanned->iEvery = stSection.Seconds("every", fLeastPause, fMostTime);
     }
     if (stSection.Has("when")) {
         pstPlanned->stWhen = ConditionOf(stSection.Text("when"));
@@ -95,10 +95,10 @@ void Events::ReadTime(const Section &stSection, Unsaid eUnsaid, Planned *pstPlan
         pstPlanned->u32Times = 1;
     }
     if (pstPlanned->stWhen) {
-        const double fLeast = pstPlanned->u32Times == 1 ? 0 : fShortestPause;
-        pstPlanned->iAt = stSection.Seconds("after", fLeast, fLatest, fLeast);
+        const double fLeast = pstPlanned->u32Times == 1 ? 0 : fLeastPause;
+        pstPlanned->iAt = stSection.Seconds("after", fLeast, fMostTime, fLeast);
     } else if (eUnsaid == Unsaid::Refused || stSection.Has("at")) {
-        pstPlanned->iAt = stSection.Seconds("at", 0, fLatest);
+        pstPlanned->iAt = stSection.Seconds("at", 0, fMostTime);
         if (pstPlanned->iAt < m_stScheduler.Now()) {
             stSection.Refuse("at", "is over already");
         }

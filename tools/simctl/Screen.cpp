@@ -16,9 +16,13 @@ std::string ScreenOf(std::string_view strState) {
     for (const char cChar : strState) {
         if (cChar == '"') {
             bText = !bText;
-        } else if (bText) {
+            continue;
+        }
+        if (bText) {
             strScreen += cChar;
-        } else if (cChar == '{' || cChar == '[') {
+            continue;
+        }
+        if (cChar == '{' || cChar == '[') {
             ++iDepth;
             strScreen += cChar == '{' && iDepth == iRowDepth ? "\n  " : "";
         } else if (cChar == '}' || cChar == ']') {
