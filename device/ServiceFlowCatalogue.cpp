@@ -96,7 +96,7 @@ constexpr CodeRow astMessageCodes[] = {
     CODE(ServiceFlowRecord, DeleteRequest),
 };
 
-constexpr CodeRow astDirections[] = {
+constexpr CodeRow astFlowDirections[] = {
     CODE(ServiceFlowRecord, Downlink),
     CODE(ServiceFlowRecord, Uplink),
 };
@@ -105,7 +105,7 @@ constexpr CodeRow astDirections[] = {
     FIELD(ServiceFlowRecord, u8MsgCode, "message code: 11 add, 14 change",                         \
           .astCodes = astMessageCodes),                                                            \
         FIELD(ServiceFlowRecord, u8Direction, "direction: 0 downlink, 1 uplink",                   \
-              .astCodes = astDirections),                                                          \
+              .astCodes = astFlowDirections),                                                      \
         FIELD(ServiceFlowRecord, u16TID, "transaction ID"),                                        \
         FIELD(ServiceFlowRecord, u16CID, "connection ID, in change requests",                      \
               .eShown = Shown::Hexadecimal),                                                       \
