@@ -11,7 +11,7 @@ rm -rf build/fuzz/seeds
 fuzz/seeds.py build/fuzz/seeds
 . fuzz/lengths.sh
 targets=("$@")
-[ ${#targets[@]} -gt 0 ] || targets=(bytes callback console requests scenario state)
+[ ${#targets[@]} -gt 0 ] || targets=("${!longest[@]}")
 for target in "${targets[@]}"; do
     new=build/fuzz/minimised/$target
     rm -rf "$new"
