@@ -6,11 +6,11 @@ set -uo pipefail
 sections=(
     "release     always      the tests, optimised"
     "asan-ubsan  always      the tests under AddressSanitizer and UndefinedBehaviorSanitizer"
-    "tsan        always      the tests under ThreadSanitizer"
-    "benchmarks  always      figures only"
-    "format      always      the layout of the sources"
     "fuzz        always      each fuzz target for some seconds"
+    "tsan        always      the tests under ThreadSanitizer, of what has threads"
     "linter      always      clang-tidy"
+    "format      always      the layout of the sources"
+    "benchmarks  always      figures only"
     "sweep       --long      every session with each thing that can go wrong, in full"
     "storms      --long      a minute of each storm under the sanitizers"
     "armhf       --machines  all tests on 32-bit ARM, run by qemu"
@@ -42,7 +42,7 @@ refuse() {
 
 wanted=" always "
 only=" "
-fuzz_seconds=8
+fuzz_seconds=5
 while [ $# -gt 0 ]; do
     case $1 in
     --machines) wanted+="--machines " ;;
@@ -135,8 +135,54 @@ run_tests() {
     printf '%s: %d passed, %d failed, %d skipped\n' "$preset" "${counts[@]}"
 }
 
+# What later sections need is made ahead, one thing after the other, with the processor time that the
+# tests leave over while they wait.
+ahead=() # sections
+worker=
+
+make_ahead() {
+    local name
+    for name in "${ahead[@]}"; do
+        "prepare_${name//-/_}" >"$scratch/$name.log" 2>&1
+        echo $? >"$scratch/$name.ended"
+        mv "$scratch/$name.ended" "$scratch/$name.status"
+    done
+}
+
+start_making_ahead() {
+    if [ -z "$worker" ] && [ ${#ahead[@]} -gt 0 ]; then
+        set -m # a process group of its own, which ends with this script
+        (renice -n 19 $BASHPID >/dev/null && make_ahead) &
+        worker=$!
+        set +m
+    fi
+}
+
+# Prepares a section, or waits until that has been done.
+prepare() {
+    if [[ " ${ahead[*]} " != *" $1 "* ]]; then
+        "prepare_${1//-/_}"
+        return
+    fi
+    start_making_ahead
+    while [ ! -f "$scratch/$1.status" ] && kill -0 "$worker" 2>/dev/null; do
+        sleep 0.5
+    done
+    [ "$(cat "$scratch/$1.status" 2>/dev/null)" = 0 ] || { cat "$scratch/$1.log" && false; }
+}
+
 # Builds a preset and runs its tests.
-test_preset() { check configure "$1" ON && check build "$1" && run_tests "$1"; }
+test_preset() {
+    check prepare "$1" || return
+    start_making_ahead
+    run_tests "$1"
+}
+
+prepare_preset() { configure "$1" ON && build "$1"; }
+prepare_release() { prepare_preset release; }
+prepare_asan_ubsan() { prepare_preset asan-ubsan; }
+prepare_tsan() { prepare_preset tsan; }
+prepare_linter() { configure lint ON && cmake --build build/lint --target tidy; }
 
 section_release() { test_preset release; }
 section_asan_ubsan() { test_preset asan-ubsan; }
@@ -161,14 +207,16 @@ section_storms() {
 
 # The cross compiler of a machine and what runs its programs. Where they cannot be had, the machine
 # is skipped.
-prepare_machine() {
+get_machine() {
     install_missing "qemu-$1=qemu-user" "$2-g++=g++-$2" /usr/src/googletest=googletest ||
         { skip "$1: its packages cannot be had"; return 1; }
 }
 
-section_armhf() { prepare_machine arm arm-linux-gnueabihf && test_preset armhf; }
-section_mips() { prepare_machine mips mips-linux-gnu && test_preset mips; }
-section_s390x() { prepare_machine s390x s390x-linux-gnu && test_preset s390x; }
+test_machine() { get_machine "$2" "$3" && check prepare_preset "$1" && run_tests "$1"; }
+
+section_armhf() { test_machine armhf arm arm-linux-gnueabihf; }
+section_mips() { test_machine mips mips mips-linux-gnu; }
+section_s390x() { test_machine s390x s390x s390x-linux-gnu; }
 
 section_benchmarks() {
     [ -x build/release/bench_start ] || { check configure release ON && check build release; } || return
@@ -182,43 +230,46 @@ section_format() {
 
 # Runs a fuzz target on its seeds and on what it found before; new finds stay in the build.
 fuzz() {
-    mkdir -p "build/fuzz/found/$1"
-    (cd build/fuzz && "./fuzz/fuzz_$1" -max_total_time="$fuzz_seconds" "-max_len=${longest[$1]}" \
-        "found/$1" "../../fuzz/corpus/$1") >"build/fuzz/$1.log" 2>&1
-    echo $? >"build/fuzz/$1.status"
+    local room=build/asan-ubsan/fuzz
+    mkdir -p "$room/found/$1"
+    (cd "$room" && "./fuzz_$1" -max_total_time="$fuzz_seconds" "-max_len=${longest[$1]}" \
+        "found/$1" "../../../fuzz/corpus/$1") >"$scratch/fuzz_$1.log" 2>&1
+    echo $? >"$scratch/fuzz_$1.status"
 }
 
 tell_of_fuzzing() {
-    if [ "$(<"build/fuzz/$1.status")" -eq 0 ]; then
-        echo "fuzz_$1: $(tail -1 "build/fuzz/$1.log")"
+    if [ "$(<"$scratch/fuzz_$1.status")" -eq 0 ]; then
+        echo "fuzz_$1: $(tail -1 "$scratch/fuzz_$1.log")"
     else
-        tail -60 "build/fuzz/$1.log"
+        tail -60 "$scratch/fuzz_$1.log"
         return 1
     fi
 }
 
 section_fuzz() {
     local target
-    check configure fuzz OFF && check build fuzz --target fuzz_targets || return
+    check prepare asan-ubsan || return
     . fuzz/lengths.sh
     for target in "${!longest[@]}"; do
-        while [ "$(jobs -rp | wc -l)" -ge "$jobs" ]; do
+        while [ "$(jobs -rp | grep -cvx "$worker")" -ge "$jobs" ]; do
             sleep 0.2
         done
         fuzz "$target" &
     done
-    wait
+    while [ "$(jobs -rp | grep -cvx "$worker")" -gt 0 ]; do
+        sleep 0.2
+    done
     for target in "${!longest[@]}"; do
         check tell_of_fuzzing "$target"
     done
 }
 
-section_linter() { check configure lint ON && check quietly cmake --build build/lint --target tidy; }
+section_linter() { check quietly prepare linter; }
 
 # Puts the seconds of processor time, user and system, that all commands have taken into a variable.
 processor_seconds() {
-    times >"$scratch" # in a pipe it would tell its own
-    printf -v "$1" '%.0f' "$(awk -F'[ms ]' 'NR == 2 { print $1 * 60 + $2 + $4 * 60 + $5 }' "$scratch")"
+    times >"$scratch/times" # in a pipe it would tell its own
+    printf -v "$1" '%.0f' "$(awk -F'[ms ]' 'NR == 2 { print $1 * 60 + $2 + $4 * 60 + $5 }' "$scratch/times")"
 }
 
 figures=()
@@ -235,8 +286,8 @@ run_section() {
         $((failed - before[1])) $((skipped - before[2])))")
 }
 
-scratch=$(mktemp)
-trap 'rm -f "$scratch"' EXIT
+scratch=$(mktemp -d)
+trap '[ -z "$worker" ] || kill -- "-$worker" 2>/dev/null; rm -rf "$scratch"' EXIT
 
 echo "=== packages"
 install_missing "${BUILD_PACKAGES[@]}" \
@@ -245,6 +296,13 @@ install_missing "${BUILD_PACKAGES[@]}" \
     clang-format=clang-format clang-tidy=clang-tidy run-clang-tidy=clang-tidy \
     python3=python3 tshark=tshark lua5.2=lua5.2 lua5.3=lua5.3 lua5.4=lua5.4 || exit 1
 install_missing chromium=chromium || echo "Without Chromium nobody looks at the monitor's pages" >&2
+
+for section in "${sections[@]}"; do
+    read -r name when _ <<<"$section"
+    if is_wanted "$name" "$when" && [[ $name =~ ^(asan-ubsan|tsan|linter)$ ]]; then
+        ahead+=("$name")
+    fi
+done
 
 for section in "${sections[@]}"; do
     read -r name when what <<<"$section"

@@ -353,11 +353,11 @@ class Build:
     needs what."""
 
     def __init__(self, jobs, targets):
-        # Apart from the release build, whose objects hold many sources each.
+        # Apart from the release build, whose objects hold many sources each and whose precompiled
+        # headers would hide a fault in a header.
         self.directory = ROOT / "build" / "mutate-base"
-        run_quietly(
-            ["cmake", "--preset", "release", "-B", self.directory, "-DWIMAX_BUNDLES=OFF"], cwd=ROOT
-        )
+        run_quietly(["cmake", "--preset", "release", "-B", self.directory, "-DWIMAX_BUNDLES=OFF",
+                     "-DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON"], cwd=ROOT)
         run_quietly(["cmake", "--build", self.directory, "-j", str(jobs), "--target", *targets])
         self.commands = {}  # object -> command
         for entry in json.loads((self.directory / "compile_commands.json").read_text()):
@@ -544,7 +544,8 @@ def play_session(path, client, options):
 
     signal.signal(signal.SIGALRM, give_up)
     signal.alarm(SESSION_SECONDS)
-    arguments = types.SimpleNamespace(client=client, verbose=False, **options)
+    arguments = types.SimpleNamespace(client=client, recorder=None, emulator=[],
+                                      verbose=False, **options)
     try:
         with open(os.devnull, "w") as nothing:
             sys.stderr = nothing

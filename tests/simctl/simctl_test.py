@@ -5,6 +5,7 @@ import argparse
 import os
 import pathlib
 import pty
+import select
 import signal
 import subprocess
 import sys
@@ -65,17 +66,18 @@ class ProgramTest(unittest.TestCase):
             client.kill()
         client.communicate()
 
-    def wait_for_socket(self):
-        deadline = time.monotonic() + PATIENCE
-        while not self.socket.exists():
-            self.assertLess(time.monotonic(), deadline)
-            time.sleep(0.01)
+    def wait_for_menu(self, client):
+        """Until the client has opened the modem, registered, and asks for an option."""
+        deadline, seen = time.monotonic() + PATIENCE, b""
+        while not seen.endswith(b"ENTER OPTION : "):
+            left = deadline - time.monotonic()
+            self.assertTrue(select.select([client.stdout], [], [], max(left, 0))[0], seen)
+            seen += os.read(client.stdout.fileno(), 4096)
 
 
 class Steering(ProgramTest):
     def test_a_command_is_carried_out(self):
-        self.start_client()
-        self.wait_for_socket()
+        self.wait_for_menu(self.start_client())
         self.assertEqual(self.simctl(self.socket, "seed"), (0, "5\n", ""))
         self.assertEqual(self.simctl(self.socket, "fade", "station=00 12 0A 00 01 01", "by=10"),
                          (0, "", ""))
@@ -84,8 +86,7 @@ class Steering(ProgramTest):
         self.assertIn('"rssi":-68.0,', state)
 
     def test_a_refusal_is_an_error(self):
-        self.start_client()
-        self.wait_for_socket()
+        self.wait_for_menu(self.start_client())
         self.assertEqual(self.simctl(self.socket, "fade", "by=10"),
                          (1, "", 'simctl: error "station" is missing\n'))
 
@@ -94,16 +95,14 @@ class Steering(ProgramTest):
                          (2, "", f"simctl: {self.socket}: No such file or directory\n"))
 
     def test_commands_come_from_the_standard_input(self):
-        self.start_client()
-        self.wait_for_socket()
+        self.wait_for_menu(self.start_client())
         self.assertEqual(self.simctl(self.socket, text="advance 1\n\ndance\nseed\n"),
                          (1, "1.001000\n5\n",
                           'simctl: error there is no command "dance" (help tells all)\n'))
         self.assertEqual(self.simctl(self.socket, text="seed\nquit\nseed\n"), (0, "5\n", ""))
 
     def test_a_terminal_has_a_prompt(self):
-        self.start_client()
-        self.wait_for_socket()
+        self.wait_for_menu(self.start_client())
         ours, its = pty.openpty()
         process = subprocess.Popen([OPTIONS.simctl, self.socket], stdin=its, stdout=its,
                                    stderr=its, env={**os.environ, **SANITIZERS, "TERM": "dumb"})
@@ -120,7 +119,7 @@ class Steering(ProgramTest):
 
     def test_a_watcher_sees_the_state_until_the_modem_goes(self):
         client = self.start_client()
-        self.wait_for_socket()
+        self.wait_for_menu(client)
         watcher = subprocess.Popen([OPTIONS.simctl, "--watch", self.socket], text=True,
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                                    env={**os.environ, **SANITIZERS})
@@ -146,7 +145,7 @@ faults:
 
     def test_the_client_shows_what_a_command_brings_about(self):
         client = self.start_client()
-        self.wait_for_socket()
+        self.wait_for_menu(client)
         self.assertEqual(self.simctl(self.socket, "device-unload"), (0, "", ""))
         self.assertEqual(self.simctl(self.socket, "until", "12/2"), (0, "0.021000\n", ""))
         output, errors = client.communicate(b"-1\n", PATIENCE)
@@ -155,11 +154,11 @@ faults:
 
     def test_the_socket_goes_with_the_device_and_one_left_behind_is_replaced(self):
         client = self.start_client()
-        self.wait_for_socket()
+        self.wait_for_menu(client)
         client.communicate(b"-1\n", PATIENCE)
         self.assertFalse(self.socket.exists())
         client = self.start_client()
-        self.wait_for_socket()
+        self.wait_for_menu(client)
         client.send_signal(signal.SIGKILL)
         client.communicate()
         self.assertTrue(self.socket.exists())

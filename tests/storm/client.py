@@ -2,6 +2,7 @@
 in its hand."""
 
 import array
+import contextlib
 import fcntl
 import os
 import pathlib
@@ -199,6 +200,15 @@ class Client:
 
     def state(self):
         return f"status {self.process.poll()}, record {self.record()[-3:]}, {self.errors()[-3000:]}"
+
+    def waits(self):
+        """What every thread waits for, as far as the kernel tells."""
+        told = [self.state()]
+        for task in sorted(pathlib.Path(f"/proc/{self.process.pid}/task").glob("*")):
+            for part in ("wchan", "syscall"):
+                with contextlib.suppress(OSError):
+                    told.append(f"thread {task.name}: {part} {(task / part).read_text().strip()}")
+        return "\n".join(told)
 
     def wait_record(self, line):
         self.wait_until(lambda: line in self.record(), f"{line!r} in the record")

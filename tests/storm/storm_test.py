@@ -79,11 +79,13 @@ class StormTest(unittest.TestCase):
                 began = time.monotonic()
                 status = end(client)
                 times.append(client.ended_after(began, LATE))
-                if times[-1] is not None:
-                    try:
-                        self.ended_well(client, status)
-                    except AssertionError as error:
-                        wrong.append(str(error))
+                if times[-1] is None:
+                    print(f"does not end, told {status}: {client.waits()}")
+                    continue
+                try:
+                    self.ended_well(client, status)
+                except AssertionError as error:
+                    wrong.append(str(error))
         if wrong:
             print(f"not in order: {len(wrong)} of {runs}")
         self.soon(times)
@@ -282,8 +284,12 @@ class SecondSignal(StormTest):
                 time.sleep(0.2)
                 began = time.monotonic()
                 client.signal(second)
-                times.append(client.ended_after(began, LATE))
-                if times[-1] is not None:
+                took = client.ended_after(began, 1)
+                if took is None:  # two signals that wait for their handler together are one
+                    client.signal(second)
+                    took = client.ended_after(began, LATE)
+                times.append(took)
+                if took is not None:
                     self.assertIn(client.process.returncode, {128 + first, 128 + second})
                     self.assertEqual(client.errors(), "")
         self.soon(times)
