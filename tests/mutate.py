@@ -597,16 +597,48 @@ class Sessions:
         return None
 
 
+class Storms:
+    """The storms and the sweeps, for what the sessions do not notice."""
+
+    def __init__(self, build):
+        scripts = ROOT / "tests"
+        sweep = [sys.executable, scripts / "sweep.py", "--longest", "1",
+                 "--scripted", build.directory / "scripted" / "libqor020.so",
+                 "--faults", build.directory / "tests" / "faults" / "libfaults.so"]
+        self.base = build.directory / "TarvelWiMAXApp"
+        self.commands = {
+            "storms": [sys.executable, scripts / "storm" / "storm_test.py", "--failfast",
+                       "--library", build.directory / "storm" / "libqor020.so"],
+            "calls that fail": [*sweep, "--kinds", "device,console", "--every", "60",
+                                scripts / "sessions"],
+            "ends": [*sweep, "--kinds", "end,signal", "--every", "40", scripts / "sessions"],
+        }
+
+    def failure(self, client):
+        for name, command in self.commands.items():
+            if self.fails(command, client) and self.fails(command, client):
+                if not self.fails(command, self.base):
+                    return name
+        return None
+
+    def fails(self, command, client):
+        done = subprocess.run([*command, "--client", client], stdin=subprocess.DEVNULL,
+                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        return done.returncode != 0
+
+
 # ---------------------------------------------------------------- the run
 
 Outcome = collections.namedtuple("Outcome", "kind by")
+NOTICED_BY = ("unit tests", "sessions", "storms")
 
 
 class Trial:
-    def __init__(self, build, unit_tests, sessions, sources, known):
+    def __init__(self, build, unit_tests, sessions, storms, sources, known):
         self.build = build
         self.unit_tests = unit_tests
         self.sessions = sessions
+        self.storms = storms
         self.sources = sources
         self.known = known
         self.workshops = queue.Queue()
@@ -645,8 +677,11 @@ class Trial:
             return Outcome("equivalent", "the same code when optimised")
         if self.sessions is None:
             return Outcome("not noticed", "")
-        noticed = self.sessions.failure(workshop.top / "TarvelWiMAXApp")
-        return Outcome("sessions", noticed) if noticed else Outcome("not noticed", "")
+        for kind, tests in (("sessions", self.sessions), ("storms", self.storms)):
+            noticed = tests and tests.failure(workshop.top / "TarvelWiMAXApp")
+            if noticed:
+                return Outcome(kind, noticed)
+        return Outcome("not noticed", "")
 
     def same_code(self, mutant, workshop, own):
         changed = workshop.optimised(own)
@@ -691,6 +726,8 @@ def main():
     parser.add_argument("--file", default="", help="faults only in files whose path holds this")
     parser.add_argument("--again", action="store_true", help="only those not noticed the last time")
     parser.add_argument("--no-sessions", action="store_true", help="only the unit tests")
+    parser.add_argument("--storms", action="store_true",
+                        help="storms and sweeps too, for what the sessions do not notice")
     parser.add_argument("--show", action="store_true", help="only show the faults, try none")
     options = parser.parse_args()
 
@@ -716,10 +753,11 @@ def main():
         concurrent.futures.wait([pool.submit(time.sleep, 0.2) for _ in range(options.jobs * 3)])
         targets = ["unit_tests"]
         if not options.no_sessions:
-            targets += [*PROGRAMS, "qor020", "qor020_scripted"]
+            targets += [*PROGRAMS, "qor020", "qor020_scripted", "qor020_storm", "faults"]
         build = Build(options.jobs, targets)
         sessions = None if options.no_sessions else Sessions(build, pool)
-        trial = Trial(build, UnitTests(build), sessions, sources, read_equivalent())
+        storms = Storms(build) if options.storms else None
+        trial = Trial(build, UnitTests(build), sessions, storms, sources, read_equivalent())
         for number in range(options.jobs):
             trial.workshops.put(Workshop(build, number))
         return count(options, trial, drawn, survivors_file)
@@ -743,7 +781,7 @@ def count(options, trial, drawn, survivors_file):
             mutant, future = waiting.popleft()
             outcome = future.result()
             outcomes[outcome.kind] += 1
-            counted += outcome.kind in ("unit tests", "sessions", "not noticed")
+            counted += outcome.kind in (*NOTICED_BY, "not noticed")
             line = trial.sources[mutant.file].count("\n", 0, mutant.start) + 1
             print(f"{counted:4} {mutant.file}:{line} {mutant.operator}: {outcome.kind}"
                   f"{': ' if outcome.by else ''}{outcome.by}", flush=True)
@@ -757,10 +795,11 @@ def count(options, trial, drawn, survivors_file):
         print("\nNot noticed:\n")
         for mutant in survivors:
             print(show(mutant, trial.sources) + "\n")
-    noticed = outcomes["unit tests"] + outcomes["sessions"]
+    noticed = sum(outcomes[kind] for kind in NOTICED_BY)
     seconds = after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
     print(f"{counted} faults, {noticed} noticed ({outcomes['unit tests']} by unit tests, "
-          f"{outcomes['sessions']} by sessions), {outcomes['not noticed']} not noticed; besides "
+          f"{outcomes['sessions']} by sessions, {outcomes['storms']} by storms and sweeps), "
+          f"{outcomes['not noticed']} not noticed; besides "
           f"{outcomes['equivalent']} that change nothing and {outcomes['does not build']} that do "
           f"not build; {seconds / max(counted, 1):.1f} s of processor time a fault")
     return 0 if noticed >= GOAL * counted else 1

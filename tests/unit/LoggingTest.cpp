@@ -158,9 +158,9 @@ TEST_F(LoggingTest, PowerAdjustmentsAreQuarterSteps) {
                                    "\nPOWER : 23\n"
                                    "\nPOWER ADJUSTMENT : 0.250000 dBm"
                                    "\nFRAME OFFSET : -2"
-                                   "\nFRAME NUMBER : 1001"
+                                   "\nFRAME NUMBER : 70001"
                                    "\nPOWER : -10\n";
-    const std::string strData = "32:2 | -6:4 3:4 1000:4 23:4 | 1:4 -2:4 1001:4 -10:4";
+    const std::string strData = "32:2 | -6:4 3:4 1000:4 23:4 | 1:4 -2:4 70001:4 -10:4";
     EXPECT_EQ(Log("5 | " + strData), "\nCLOSED LOOP POWER ADJDUSTMENT LOG"
                                      "\n*********************************\n" +
                                          strEntries);

@@ -259,9 +259,9 @@ TEST_F(MIBRequestsTest, AConfigurationIDTakesFourBytesInAShortMessage) {
 }
 
 TEST_F(MIBRequestsTest, ACenterFrequencyAndABandwidth) {
-    EXPECT_EQ(PrintedBy(MIBSetRequest, "509\n2600000\n10000\n"),
+    EXPECT_EQ(PrintedBy(MIBSetRequest, "509\n2600000\n70000\n"),
               strMIBRequestsSetPrompt + "\n Enter Center Frequency : \n Enter bandwidth        : ");
-    EXPECT_EQ(Sent(), Just("24/1 | 509:4 00 00*16 16:4 00 2600000:4 10000:4 00*8 00"));
+    EXPECT_EQ(Sent(), Just("24/1 | 509:4 00 00*16 16:4 00 2600000:4 70000:4 00*8 00"));
     EXPECT_EQ(LengthOf(0), 47U);
 }
 
