@@ -217,6 +217,22 @@ TEST_F(MIBIndicationTest, NetworkEntryTiming) {
                   "\n\n~~~~~~~~~~Network entry timing statistics END ~~~~~~~~~~~\n");
 }
 
+TEST_F(MIBIndicationTest, NetworkEntryTimesAreSigned) {
+    EXPECT_EQ(
+        Shown(GetText(1619, 36, "-100:4 -101:4 -102:4 -103:4 -104:4 -105:4 -106:4 -107:4 -1:4")),
+        GetOpening("1619") + "\n\n~~~~~~~~~~Network entry timing statistics START~~~~~~~~~~~\n"
+                             "u32AuthPhaseTime: [-105]\n"
+                             "u32PhySyncTime: [-101]\n"
+                             "u32MacSyncTime: [-102]\n"
+                             "u32NwEntryTime: [-1]\n"
+                             "u32NwSearchTime: [-100]\n"
+                             "u32ProvSfTime: [-107]\n"
+                             "u32RangingTime: [-103]\n"
+                             "u32RegNegTime: [-106]\n"
+                             "u32SbcTime: [-104]\n"
+                             "\n\n~~~~~~~~~~Network entry timing statistics END ~~~~~~~~~~~\n");
+}
+
 TEST_F(MIBIndicationTest, TheMRUTableHasTheIndexesOfItsEntries) {
     EXPECT_EQ(Shown(GetText(1612, 40,
                             "7:4 2600000:4 2610000:4 0:4 10:4 "
@@ -245,6 +261,7 @@ TEST_F(MIBIndicationTest, TheMRUTableEndsWithThePayload) {
 TEST_F(MIBIndicationTest, AMinusSignStandsBeforeEveryNegatedValue) {
     EXPECT_EQ(Shown(GetText(1467, 4, "85:4")), GetOpening("1467") + " UINT eq : -85");
     EXPECT_EQ(Shown(GetText(1468, 4, "-85:4")), GetOpening("1468") + " UINT eq : --85");
+    EXPECT_EQ(Shown(GetText(1468, 4, "85000:4")), GetOpening("1468") + " UINT eq : -85000");
     EXPECT_EQ(ResultOf(GetText(1468, 4, "85:4")), 0U);
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "Console.h"
+#include "Output.h"
 #include "TestConsole.h"
 
 namespace {
@@ -70,6 +71,14 @@ TEST_F(ReportTest, TextsOfEveryLengthAroundTheNumbers) {
                   PutNumber("1234567890123456%d12345678901234567890123456789012345678901", 5);
               }),
               "1234567890123456512345678901234567890123456789012345678901");
+}
+
+TEST_F(ReportTest, LinesOfAnyLength) {
+    for (const size_t uLength : {size_t{0}, size_t{1}, size_t{100}, uMostRoom - 1, uMostRoom,
+                                 uMostRoom + 1, 3 * uMostRoom}) {
+        const std::string strText(uLength, 'x');
+        EXPECT_EQ(PrintedBy([&] { PutLine(strText); }), strText + "\n");
+    }
 }
 
 TEST_F(ReportTest, TextsThatCannotBeTakenApart) {

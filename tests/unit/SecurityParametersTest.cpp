@@ -199,6 +199,9 @@ TEST_F(SecurityParametersTest, ASizeIsTheDataLength) {
     EXPECT_EQ(Shown("34/3 | 7:4 128:4 00 00"), strSecurityParametersOpening +
                                                    "\n Security Param ID - [7], Size : [128]\n" +
                                                    strSecurityParametersClosing);
+    EXPECT_EQ(Shown("34/3 | -7:4 -128:4 00 00"),
+              strSecurityParametersOpening + "\n Security Param ID - [-7], Size : [-128]\n" +
+                  strSecurityParametersClosing);
 }
 
 TEST_F(SecurityParametersTest, OtherSubtypesAreFramedOnly) {
