@@ -110,7 +110,7 @@ def sent_call(text):
 
 
 def number(text, least, most):
-    if not re.fullmatch(r"\d{1,9}", text) or not least <= int(text) <= most:
+    if not re.fullmatch(r"\d{1,10}", text) or not least <= int(text) <= most:
         raise FormatError(f"not a number from {least} to {most}: {text}")
     return int(text)
 

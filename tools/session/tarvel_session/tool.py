@@ -271,6 +271,9 @@ def run(arguments):
     sessions = read_sessions(options)
     prepare_files(options)
     bench = bench_of(options)
+    for session in sessions:
+        if session.scenario and not options.device and not options.replay:
+            engine.Client.find_scenario(session, bench)
     results = []
     status = None
     try:
