@@ -14,9 +14,11 @@ import tempfile
 import time
 import unittest
 import xml.etree.ElementTree as xml
+from unittest import mock
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "tools/session"))
+from tarvel_session import engine  # noqa: E402
 from tarvel_session.files import FormatError, Session  # noqa: E402
 
 TOOL = ROOT / "tools/session/tarvel-session"
@@ -151,6 +153,17 @@ class Verdicts(ToolTest):
         lines = "".join(f"|line {number % 7}|\n" for number in range(20000))
         self.fails("timeout 1\n" + lines + "exit 0\n", "-|line 1|", "+|******** MAIN MENU")
         self.assertLess(time.monotonic() - began, 20)
+
+
+    def test_an_output_without_end_is_not_kept(self):
+        client = self.file("#!/bin/sh\nexec yes\n", "endless")
+        client.chmod(0o755)
+        bench = argparse.Namespace(client=client, simulated="/dev/null", emulator=[])
+        for text in ("~ nowhere\nexit 0\n", "...\nexit 0\n"):
+            session = Session(self.file("scenario\ntimeout 60\n" + text))
+            with mock.patch.object(engine, "MOST_UNMATCHED", 1 << 20):
+                with self.assertRaisesRegex(engine.Failure, "more than 1048576 bytes of output"):
+                    engine.run(session, bench)
 
 
 class Flow(ToolTest):

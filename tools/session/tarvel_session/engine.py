@@ -28,6 +28,8 @@ CONTEXT_LINES = 3
 # A difference of longer texts would take minutes; so many lines of each are compared.
 COMPARED_LINES = 1000
 SEEN_LINES = 100
+# Of an endless output so much is kept.
+MOST_UNMATCHED = 128 << 20
 # How long a client that goes on printing is read when the session has failed.
 SETTLE_SECONDS = 2
 # How long a killed process is waited for: a device's driver may hold it.
@@ -271,8 +273,11 @@ class Client:
         return ("output" if self.reads_output else "errors") in streams
 
     def rest_of(self, deadline, late):
-        """The seconds until then; fails when there are none, or when the session's are over."""
+        """The seconds until then; fails when there are none, or when the session's are over, or when
+        more comes than anybody waits for."""
         now = time.monotonic()
+        if len(self.output) > MOST_UNMATCHED:
+            raise Failure(f"more than {MOST_UNMATCHED} bytes of output behind the last match")
         if now >= self.ends_at:
             raise Failure(f"the session takes longer than {self.session.limit:g} s")
         if now >= deadline:
@@ -342,8 +347,7 @@ class Client:
                 data = data[written:]
                 deadline = time.monotonic() + self.timeout
                 yield written
-            else:
-                self.rest_of(deadline, f"timed out waiting for {what}")
+            self.rest_of(deadline, f"timed out waiting for {what}")
             while self.pump(0 if written else 0.01):
                 pass
 
@@ -472,8 +476,16 @@ class Client:
         self.end_limit("output")
 
     def expect_somewhere(self, text):
+        searched = 0
+
+        def found():
+            nonlocal searched
+            begin = max(searched - len(text), 0)
+            searched = len(self.output)
+            return self.output.find(text, begin) >= 0
+
         try:
-            self.wait_for(lambda: text in self.output, repr(text), heed_limit=True)
+            self.wait_for(found, repr(text), heed_limit=True)
         except Failure as failure:
             seen = "\n".join(bars(self.output)[-SEEN_LINES:])
             raise Failure(f"{failure}; since the last match there came\n{seen}") from failure
