@@ -2,6 +2,7 @@
 """tarvel-session: every option, every way to fail, and files that are none."""
 
 import argparse
+import contextlib
 import os
 import pathlib
 import random
@@ -18,7 +19,7 @@ from unittest import mock
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "tools/session"))
-from tarvel_session import engine  # noqa: E402
+from tarvel_session import engine, tool  # noqa: E402
 from tarvel_session.files import FormatError, Session  # noqa: E402
 
 TOOL = ROOT / "tools/session/tarvel-session"
@@ -393,6 +394,7 @@ class Options(ToolTest):
         self.assertEqual((os.listdir(folder), sorted(os.listdir(self.top))), ([], before))
 
     def test_wrong_options_are_told_in_one_line(self):
+        self.file(LEAVING)
         for options, complaint in (
             (["--no-such"], "unrecognized arguments: --no-such"),
             (["--repeat", "0"], "argument --repeat: not a number from 1 on: 0"),
@@ -408,8 +410,11 @@ class Options(ToolTest):
             (["--record", "a.session/x"], "a.session/x: Not a directory"),
             (["--scripted", "--replay", "none"], "argument --replay: not allowed with argument --scripted"),
         ):
-            with self.subTest(options):
-                self.wrong(LEAVING, complaint, options)
+            with self.subTest(options), contextlib.chdir(self.top):
+                with self.assertRaises(tool.Wrong) as caught:
+                    tool.run([*options, "a.session"])
+                self.assertEqual(str(caught.exception), complaint)
+        self.wrong(LEAVING, "--keep is for --record", ["--keep"])
         status, _, errors = self.tool()
         self.assertEqual((status, errors),
                          (2, "tarvel-session: the following arguments are required: FILE\n"))
@@ -535,7 +540,7 @@ class Damaged(ToolTest):
         words = [line.split(b" ")[0] for text in originals for line in text.split(b"\n")]
         words += [b"${", b"}", b"->", b"|", b"\\x", b"*9999999", b'"', b"\n", b" ", b"within 1 s", b"end"]
         understood = refused = 0
-        for _ in range(800):
+        for _ in range(500):
             data = bytearray(draw.choice(originals)[:4000])
             for _ in range(draw.randint(0, 6)):
                 at = draw.randrange(len(data) + 1)
@@ -550,8 +555,8 @@ class Damaged(ToolTest):
                 refused += 1
                 self.assertRegex(str(error), r"\A[ -~]+\Z")
                 self.assertTrue(str(error).startswith(str(path) + ":"), error)
-        self.assertGreater(understood, 50)
-        self.assertGreater(refused, 50)
+        self.assertGreater(understood, 30)
+        self.assertGreater(refused, 30)
 
     def test_long_lines_take_no_time(self):
         for line in ("call " + "a " * 100000 + "|", "sent 1/1 " + " " * 200000 + "x",
