@@ -18,7 +18,9 @@ import tempfile
 import time
 import zlib
 
-from run_session import Client, Failure, FormatError, Session, check_all, play, play_steps
+from run_session import (
+    Client, Failure, FormatError, InputClosed, Session, check_all, play, play_steps,
+)
 
 CALLS = (
     "OpenWiMAXDevice",
@@ -127,10 +129,6 @@ class Fired(Exception):
     """The planned failure has come to pass: what the session expects no longer holds."""
 
 
-class InputClosed(Failure):
-    """The client, or all of it but its output, has gone."""
-
-
 class Bench:
     """What a worker keeps from run to run: the library's pipes, the report of the faults."""
 
@@ -183,11 +181,9 @@ class SweptClient(Client):
         self.heeds_failure = False
         self.failed_behind = None  # number of calls before the failure
         self.terminated = False
-        self.typed = 0
         self.commanded = 0
         bench.begin()
         super().__init__(session, bench.options, directory)
-        os.set_blocking(self.input, False)
 
     def set_up_library(self, session, directory, environment):
         script = "".join(line + "\n" for line in session.script)
@@ -217,22 +213,6 @@ class SweptClient(Client):
         if self.heeds_failure and self.failed_behind is not None:
             raise Fired
         return came
-
-    def type(self, data):
-        deadline = time.monotonic() + self.session.timeout
-        while data:
-            try:
-                written = os.write(self.input, data[:4096])
-            except BlockingIOError:
-                written = 0
-            except OSError as error:
-                raise InputClosed("the client does not read its input any more") from error
-            data = data[written:]
-            self.typed += written
-            while self.pump(0 if written else 0.01):
-                pass
-            if time.monotonic() > deadline:
-                raise Failure("timed out waiting for the client to read its input")
 
     def end_input(self):
         if self.session.pty:

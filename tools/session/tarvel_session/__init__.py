@@ -1,0 +1,1 @@
+"""Sessions with a verdict: the reader of session files, and what plays them."""
