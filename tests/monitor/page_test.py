@@ -25,6 +25,7 @@ from capture import Writer  # noqa: E402
 
 OPTIONS = argparse.Namespace()
 PATIENCE = 100
+RECORDINGS = pathlib.Path(__file__).resolve().parents[1] / "recordings"
 STATISTICS_SIZE = 952
 
 SYNC_UP = bytes.fromhex("02000100 6c7b2700 10270000 ff000000") + bytes(52)
@@ -323,6 +324,13 @@ class InABrowser(PageTest):
             self.assertIn("</script><script>alert(1)", page.run(
                 "document.getElementById('details').textContent"))
             self.assertEqual(page.run("document.querySelectorAll('img').length"), 0)
+        for name in ("simulated-tour", "simulated-hostile", "mib"):
+            with self.subTest(f"the recording {name}"):
+                subprocess.run([OPTIONS.monitor, "--page", self.out, RECORDINGS / f"{name}.pcapng"],
+                               timeout=PATIENCE, check=True)
+                page.open(self.out)
+                page.click("#table .row:nth-child(9)")
+                self.assertTrue(chosen().startswith("#"))
         self.assertEqual(page.troubles, [])
         self.assertEqual({url.split(":")[0] for url in page.requests}, {"file"})
 
