@@ -14,7 +14,7 @@ struct Point {
 
 class Curve {
   public:
-    static constexpr size_t uMostPoints = 4096;
+    static constexpr size_t uMostPoints = 2048;
 
     // Of four neighbours the least and the most are kept when there are too many.
     void Add(const Point &stPoint);

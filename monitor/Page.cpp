@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <optional>
 
 #include "JSON.h"
 #include "Names.h"
@@ -10,11 +11,11 @@
 namespace {
 
 // What the objects of the table take together, at most.
-constexpr size_t uMostBytes = size_t{12} * 1024 * 1024;
+constexpr size_t uMostBytes = size_t{8} * 1024 * 1024;
 constexpr size_t uMostCurves = 96;
 constexpr size_t uMostChanges = 4096;
 
-enum Chart : uint32_t { RSSI, CINR, Power, Counters, Traffic, Answers };
+enum Chart : uint32_t { RSSI, CINR, Power, Counters, Bursts, Errors, Traffic, Answers };
 
 struct ChartRow {
     const char *pcTitle;
@@ -25,6 +26,8 @@ constexpr ChartRow astCharts[] = {
     {"CINR", "dB"},
     {"Transmit power", "dBm"},
     {"Counters", "per second"},
+    {"Bursts and PDUs", "per second"},
+    {"Errors", "per second"},
     {"Messages", "per second"},
     {"Answer times", "ms"},
 };
@@ -57,12 +60,27 @@ constexpr SourceRow astSources[] = {
     {"statistics", "rssi", Drawn::Station, RSSI},
     {"statistics", "cinr", Drawn::Station, CINR},
     {"statistics", "tx_power", Drawn::Value, Power},
-    {"statistics", "frames_received", Drawn::Rate},
-    {"statistics", "frames_in_error", Drawn::Rate},
-    {"statistics", "crc_errors", Drawn::Rate},
-    {"statistics", "hcs_errors", Drawn::Rate},
-    {"statistics", "cqich_transmitted", Drawn::Rate},
-    {"statistics", "bandwidth_requests", Drawn::Rate},
+    {"statistics", "frames_received", Drawn::Rate, Counters},
+    {"statistics", "frames_in_error", Drawn::Rate, Errors},
+    {"statistics", "crc_errors", Drawn::Rate, Errors},
+    {"statistics", "hcs_errors", Drawn::Rate, Errors},
+    {"statistics", "cqich_transmitted", Drawn::Rate, Counters},
+    {"statistics", "bandwidth_requests", Drawn::Rate, Counters},
+};
+
+// Counters of MIB values, all together, by what stands in the names that filters have for them.
+struct SumRow {
+    std::string_view strPath;
+    Chart eChart;
+    std::string_view strCurve;
+};
+constexpr SumRow astSums[] = {
+    {".zone_statistics.dl_zones.bursts_", Bursts, "downlink bursts"},
+    {".zone_statistics.dl_zones.pdus_", Bursts, "downlink PDUs"},
+    {".zone_statistics.ul_zones.bursts_", Bursts, "uplink bursts"},
+    {".zone_statistics.ul_zones.pdus_", Bursts, "uplink PDUs"},
+    {".zone_bursts.zones.", Bursts, "bursts by zone"},
+    {".submap_errors.counters", Errors, "submap_errors"},
 };
 
 // What page.js knows of a row; it has the same numbers.
@@ -112,8 +130,35 @@ void PutText(Writer &stWriter, std::string_view strText) {
     PutInScript(stWriter, strJSON);
 }
 
-void PutMicroseconds(Writer &stWriter, int64_t i64Nanoseconds) {
-    stWriter.PutNumber(i64Nanoseconds / 1000);
+int64_t Microseconds(int64_t i64Nanoseconds) {
+    constexpr int64_t i64Microsecond = 1000;
+    return i64Nanoseconds / i64Microsecond;
+}
+
+// One value of every element: a browser reads a few long arrays faster than many short ones.
+template <class List, class PutOne>
+void PutColumn(Writer &stWriter, std::string_view strName, const List &astList,
+               const PutOne &fnPut) {
+    stWriter.Put('"');
+    stWriter.Put(strName);
+    stWriter.Put("\":[");
+    for (const auto &stElement : astList) {
+        stWriter.Put(&stElement == astList.data() ? "" : ",");
+        fnPut(stElement);
+    }
+    stWriter.Put(']');
+}
+
+// The same for what grows: each number is what it has more than the one before it.
+template <class List, class Value>
+void PutGrowing(Writer &stWriter, std::string_view strName, const List &astList,
+                const Value &fnValue) {
+    int64_t i64Last = 0;
+    PutColumn(stWriter, strName, astList, [&](const auto &stElement) {
+        const auto i64Value = static_cast<int64_t>(fnValue(stElement));
+        stWriter.PutNumber(i64Value - i64Last);
+        i64Last = i64Value;
+    });
 }
 
 void PutDouble(Writer &stWriter, double dValue) {
@@ -141,9 +186,8 @@ bool IsZero(ByteView stBytes) {
     return true;
 }
 
-// Fractions of their unit; a level stands in some messages as a number without a sign.
 double ValueOf(const FoundField &stFound) {
-    return static_cast<double>(static_cast<int32_t>(stFound.u32Value)) / stFound.pstRow->u32Divisor;
+    return static_cast<double>(NumberOf(stFound)) / stFound.pstRow->u32Divisor;
 }
 
 } // namespace
@@ -168,6 +212,9 @@ void Page::Add(const Entry &stEntry) {
     }
     if (stEvent.eKind == EventKind::Message && stEntry.pstMessage != nullptr) {
         AddMeasurements(stEntry);
+        if (stEntry.pstMessage->u16Type == TYPE_MIB) {
+            AddSums(stEntry);
+        }
     }
 }
 
@@ -241,17 +288,46 @@ void Page::AddPoint(uint32_t u32Chart, const std::string &strCurve, const Point 
     }
 }
 
-void Page::AddRate(std::string_view strName, uint32_t u32Value, const Event &stEvent) {
+void Page::AddRate(uint32_t u32Chart, std::string_view strName, uint64_t u64Value,
+                   const Event &stEvent) {
     const auto [pstLast, bFirst] = m_stCounters.try_emplace(strName);
     const int64_t i64Span = stEvent.i64Time - pstLast->second.i64Time;
     // A counter that went back was cleared.
-    if (!bFirst && i64Span > 0 && u32Value >= pstLast->second.u32Value) {
-        AddPoint(Counters, std::string(strName),
-                 {stEvent.i64Time - m_i64Start,
-                  (u32Value - pstLast->second.u32Value) * 1e9 / static_cast<double>(i64Span),
+    if (!bFirst && i64Span > 0 && u64Value >= pstLast->second.u64Value) {
+        constexpr double dSecond = 1e9;
+        const auto dGrown = static_cast<double>(u64Value - pstLast->second.u64Value);
+        AddPoint(u32Chart, std::string(strName),
+                 {stEvent.i64Time - m_i64Start, dGrown * dSecond / static_cast<double>(i64Span),
                   stEvent.u32Number});
     }
-    pstLast->second = {stEvent.i64Time, u32Value};
+    pstLast->second = {stEvent.i64Time, u64Value};
+}
+
+void Page::AddSums(const Entry &stEntry) {
+    std::array<std::optional<uint64_t>, std::size(astSums)> au64Sums;
+    bool bWhole = true;
+    WalkMessage(*stEntry.pstMessage, stEntry.stPayload, [&](const FoundField &stFound) {
+        if (stFound.eWhat == Found::ListBegin) {
+            bWhole = bWhole && stFound.u32Count == stFound.u32Announced;
+        }
+        if (stFound.eWhat != Found::Field || stFound.astPath.empty()) {
+            return;
+        }
+        bWhole = bWhole && (IsRun(*stFound.pstRow) ||
+                            stFound.stBytes.u32Length == WidthOf(stFound.pstRow->stField.eType));
+        const FilterName stName =
+            FilterNameOf(*stEntry.pstMessage, stFound.astPath, *stFound.pstRow);
+        for (size_t i = 0; i < std::size(astSums); ++i) {
+            if (stName.View().find(astSums[i].strPath) != std::string_view::npos) {
+                au64Sums[i] = au64Sums[i].value_or(0) + stFound.u32Value;
+            }
+        }
+    });
+    for (size_t i = 0; i < std::size(astSums); ++i) {
+        if (bWhole && au64Sums[i]) {
+            AddRate(astSums[i].eChart, astSums[i].strCurve, *au64Sums[i], *stEntry.pstEvent);
+        }
+    }
 }
 
 void Page::AddChange(const Change &stChange) {
@@ -311,7 +387,7 @@ void Page::AddMeasurements(const Entry &stEntry) {
                          {i64Time, ValueOf(stFound), stEvent.u32Number});
                 break;
             case Drawn::Rate:
-                AddRate(strField, stFound.u32Value, stEvent);
+                AddRate(stRow.eChart, strField, stFound.u32Value, stEvent);
                 break;
             case Drawn::State:
                 AddChange({i64Time, stFound.u32Value, CodeNameOf(stFound), stEvent.u32Number});
@@ -324,33 +400,36 @@ void Page::AddMeasurements(const Entry &stEntry) {
 
 void Page::PutRows(Writer &stWriter) const {
     std::map<std::string_view, size_t> auNames;
-    stWriter.Put(",\"rows\":[");
     for (const Row &stRow : m_astRows) {
-        const size_t uName = auNames.try_emplace(stRow.strName, auNames.size()).first->second;
-        stWriter.Put(&stRow == m_astRows.data() ? "[" : ",[");
-        stWriter.PutNumber(stRow.u32Number);
-        stWriter.Put(',');
-        PutMicroseconds(stWriter, stRow.i64Time);
-        stWriter.Put(',');
-        stWriter.PutNumber(uName);
-        stWriter.Put(',');
-        stWriter.PutNumber(stRow.u32Flags);
-        stWriter.Put(',');
-        stWriter.PutNumber(stRow.u32BelongsTo);
-        stWriter.Put(',');
-        PutMicroseconds(stWriter, stRow.i64Took);
-        stWriter.Put(']');
+        auNames.try_emplace(stRow.strName, auNames.size());
     }
     std::vector<std::string_view> astrNames(auNames.size());
     for (const auto &[strName, uName] : auNames) {
         astrNames[uName] = strName;
     }
-    stWriter.Put("],\"names\":[");
+    stWriter.Put(",\"names\":[");
     for (size_t i = 0; i < astrNames.size(); ++i) {
         stWriter.Put(i == 0 ? "" : ",");
         PutText(stWriter, astrNames[i]);
     }
-    stWriter.Put(']');
+    stWriter.Put("],\"rows\":{");
+    PutGrowing(stWriter, "number", m_astRows, [](const Row &stRow) { return stRow.u32Number; });
+    stWriter.Put(',');
+    PutGrowing(stWriter, "time", m_astRows,
+               [](const Row &stRow) { return Microseconds(stRow.i64Time); });
+    stWriter.Put(',');
+    PutColumn(stWriter, "name", m_astRows,
+              [&](const Row &stRow) { stWriter.PutNumber(auNames.at(stRow.strName)); });
+    stWriter.Put(',');
+    PutColumn(stWriter, "flags", m_astRows,
+              [&](const Row &stRow) { stWriter.PutNumber(stRow.u32Flags); });
+    stWriter.Put(',');
+    PutColumn(stWriter, "link", m_astRows,
+              [&](const Row &stRow) { stWriter.PutNumber(stRow.u32BelongsTo); });
+    stWriter.Put(',');
+    PutColumn(stWriter, "took", m_astRows,
+              [&](const Row &stRow) { stWriter.PutNumber(Microseconds(stRow.i64Took)); });
+    stWriter.Put('}');
 }
 
 void Page::PutCharts(Writer &stWriter) const {
@@ -358,17 +437,16 @@ void Page::PutCharts(Writer &stWriter) const {
                               const std::vector<Point> &astPoints) {
         stWriter.Put(bFirst ? "{\"name\":" : ",{\"name\":");
         PutText(stWriter, strName);
-        stWriter.Put(",\"points\":[");
-        for (const Point &stPoint : astPoints) {
-            stWriter.Put(&stPoint == astPoints.data() ? "[" : ",[");
-            PutMicroseconds(stWriter, stPoint.i64Time);
-            stWriter.Put(',');
-            PutDouble(stWriter, stPoint.dValue);
-            stWriter.Put(',');
-            stWriter.PutNumber(stPoint.u32Number);
-            stWriter.Put(']');
-        }
-        stWriter.Put("]}");
+        stWriter.Put(',');
+        PutGrowing(stWriter, "time", astPoints,
+                   [](const Point &stPoint) { return Microseconds(stPoint.i64Time); });
+        stWriter.Put(',');
+        PutColumn(stWriter, "value", astPoints,
+                  [&](const Point &stPoint) { PutDouble(stWriter, stPoint.dValue); });
+        stWriter.Put(',');
+        PutGrowing(stWriter, "number", astPoints,
+                   [](const Point &stPoint) { return stPoint.u32Number; });
+        stWriter.Put('}');
     };
     stWriter.Put(",\"charts\":[");
     for (uint32_t i = 0; i < std::size(astCharts); ++i) {
@@ -393,7 +471,7 @@ void Page::PutCharts(Writer &stWriter) const {
     stWriter.Put("],\"states\":[");
     for (const Change &stChange : m_astChanges) {
         stWriter.Put(&stChange == m_astChanges.data() ? "[" : ",[");
-        PutMicroseconds(stWriter, stChange.i64Time);
+        stWriter.PutNumber(Microseconds(stChange.i64Time));
         stWriter.Put(',');
         PutText(stWriter, stChange.strState.empty() ? "state " + std::to_string(stChange.u32State)
                                                     : std::string(stChange.strState));
@@ -409,7 +487,7 @@ void Page::Put(Writer &stWriter, std::string_view strTitle) const {
     stWriter.Put(R"(<script type="application/json" id="data">{"title":)");
     PutText(stWriter, strTitle);
     stWriter.Put(",\"start\":");
-    PutMicroseconds(stWriter, m_i64Start);
+    stWriter.PutNumber(Microseconds(m_i64Start));
     stWriter.Put(",\"events\":");
     stWriter.PutNumber(m_u64Events);
     stWriter.Put(",\"all\":");

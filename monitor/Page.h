@@ -42,14 +42,16 @@ class Page {
     };
     struct Counted {
         int64_t i64Time = 0;
-        uint32_t u32Value = 0;
+        uint64_t u64Value = 0;
     };
     using CurveName = std::pair<uint32_t, std::string>; // the chart, and the name in it
 
     void AddRow(const Entry &stEntry);
     void AddMeasurements(const Entry &stEntry);
     void AddPoint(uint32_t u32Chart, const std::string &strCurve, const Point &stPoint);
-    void AddRate(std::string_view strName, uint32_t u32Value, const Event &stEvent);
+    void AddSums(const Entry &stEntry);
+    void AddRate(uint32_t u32Chart, std::string_view strName, uint64_t u64Value,
+                 const Event &stEvent);
     void AddChange(const Change &stChange);
     void Thin();
     void PutRows(Writer &stWriter) const;

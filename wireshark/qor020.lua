@@ -98,8 +98,8 @@ LAYOUTS.NSPDiscovery = {
     {at = 1385, kind = "U32", name = "pid", label = "PID", meaning = "preamble index"},
     {at = 1389, kind = "U32", name = "cf", label = "CF", meaning = "centre frequency", unit = "kHz"},
     {at = 1393, kind = "U32", name = "bandwidth", label = "Bandwidth", meaning = "bandwidth", unit = "kHz"},
-    {at = 1397, kind = "U32", name = "rssi", label = "RSSI", meaning = "RSSI"},
-    {at = 1401, kind = "U32", name = "cinr", label = "CINR", meaning = "CINR"},
+    {at = 1397, kind = "I32", name = "rssi", label = "RSSI", meaning = "RSSI"},
+    {at = 1401, kind = "I32", name = "cinr", label = "CINR", meaning = "CINR"},
 }
 LAYOUTS.LowPowerScanAnswer = {
     name = "low_power_scan_answer", label = "Low Power Scan Answer", meaning = "", size = 17,
@@ -146,7 +146,7 @@ LAYOUTS.BaseInformation = {
     {at = 8, kind = "I16", name = "cinr_mean", label = "CINR Mean", meaning = "CINR mean", unit = "dB"},
     {at = 10, kind = "I16", name = "cinr_deviation", label = "CINR Deviation", meaning = "CINR deviation", unit = "dB"},
     {at = 12, kind = "U32", name = "duration", label = "Duration", meaning = "duration"},
-    {at = 16, kind = "U32", name = "mean_rssi", label = "Mean RSSI", meaning = "mean RSSI"},
+    {at = 16, kind = "I32", name = "mean_rssi", label = "Mean RSSI", meaning = "mean RSSI"},
     {at = 20, kind = "U32", name = "rssi_deviation", label = "RSSI Deviation", meaning = "RSSI deviation"},
     {at = 24, kind = "U32", name = "ul_center_frequency", label = "UL Center Frequency", meaning = "uplink centre frequency", unit = "MHz"},
     {at = 28, kind = "U32", name = "dl_center_frequency", label = "DL Center Frequency", meaning = "downlink centre frequency", unit = "MHz"},
@@ -439,8 +439,8 @@ LAYOUTS.Statistics = {
     {at = 12, kind = "U32", name = "crc_errors", label = "CRC Errors", meaning = "CRC errors"},
     {at = 16, kind = "U32", name = "hcs_errors", label = "HCS Errors", meaning = "header check sequence errors"},
     {at = 20, kind = "U32", name = "cqich_transmitted", label = "CQICH Transmitted", meaning = "CQICH reports sent"},
-    {at = 24, kind = "U32", name = "rssi", label = "RSSI", meaning = "RSSI"},
-    {at = 28, kind = "U32", name = "cinr", label = "CINR", meaning = "CINR"},
+    {at = 24, kind = "I32", name = "rssi", label = "RSSI", meaning = "RSSI"},
+    {at = 28, kind = "I32", name = "cinr", label = "CINR", meaning = "CINR"},
     {at = 56, kind = "U32", name = "bandwidth_requests", label = "Bandwidth Requests", meaning = "bandwidth request headers"},
     {at = 60, kind = "I32", name = "num_connections", label = "Num Connections", meaning = "number of transport connections"},
     {at = 64, kind = "U32", name = "transport_cids", label = "Transport CIDs", meaning = "their connection IDs", count = 42, list = true, counter = {at = 60, kind = "I32"}, hexadecimal = true},
@@ -462,7 +462,7 @@ LAYOUTS.IdleIndication = {
     {at = 0, kind = "U32", name = "state", label = "State", meaning = "planned timeout when the modem goes idle; 0 when it came back"},
     {at = 4, kind = "address", name = "bsid", label = "BSID", meaning = "BS ID", count = 6},
     {at = 10, kind = "I32", name = "rssi_mean", label = "RSSI Mean", meaning = "RSSI mean; shown divided by 4, towards zero", unit = "dBm", divisor = 4},
-    {at = 14, kind = "U32", name = "cinr_mean", label = "CINR Mean", meaning = "CINR mean", unit = "dB"},
+    {at = 14, kind = "I32", name = "cinr_mean", label = "CINR Mean", meaning = "CINR mean", unit = "dB"},
     {at = 18, kind = "U32", name = "preamble_id", label = "Preamble ID", meaning = "preamble"},
     {at = 22, kind = "I32", name = "vendor_data_length", label = "Vendor Data Length", meaning = "length of the vendor-specific data: shown when 1 to 255"},
     {at = 26, kind = "bytes", name = "vendor_data", label = "Vendor Data", meaning = "vendor-specific data", count = 0, counter = {at = 22, kind = "I32"}},
@@ -579,7 +579,7 @@ LAYOUTS.Neighbour = {
     {at = 8, kind = "U32", name = "center_frequency", label = "Center Frequency", meaning = "centre frequency", unit = "MHz", divisor = 8},
     {at = 12, kind = "bytes", name = "bsid", label = "BSID", meaning = "BS ID, the last byte first", count = 6},
     {at = 20, kind = "I32", name = "rssi", label = "RSSI", meaning = "RSSI", unit = "dBm", divisor = 4},
-    {at = 24, kind = "U32", name = "cinr", label = "CINR", meaning = "CINR", unit = "dB"},
+    {at = 24, kind = "I32", name = "cinr", label = "CINR", meaning = "CINR", unit = "dB"},
 }
 LAYOUTS.Neighbours = {
     name = "neighbours", label = "Neighbours", meaning = "", size = 4,

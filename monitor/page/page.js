@@ -2,15 +2,30 @@
 // Whatever a session holds becomes text here, never markup: textContent and attributes only.
 const Flag = {Received: 1, Failed: 2, Message: 4, Request: 8, Air: 16, FromStation: 32};
 const rowHeight = 24;
+const paperWidth = 670; // as much as a sheet has room for
+const paperLines = 200;
 const byId = id => document.getElementById(id);
 const data = JSON.parse(byId('data').textContent);
 let objects = null; // one JSON text a row, split when the first one is needed
-const rows = data.rows.map(([number, time, name, flags, link, took], index) =>
-    ({number, time, name: data.names[name], flags, link, took, index}));
-const ends = data.charts.flatMap(chart => chart.curves.flatMap(
-    curve => curve.points.slice(-1).map(point => point[0])));
+// What grows is handed over as what each number has more than the one before it.
+function grow(differences) {
+    let last = 0;
+    return differences.map(difference => last += difference);
+}
+const numbers = grow(data.rows.number);
+const times = grow(data.rows.time);
+const rows = numbers.map((number, index) => ({
+    number, time: times[index], name: data.names[data.rows.name[index]], flags: data.rows.flags[index],
+    link: data.rows.link[index], took: data.rows.took[index], index,
+}));
+for (const curve of data.charts.flatMap(chart => chart.curves)) {
+    curve.time = grow(curve.time);
+    curve.number = grow(curve.number);
+}
+const ends = data.charts.flatMap(chart => chart.curves.flatMap(curve => curve.time.slice(-1)));
 const length = Math.max(1000, rows.length ? rows[rows.length - 1].time : 0, ...ends);
-const state = {window: [0, length], chosen: null, charts: [], lists: []};
+const dark = matchMedia('(prefers-color-scheme: dark)');
+const state = {window: [0, length], chosen: null, charts: [], lists: [], printing: false};
 
 function make(tag, text, className) {
     const element = document.createElement(tag);
@@ -127,7 +142,10 @@ function makeList(element, fill) {
         const first = Math.max(0, Math.floor(element.scrollTop / rowHeight) - 4);
         draw(first, first + Math.ceil(element.clientHeight / rowHeight) + 8);
     };
-    list.drawForPrint = () => draw(0, 500);
+    list.drawForPrint = () => {
+        draw(0, paperLines);
+        if (list.rows.length > paperLines) element.append(make('p', `and ${list.rows.length - paperLines} more`, 'quiet'));
+    };
     list.show = shown => { list.rows = shown; list.draw(); };
     list.reveal = row => {
         const top = lastRow(list.rows, row.number, 'number') * rowHeight;
@@ -235,21 +253,39 @@ function zoom(how) {
     setWindow(...changes[how]);
 }
 
-function chartRows(chart) {
-    const lines = new Map();
-    chart.curves.forEach((curve, index) => {
-        for (const [time, value, number] of curve.points) {
-            if (!lines.has(time)) lines.set(time, {values: chart.curves.map(() => null), number});
-            lines.get(time).values[index] = value;
-        }
-    });
-    const times = [...lines.keys()].sort((one, other) => one - other);
-    return {lines: times.map(time => [dateOf(time), ...lines.get(time).values]),
-            numbers: new Map(times.map(time => [+dateOf(time), lines.get(time).number]))};
+// What stands in the curves of a chart, moment by moment.
+function momentsOf(curves) {
+    const next = curves.map(() => 0);
+    const moments = [];
+    for (;;) {
+        let time = Infinity;
+        curves.forEach((curve, index) => { time = Math.min(time, curve.time[next[index]] ?? Infinity); });
+        if (time === Infinity) return moments.sort((one, other) => one.time - other.time);
+        const moment = {time, number: 0};
+        moment.values = curves.map((curve, index) => {
+            if (curve.time[next[index]] !== time) return null;
+            moment.number = curve.number[next[index]];
+            return curve.value[next[index]++];
+        });
+        moments.push(moment);
+    }
+}
+
+function colorsOf(count) {
+    const bright = dark.matches && !state.printing;
+    const hues = bright ? ['#6fb1ff', '#6fd08c', '#ffb86b', '#c69cf2', '#ff8a80', '#7fdbe6']
+                        : ['#0b62c4', '#1b7f3b', '#b85c00', '#8a4fc0', '#c62828', '#0a7d8c'];
+    const lines = bright ? '#37404d' : '#d5d9e0';
+    return {colors: Array.from({length: count}, (_, index) => hues[index % hues.length]),
+            gridLineColor: lines, axisLineColor: lines};
+}
+
+function colorLegend(legend, colors) {
+    legend.forEach((name, index) => { name.style.color = colors[index]; });
 }
 
 function makeChart(chart) {
-    if (!chart.curves.some(curve => curve.points.length)) return;
+    if (!chart.curves.some(curve => curve.time.length)) return;
     const section = make('section');
     const heading = make('h2', chart.title + ' ');
     heading.append(make('small', chart.unit));
@@ -262,15 +298,18 @@ function makeChart(chart) {
     heading.append(...legend);
     section.append(heading, place);
     byId('charts').append(section);
-    const {lines, numbers} = chartRows(chart);
-    const graph = new Dygraph(place, lines, {
-        labels: ['time', ...chart.curves.map(curve => curve.name)], labelsUTC: true,
-        connectSeparatedPoints: true, drawPoints: lines.length < 300, pointSize: 2, strokeWidth: 1.5,
+    const moments = momentsOf(chart.curves);
+    const numberAt = new Map(moments.map(moment => [+dateOf(moment.time), moment.number]));
+    const colors = colorsOf(legend.length);
+    colorLegend(legend, colors.colors);
+    const graph = new Dygraph(place, moments.map(moment => [dateOf(moment.time), ...moment.values]), {
+        ...colors, labels: ['time', ...chart.curves.map(curve => curve.name)], labelsUTC: true,
+        connectSeparatedPoints: true, drawPoints: moments.length < 300, pointSize: 2, strokeWidth: 1.5,
         legend: 'follow', highlightCircleSize: 4, axes: {x: {axisLabelWidth: 70}, y: {axisLabelWidth: 50}},
         includeZero: chart.unit === 'ms' || chart.unit === 'per second',
         stepPlot: chart.title === 'Messages', dateWindow: state.window.map(time => +dateOf(time)),
         zoomCallback: (from, to) => setWindow(...[from, to].map(time => time * 1000 - data.start)),
-        clickCallback: (event, time) => choose(rowOf(numbers.get(time)) || nearestRow(time * 1000 - data.start)),
+        clickCallback: (event, time) => choose(rowOf(numberAt.get(time)) || nearestRow(time * 1000 - data.start)),
         underlayCallback: (context, area, drawing) => {
             if (!state.chosen) return;
             context.fillStyle = color('--quiet');
@@ -312,19 +351,11 @@ function drawBand() {
     byId('states').hidden = data.states.length === 0;
 }
 
-function colorsOf(count, dark) {
-    const hues = dark ? ['#6fb1ff', '#6fd08c', '#ffb86b', '#c69cf2', '#ff8a80', '#7fdbe6']
-                      : ['#0b62c4', '#1b7f3b', '#b85c00', '#8a4fc0', '#c62828', '#0a7d8c'];
-    const lines = dark ? '#37404d' : '#d5d9e0';
-    return {colors: Array.from({length: count}, (_, index) => hues[index % hues.length]),
-            gridLineColor: lines, axisLineColor: lines};
-}
-
-function applyColors(dark) {
+function applyColors() {
     for (const {graph, legend} of state.charts) {
-        const options = colorsOf(legend.length, dark);
+        const options = colorsOf(legend.length);
         graph.updateOptions(options);
-        legend.forEach((name, index) => { name.style.color = options.colors[index]; });
+        colorLegend(legend, options.colors);
     }
 }
 
@@ -337,10 +368,8 @@ byId('about').textContent = `${dateOf(0).toISOString().slice(0, 19).replace('T',
     (rows.length < data.all ? `; of ${data.all} calls and messages ${rows.length} are here: of the most frequent every ` +
                               'second, fourth and so on' : '');
 for (const name of [...data.names].sort()) byId('name').append(make('option', name));
-const dark = matchMedia('(prefers-color-scheme: dark)');
 data.charts.forEach(makeChart);
-applyColors(dark.matches);
-dark.onchange = () => applyColors(dark.matches);
+dark.onchange = applyColors;
 showWindow();
 for (const button of document.querySelectorAll('[data-zoom]')) {
     button.onclick = () => zoom(button.dataset.zoom);
@@ -350,10 +379,13 @@ byId('search').oninput = () => { clearTimeout(typing); typing = setTimeout(filte
 for (const id of ['direction', 'kind', 'name']) byId(id).onchange = filter;
 addEventListener('resize', () => { drawBand(); state.lists.forEach(list => list.draw()); });
 addEventListener('beforeprint', () => {
-    applyColors(false);
+    state.printing = true;
+    applyColors();
+    document.documentElement.style.setProperty('--shrink', Math.min(1, paperWidth / byId('pictures').clientWidth));
     state.lists.forEach(list => list.drawForPrint());
 });
 addEventListener('afterprint', () => {
-    applyColors(dark.matches);
+    state.printing = false;
+    applyColors();
     state.lists.forEach(list => list.draw());
 });

@@ -6,6 +6,7 @@ import sys
 sys.dont_write_bytecode = True  # the sources stay as they are
 
 import argparse
+import itertools
 import json
 import math
 import pathlib
@@ -24,6 +25,7 @@ from capture import Writer  # noqa: E402
 
 OPTIONS = argparse.Namespace()
 PATIENCE = 100
+RECORDINGS = pathlib.Path(__file__).resolve().parents[1] / "recordings"
 STATISTICS_SIZE = 952
 
 SYNC_UP = bytes.fromhex("02000100 6c7b2700 10270000 ff000000") + bytes(52)
@@ -43,6 +45,21 @@ def statistics(frames, errors, power, rssi=-60, cinr=25):
     struct.pack_into("<b", data, 234, power)
     data[244:250] = bytes([0, 0x12, 0xA, 0, 1, 1])
     return bytes.fromhex("11000100") + bytes(data)
+
+
+def mib_value(attribute, value):
+    return bytes.fromhex("18000200") + struct.pack("<IBII8xIb", attribute, 0, 0, 0, len(value), 0) + \
+        value
+
+
+def zone_statistics(grown):
+    """Two schemes of a downlink zone and of an uplink zone count bursts, one of each PDUs."""
+    value = bytearray(6868)
+    downlink, uplink = 16, 5296
+    for place, factor in ((downlink + 24, 1), (downlink + 528 + 192, 1), (downlink + 276, 1),
+                          (uplink + 20, 2), (uplink + 524 + 188, 3), (uplink + 272, 4)):
+        struct.pack_into("<I", value, place, 7 + grown * factor)
+    return mib_value(1625, bytes(value))
 
 
 def session(seconds=60, traced=1):
@@ -94,9 +111,19 @@ class PageTest(unittest.TestCase):
     def data(self, text):
         return json.loads(self.script(text, "data"))
 
+    def rows(self, data):
+        """The rows of the table: number, time, name, flags, link, how long it took."""
+        columns = data["rows"]
+        return list(zip(itertools.accumulate(columns["number"]),
+                        itertools.accumulate(columns["time"]),
+                        [data["names"][name] for name in columns["name"]],
+                        columns["flags"], columns["link"], columns["took"], strict=True))
+
     def points(self, data, title):
         chart = [chart for chart in data["charts"] if chart["title"] == title][0]
-        return {curve["name"]: [point[:2] for point in curve["points"]]
+        return {curve["name"]: [list(point) for point in
+                                zip(itertools.accumulate(curve["time"]), curve["value"],
+                                    strict=True)]
                 for curve in chart["curves"]}
 
 
@@ -121,6 +148,27 @@ class Structure(PageTest):
         self.assertEqual(self.points(data, "Transmit power")["tx_power"],
                          [[2000000, -7], [4000000, -7], [6000000, -7], [8000000, -7]])
 
+    def test_bursts_and_pdus_are_rates_of_all_zones_and_schemes_together(self):
+        writer = Writer()
+        for grown in (0, 10, 40):
+            writer.message(zone_statistics(grown), after=10)
+        writer.message(zone_statistics(90)[:-1], after=10)  # not all there
+        data = self.data(self.draw(writer))
+        self.assertEqual(self.points(data, "Bursts and PDUs"), {
+            "downlink bursts": [[20000000, 2], [30000000, 6]],
+            "downlink PDUs": [[20000000, 1], [30000000, 3]],
+            "uplink bursts": [[20000000, 5], [30000000, 15]],
+            "uplink PDUs": [[20000000, 4], [30000000, 12]]})
+
+    def test_errors_have_a_chart_of_their_own(self):
+        writer = Writer()
+        for errors in (5, 25):
+            writer.message(statistics(1000, errors, 0), after=2)
+            writer.message(mib_value(1482, struct.pack("<4i", errors, 0, 0, 3 * errors)), after=2)
+        points = self.points(self.data(self.draw(writer)), "Errors")
+        self.assertEqual(points["frames_in_error"], [[6000000, 5]])
+        self.assertEqual(points["submap_errors"], [[8000000, 20]])
+
     def test_the_band_has_the_changes_of_the_link_state(self):
         writer = Writer()
         for state in (0, 0, 13, 0, 77):
@@ -141,7 +189,7 @@ class Structure(PageTest):
 
     def test_rows_and_objects_belong_together(self):
         text = self.draw(session(3))
-        rows = self.data(text)["rows"]
+        rows = self.rows(self.data(text))
         objects = [json.loads(line) for line in self.script(text, "objects").splitlines()]
         self.assertEqual([row[0] for row in rows], [entry["number"] for entry in objects])
         self.assertNotIn("message_done", [entry["event"] for entry in objects])
@@ -153,11 +201,11 @@ class Structure(PageTest):
         self.assertEqual(self.data(text)["title"], "<script>x.pcapng")
 
     def test_filters_choose_what_is_drawn(self):
-        rows = self.data(self.draw(session(3), "--subtype", "sync_status"))["rows"]
+        rows = self.rows(self.data(self.draw(session(3), "--subtype", "sync_status")))
         self.assertEqual(len(rows), 3)
 
     def test_a_session_of_nothing_is_a_page(self):
-        self.assertEqual(len(self.data(self.draw(Writer()))["rows"]), 3)
+        self.assertEqual(len(self.rows(self.data(self.draw(Writer())))), 3)
 
     def test_times_of_any_kind(self):
         writer = Writer()
@@ -166,7 +214,7 @@ class Structure(PageTest):
             writer.message(statistics(moment % 1000, 0, 0))
             for event in writer.events[-4:]:
                 event.time = moment
-        self.assertEqual(len(self.data(self.draw(writer))["rows"]), 11)
+        self.assertEqual(len(self.rows(self.data(self.draw(writer)))), 11)
 
     def test_nothing_is_fetched(self):
         text = self.draw(session(1))
@@ -182,9 +230,9 @@ class Structure(PageTest):
         text = self.draw(session(600, traced=200))
         data = self.data(text)
         self.assertGreater(data["all"], 120_000)
-        self.assertLess(len(data["rows"]), data["all"])
+        names = [row[2] for row in self.rows(data)]
+        self.assertLess(len(names), data["all"])
         self.assertLess(len(text), 40_000_000)
-        names = [data["names"][row[2]] for row in data["rows"]]
         self.assertEqual(names.count("sync_status"), 600)
         self.assertLess(names.count("traced_message"), 100_000)
 
@@ -210,8 +258,8 @@ class InABrowser(PageTest):
                 page.run("[...document.querySelectorAll('#charts h2')].map(e => e.textContent)"),
                 ["RSSI dBm 00:12:0a:00:01:01 00:12:0a:00:01:02",
                  "CINR dB 00:12:0a:00:01:01 00:12:0a:00:01:02", "Transmit power dBm tx_power",
-                 "Counters per second bandwidth_requests cqich_transmitted crc_errors "
-                 "frames_in_error frames_received hcs_errors",
+                 "Counters per second bandwidth_requests cqich_transmitted frames_received",
+                 "Errors per second crc_errors frames_in_error hcs_errors",
                  "Messages per second sent received", "Answer times ms sync_status"])
         with self.subTest("a click into the table"):
             page.click("#table .row:nth-child(10)")
@@ -260,6 +308,15 @@ class InABrowser(PageTest):
                 page.prefer(scheme)
                 backs.append(page.run("getComputedStyle(document.body).backgroundColor"))
             self.assertEqual(backs, ["rgb(20, 24, 31)", "rgb(255, 255, 255)"])
+        with self.subTest("on paper"):
+            page.run("addEventListener('beforeprint', () => { window.onPaper = ['.row', 'p'].map("
+                     "part => document.querySelectorAll('#table ' + part)).map("
+                     "found => [found.length, found[found.length - 1].textContent]); })")
+            before = page.run("document.querySelectorAll('#table .row').length")
+            self.assertTrue(page.call("Page.printToPDF")["data"])
+            (lines, _), (_, rest) = page.run("onPaper")
+            self.assertEqual((lines, rest), (200, f"and {int(everything.split()[0]) - 200} more"))
+            self.assertEqual(page.run("document.querySelectorAll('#table .row').length"), before)
         with self.subTest("markup is text"):
             self.draw(with_markup())
             page.open(self.out)
@@ -267,6 +324,13 @@ class InABrowser(PageTest):
             self.assertIn("</script><script>alert(1)", page.run(
                 "document.getElementById('details').textContent"))
             self.assertEqual(page.run("document.querySelectorAll('img').length"), 0)
+        for name in ("simulated-tour", "simulated-hostile", "mib"):
+            with self.subTest(f"the recording {name}"):
+                subprocess.run([OPTIONS.monitor, "--page", self.out, RECORDINGS / f"{name}.pcapng"],
+                               timeout=PATIENCE, check=True)
+                page.open(self.out)
+                page.click("#table .row:nth-child(9)")
+                self.assertTrue(chosen().startswith("#"))
         self.assertEqual(page.troubles, [])
         self.assertEqual({url.split(":")[0] for url in page.requests}, {"file"})
 

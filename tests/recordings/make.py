@@ -6,6 +6,7 @@ names of those to make; without any, all."""
 import argparse
 import collections
 import pathlib
+import re
 import sys
 import tempfile
 
@@ -54,6 +55,18 @@ TABLE = {
     "simulated-link": "sim/life-of-a-link",
 }
 
+# Through the menus: what is typed, by subsystem.
+TOUR = """
+    1 1 1 0 2 0  5 1  5 3  1 2 2587.5 0 10000  1 3  1 4  5 2  1 8  4 1 0  2 1  2 2  2 3  4 1 0
+    11 1 400 1 1494 -1  13 1 2  13 2 15 -80  7 1 1000 10 2 0x0F000010 deadBEEF 1 4 4 -1
+    9 1 1  18 1  18 2  19 1  19 2  10 1 217 8  10 3  12 02-aa-bb-cc-dd-ee  14 1  14 2  4 1 0
+    15 0  15 1 1 1 0 1 0 0 32 8 4 5 0 0 1 4  16 1  16 2  16 3 30  16 4  20 4 3 1 -1 -1  8 5
+    17 2 7 2 10 3 1 2 3 100  17 2 0  4 1 0  1 5  1 6  1 9  3 3  3 2  1 7  -1
+"""
+# Recording and scenario: the tour, on the stepped clock, so that it goes the same way each time.
+TOURS = {"simulated-tour": "default.toml", "simulated-hostile": "hostile.toml"}
+STEPPED = '\n[clock]\nkind = "stepped"\njump = true\n'
+
 
 class Listener(run_session.Client):
     """Keeps everything that the client prints."""
@@ -65,6 +78,17 @@ class Listener(run_session.Client):
         came = super().pump(seconds)
         self.seen += self.output[before:]
         return came
+
+
+def tour(scenario, options, directory):
+    """The session file of a tour."""
+    given = (pathlib.Path(options.scenarios) / scenario).read_text(encoding="utf-8")
+    given = re.sub("^time-scale .*$", "", given, flags=re.MULTILINE) + STEPPED
+    lines = [f"scenario {scenario}", f"given {scenario}", *(f"|{line}|" for line in given.splitlines()),
+             "", *(f"> {words}" for words in TOUR.strip().splitlines()), "...", "exit 0"]
+    path = directory / "tour.session"
+    path.write_text("\n".join(lines) + "\n", encoding="utf-8")
+    return path
 
 
 def record(path, options):
@@ -107,12 +131,16 @@ def lines(output):
     return collections.Counter(output.split(b"\n"))
 
 
-def make(name, session, options):
-    typed, printed, recording = record(SESSIONS / f"{session}.session", options)
+def make(name, options):
+    with tempfile.TemporaryDirectory(prefix="make.") as directory:
+        session = tour(TOURS[name], options, pathlib.Path(directory)) if name in TOURS \
+            else SESSIONS / f"{TABLE.get(name, name)}.session"
+        typed, printed, recording = record(session, options)
+    name = name.replace("/", "-")
     path = options.into / f"{name}.pcapng"
     path.write_bytes(neutral(recording))
     path.with_suffix(".input").write_bytes(typed)
-    outputs = [play(path, options.client, options.library) for _ in range(5)]
+    outputs = [play(path, options) for _ in range(5)]
     if len(set(outputs)) != 1:
         raise SystemExit(f"{name}: another output each time")
     # Reports stand elsewhere than in the session, but they are the same.
@@ -126,12 +154,14 @@ def make(name, session, options):
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("name", nargs="*")
-    parser.add_argument("--library", required=True, help="the libqor020.so that plays recordings")
+    parser.add_argument("--library", type=pathlib.Path, required=True,
+                        help="the libqor020.so that plays recordings")
     parser.add_argument("--into", type=pathlib.Path, default=HERE)
     run_session.add_options(parser)
     options = parser.parse_args()
-    for name in options.name or TABLE:
-        make(name.replace("/", "-"), TABLE.get(name, name), options)
+    options.client = pathlib.Path(options.client)
+    for name in options.name or [*TABLE, *TOURS]:
+        make(name, options)
 
 
 if __name__ == "__main__":

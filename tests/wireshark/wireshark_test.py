@@ -29,6 +29,7 @@ OPTIONS = argparse.Namespace()
 STOCK_MARKS = {
     "WiMax RNG-RSP",  # an item of one byte that announces two, in management-trace
     "PKM-REQ/RSP",  # the suites in security capabilities are read two bytes too early
+    "WiMax PKM-REQ/RSP (pkm)",  # the same in the messages that have a code of their own, SA TEK
     "WiMax DCD",  # thresholds of one byte are read as numbers of four
 }
 
