@@ -36,7 +36,7 @@ int32_t SendOrReport(uint32_t u32SubType, const char *pcFailure, ByteView stPayl
 
 constexpr ReportRow astIndicationRows[] = {
     {"\n PREAMBLE ID  : %d", IdleIndication::u32PreambleID},
-    {"\n CINR MEAN : %d dB", IdleIndication::s32CINRMean},
+    {"\n CINR MEAN : %d dB", IdleIndication::u32CINRMean},
 };
 
 // A report of one word.

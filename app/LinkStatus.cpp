@@ -66,8 +66,8 @@ constexpr ReportRow astDiscoveryRows[] = {
     {"\nPID : %d", NSPDiscovery::u32PID},
     {"\nCF  : %d", NSPDiscovery::u32CF},
     {"\nBandwidth  : %d", NSPDiscovery::u32Bandwidth},
-    {"\nRSSI  : %d", NSPDiscovery::s32RSSI},
-    {"\nCINR  : %d", NSPDiscovery::s32CINR},
+    {"\nRSSI  : %d", NSPDiscovery::u32RSSI},
+    {"\nCINR  : %d", NSPDiscovery::u32CINR},
 };
 
 constexpr ReportRow astLowPowerScanRows[] = {
@@ -97,7 +97,7 @@ constexpr ReportRow astBaseInformationRows[] = {
     {"\n CINR DEVIATION : %d dB", BaseInformation::s16CINRDeviation},
     {"\n CINR MEAN : %d dB", BaseInformation::s16CINRMean},
     {"\n DURATION : %d", BaseInformation::u32Duration},
-    {"\n MEAN RSSI REPORT : %d", BaseInformation::s32MeanRSSI},
+    {"\n MEAN RSSI REPORT : %d", BaseInformation::u32MeanRSSI},
     {"\n STANDARD DEVIATION RSSI REPORT : 0x%X", BaseInformation::u32RSSIDeviation},
     {"\n UL CENTER FREQUENCY : %d MHz", BaseInformation::u32ULCenterFrequency},
     {"\n DL CENTER FREQUENCY : %d MHz", BaseInformation::u32DLCenterFrequency},

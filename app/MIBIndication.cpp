@@ -202,7 +202,7 @@ void PutNeighbour(ByteView stEntry) {
     };
     constexpr ReportRow astSignalRows[] = {
         {"    RSSI             : %d dBm\n", s32RSSI, 4},
-        {"    CINR             : %d dB\n", s32CINR},
+        {"    CINR             : %d dB\n", u32CINR},
     };
     uint32_t au32BSID[BSIDSize];
     for (uint32_t i = 0; i < BSIDSize; ++i) {

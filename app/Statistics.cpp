@@ -55,8 +55,8 @@ struct TwiceRow {
 };
 
 constexpr TwiceRow astCounterRows[] = {
-    {"\nCUR CINR\t\t: %d (0x%x)", Statistics::s32CINR},
-    {"\nCUR RSSI\t\t: %d (0x%x)", Statistics::s32RSSI},
+    {"\nCUR CINR\t\t: %d (0x%x)", Statistics::u32CINR},
+    {"\nCUR RSSI\t\t: %d (0x%x)", Statistics::u32RSSI},
     {"\nNum Of CqichTxmtd\t: %d (0x%x)", Statistics::u32CQICHTransmitted},
     {"\nNum Of CRC Errors\t: %d (0x%x)", Statistics::u32CRCErrors},
     {"\nFrames in Error\t\t: %d (0x%x)", Statistics::u32FramesInError},

@@ -242,10 +242,21 @@ constexpr Field PlaceOf(Field stField) { return stField; }
 constexpr Field PlaceOf(uint32_t u32Offset) {
     return {static_cast<uint16_t>(u32Offset), FieldType::U8};
 }
+constexpr Field AsSigned(Field stField) {
+    return {stField.u16Offset, WidthOf(stField.eType) == 4   ? FieldType::I32
+                               : WidthOf(stField.eType) == 2 ? FieldType::I16
+                                                             : FieldType::I8};
+}
 
 #define FIELD(RECORD, NAME, MEANING, ...)                                                          \
     FieldRow {                                                                                     \
         .stName = #NAME, .stField = PlaceOf(RECORD::NAME),                                         \
+        .pcMeaning = MEANING __VA_OPT__(, ) __VA_ARGS__                                            \
+    }
+// The same of a number that the client prints with a sign, whatever its record says.
+#define SIGNED_FIELD(RECORD, NAME, MEANING, ...)                                                   \
+    FieldRow {                                                                                     \
+        .stName = #NAME, .stField = AsSigned(PlaceOf(RECORD::NAME)),                               \
         .pcMeaning = MEANING __VA_OPT__(, ) __VA_ARGS__                                            \
     }
 // The same under a name of its own.

@@ -141,8 +141,8 @@ constexpr FieldRow astNSPDiscovery[] = {
     FIELD(NSPDiscovery, u32PID, "preamble index"),
     FIELD(NSPDiscovery, u32CF, "centre frequency", .pcUnit = "kHz"),
     FIELD(NSPDiscovery, u32Bandwidth, "bandwidth", .pcUnit = "kHz"),
-    FIELD(NSPDiscovery, s32RSSI, "RSSI"),
-    FIELD(NSPDiscovery, s32CINR, "CINR"),
+    SIGNED_FIELD(NSPDiscovery, u32RSSI, "RSSI"),
+    SIGNED_FIELD(NSPDiscovery, u32CINR, "CINR"),
 };
 
 constexpr FieldRow astLowPowerScanRequest[] = {
@@ -198,7 +198,7 @@ constexpr FieldRow astBaseInformation[] = {
     FIELD(BaseInformation, s16CINRMean, "CINR mean", .pcUnit = "dB"),
     FIELD(BaseInformation, s16CINRDeviation, "CINR deviation", .pcUnit = "dB"),
     FIELD(BaseInformation, u32Duration, "duration"),
-    FIELD(BaseInformation, s32MeanRSSI, "mean RSSI"),
+    SIGNED_FIELD(BaseInformation, u32MeanRSSI, "mean RSSI"),
     FIELD(BaseInformation, u32RSSIDeviation, "RSSI deviation"),
     FIELD(BaseInformation, u32ULCenterFrequency, "uplink centre frequency", .pcUnit = "MHz"),
     FIELD(BaseInformation, u32DLCenterFrequency, "downlink centre frequency", .pcUnit = "MHz"),
@@ -236,7 +236,7 @@ constexpr FieldRow astIdleIndication[] = {
     FIELD(IdleIndication, aucBSID, "BS ID", .u16Count = u32BSIDSize, .eShown = Shown::Address),
     FIELD(IdleIndication, s32RSSIMean, "RSSI mean; shown divided by 4, towards zero",
           .pcUnit = "dBm", .u32Divisor = 4),
-    FIELD(IdleIndication, s32CINRMean, "CINR mean", .pcUnit = "dB"),
+    SIGNED_FIELD(IdleIndication, u32CINRMean, "CINR mean", .pcUnit = "dB"),
     FIELD(IdleIndication, u32PreambleID, "preamble"),
     FIELD(IdleIndication, s32VendorDataLength,
           "length of the vendor-specific data: shown when 1 to 255"),

@@ -90,8 +90,8 @@ inline constexpr uint32_t MaxNSPs = 10;
 inline constexpr Field u32PID{1385, FieldType::U32};
 inline constexpr Field u32CF{1389, FieldType::U32};
 inline constexpr Field u32Bandwidth{1393, FieldType::U32};
-inline constexpr Field s32RSSI{1397, FieldType::I32};
-inline constexpr Field s32CINR{1401, FieldType::I32};
+inline constexpr Field u32RSSI{1397, FieldType::U32};
+inline constexpr Field u32CINR{1401, FieldType::U32};
 inline constexpr uint32_t Size = 1405;
 
 namespace NSPEntry {
@@ -103,7 +103,7 @@ inline constexpr uint32_t Size = 136;
 static_assert(aucName + NameSize == Size);
 } // namespace NSPEntry
 static_assert(astNSPs + MaxNSPs * NSPEntry::Size == u32PID.u16Offset);
-static_assert(EndOf(s32CINR) == Size);
+static_assert(EndOf(u32CINR) == Size);
 
 inline constexpr uint32_t Success = 0;
 inline constexpr uint32_t NotNeeded = 1;
@@ -177,7 +177,7 @@ inline constexpr Field u8PreambleIndex{7, FieldType::U8};
 inline constexpr Field s16CINRMean{8, FieldType::I16};       // dB
 inline constexpr Field s16CINRDeviation{10, FieldType::I16}; // dB
 inline constexpr Field u32Duration{12, FieldType::U32};
-inline constexpr Field s32MeanRSSI{16, FieldType::I32};
+inline constexpr Field u32MeanRSSI{16, FieldType::U32};
 inline constexpr Field u32RSSIDeviation{20, FieldType::U32};
 inline constexpr Field u32ULCenterFrequency{24, FieldType::U32}; // MHz
 inline constexpr Field u32DLCenterFrequency{28, FieldType::U32}; // MHz
@@ -238,7 +238,7 @@ namespace IdleIndication {
 inline constexpr Field u32State{0, FieldType::U32};     // the planned timeout, 0 = out of idle mode
 inline constexpr Field aucBSID{4, FieldType::U8};       // six bytes
 inline constexpr Field s32RSSIMean{10, FieldType::I32}; // quarter dB
-inline constexpr Field s32CINRMean{14, FieldType::I32}; // dB
+inline constexpr Field u32CINRMean{14, FieldType::U32}; // dB
 inline constexpr Field u32PreambleID{18, FieldType::U32};
 inline constexpr Field s32VendorDataLength{22, FieldType::I32};
 inline constexpr uint32_t aucVendorData = 26;

@@ -61,7 +61,7 @@ constexpr FieldRow astNeighbour[] = {
           .eShown = Shown::Bytes),
     RESERVED(18, 2),
     FIELD(MIBNeighbour, s32RSSI, "RSSI", .pcUnit = "dBm", .u32Divisor = 4),
-    FIELD(MIBNeighbour, s32CINR, "CINR", .pcUnit = "dB"),
+    SIGNED_FIELD(MIBNeighbour, u32CINR, "CINR", .pcUnit = "dB"),
 };
 constexpr Layout stNeighbour = {"Neighbour", astNeighbour, MIBNeighbour::Size};
 

@@ -110,9 +110,9 @@ inline constexpr Field u32CenterFrequency{8, FieldType::U32};  // eighths of a M
 inline constexpr Field aucBSID{12, FieldType::U8};             // six bytes, the last one first
 inline constexpr uint32_t BSIDSize = 6;
 inline constexpr Field s32RSSI{20, FieldType::I32}; // quarter dBm
-inline constexpr Field s32CINR{24, FieldType::I32}; // dB
+inline constexpr Field u32CINR{24, FieldType::U32}; // dB
 inline constexpr uint32_t Size = 28;
-static_assert(EndOf(s32CINR) == Size);
+static_assert(EndOf(u32CINR) == Size);
 } // namespace MIBNeighbour
 
 // An entry of attribute 1575.

@@ -61,8 +61,8 @@ inline constexpr Field u32FramesInError{8, FieldType::U32};
 inline constexpr Field u32CRCErrors{12, FieldType::U32};
 inline constexpr Field u32HCSErrors{16, FieldType::U32};
 inline constexpr Field u32CQICHTransmitted{20, FieldType::U32};
-inline constexpr Field s32RSSI{24, FieldType::I32};
-inline constexpr Field s32CINR{28, FieldType::I32};
+inline constexpr Field u32RSSI{24, FieldType::U32};
+inline constexpr Field u32CINR{28, FieldType::U32};
 inline constexpr Field u32BandwidthRequests{56, FieldType::U32};
 inline constexpr Field s32NumConnections{60, FieldType::I32};
 inline constexpr Field au32TransportCIDs{64, FieldType::U32}; // one word a connection

@@ -191,7 +191,7 @@ MIBStatistics::MIBStatistics(Modem &stModem)
                             Put(stTo, aucBSID, stStation.aucBSID[BSIDSize - 1 - i], i);
                         }
                         Put(stTo, s32RSSI, Rounded(stMeasurement.fRSSI * 4));
-                        Put(stTo, s32CINR, Rounded(stMeasurement.fCINR));
+                        Put(stTo, u32CINR, Rounded(stMeasurement.fCINR));
                     });
     });
     stMIBs.Provide(MeasuredNeighbours, [this] {

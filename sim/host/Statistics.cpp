@@ -196,8 +196,8 @@ int32_t StatisticsReports::SetPolicy(uint32_t u32Policy) {
 
 void StatisticsReports::PutStation(ByteSpan stTo) const {
     const Measurement stMeasurement = m_stModem.Air().Measure(*m_pstServing, m_stModem.Now());
-    Put(stTo, Statistics::s32RSSI, Rounded(stMeasurement.fRSSI));
-    Put(stTo, Statistics::s32CINR, Rounded(stMeasurement.fCINR));
+    Put(stTo, Statistics::u32RSSI, Rounded(stMeasurement.fRSSI));
+    Put(stTo, Statistics::u32CINR, Rounded(stMeasurement.fCINR));
     PutBytes(stTo, Statistics::aucBSID.u16Offset, {m_pstServing->aucBSID.data(), u32BSIDSize});
     Put(stTo, Statistics::u8BurstFEC, ProfileAt(stMeasurement.fCINR).u32FEC);
     Put(stTo, Statistics::u32CenterFrequency, m_pstServing->u32Frequency);

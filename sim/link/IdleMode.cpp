@@ -185,7 +185,7 @@ void IdleMode::TellIndication(uint32_t u32StateWord) {
     Put(stTo, IdleIndication::u32State, u32StateWord);
     PutBytes(stTo, IdleIndication::aucBSID.u16Offset, {stStation.aucBSID.data(), u32BSIDSize});
     Put(stTo, IdleIndication::s32RSSIMean, Rounded(stMeasurement.fRSSI * fQuarters));
-    Put(stTo, IdleIndication::s32CINRMean, Rounded(stMeasurement.fCINR));
+    Put(stTo, IdleIndication::u32CINRMean, Rounded(stMeasurement.fCINR));
     Put(stTo, IdleIndication::u32PreambleID, stStation.u32Preamble);
     Put(stTo, IdleIndication::s32VendorDataLength, u32Vendor);
     PutBytes(stTo, IdleIndication::aucVendorData, {stStation.aucVendorData.data(), u32Vendor});

@@ -399,7 +399,7 @@ void Link::PutBaseInformation(ByteSpan stTo) const {
     Put(stTo, BaseInformation::s16CINRMean, Rounded(stMeasurement.fCINR));
     Put(stTo, BaseInformation::s16CINRDeviation, Rounded(stMeasurement.fCINRDeviation));
     Put(stTo, BaseInformation::u32Duration, static_cast<uint32_t>(iUp / i64Second));
-    Put(stTo, BaseInformation::s32MeanRSSI, Rounded(stMeasurement.fRSSI));
+    Put(stTo, BaseInformation::u32MeanRSSI, Rounded(stMeasurement.fRSSI));
     Put(stTo, BaseInformation::u32RSSIDeviation, Rounded(stMeasurement.fRSSIDeviation));
     Put(stTo, BaseInformation::u32ULCenterFrequency,
         m_stAt.pstServing->u32Frequency / u32kHzPerMHz);

@@ -115,8 +115,8 @@ void NSPSearch::Tell(uint32_t u32Status, const Station &stStation, bool bLast) {
     Put(stTo, NSPDiscovery::u32PID, stStation.u32Preamble);
     Put(stTo, NSPDiscovery::u32CF, stStation.u32Frequency);
     Put(stTo, NSPDiscovery::u32Bandwidth, stStation.u32Bandwidth);
-    Put(stTo, NSPDiscovery::s32RSSI, Rounded(stMeasurement.fRSSI));
-    Put(stTo, NSPDiscovery::s32CINR, Rounded(stMeasurement.fCINR));
+    Put(stTo, NSPDiscovery::u32RSSI, Rounded(stMeasurement.fRSSI));
+    Put(stTo, NSPDiscovery::u32CINR, Rounded(stMeasurement.fCINR));
     if (u32Status == NSPDiscovery::Success) {
         namespace Entry = NSPDiscovery::NSPEntry;
         Put(stTo, NSPDiscovery::s32NumNSPs, static_cast<uint32_t>(stStation.astNSPs.size()));
