@@ -13,6 +13,7 @@ sections=(
     "benchmarks  always      figures only"
     "sweep       --long      every session with each thing that can go wrong, in full"
     "storms      --long      a minute of each storm under the sanitizers"
+    "package     --package   the Debian package: lintian, the same bytes again, in a bare root"
     "armhf       --machines  all tests on 32-bit ARM, run by qemu"
     "mips        --machines  all tests on 32-bit big-endian MIPS, run by qemu"
     "s390x       --machines  all tests on 64-bit big-endian S/390, run by qemu"
@@ -20,12 +21,13 @@ sections=(
 
 usage() {
     cat <<'TEXT'
-Usage: ./test.sh [--machines] [--long] [--only SECTION]...
+Usage: ./test.sh [--machines] [--long] [--package] [--only SECTION]...
 
 Gets what is missing, builds, and runs every check. The last line is the sum: N passed, N failed,
 N skipped. The exit status is 0 when nothing failed.
 
   --machines      all tests on other machines too: armhf, mips, s390x (about ten minutes each)
+  --package       the Debian package too (three minutes)
   --long          the long sections too, and those that repeat something do it for longer
   --only SECTION  this section and no other; may stand several times
   --help          this text
@@ -45,7 +47,7 @@ only=" "
 fuzz_seconds=5
 while [ $# -gt 0 ]; do
     case $1 in
-    --machines) wanted+="--machines " ;;
+    --machines | --package) wanted+="$1 " ;;
     --long)
         wanted+="--long "
         fuzz_seconds=60
@@ -222,6 +224,8 @@ section_benchmarks() {
     [ -x build/release/bench_start ] || { check configure release ON && check build release; } || return
     (cd build/release && ./bench_start && ./bench_reports && ./bench_recording)
 }
+
+section_package() { check packaging/check.sh; }
 
 section_format() {
     [ -f build/release/build.ninja ] || check configure release ON || return
