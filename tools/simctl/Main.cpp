@@ -34,6 +34,7 @@ docs/control.md explains them.
 
   --watch   shows the modem's state, once a second
   --check   what is wrong with a scenario, and what nobody can mean; the built-in one is right
+  --help    this text
 
 The exit status is 1 when the modem refuses a command or the scenario is wrong, 2 when there is
 nothing to talk to.
