@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <charconv>
 #include <cmath>
 #include <cstring>
 
@@ -259,8 +258,9 @@ void PutReal(double dValue) {
         EndOutputAt(WriteFixed(pcTo, std::signbit(dValue), static_cast<uint32_t>(dWhole),
                                static_cast<uint64_t>(dPart), u64Unit));
     } else {
-        EndOutputAt(
-            std::to_chars(pcTo, pcTo + u32MostReal, dValue, std::chars_format::fixed, 6).ptr);
+        // Not by std::to_chars, whose tables are half of a client that brings its library along.
+        const int iLength = std::snprintf(pcTo, u32MostReal + NumberText::Slack, "%.6f", dValue);
+        EndOutputAt(pcTo + std::min(static_cast<uint32_t>(iLength), u32MostReal));
     }
 }
 
