@@ -6,6 +6,7 @@ _tarvel_table() {
 tarvel-bench --scenario=*.toml --replay=*.pcap* --record=* --control=* --extended --help
 TarvelWiMAXMonitor --fields --json --raw --summary --follow --type= --subtype= --direction=sent,received --from= --to= --result=ok,failed --scrub=* --page=*.html --help
 simctl --watch --check --help
+tarvel-session --speed= --repeat= --set= --limit= --junit=*.xml --record=*/ --keep --programs=*/ --scenario=*.toml --replay=*.pcap* --device=*/ --scripted --help
 TABLE
 }
 
@@ -54,9 +55,11 @@ _tarvel() {
         _tarvel_words "$(sed 's/=[^ ]*//g' <<<"$options")" "$word"
     elif [ "$program" = simctl ]; then
         _tarvel_simctl "$word"
+    elif [ "$program" = tarvel-session ]; then
+        _tarvel_files '*.session' "$word"
     else
         _tarvel_files '*.pcap*' "$word"
     fi
 }
 
-complete -F _tarvel tarvel-bench TarvelWiMAXMonitor simctl
+complete -F _tarvel tarvel-bench TarvelWiMAXMonitor simctl tarvel-session

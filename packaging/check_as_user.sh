@@ -47,6 +47,11 @@ expect_files
 echo "checked: replayed, byte by byte"
 
 somewhere
+tarvel-session --set times=3 $examples/network-entry.session >output 2>&1 || fail "the session: $(<output)"
+expect_files output
+echo "checked: a session with a verdict: $(tail -1 output)"
+
+somewhere
 mkfifo typed
 tarvel-bench --control socket <typed >/dev/null 2>&1 &
 client=$!
