@@ -9,7 +9,7 @@ install_missing "${BUILD_PACKAGES[@]}" scdoc=scdoc dpkg-shlibdeps=dpkg-dev
 
 export SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}
 quietly cmake --preset package
-quietly nice cmake --build build/package
+quietly cmake --build build/package
 rm -f build/package/*.deb
 (cd build/package && quietly cpack)
 echo "$PWD"/build/package/*.deb

@@ -45,7 +45,7 @@ programs=(TarvelWiMAXApp VendorSpecificMessageApp)
 export SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}
 quietly cmake --preset "target-$1"
 # The device library that they are linked with is the simulated modem, which stays here.
-quietly nice cmake --build "$build" --target "${programs[@]}"
+quietly cmake --build "$build" --target "${programs[@]}"
 
 folder=$build/tarvelwimaxapp-$1
 rm -rf "$folder"
