@@ -6,6 +6,7 @@
 #include "MobilityRecords.h"
 #include "ServiceFlowRecord.h"
 #include "air/Capabilities.h"
+#include "air/Decibels.h"
 #include "air/Traffic.h"
 #include "time/Random.h"
 
@@ -38,6 +39,7 @@ enum : uint32_t {
     PagingGroups = 35,
     Hysteresis = 51,
     TimeToTrigger = 52,
+    Trigger = 54,
     MACVersion = 148,
     FEC = 150,
 };
@@ -135,8 +137,6 @@ enum : uint32_t {
 constexpr uint32_t u32AES = 0x020103; // CCM, with the keys encrypted by AES
 constexpr uint32_t u32UnauthorisedSAID = 2;
 
-constexpr uint32_t u32PagingGroup = 1;
-
 BitWriter U64(uint64_t u64Value) {
     BitWriter stBytes;
     stBytes.U32(static_cast<uint32_t>(u64Value >> 32)).U32(static_cast<uint32_t>(u64Value));
@@ -163,7 +163,7 @@ uint32_t RSSICode(double fRSSI) { return Clamped(fRSSI + 123, 0, 83); }
 // The standard deviation of a level's power, as a level: with powers that move by fDeviation dB
 // it lies so far from the mean.
 double DeviationLevel(double fMean, double fDeviation) {
-    return fMean + 10 * std::log10(std::pow(10, fDeviation / 10) - 1);
+    return fMean + Decibels(RatioOf(fDeviation) - 1);
 }
 
 // Levels in messages about mobility: in half dB with a sign, and in quarters from -103.75 dBm on.
@@ -188,33 +188,47 @@ ByteView ViewOf(const std::array<uint8_t, 6> &aucBytes) {
 
 namespace {
 
+enum TriggerMetric : uint32_t { OfCINR = 0, OfRSSI = 1 };
+enum TriggerFunction : uint32_t { NeighbourAboveServing = 3, ServingBelow = 6 };
+enum TriggerAction : uint32_t { AskForHandover = 2, AskToScan = 3 };
+
 void PutGaps(BitWriter &stBody, const FrameLayout &stLayout) {
     stBody.TLV(DCDTLV::TransmitGap, 2, stLayout.u32TransmitGap)
         .TLV(DCDTLV::ReceiveGap, 1, stLayout.u32ReceiveGap);
 }
 
 // Whole dB, and milliseconds in a byte: stations with a longer one do not announce it.
-void PutHandoverMargin(BitWriter &stBody, const HandoverMargin &stMargin) {
-    const ModemTime iMilliseconds = stMargin.iTimeToTrigger / i64Millisecond;
-    stBody.TLV(DCDTLV::Hysteresis, 1, Clamped(stMargin.fHysteresis, 0, UINT8_MAX));
+void PutHandoverThresholds(BitWriter &stBody, const HandoverThresholds &stThresholds) {
+    const ModemTime iMilliseconds = stThresholds.iTimeToTrigger / i64Millisecond;
+    stBody.TLV(DCDTLV::Hysteresis, 1, Clamped(stThresholds.fHysteresis, 0, UINT8_MAX));
     if (iMilliseconds <= UINT8_MAX) {
         stBody.TLV(DCDTLV::TimeToTrigger, 1, static_cast<uint32_t>(iMilliseconds));
     }
+    const auto PutTrigger = [&stBody](TriggerMetric eMetric, TriggerFunction eFunction,
+                                      TriggerAction eAction, uint32_t u32Value) {
+        BitWriter stTrigger;
+        stTrigger.TLV(1, 1, uint32_t{eMetric} << 6 | uint32_t{eFunction} << 3 | uint32_t{eAction})
+            .TLV(2, 1, u32Value);
+        stBody.TLV(DCDTLV::Trigger, stTrigger);
+    };
+    PutTrigger(OfCINR, ServingBelow, AskToScan, MobilityCINR(stThresholds.fScanCINR));
+    PutTrigger(OfRSSI, NeighbourAboveServing, AskForHandover,
+               Clamped(4 * stThresholds.fHysteresis, 0, INT8_MAX));
 }
 
 } // namespace
 
-BitWriter DCDBody(const Station &stStation, const HandoverMargin &stMargin) {
+BitWriter DCDBody(const Station &stStation, const HandoverThresholds &stThresholds) {
     BitWriter stBody;
     stBody.U8(0).U8(stStation.u32DCDChangeCount);
-    stBody.TLV(DCDTLV::EIRP, 2, iStationPower);
+    stBody.TLV(DCDTLV::EIRP, 2, static_cast<uint32_t>(stStation.iPower));
     PutGaps(stBody, LayoutOf(stStation.u32Bandwidth));
     stBody.TLV(DCDTLV::WantedPower, 2, static_cast<uint32_t>(iWantedPower))
         .TLV(DCDTLV::Frequency, 4, stStation.u32Frequency)
         .TLV(DCDTLV::BSID, ViewOf(stStation.aucBSID));
     Put(stBody, astDCDMobility);
-    PutHandoverMargin(stBody, stMargin);
-    stBody.TLV(DCDTLV::PagingGroups, 2, u32PagingGroup);
+    PutHandoverThresholds(stBody, stThresholds);
+    stBody.TLV(DCDTLV::PagingGroups, 2, stStation.u32PagingGroup);
     stBody.TLV(DCDTLV::MACVersion, 1, u32MACVersion);
     ForEachProfile([&](const BurstProfile &stOne) {
         BitWriter stProfile;
@@ -322,7 +336,7 @@ BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame, const BurstProf
     // A burst with the broadcast messages, said twice for the edge of the cell; one with the rest,
     // in the slots of two symbols that are left.
     const uint32_t u32Rest = (stLayout.u32DownlinkSymbols - u32First - u32Broadcast) / 2 * 2;
-    PutBurst(ProfileAt(3), u32First, u32Broadcast, 10);
+    PutBurst(stBroadcastProfile, u32First, u32Broadcast, 10);
     PutBurst(stProfile, u32First + u32Broadcast, u32Rest, stLayout.u32DownlinkSubChannels);
     return stBody.Pad();
 }
@@ -553,7 +567,7 @@ BitWriter DREGCMDBody(const Station &stStation, uint32_t u32Action, uint32_t u32
     stBody.U8(u32Action);
     if (u32Action == u32GoIdle) {
         BitWriter stPaging;
-        stPaging.U16(u32PagingCycle * u32FramesPerSecond).U8(0).U16(u32PagingGroup);
+        stPaging.U16(u32PagingCycle * u32FramesPerSecond).U8(0).U16(stStation.u32PagingGroup);
         stBody.TLV(DREGTLV::PagingInformation, stPaging)
             .TLV(DREGTLV::PagingController, ViewOf(stStation.aucBSID))
             .TLV(DREGTLV::Retain, 1, u32RetainAll);
@@ -574,10 +588,10 @@ uint32_t MACAddressHash(const MACAddressBytes &aucMAC) {
     return u32Hash & 0xFFFFFF;
 }
 
-BitWriter PAGADVBody(const MACAddressBytes *pstPaged) {
+BitWriter PAGADVBody(const Station &stStation, const MACAddressBytes *pstPaged) {
     constexpr uint32_t u32EnterNetwork = 2;
     BitWriter stBody;
-    stBody.U16(1).U16(u32PagingGroup);
+    stBody.U16(1).U16(stStation.u32PagingGroup);
     stBody.U8(pstPaged != nullptr ? 1 : 0);
     if (pstPaged != nullptr) {
         stBody.U24(MACAddressHash(*pstPaged)).Bits(u32EnterNetwork, 2).Bits(0, 6);
@@ -605,14 +619,13 @@ BitWriter REPREQBody() {
 }
 
 // Mean and standard deviation, each one byte of the same scale.
-BitWriter REPRSPBody(const Measurement &stMeasurement) {
+BitWriter REPRSPBody(const Measurement &stMeasurement, const Deviation &stDeviation) {
     const auto Pair = [](uint32_t (*pfnCode)(double), double fMean, double fDeviation) {
         return pfnCode(fMean) << 8 | pfnCode(DeviationLevel(fMean, fDeviation));
     };
     BitWriter stReport;
-    stReport
-        .TLV(ReportTLV::CINR, 2, Pair(CINRCode, stMeasurement.fCINR, stMeasurement.fCINRDeviation))
-        .TLV(ReportTLV::RSSI, 2, Pair(RSSICode, stMeasurement.fRSSI, stMeasurement.fRSSIDeviation));
+    stReport.TLV(ReportTLV::CINR, 2, Pair(CINRCode, stMeasurement.fCINR, stDeviation.fCINR))
+        .TLV(ReportTLV::RSSI, 2, Pair(RSSICode, stMeasurement.fRSSI, stDeviation.fRSSI));
     BitWriter stBody;
     return stBody.TLV(u32Report, stReport);
 }

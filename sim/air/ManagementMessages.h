@@ -88,7 +88,7 @@ struct RangingSignal {
 };
 
 // A station's two descriptors and its list of neighbours.
-BitWriter DCDBody(const Station &stStation, const HandoverMargin &stMargin);
+BitWriter DCDBody(const Station &stStation, const HandoverThresholds &stThresholds);
 BitWriter UCDBody(const Station &stStation);
 BitWriter NBRADVBody(const Station &stStation, std::span<const Station *const> apstNeighbours);
 
@@ -175,12 +175,12 @@ BitWriter DREGCMDBody(const Station &stStation, uint32_t u32Action, uint32_t u32
 
 // A hash of a MAC address, 24 bits, by which idle modems are paged.
 uint32_t MACAddressHash(const MACAddressBytes &aucMAC);
-BitWriter PAGADVBody(const MACAddressBytes *pstPaged);
+BitWriter PAGADVBody(const Station &stStation, const MACAddressBytes *pstPaged);
 
 // Channel measurement reports. A CINR counts in dB from -10 on.
 uint32_t CINRCode(double fCINR);
 BitWriter REPREQBody();
-BitWriter REPRSPBody(const Measurement &stMeasurement);
+BitWriter REPRSPBody(const Measurement &stMeasurement, const Deviation &stDeviation);
 
 // Handover.
 BitWriter MSHOREQBody(const Station &stTarget, const Measurement &stThere,

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "air/Decibels.h"
+
 namespace {
 
 // By the widest channel that it is used for.
@@ -59,6 +61,24 @@ FrameLayout LayoutOf(uint32_t u32Bandwidth) {
     stLayout.u32TransmitGap = stLayout.u32SlotsPerFrame - stLayout.u32ReceiveGap -
                               u32Symbols * stLayout.u32SlotsPerSymbol;
     return stLayout;
+}
+
+uint32_t FrameLayout::SamplesPerSecond() const {
+    constexpr uint32_t u32SamplesPerSlot = 4;
+    constexpr uint32_t u32FramesPerSecond = 200;
+    return u32SlotsPerFrame * u32SamplesPerSlot * u32FramesPerSecond;
+}
+
+double RoundTrip(double fMetres, uint32_t u32Bandwidth) {
+    constexpr double fLight = 299792458; // metres a second
+    return 2 * fMetres / fLight * LayoutOf(u32Bandwidth).SamplesPerSecond();
+}
+
+double FailureRate(const BurstProfile &stProfile, double fCINR, uint32_t u32Attempt) {
+    constexpr double fOdds = 9;    // one in ten
+    constexpr double fTenfold = 2; // dB
+    const double fGained = fCINR + Decibels(u32Attempt) - stProfile.fCINR;
+    return 1 / (1 + fOdds * RatioOf(10 * fGained / fTenfold));
 }
 
 const BurstProfile &ProfileAt(double fCINR) {

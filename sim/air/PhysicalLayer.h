@@ -19,12 +19,16 @@ struct FrameLayout {
     uint32_t u32TransmitGap; // of the station, from downlink to uplink
     uint32_t u32ReceiveGap;  // and back
 
+    uint32_t SamplesPerSecond() const;
     // From the start of the frame.
     uint32_t UplinkStart() const { return u32DownlinkSymbols * u32SlotsPerSymbol + u32TransmitGap; }
 };
 // u32Bandwidth is in kHz. Channels narrower than 1.25 MHz or wider than 10 MHz are laid out as
 // those.
 FrameLayout LayoutOf(uint32_t u32Bandwidth);
+
+// There and back over so many metres, in samples of the channel.
+double RoundTrip(double fMetres, uint32_t u32Bandwidth);
 
 // Modulation and coding, turbo codes only: from which CINR on it carries the traffic, the code
 // that maps name it by, how often everything is said, the air interface's code for it, and its
@@ -41,24 +45,32 @@ struct BurstProfile {
 };
 // From the fastest to the most robust.
 inline constexpr std::array astBurstProfiles{
-    BurstProfile{24, 7, 0, 21, 20},   // 64-QAM 5/6
-    BurstProfile{21, 6, 0, 20, 19},   // 64-QAM 3/4
-    BurstProfile{19, 5, 0, 19, 18},   // 64-QAM 2/3
-    BurstProfile{17, 4, 0, 18, 17},   // 64-QAM 1/2
-    BurstProfile{14, 3, 0, 17, 16},   // 16-QAM 3/4
-    BurstProfile{11, 2, 0, 16, 15},   // 16-QAM 1/2
-    BurstProfile{8, 1, 0, 15, 14},    // QPSK 3/4
-    BurstProfile{5, 0, 0, 13, 10},    // QPSK 1/2
-    BurstProfile{3, 0, 1, 13, 11},    //
-    BurstProfile{0, 0, 2, 13, 12},    //
-    BurstProfile{-1000, 0, 3, 13, 13} //
+    BurstProfile{24, 7, 0, 21, 20}, // 64-QAM 5/6
+    BurstProfile{21, 6, 0, 20, 19}, // 64-QAM 3/4
+    BurstProfile{19, 5, 0, 19, 18}, // 64-QAM 2/3
+    BurstProfile{17, 4, 0, 18, 17}, // 64-QAM 1/2
+    BurstProfile{14, 3, 0, 17, 16}, // 16-QAM 3/4
+    BurstProfile{11, 2, 0, 16, 15}, // 16-QAM 1/2
+    BurstProfile{8, 1, 0, 15, 14},  // QPSK 3/4
+    BurstProfile{5, 0, 0, 13, 10},  // QPSK 1/2
+    BurstProfile{3, 0, 1, 13, 11},  //
+    BurstProfile{0, 0, 2, 13, 12},  //
+    BurstProfile{-3, 0, 3, 13, 13}  // what is below takes it, too
 };
 const BurstProfile &ProfileAt(double fCINR);
+// The one that maps and broadcasts are sent with.
+inline constexpr const BurstProfile &stBroadcastProfile = astBurstProfiles[8];
+
+// The probability that the u32Attempt-th attempt (1 to 4) at a burst fails when those before have:
+// a tenth at the profile's CINR, with ten times the odds against it for every 2 dB more. A receiver
+// that keeps what it has heard gains 10 log10 of the number of attempts.
+inline constexpr uint32_t u32MostAttempts = 4;
+double FailureRate(const BurstProfile &stProfile, double fCINR, uint32_t u32Attempt = 1);
+
 // So much lower is the CINR of what the station receives.
 inline constexpr double fUplinkLoss = 6; // dB
 
 // Powers, in dBm.
-inline constexpr int32_t iStationPower = 43;
 inline constexpr int32_t iWantedPower = -90; // of a modem, at the station
 inline constexpr int32_t iLeastPower = -40;  // of the modem
 inline constexpr int32_t iMostPower = 23;

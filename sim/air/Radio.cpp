@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "LinkRecords.h"
+#include "air/Decibels.h"
 #include "time/Random.h"
 
 namespace {
@@ -17,10 +18,33 @@ constexpr std::array astEntryOutcomes{
     ScenarioWord{"satek-failure", LinkReason::SATEKFailure},
 };
 
+constexpr std::array astFadings{
+    ScenarioWord{"none", static_cast<uint32_t>(Fading::None)},
+    ScenarioWord{"pedestrian", static_cast<uint32_t>(Fading::Pedestrian)},
+    ScenarioWord{"vehicular", static_cast<uint32_t>(Fading::Vehicular)},
+};
+
+constexpr int32_t iUsualPower = 43; // dBm
+// Others move, too: the echoes change where the modem stands still.
+constexpr double fLeastSpeed = 0.5; // metres a second
+
+// Deviations are of so many looks, evenly over the window.
+constexpr ModemTime iWindow = i64Second;
+constexpr int32_t iLooks = 20;
+
+// What is computed comes in steps of 1/256 dB.
+double InSteps(double fLevel) {
+    constexpr double fSteps = 256;
+    return std::round(fLevel * fSteps) / fSteps;
+}
+
 // The loss of a fade at a moment, in dB.
 double LossAt(const Station &stStation, ModemTime iNow) {
     if (iNow >= stStation.iFadeEnd) {
         return stStation.fLossAfter;
+    }
+    if (iNow <= stStation.iFadeStart) {
+        return stStation.fLossBefore;
     }
     const double fPart = static_cast<double>(iNow - stStation.iFadeStart) /
                          static_cast<double>(stStation.iFadeEnd - stStation.iFadeStart);
@@ -52,19 +76,55 @@ uint32_t Station::NAPID() const {
            aucBSID[2];
 }
 
+uint32_t Station::Segment() const {
+    constexpr uint32_t u32OfEach = 32;
+    constexpr uint32_t u32Segments = 3;
+    // The preambles behind the three groups are dealt out in turn.
+    return u32Preamble < u32OfEach * u32Segments ? u32Preamble / u32OfEach
+                                                 : u32Preamble % u32Segments;
+}
+
 uint32_t Rounded(double fValue) { return static_cast<uint32_t>(std::lround(fValue)); }
 
-Radio::Radio(const Section &stRoot, uint64_t u64Seed) : m_u64Seed(SeedFor(u64Seed, "radio")) {
+Radio::Radio(const Section &stRoot, uint64_t u64Seed)
+    : m_u64Seed(SeedFor(u64Seed, "radio")), m_stRoute(stRoot) {
     const Section stRadio = stRoot.Table("radio");
     m_fSensitivity = stRadio.Number("sensitivity", -200, 100, -97);
     m_fEntryRSSI = stRadio.Number("entry-rssi", -200, 100, -88);
     m_fEntryCINR = stRadio.Number("entry-cinr", -100, 100, 3);
+    m_fNoiseFigure = stRadio.Number("noise-figure", 0, 100, 7);
+    m_fShadowing = stRadio.Number("shadowing", 0, 100, 0);
+    m_fShadowSquare = stRadio.Number("shadow-square", 1, 1e6, 50);
+    m_eFading = static_cast<Fading>(
+        stRadio.Choice("fading", astFadings, static_cast<uint32_t>(Fading::None)));
     const Section stHandover = stRoot.Table("handover");
-    m_stMargin = {stHandover.Number("hysteresis", 0, 200, 6),
-                  stHandover.Seconds("time-to-trigger", 0, 1000, 1)};
+    m_stThresholds = {stHandover.Number("hysteresis", 0, 200, 6),
+                      stHandover.Seconds("time-to-trigger", 0, 1000, 1),
+                      stHandover.Number("scan-cinr", -100, 100, 8)};
     const std::vector<NSP> astNSPs = ReadNSPs(stRoot);
     for (const Section &stSection : stRoot.Tables("station")) {
         m_astStations.push_back(Read(stSection, astNSPs));
+    }
+    FindInterferers();
+}
+
+// Stations whose channels lie over each other.
+void Radio::FindInterferers() {
+    const auto Edge = [](const Station &stStation, int32_t iSide) {
+        return int64_t{2} * stStation.u32Frequency + iSide * int64_t{stStation.u32Bandwidth};
+    };
+    for (const Station &stStation : m_astStations) {
+        std::vector<Interferer> astInterferers;
+        for (const Station &stOther : m_astStations) {
+            const int64_t iOverlap = std::min(Edge(stStation, 1), Edge(stOther, 1)) -
+                                     std::max(Edge(stStation, -1), Edge(stOther, -1));
+            if (&stOther != &stStation && iOverlap > 0) {
+                astInterferers.push_back(
+                    {&stOther, static_cast<double>(iOverlap) / (2.0 * stOther.u32Bandwidth),
+                     stOther.Segment() == stStation.Segment()});
+            }
+        }
+        m_aastInterferers.push_back(std::move(astInterferers));
     }
 }
 
@@ -91,8 +151,10 @@ Station Radio::Read(const Section &stSection, const std::vector<NSP> &astNSPs) c
         .u32Frequency = static_cast<uint32_t>(stSection.Integer("frequency", 1, UINT32_MAX)),
         .u32Bandwidth = static_cast<uint32_t>(stSection.Integer("bandwidth", 1, UINT32_MAX)),
         .u32Preamble = static_cast<uint32_t>(stSection.Integer("preamble", 0, 113)),
-        .fRSSI = stSection.Number("rssi", -200, 100),
-        .fCINR = stSection.Number("cinr", -100, 100),
+        .stPlace = {},
+        .fRSSI = 0,
+        .fFloor = 0,
+        .iPower = static_cast<int32_t>(stSection.Integer("power", -30, 100, iUsualPower)),
         .fVariation = stSection.Number("variation", 0, 100, 0),
         .iVariationPeriod = stSection.Seconds("variation-period", 0.001, 1e6, 10),
         .u32DCDChangeCount =
@@ -100,6 +162,8 @@ Station Radio::Read(const Section &stSection, const std::vector<NSP> &astNSPs) c
         .u32NSPChangeCount =
             static_cast<uint32_t>(stSection.Integer("nsp-change-count", 0, UINT32_MAX, 1)),
         .u32CellID = static_cast<uint32_t>(stSection.Integer("cell-id", 0, UINT8_MAX, 0)),
+        .u32PagingGroup =
+            static_cast<uint32_t>(stSection.Integer("paging-group", 0, UINT16_MAX, 1)),
         .u32IPSubnet = static_cast<uint32_t>(stSection.Integer("ip-subnet", 0, UINT32_MAX, 0)),
         .bCompressedMap = stSection.Flag("compressed-map", false),
         .bNSPSupport = stSection.Flag("nsp-support", true),
@@ -107,6 +171,7 @@ Station Radio::Read(const Section &stSection, const std::vector<NSP> &astNSPs) c
         .astNSPs = {},
         .aucVendorData = stSection.Bytes("vendor-data", 255),
         .bOnAir = stSection.Flag("on-air", true)};
+    ReadLevel(stSection, &stStation);
     for (const int64_t iID : stSection.Integers("nsps", 0, UINT32_MAX)) {
         const auto pstNSP = std::find_if(astNSPs.begin(), astNSPs.end(),
                                          [&](const NSP &stNSP) { return stNSP.u32ID == iID; });
@@ -126,6 +191,25 @@ Station Radio::Read(const Section &stSection, const std::vector<NSP> &astNSPs) c
     return stStation;
 }
 
+// A station has a place, or a level that it is received with. What its CINR is less than by noise
+// alone comes from cells that nobody sees.
+void Radio::ReadLevel(const Section &stSection, Station *pstStation) const {
+    pstStation->fFloor = InSteps(NoiseLevel(pstStation->u32Bandwidth, m_fNoiseFigure));
+    if (stSection.Has("x") || stSection.Has("y")) {
+        pstStation->stPlace = PlaceIn(stSection);
+        for (const char *pcKey : {"rssi", "cinr"}) {
+            if (stSection.Has(pcKey)) {
+                stSection.Refuse(pcKey, "has no meaning beside a place");
+            }
+        }
+        return;
+    }
+    pstStation->fRSSI = stSection.Number("rssi", -200, 100);
+    if (stSection.Has("cinr")) {
+        pstStation->fFloor = pstStation->fRSSI - stSection.Number("cinr", -100, 100);
+    }
+}
+
 Station *Radio::StationOf(const Section &stSection, const char *pcKey) {
     const std::optional<BSIDBytes> aucBSID = BSIDOf(stSection, pcKey);
     if (!aucBSID) {
@@ -139,15 +223,88 @@ Station *Radio::StationOf(const Section &stSection, const char *pcKey) {
     stSection.Refuse(pcKey, "is the BS ID of no station");
 }
 
-Measurement Radio::Measure(const Station &stStation, ModemTime iNow) const {
+uint64_t Radio::SeedOf(const Station &stStation) const {
     const auto *pcBSID = reinterpret_cast<const char *>(stStation.aucBSID.data());
-    const uint64_t u64Seed = SeedFor(m_u64Seed, {pcBSID, stStation.aucBSID.size()});
+    return SeedFor(m_u64Seed, {pcBSID, stStation.aucBSID.size()});
+}
+
+double Radio::RSSI(const Station &stStation, ModemTime iNow) const {
+    const uint64_t u64Seed = SeedOf(stStation);
     const double fPosition =
         static_cast<double>(iNow) / static_cast<double>(stStation.iVariationPeriod);
     const double fChange =
         stStation.fVariation * SmoothNoise(u64Seed, fPosition) - LossAt(stStation, iNow);
-    return {stStation.fRSSI + fChange, stStation.fVariation / 2, stStation.fCINR + fChange,
-            stStation.fVariation / 2};
+    if (!stStation.stPlace) {
+        return stStation.fRSSI + fChange;
+    }
+    const Place stHere = m_stRoute.At(iNow);
+    double fLevel = stStation.iPower -
+                    PathLoss(DistanceBetween(*stStation.stPlace, stHere), stStation.u32Frequency);
+    if (m_fShadowing != 0) {
+        fLevel += m_fShadowing * Shadow(SeedFor(u64Seed, "shadow"), stHere, m_fShadowSquare);
+    }
+    if (m_eFading != Fading::None) {
+        const double fMetres = m_stRoute.Travelled(iNow) + fLeastSpeed * static_cast<double>(iNow) /
+                                                               static_cast<double>(i64Second);
+        fLevel += FadingAt(m_eFading, SeedFor(u64Seed, "fading"), fMetres, stStation.u32Frequency);
+    }
+    return InSteps(fLevel + fChange);
+}
+
+double Radio::CINR(const Station &stStation, double fRSSI, ModemTime iNow,
+                   bool bAllSegments) const {
+    const auto uStation = static_cast<size_t>(
+        std::find_if(m_astStations.begin(), m_astStations.end(),
+                     [&](const Station &stOne) { return &stOne == &stStation; }) -
+        m_astStations.begin());
+    double fInterference = 0;
+    for (const Interferer &stInterferer : m_aastInterferers[uStation]) {
+        if (stInterferer.pstStation->bOnAir && (bAllSegments || stInterferer.bSameSegment)) {
+            fInterference += stInterferer.fShare * RatioOf(RSSI(*stInterferer.pstStation, iNow));
+        }
+    }
+    // Without any, levels are exactly those of the scenario.
+    return fInterference == 0
+               ? fRSSI - stStation.fFloor
+               : InSteps(fRSSI - Decibels(RatioOf(stStation.fFloor) + fInterference));
+}
+
+Measurement Radio::Measure(const Station &stStation, ModemTime iNow) const {
+    const double fRSSI = RSSI(stStation, iNow);
+    return {fRSSI, CINR(stStation, fRSSI, iNow, false)};
+}
+
+double Radio::ReuseOneCINR(const Station &stStation, ModemTime iNow) const {
+    return CINR(stStation, RSSI(stStation, iNow), iNow, true);
+}
+
+Deviation Radio::Deviations(const Station &stStation, ModemTime iNow) const {
+    double fSum = 0;
+    double fSquares = 0;
+    double fSumOfCINR = 0;
+    double fSquaresOfCINR = 0;
+    const Measurement stLast = Measure(stStation, iNow);
+    for (int32_t i = 1; i < iLooks; ++i) {
+        const Measurement stOne = Measure(stStation, iNow - i * (iWindow / iLooks));
+        const double fRSSI = stOne.fRSSI - stLast.fRSSI;
+        const double fCINR = stOne.fCINR - stLast.fCINR;
+        fSum += fRSSI;
+        fSquares += fRSSI * fRSSI;
+        fSumOfCINR += fCINR;
+        fSquaresOfCINR += fCINR * fCINR;
+    }
+    const auto Of = [](double fOfValues, double fOfSquares) {
+        return InSteps(std::sqrt(
+            std::max(0.0, fOfSquares / iLooks - fOfValues * fOfValues / iLooks / iLooks)));
+    };
+    return {Of(fSum, fSquares), Of(fSumOfCINR, fSquaresOfCINR)};
+}
+
+double Radio::Distance(const Station &stStation, ModemTime iNow) const {
+    return stStation.stPlace
+               ? DistanceBetween(*stStation.stPlace, m_stRoute.At(iNow))
+               : DistanceOfLoss(stStation.iPower - stStation.fRSSI + LossAt(stStation, iNow),
+                                stStation.u32Frequency);
 }
 
 bool Radio::Receivable(const Station &stStation, ModemTime iNow) const {

@@ -80,8 +80,10 @@ void Signalling::Start() {
     m_astConnections.clear();
     m_iPower = 0;
     m_iOpenLoopPower = 0;
+    m_iTiming = 0;
     if (m_stAt.Registered()) {
         AdjustOpenLoop(*m_stAt.pstServing);
+        m_iTiming = RoundTripTo(*m_stAt.pstServing);
         MakeConnections();
         m_pstFormer = m_stAt.pstServing;
     }
@@ -221,7 +223,7 @@ void Signalling::Follow(const LinkChange &stChange) {
     if (stChange.eBefore == Synchronising && stChange.eAfter == Synchronised) {
         Later([this, pstServing] { SayDLMAP(*pstServing); });
         SayLater(MessageCode::DCD, bDown, WellKnownCID::FragmentableBroadcast,
-                 DCDBody(*pstServing, m_stAir.Margin()));
+                 DCDBody(*pstServing, m_stAir.Thresholds()));
         SayLater(MessageCode::UCD, bDown, WellKnownCID::FragmentableBroadcast,
                  UCDBody(*pstServing));
         SayLater(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast, ULMAPBody(*pstServing, {}));
@@ -384,6 +386,7 @@ void Signalling::Range(const Station &stStation, RangingPurpose ePurpose) {
         ePurpose == RangingPurpose::Handover ? RangingCodes::Handover : RangingCodes::Initial;
     Later([this, &stStation, &stGroup] {
         AdjustOpenLoop(stStation);
+        m_iTiming = 0;
         SendCode(stGroup, RangingKind::Initial);
     });
     const bool bHeard = m_stAir.StrongEnoughToEnter(stStation, m_stClock.Now());
@@ -394,10 +397,10 @@ void Signalling::Range(const Station &stStation, RangingPurpose ePurpose) {
         return;
     }
     if (ePurpose == RangingPurpose::Entry) {
-        Later([this] { AnswerCode(RangingStatus::Continue); });
+        Later([this, &stStation] { AnswerCode(stStation, RangingStatus::Continue); });
         Later([this, &stGroup] { SendCode(stGroup, RangingKind::Initial); });
     }
-    Later([this] { AnswerCode(RangingStatus::Success); });
+    Later([this, &stStation] { AnswerCode(stStation, RangingStatus::Success); });
     Later([this, &stStation] {
         Say(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast,
             ULMAPBody(stStation, {m_stSignal, std::nullopt}));
@@ -423,15 +426,25 @@ void Signalling::SendCode(const CodeGroup &stGroup, RangingKind eKind) {
     }
 }
 
+// In samples: so much earlier the modem has to send.
+int32_t Signalling::RoundTripTo(const Station &stStation) const {
+    constexpr double fMost = 1e9;
+    const double fMetres = m_stAir.Distance(stStation, m_stClock.Now());
+    return static_cast<int32_t>(
+        std::lround(std::min(RoundTrip(fMetres, stStation.u32Bandwidth), fMost)));
+}
+
 // The station measures timing, power and frequency; what is still wrong becomes less
 // with every answer.
-void Signalling::AnswerCode(RangingStatus eStatus) {
+void Signalling::AnswerCode(const Station &stStation, RangingStatus eStatus) {
     const uint32_t u32Spread = eStatus == RangingStatus::Continue ? 8 : 1;
     const auto Error = [&](uint32_t u32Steps) {
         return static_cast<int32_t>(m_stRandom.Below(2 * u32Steps + 1)) -
                static_cast<int32_t>(u32Steps);
     };
-    Corrections stCorrections{Error(4 * u32Spread), Error(u32Spread), Error(30 * u32Spread)};
+    Corrections stCorrections{RoundTripTo(stStation) - m_iTiming + Error(4 * u32Spread),
+                              Error(u32Spread), Error(30 * u32Spread)};
+    m_iTiming += stCorrections.iTiming;
     const int32_t iPower = std::clamp(m_iPower + stCorrections.iPower,
                                       std::max(iLowest, m_iOpenLoopPower - iMostCorrection),
                                       std::min(iHighest, m_iOpenLoopPower + iMostCorrection));
@@ -447,8 +460,7 @@ void Signalling::AnswerCode(RangingStatus eStatus) {
 }
 
 void Signalling::AdjustOpenLoop(const Station &stStation) {
-    const double fRSSI = m_stAir.Measure(stStation, m_stClock.Now()).fRSSI;
-    const double fPathLoss = iStationPower - fRSSI;
+    const double fPathLoss = m_stAir.LossTo(stStation, m_stClock.Now());
     const double fPower = std::clamp<double>(iWantedPower + fPathLoss - m_stAir.TransmitGain(),
                                              iLeastPower, iMostPower);
     const auto iWanted = static_cast<int32_t>(std::lround(fPower * fQuarters));
@@ -507,7 +519,9 @@ void Signalling::RangePeriodically() {
     });
     Later([this] {
         m_bRangingWaits = false;
-        AnswerCode(RangingStatus::Success);
+        if (m_stAt.pstServing != nullptr) {
+            AnswerCode(*m_stAt.pstServing, RangingStatus::Success);
+        }
     });
 }
 
@@ -517,7 +531,8 @@ void Signalling::Report() {
         m_bReportWaits = false;
         if (m_stAt.eState == LinkUp) {
             Say(MessageCode::REPRSP, bUp, m_u32BasicCID,
-                REPRSPBody(m_stAir.Measure(*m_stAt.pstServing, m_stClock.Now())));
+                REPRSPBody(m_stAir.Measure(*m_stAt.pstServing, m_stClock.Now()),
+                           m_stAir.Deviations(*m_stAt.pstServing, m_stClock.Now())));
         }
     });
 }
@@ -637,7 +652,7 @@ double Signalling::CINROf(const Station &stStation) const {
 void Signalling::SayDescriptors() {
     const Station &stStation = *m_stAt.pstServing;
     Say(MessageCode::DCD, bDown, WellKnownCID::FragmentableBroadcast,
-        DCDBody(stStation, m_stAir.Margin()));
+        DCDBody(stStation, m_stAir.Thresholds()));
     Say(MessageCode::UCD, bDown, WellKnownCID::FragmentableBroadcast, UCDBody(stStation));
 }
 
@@ -654,7 +669,8 @@ void Signalling::SayNeighbours() {
 }
 
 void Signalling::SayPaging() {
-    Say(MessageCode::PAGADV, bDown, WellKnownCID::Broadcast, PAGADVBody(nullptr));
+    Say(MessageCode::PAGADV, bDown, WellKnownCID::Broadcast,
+        PAGADVBody(*m_stAt.pstServing, nullptr));
     FollowBroadcasts();
 }
 
@@ -686,7 +702,8 @@ void Signalling::DREGReceived(uint32_t u32Action) {
 }
 
 void Signalling::Paged() {
-    SayLater(MessageCode::PAGADV, bDown, WellKnownCID::Broadcast, PAGADVBody(&m_aucAddress));
+    SayLater(MessageCode::PAGADV, bDown, WellKnownCID::Broadcast,
+             PAGADVBody(*m_stAt.pstServing, &m_aucAddress));
 }
 
 void Signalling::HandoverBegins(const Station &stTarget) {

@@ -164,7 +164,8 @@ class Signalling {
     // Codes until the station is content, then the RNG-REQ.
     void Range(const Station &stStation, RangingPurpose ePurpose);
     void SendCode(const CodeGroup &stGroup, RangingKind eKind);
-    void AnswerCode(RangingStatus eStatus);
+    void AnswerCode(const Station &stStation, RangingStatus eStatus);
+    int32_t RoundTripTo(const Station &stStation) const;
     void AnswerRNGREQ(RangingPurpose ePurpose, uint32_t u32Optimisation);
     // The answer for a modem that is known, and what belongs to it.
     void Readmit(RangingPurpose ePurpose, uint32_t u32Optimisation);
@@ -231,6 +232,7 @@ class Signalling {
     RangingSignal m_stSignal{}; // the last one sent
     int32_t m_iPower = 0;       // quarter dBm
     int32_t m_iOpenLoopPower = 0;
+    int32_t m_iTiming = 0; // samples that the modem sends earlier than it hears
     bool m_bToldToIdle = false;
     const Station *m_pstFormer = nullptr; // the station of idle mode's beginning
     const Station *m_pstTarget = nullptr; // of the handover under way

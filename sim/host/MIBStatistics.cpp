@@ -113,6 +113,7 @@ class MIBStatistics : public Subsystem {
     void OnLinkChange(const LinkChange &stChange);
     // Counts the traffic since the last time under the present conditions.
     void Sample();
+    void ClearAttempts();
     void NoteUsed(const Station &stStation);
     std::vector<const Station *> Neighbours(uint32_t u32Most) const;
     uint32_t Frame() const { return static_cast<uint32_t>(m_stModem.Now() / i64Frame) & 0xFFFFFF; }
@@ -136,8 +137,12 @@ class MIBStatistics : public Subsystem {
     std::array<Zone, MIBZoneStatistics::NumULZones> m_astULZones;
     uint32_t m_u32DLBursts = 0;
     uint32_t m_u32ULBursts = 0;
+    // Of those, how many were left after so many attempts.
+    std::array<double, u32MostAttempts> m_afDLBurstsAfter{};
+    std::array<double, u32MostAttempts> m_afULBurstsAfter{};
     uint32_t m_u32SubmapErrors = 0;
     TrafficTotals m_stCounted;
+    double m_fReuseOneCINR = 0;
     double m_fCINR = 0; // when it could be measured last
     ModemTime m_iSyncBegan = 0;
     ModemTime m_iSyncTime = 0;
@@ -195,23 +200,24 @@ MIBStatistics::MIBStatistics(Modem &stModem)
                     });
     });
     stMIBs.Provide(MeasuredNeighbours, [this] {
-        return List(MIBMeasuredNeighbour::Size,
-                    [](ByteSpan stTo, const Station &stStation, const Measurement &stMeasurement) {
-                        using namespace MIBMeasuredNeighbour;
-                        // Weak signals have come a long way.
-                        const double fFlight = std::max(-stMeasurement.fRSSI, 0.0) / 8;
-                        Put(stTo, u32PreambleID, stStation.u32Preamble);
-                        Put(stTo, u32Frequency, Rounded(stStation.u32Frequency / 125.0));
-                        Put(stTo, u32Bandwidth, stStation.u32Bandwidth * 1000);
-                        PutBytes(stTo, aucBSID.u16Offset, {stStation.aucBSID.data(), u32BSIDSize});
-                        Put(stTo, u32R1CINR, Sixteenth(stMeasurement.fCINR - 1));
-                        Put(stTo, u32R3CINR, Sixteenth(stMeasurement.fCINR));
-                        Put(stTo, u32RSSI, Sixteenth(-stMeasurement.fRSSI));
-                        Put(stTo, u32ToF, Rounded(fFlight * 16));
-                        Put(stTo, u32RTD, Rounded(fFlight * 2));
-                        Put(stTo, u32MeasDur, 4);
-                        Put(stTo, u32Flags, 3);
-                    });
+        return List(MIBMeasuredNeighbour::Size, [this](ByteSpan stTo, const Station &stStation,
+                                                       const Measurement &stMeasurement) {
+            using namespace MIBMeasuredNeighbour;
+            const Radio &stAir = m_stModem.Air();
+            const double fRoundTrip =
+                RoundTrip(stAir.Distance(stStation, m_stModem.Now()), stStation.u32Bandwidth);
+            Put(stTo, u32PreambleID, stStation.u32Preamble);
+            Put(stTo, u32Frequency, Rounded(stStation.u32Frequency / 125.0));
+            Put(stTo, u32Bandwidth, stStation.u32Bandwidth * 1000);
+            PutBytes(stTo, aucBSID.u16Offset, {stStation.aucBSID.data(), u32BSIDSize});
+            Put(stTo, u32R1CINR, Sixteenth(stAir.ReuseOneCINR(stStation, m_stModem.Now())));
+            Put(stTo, u32R3CINR, Sixteenth(stMeasurement.fCINR));
+            Put(stTo, u32RSSI, Sixteenth(-stMeasurement.fRSSI));
+            Put(stTo, u32ToF, Rounded(fRoundTrip / 2 * 16));
+            Put(stTo, u32RTD, Rounded(fRoundTrip));
+            Put(stTo, u32MeasDur, 4);
+            Put(stTo, u32Flags, 3);
+        });
     });
     stMIBs.OnWrite(MRUReset, [this](ByteView) {
         m_astMRU.clear();
@@ -228,8 +234,7 @@ MIBStatistics::MIBStatistics(Modem &stModem)
     for (const uint32_t u32ID : {PerAttemptReceived, PerAttemptCompleted}) {
         stMIBs.OnWrite(u32ID, [this](ByteView) {
             Sample();
-            m_u32DLBursts = 0;
-            m_u32ULBursts = 0;
+            ClearAttempts();
         });
     }
     m_stLink.Observe([this](const LinkChange &stChange) { OnLinkChange(stChange); });
@@ -239,8 +244,7 @@ MIBStatistics::MIBStatistics(Modem &stModem)
 void MIBStatistics::Start() {
     m_astDLZones = {};
     m_astULZones = {};
-    m_u32DLBursts = 0;
-    m_u32ULBursts = 0;
+    ClearAttempts();
     m_u32SubmapErrors = 0;
     m_stCounted = {};
     m_iSyncTime = 0;
@@ -284,6 +288,7 @@ void MIBStatistics::Sample() {
     const TrafficTotals stTotals = m_stModem.UserTraffic().Totals();
     if (m_stLink.Serving() != nullptr) {
         m_fCINR = m_stModem.Air().Measure(*m_stLink.Serving(), m_stModem.Now()).fCINR;
+        m_fReuseOneCINR = m_stModem.Air().ReuseOneCINR(*m_stLink.Serving(), m_stModem.Now());
     }
     const auto Frames = [](const TrafficTotals &stAt) {
         return static_cast<uint64_t>(stAt.iTimeFlowing / i64Frame);
@@ -300,11 +305,22 @@ void MIBStatistics::Sample() {
         }
         return u32Bursts;
     };
+    const auto Attempted = [](uint32_t u32Bursts, double fCINR,
+                              std::array<double, u32MostAttempts> *pafAfter) {
+        double fLeft = u32Bursts;
+        for (uint32_t i = 0; i < u32MostAttempts; ++i) {
+            fLeft *= FailureRate(ProfileAt(fCINR), fCINR, i + 1);
+            (*pafAfter)[i] += fLeft;
+        }
+        return u32Bursts;
+    };
     const Pattern ePattern = PatternAt(m_fCINR);
-    m_u32DLBursts += Count(&m_astDLZones[au32ZoneOfPattern[ePattern]], ePattern, m_fCINR,
-                           stTotals.u64DownlinkPackets - m_stCounted.u64DownlinkPackets);
-    m_u32ULBursts += Count(m_astULZones.data(), NoPattern, m_fCINR - fUplinkLoss,
-                           stTotals.u64UplinkPackets - m_stCounted.u64UplinkPackets);
+    m_u32DLBursts += Attempted(Count(&m_astDLZones[au32ZoneOfPattern[ePattern]], ePattern, m_fCINR,
+                                     stTotals.u64DownlinkPackets - m_stCounted.u64DownlinkPackets),
+                               m_fCINR, &m_afDLBurstsAfter);
+    m_u32ULBursts += Attempted(Count(m_astULZones.data(), NoPattern, m_fCINR - fUplinkLoss,
+                                     stTotals.u64UplinkPackets - m_stCounted.u64UplinkPackets),
+                               m_fCINR - fUplinkLoss, &m_afULBurstsAfter);
     if (m_fCINR < 5) {
         m_u32SubmapErrors += static_cast<uint32_t>(u64Frames / 50);
     }
@@ -314,6 +330,12 @@ void MIBStatistics::Sample() {
     } else {
         m_stSampling.Stop();
     }
+}
+
+void MIBStatistics::ClearAttempts() {
+    m_u32DLBursts = m_u32ULBursts = 0;
+    m_afDLBurstsAfter = {};
+    m_afULBurstsAfter = {};
 }
 
 Bytes MIBStatistics::ZoneBursts() {
@@ -338,7 +360,7 @@ Bytes MIBStatistics::ZoneStatistics() {
         if (stCounters.u32LastFrame != 0) {
             const uint32_t u32CINR = Rounded(std::clamp(m_fCINR, -100.0, 100.0));
             Put(stZone, u32FrameNumber, stCounters.u32LastFrame);
-            Put(stZone, s8PCINRRate1, u32CINR - 1);
+            Put(stZone, s8PCINRRate1, Rounded(std::clamp(m_fReuseOneCINR, -100.0, 100.0)));
             Put(stZone, s8PCINRRate2, u32CINR);
             Put(stZone, s8ECINRRate, u32CINR);
             Put(stZone, s32PCINRFrame, stCounters.u32LastFrame);
@@ -455,7 +477,7 @@ uint8_t MIBStatistics::Trigger(bool bSameFrequency) const {
     const auto RSSI = [this](const Station &stStation) {
         return m_stModem.Air().Measure(stStation, m_stModem.Now()).fRSSI;
     };
-    const double fMargin = m_stModem.Air().Margin().fHysteresis;
+    const double fMargin = m_stModem.Air().Thresholds().fHysteresis;
     uint32_t u32Trigger = MIBTriggerStatus::NoMeasurements;
     for (const Station *pstStation : Neighbours(UINT32_MAX)) {
         if ((pstStation->u32Frequency == stServing.u32Frequency) == bSameFrequency &&
@@ -473,29 +495,39 @@ Bytes MIBStatistics::TriggerStatus() const {
     if (m_stLink.Serving() == nullptr) {
         return Bytes(3, uint8_t{NotDefined});
     }
-    const bool bWeak = !m_stModem.Air().StrongEnoughToEnter(*m_stLink.Serving(), m_stModem.Now());
+    const Radio &stAir = m_stModem.Air();
+    const bool bWeak =
+        stAir.Measure(*m_stLink.Serving(), m_stModem.Now()).fCINR < stAir.Thresholds().fScanCINR;
     return {static_cast<uint8_t>(bWeak ? Passed : Failed), Trigger(true), Trigger(false)};
 }
 
-// How many bursts got through at the first attempt, the second and so on: nine out of
-// ten of those that are left, the last attempt all.
+// How many bursts got through at the first attempt, the second and so on, at the last one all that
+// are left.
 Bytes MIBStatistics::Attempts(bool bDownlink) {
     Sample();
-    const uint32_t u32All = bDownlink ? m_u32DLBursts : m_u32ULBursts;
-    const uint32_t u32After1 = u32All / 10;
-    const uint32_t u32After2 = u32All / 100;
-    const uint32_t u32After3 = u32All / 1000;
-    return Words({u32All - u32After1, u32After1 - u32After2, u32After2 - u32After3, u32After3});
+    const std::array<double, u32MostAttempts> &afLeft =
+        bDownlink ? m_afDLBurstsAfter : m_afULBurstsAfter;
+    uint32_t u32Before = bDownlink ? m_u32DLBursts : m_u32ULBursts;
+    std::array<uint32_t, u32MostAttempts> au32Completed{};
+    for (uint32_t i = 0; i < u32MostAttempts; ++i) {
+        const bool bLast = i + 1 == u32MostAttempts;
+        const uint32_t u32After = bLast ? 0 : static_cast<uint32_t>(afLeft[i]);
+        au32Completed[i] = u32Before - u32After;
+        u32Before = u32After;
+    }
+    return Words({au32Completed[0], au32Completed[1], au32Completed[2], au32Completed[3]});
 }
 
-// In thousandths, for each attempt.
+// In thousandths, for each attempt that those before have made necessary.
 Bytes MIBStatistics::BurstErrorRate() const {
     if (m_stLink.Serving() == nullptr) {
         return Words({0, 0, 0, 0});
     }
     const double fCINR = m_stModem.Air().Measure(*m_stLink.Serving(), m_stModem.Now()).fCINR;
-    const uint32_t u32First = Rounded(std::clamp(150 - 5 * fCINR, 10.0, 500.0));
-    return Words({u32First, u32First / 10, u32First / 100, 0});
+    const auto PerMille = [fCINR](uint32_t u32Attempt) {
+        return Rounded(1000 * FailureRate(ProfileAt(fCINR), fCINR, u32Attempt));
+    };
+    return Words({PerMille(1), PerMille(2), PerMille(3), PerMille(4)});
 }
 
 Bytes MIBStatistics::SubmapErrors() {

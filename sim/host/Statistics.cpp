@@ -2,7 +2,6 @@
 // errors; reported once or periodically.
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 #include "StationRecords.h"
 #include "air/PhysicalLayer.h"
@@ -20,11 +19,6 @@ constexpr double fHCSShare = 0.25;           // of the frames in error
 constexpr ModemTime i64CQICH = 8 * i64Frame; // between two reports of the channel's quality
 constexpr uint64_t u64PacketsPerBandwidthRequest = 4;
 constexpr ModemTime i64ShortestInterval = i64Frame;
-
-// Half of the frames are lost at this CINR; each so many dB more make it e times
-// fewer.
-constexpr double fHalfLostCINR = 2;
-constexpr double fErrorSlope = 1.2;
 
 class StatisticsReports : public Subsystem {
   public:
@@ -113,8 +107,7 @@ void StatisticsReports::Resynchronised() {
 }
 
 double StatisticsReports::ErrorRate(double fCINR) const {
-    const double fLost = 1 / (1 + std::exp((fCINR - fHalfLostCINR) / fErrorSlope));
-    return std::min(1.0, m_fErrorFloor + fLost);
+    return std::min(1.0, m_fErrorFloor + FailureRate(stBroadcastProfile, fCINR));
 }
 
 StatisticsReports::Counters StatisticsReports::CountersNow() const {

@@ -110,7 +110,7 @@ void Handovers::Look() {
         m_pstCandidate = pstBetter;
         m_iCandidateSince = m_stModem.Now();
     }
-    const ModemTime iTrigger = m_stModem.Air().Margin().iTimeToTrigger;
+    const ModemTime iTrigger = m_stModem.Air().Thresholds().iTimeToTrigger;
     if (pstBetter != nullptr && m_stModem.Now() - m_iCandidateSince >= iTrigger) {
         Begin(*pstBetter, {});
     }
@@ -120,7 +120,7 @@ Station *Handovers::Better() const {
     const ModemTime iNow = m_stModem.Now();
     const Station *pstServing = m_stLink.Serving();
     Radio &stAir = m_stModem.Air();
-    double fLeast = stAir.Measure(*pstServing, iNow).fRSSI + stAir.Margin().fHysteresis;
+    double fLeast = stAir.Measure(*pstServing, iNow).fRSSI + stAir.Thresholds().fHysteresis;
     Station *pstBetter = nullptr;
     for (Station &stStation : stAir.Stations()) {
         const auto pstBarred = m_aiBarredUntil.find(&stStation);

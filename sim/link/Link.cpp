@@ -102,6 +102,13 @@ void Link::RegisterEvents() {
             Radio::Fade(*pstStation, fLoss, stModem.Now(), iDuration);
         };
     });
+    stModem.OnEvent("move", [&stModem](const Section &stSection) {
+        const Place stTo = PlaceIn(stSection);
+        const ModemTime iDuration = stSection.Seconds("over", 0, 1e6, 0);
+        return [&stModem, stTo, iDuration] {
+            stModem.Air().TheRoute().Go(stTo, stModem.Now(), iDuration);
+        };
+    });
     for (const bool bOnAir : {false, true}) {
         stModem.OnEvent(bOnAir ? "appear" : "vanish", [&stModem, bOnAir](const Section &stSection) {
             Station *pstStation = stModem.Air().StationOf(stSection, "station");
@@ -371,15 +378,17 @@ std::vector<uint8_t> Link::SyncStatusOf(uint32_t u32Reason) const {
     if (m_stAt.pstServing != nullptr) {
         const Measurement stMeasurement =
             m_stModem.Air().Measure(*m_stAt.pstServing, m_stModem.Now());
+        const Deviation stDeviation =
+            m_stModem.Air().Deviations(*m_stAt.pstServing, m_stModem.Now());
         const ByteSpan stTo = stAnswer.Span();
         Put(stTo, SyncStatus::u8CompressedMap, m_stAt.pstServing->bCompressedMap ? 1 : 0);
         PutBytes(stTo, SyncStatus::aucBSID.u16Offset,
                  {m_stAt.pstServing->aucBSID.data(), u32BSIDSize});
         Put(stTo, SyncStatus::u32PreambleID, m_stAt.pstServing->u32Preamble);
         Put(stTo, SyncStatus::s32CINRMean, Rounded(stMeasurement.fCINR));
-        Put(stTo, SyncStatus::s32CINRDeviation, Rounded(stMeasurement.fCINRDeviation));
+        Put(stTo, SyncStatus::s32CINRDeviation, Rounded(stDeviation.fCINR));
         Put(stTo, SyncStatus::s32RSSIMean, Rounded(stMeasurement.fRSSI));
-        Put(stTo, SyncStatus::s32RSSIDeviation, Rounded(stMeasurement.fRSSIDeviation));
+        Put(stTo, SyncStatus::s32RSSIDeviation, Rounded(stDeviation.fRSSI));
         Put(stTo, SyncStatus::u32CenterFrequency, m_stAt.pstServing->u32Frequency);
         Put(stTo, SyncStatus::u32Bandwidth, m_stAt.pstServing->u32Bandwidth);
         Put(stTo, SyncStatus::u32DCDChangeCount, m_stAt.pstServing->u32DCDChangeCount);
@@ -391,16 +400,17 @@ std::vector<uint8_t> Link::SyncStatusOf(uint32_t u32Reason) const {
 void Link::PutBaseInformation(ByteSpan stTo) const {
     constexpr uint32_t u32kHzPerMHz = 1000;
     const Measurement stMeasurement = m_stModem.Air().Measure(*m_stAt.pstServing, m_stModem.Now());
+    const Deviation stDeviation = m_stModem.Air().Deviations(*m_stAt.pstServing, m_stModem.Now());
     const ModemTime iUp = Registered() ? m_stModem.Now() - m_iUpSince : 0;
     PutBytes(stTo, BaseInformation::aucBSID.u16Offset,
              {m_stAt.pstServing->aucBSID.data(), u32BSIDSize});
     Put(stTo, BaseInformation::u8ULCellID, m_stAt.pstServing->u32CellID);
     Put(stTo, BaseInformation::u8PreambleIndex, m_stAt.pstServing->u32Preamble);
     Put(stTo, BaseInformation::s16CINRMean, Rounded(stMeasurement.fCINR));
-    Put(stTo, BaseInformation::s16CINRDeviation, Rounded(stMeasurement.fCINRDeviation));
+    Put(stTo, BaseInformation::s16CINRDeviation, Rounded(stDeviation.fCINR));
     Put(stTo, BaseInformation::u32Duration, static_cast<uint32_t>(iUp / i64Second));
     Put(stTo, BaseInformation::u32MeanRSSI, Rounded(stMeasurement.fRSSI));
-    Put(stTo, BaseInformation::u32RSSIDeviation, Rounded(stMeasurement.fRSSIDeviation));
+    Put(stTo, BaseInformation::u32RSSIDeviation, Rounded(stDeviation.fRSSI));
     Put(stTo, BaseInformation::u32ULCenterFrequency,
         m_stAt.pstServing->u32Frequency / u32kHzPerMHz);
     Put(stTo, BaseInformation::u32DLCenterFrequency,

@@ -136,6 +136,12 @@ ScenarioError ErrorIn(const ScenarioValue &stValue, const std::string &strReason
     return {*stValue.pstrFile, stValue.u32Line, strReason};
 }
 
+// A path that a file names is taken from that file's own directory.
+std::string PathBeside(const ScenarioValue &stPath) {
+    return (std::filesystem::path(*stPath.pstrFile).parent_path() / stPath.strText)
+        .lexically_normal();
+}
+
 std::string ReadPresent(const std::string &strPath) {
     std::optional<std::string> strText = ReadTextFile(strPath);
     if (!strText) {
@@ -218,10 +224,7 @@ class Loader {
         if (stPath.eKind != Kind::Text) {
             throw ErrorIn(stPath, "\"include\" must be a file in quotes, or a list of such");
         }
-        // Beside the file that says so.
-        const std::string strPath =
-            (std::filesystem::path(*stPath.pstrFile).parent_path() / stPath.strText)
-                .lexically_normal();
+        const std::string strPath = PathBeside(stPath);
         if (std::find(m_astrWithin.begin(), m_astrWithin.end(), strPath) != m_astrWithin.end()) {
             throw ErrorIn(stPath, "\"include\" names a file that includes this one");
         }
@@ -348,6 +351,11 @@ std::string Section::Text(std::string_view strKey,
         Refuse(strKey, "must be a text in quotes");
     }
     return pstValue->strText;
+}
+
+std::string Section::Path(std::string_view strKey) const {
+    (void)Text(strKey); // refuses what is none
+    return PathBeside(*Find(strKey));
 }
 
 uint32_t Section::Choice(std::string_view strKey, std::span<const ScenarioWord> astWords,

@@ -46,6 +46,8 @@ class Section {
     bool Flag(std::string_view strKey, std::optional<bool> bDefault = std::nullopt) const;
     std::string Text(std::string_view strKey,
                      std::optional<std::string_view> strDefault = std::nullopt) const;
+    // A file's path, taken from the directory of the scenario file that names it.
+    std::string Path(std::string_view strKey) const;
     // One of the words of a table.
     uint32_t Choice(std::string_view strKey, std::span<const ScenarioWord> astWords,
                     std::optional<uint32_t> u32Default = std::nullopt) const;

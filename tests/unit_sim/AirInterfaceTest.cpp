@@ -20,6 +20,8 @@ Station StationAt(uint32_t u32Frequency, uint32_t u32Bandwidth) {
     stStation.u32Preamble = 3;
     stStation.u32DCDChangeCount = 5;
     stStation.u32CellID = 9;
+    stStation.iPower = 43;
+    stStation.u32PagingGroup = 1;
     return stStation;
 }
 
@@ -54,7 +56,8 @@ TEST(PhysicalLayer, AFrameIsLaidOutByTheBandwidth) {
 }
 
 // 11.4.1 (power, gaps, frequency, station), 11.4.2 (a burst profile for each code of the maps),
-// 11.18.2 (mobility); 11.1.7 (whole dB, milliseconds).
+// 11.18.2 (mobility); 11.1.7 (whole dB, milliseconds; triggers: CINR of the station below so many
+// half dB, scan; RSSI of a neighbour above the station's by so many quarters, handover).
 TEST(AirInterface, ADCDDescribesTheChannelAndEveryProfile) {
     const Station stStation = StationAt(2587500, 10000);
     const std::string strProfiles = "01 04 00 96 01 0D 01 04 01 96 01 0F 01 04 02 96 01 10 "
@@ -63,11 +66,17 @@ TEST(AirInterface, ADCDDescribesTheChannelAndEveryProfile) {
     const std::string strChannel = "00 05 02 02 00 2B 07 02 01 28 08 01 A8 09 02 FF A6 "
                                    "0C 04 00 27 7B 6C 0D 06 00 12 0A 01 02 03 "
                                    "1F 01 06 20 01 0A 32 01 80 ";
-    EXPECT_EQ(HexOf(DCDBody(stStation, {6, 200 * i64Millisecond})),
-              strChannel + "33 01 06 34 01 C8 23 02 00 01 94 01 05 " + strProfiles);
+    EXPECT_EQ(HexOf(DCDBody(stStation, {6, 200 * i64Millisecond, 8})),
+              strChannel +
+                  "33 01 06 34 01 C8 36 06 01 01 33 02 01 10 36 06 01 01 5A 02 01 18 "
+                  "23 02 00 01 94 01 05 " +
+                  strProfiles);
     // A second does not go into a byte of milliseconds.
-    EXPECT_EQ(HexOf(DCDBody(stStation, {4, i64Second})),
-              strChannel + "33 01 04 23 02 00 01 94 01 05 " + strProfiles);
+    EXPECT_EQ(HexOf(DCDBody(stStation, {4, i64Second, -3})),
+              strChannel +
+                  "33 01 04 36 06 01 01 33 02 01 FA 36 06 01 01 5A 02 01 10 "
+                  "23 02 00 01 94 01 05 " +
+                  strProfiles);
 }
 
 // 11.3.1 (backoffs, frequency, ranging codes, permutation), 11.3.1.1 (burst profiles).
@@ -136,22 +145,22 @@ TEST(PhysicalLayer, AFrameIsFilledToItsEndAtAnyBandwidth) {
 // 11.12: TLVs 5 and 6 of the report. 8.4.11.2, 8.4.11.3: from -123 dBm and -10 dB on; the
 // deviation is a level of the same scale, for 1 dB it lies 5.9 dB below the mean.
 TEST(AirInterface, AREPRSPHasMeanAndDeviationOfOneScale) {
-    EXPECT_EQ(HexOf(REPRSPBody({-65, 1, 23, 1})), "01 08 05 02 21 1B 06 02 3A 34");
-    EXPECT_EQ(HexOf(REPRSPBody({-65, 3, 23, 2})), "01 08 05 02 21 1F 06 02 3A 3A");
+    EXPECT_EQ(HexOf(REPRSPBody({-65, 23}, {1, 1})), "01 08 05 02 21 1B 06 02 3A 34");
+    EXPECT_EQ(HexOf(REPRSPBody({-65, 23}, {3, 2})), "01 08 05 02 21 1F 06 02 3A 3A");
     // Nothing moves; and beyond both ends.
-    EXPECT_EQ(HexOf(REPRSPBody({-65, 0, 23, 0})), "01 08 05 02 21 00 06 02 3A 00");
-    EXPECT_EQ(HexOf(REPRSPBody({-30, 0, 60, 0})), "01 08 05 02 3F 00 06 02 53 00");
-    EXPECT_EQ(HexOf(REPRSPBody({-140, 0, -20, 0})), "01 08 05 02 00 00 06 02 00 00");
+    EXPECT_EQ(HexOf(REPRSPBody({-65, 23}, {0, 0})), "01 08 05 02 21 00 06 02 3A 00");
+    EXPECT_EQ(HexOf(REPRSPBody({-30, 60}, {0, 0})), "01 08 05 02 3F 00 06 02 53 00");
+    EXPECT_EQ(HexOf(REPRSPBody({-140, -20}, {0, 0})), "01 08 05 02 00 00 06 02 00 00");
 }
 
 // 6.3.2.3.48: CINR and RSSI; no index; one station by its ID, with preamble, half dB and quarters
 // from -103.75 dBm on; no arrival difference, one active station: bits 0 0001 0000, then 28 dB
 // (0x38) and -58 dBm (0xB7) behind nine bits, seven bits of padding.
 TEST(AirInterface, AMSHOREQReportsBothStationsInItsOwnScales) {
-    EXPECT_EQ(HexOf(MSHOREQBody(StationAt(2600000, 10000), {-65, 0, 23, 0}, {-58, 0, 28, 0})),
+    EXPECT_EQ(HexOf(MSHOREQBody(StationAt(2600000, 10000), {-65, 23}, {-58, 28})),
               "03 00 01 00 12 0A 01 02 03 03 2E 9B 08 1C 5B 80");
     // Below and above what the scales have.
-    EXPECT_EQ(HexOf(MSHOREQBody(StationAt(2600000, 10000), {-110, 0, -3.5, 0}, {-30, 0, 70, 0})),
+    EXPECT_EQ(HexOf(MSHOREQBody(StationAt(2600000, 10000), {-110, -3.5}, {-30, 70})),
               "03 00 01 00 12 0A 01 02 03 03 F9 00 08 3F FF 80");
 }
 

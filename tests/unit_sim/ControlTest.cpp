@@ -195,12 +195,13 @@ TEST_F(Steering, FaultsAreAddedAndSwitched) {
 
 TEST_F(Steering, HelpNamesEveryCommandAndEvent) {
     Open(strStepped);
-    EXPECT_EQ(Say("help"),
-              "ok state; stations; advance SECONDS; until TYPE/SUBTYPE|idle [limit=SECONDS]; "
-              "time-scale [SCALE]; seed; fault KIND [KEY=VALUE]...; fault on|off NUMBER|all; help; "
-              "EVENT [KEY=VALUE]..., EVENT one of fade vanish appear link-loss dreg reset paging "
-              "complete-wake-up firmware-shutdown half-mini-card-wake-up half-mini-card-shutdown "
-              "device-unload ip-filter-status message flow-deleted traffic-waits handover crash");
+    EXPECT_EQ(
+        Say("help"),
+        "ok state; stations; advance SECONDS; until TYPE/SUBTYPE|idle [limit=SECONDS]; "
+        "time-scale [SCALE]; seed; fault KIND [KEY=VALUE]...; fault on|off NUMBER|all; help; "
+        "EVENT [KEY=VALUE]..., EVENT one of fade move vanish appear link-loss dreg reset paging "
+        "complete-wake-up firmware-shutdown half-mini-card-wake-up half-mini-card-shutdown "
+        "device-unload ip-filter-status message flow-deleted traffic-waits handover crash");
 }
 
 TEST_F(Steering, WhatIsNoCommandIsRefusedAndChangesNothing) {
