@@ -81,6 +81,8 @@ enum : uint32_t {
     MACAddress = 2,
     ServingBSID = 5,
     Purpose = 6,
+    PowerDown = 8,
+    PagingController = 9,
     MACVersion = 148,
 };
 }
@@ -94,6 +96,9 @@ enum : uint32_t {
     BasicCID = 9,
     PrimaryCID = 10,
     Optimisation = 21,
+    LocationUpdated = 23,
+    PagingInformation = 24,
+    PagingController = 25,
     Code = 150,
 };
 }
@@ -380,9 +385,18 @@ BitWriter RNGREQBody(RangingPurpose ePurpose, const MACAddressBytes &aucMAC,
     BitWriter stBody;
     stBody.U8(0);
     stBody.TLV(RNGREQTLV::BurstProfile, stWanted).TLV(RNGREQTLV::MACAddress, ViewOf(aucMAC));
-    if (ePurpose != RangingPurpose::Entry && pstFormer != nullptr) {
-        stBody.TLV(RNGREQTLV::ServingBSID, ViewOf(pstFormer->aucBSID));
-        stBody.TLV(RNGREQTLV::Purpose, 1, 1); // handover, or back from idle mode
+    constexpr uint32_t u32Handover = 0x01;
+    constexpr uint32_t u32LocationUpdate = 0x02;
+    if (ePurpose == RangingPurpose::Handover) {
+        stBody.TLV(RNGREQTLV::ServingBSID, ViewOf(pstFormer->aucBSID))
+            .TLV(RNGREQTLV::Purpose, 1, u32Handover);
+    } else if (ePurpose != RangingPurpose::Entry) {
+        stBody.TLV(RNGREQTLV::Purpose, 1,
+                   ePurpose == RangingPurpose::IdleReentry ? 0 : u32LocationUpdate);
+        if (ePurpose == RangingPurpose::PowerDown) {
+            stBody.TLV(RNGREQTLV::PowerDown, 1, 1);
+        }
+        stBody.TLV(RNGREQTLV::PagingController, ViewOf(pstFormer->aucBSID));
     }
     return stBody.TLV(RNGREQTLV::MACVersion, 1, u32MACVersion);
 }
@@ -417,6 +431,28 @@ BitWriter RNGRSPBody(RangingStatus eStatus, const MACAddressBytes &aucMAC,
         stBody.TLV(RNGRSPTLV::Optimisation, 2, *pstAdmission->u32Optimisation);
     }
     return stBody;
+}
+
+namespace {
+
+constexpr uint32_t u32FramesPerSecond = 200;
+
+// Cycle in frames, offset, group.
+BitWriter PagingInformation(const Station &stStation, uint32_t u32PagingCycle) {
+    BitWriter stPaging;
+    stPaging.U16(u32PagingCycle * u32FramesPerSecond).U8(0).U16(stStation.u32PagingGroup);
+    return stPaging;
+}
+
+} // namespace
+
+BitWriter RNGRSPBody(const MACAddressBytes &aucMAC, const Station &stStation,
+                     uint32_t u32PagingCycle) {
+    constexpr uint32_t u32Updated = 0;
+    return RNGRSPBody(RangingStatus::Success, aucMAC, nullptr)
+        .TLV(RNGRSPTLV::LocationUpdated, 1, u32Updated)
+        .TLV(RNGRSPTLV::PagingInformation, PagingInformation(stStation, u32PagingCycle))
+        .TLV(RNGRSPTLV::PagingController, ViewOf(stStation.aucBSID));
 }
 
 BitWriter CIDUpdateBody(std::span<const FlowCID> astFlows) {
@@ -547,7 +583,6 @@ namespace DREGTLV {
 enum : uint32_t { PagingInformation = 1, PagingController = 3, Retain = 4, PagingCycle = 52 };
 }
 constexpr uint32_t u32RetainAll = 0x7F;
-constexpr uint32_t u32FramesPerSecond = 200;
 
 } // namespace
 
@@ -566,9 +601,7 @@ BitWriter DREGCMDBody(const Station &stStation, uint32_t u32Action, uint32_t u32
     BitWriter stBody;
     stBody.U8(u32Action);
     if (u32Action == u32GoIdle) {
-        BitWriter stPaging;
-        stPaging.U16(u32PagingCycle * u32FramesPerSecond).U8(0).U16(stStation.u32PagingGroup);
-        stBody.TLV(DREGTLV::PagingInformation, stPaging)
+        stBody.TLV(DREGTLV::PagingInformation, PagingInformation(stStation, u32PagingCycle))
             .TLV(DREGTLV::PagingController, ViewOf(stStation.aucBSID))
             .TLV(DREGTLV::Retain, 1, u32RetainAll);
     }
@@ -630,13 +663,87 @@ BitWriter REPRSPBody(const Measurement &stMeasurement, const Deviation &stDeviat
     return stBody.TLV(u32Report, stReport);
 }
 
+namespace {
+
+constexpr uint32_t u32CINRAndRSSI = 0x03; // of the report metrics
+
+void PutLevels(BitWriter &stTo, const Measurement &stLevels) {
+    stTo.U8(MobilityCINR(stLevels.fCINR)).U8(MobilityRSSI(stLevels.fRSSI));
+}
+
+// A scan takes so many frames, once.
+constexpr uint32_t u32ScanFrames = 4;
+constexpr uint32_t u32ScanStart = 2; // frames from now
+constexpr uint32_t u32Interleaving = 0;
+constexpr uint32_t u32Iterations = 1;
+
+// None by its place in the neighbour advertisement, one by its ID, without association.
+void PutScanned(BitWriter &stTo, const Station &stNeighbour) {
+    stTo.U8(0).U8(1).Bytes(ViewOf(stNeighbour.aucBSID)).Bits(0, 3);
+}
+
+// Recommended, with resources kept: one station, and when to range there.
+void PutRecommendation(BitWriter &stTo, const Station &stServing, const Station &stTarget) {
+    constexpr uint32_t u32AllServices = 2;
+    constexpr uint32_t u32ActionTime = 2; // frames
+    stTo.Bits(0, 1)
+        .Bits(1, 1)
+        .Bits(0, 6)
+        .U8(1)
+        .Bytes(ViewOf(stTarget.aucBSID))
+        .U8(stTarget.u32Preamble)
+        .U8(u32AllServices)
+        .U8(Optimisation(stServing, stTarget)) // of two bytes the lower one
+        .Bits(0, 3)                            // no network assistance, ID or policy
+        .Pad()
+        .U8(u32ActionTime);
+}
+
+} // namespace
+
+BitWriter SCNREQBody(const Station &stNeighbour) {
+    BitWriter stBody;
+    stBody.U8(u32ScanFrames).U8(u32Interleaving).U8(u32Iterations);
+    PutScanned(stBody, stNeighbour);
+    return stBody.Pad();
+}
+
+BitWriter SCNRSPBody(const Station &stNeighbour) {
+    constexpr uint32_t u32ReportOnce = 3;
+    BitWriter stBody;
+    stBody.U8(u32ScanFrames).Bits(u32ReportOnce, 2).Bits(0, 6).U8(0).U8(u32CINRAndRSSI);
+    stBody.Bits(u32ScanStart, 4).Bits(0, 1).U8(u32Interleaving).U8(u32Iterations).Bits(0, 3);
+    PutScanned(stBody, stNeighbour);
+    return stBody.Pad();
+}
+
+BitWriter SCNREPBody(const Station &stNeighbour, const Measurement &stThere,
+                     const Measurement &stHere) {
+    BitWriter stBody;
+    stBody
+        .Bits(0, 1) // by event
+        .Bits(0, 1) // whole IDs
+        .Bits(1, 3) // active stations
+        .Bits(0, 3)
+        .U8(u32CINRAndRSSI)
+        .Bits(0, 4) // the temporary ID of the only one
+        .Bits(0, 4);
+    PutLevels(stBody, stHere);
+    stBody.U8(0).U8(1).Bytes(ViewOf(stNeighbour.aucBSID));
+    PutLevels(stBody, stThere);
+    return stBody;
+}
+
+BitWriter BSHOREQBody(const Station &stServing, const Station &stTarget) {
+    BitWriter stBody;
+    stBody.Bits(0, 1).Bits(0, 3).Pad(); // handover, without the network's assistance
+    PutRecommendation(stBody, stServing, stTarget);
+    return stBody;
+}
+
 BitWriter MSHOREQBody(const Station &stTarget, const Measurement &stThere,
                       const Measurement &stHere) {
-    constexpr uint32_t u32CINRAndRSSI = 0x03;
     constexpr uint32_t u32ServingStation = 0; // the temporary ID of the only active station
-    const auto PutLevels = [](BitWriter &stTo, const Measurement &stLevels) {
-        stTo.U8(MobilityCINR(stLevels.fCINR)).U8(MobilityRSSI(stLevels.fRSSI));
-    };
     BitWriter stBody;
     stBody.U8(u32CINRAndRSSI)
         .U8(0) // stations by their place in the neighbour advertisement
@@ -653,22 +760,9 @@ BitWriter MSHOREQBody(const Station &stTarget, const Measurement &stThere,
 }
 
 BitWriter BSHORSPBody(const Station &stServing, const Station &stTarget) {
-    constexpr uint32_t u32AllServices = 2;
-    constexpr uint32_t u32ActionTime = 2; // frames
     BitWriter stBody;
-    stBody.Bits(0, 3)
-        .Bits(0, 5) // handover, as it was asked for
-        .Bits(0, 1) // recommended
-        .Bits(1, 1) // resources are kept
-        .Bits(0, 6)
-        .U8(1)
-        .Bytes(ViewOf(stTarget.aucBSID))
-        .U8(stTarget.u32Preamble)
-        .U8(u32AllServices)
-        .U8(Optimisation(stServing, stTarget)) // of two bytes the lower one
-        .Bits(0, 3)                            // no network assistance, ID or policy
-        .Pad()
-        .U8(u32ActionTime);
+    stBody.Bits(0, 3).Pad(); // handover, as it was asked for
+    PutRecommendation(stBody, stServing, stTarget);
     return stBody;
 }
 

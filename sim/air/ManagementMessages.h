@@ -44,9 +44,13 @@ enum : uint32_t {
     SLPRSP = 51,
     TRFIND = 52,
     NBRADV = 53,
+    SCNREQ = 54,
+    SCNRSP = 55,
+    BSHOREQ = 56,
     MSHOREQ = 57,
     BSHORSP = 58,
     HOIND = 59,
+    SCNREP = 60,
     PAGADV = 61,
 };
 }
@@ -105,8 +109,9 @@ BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame, const BurstProf
 BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants);
 
 // Ranging.
-enum class RangingPurpose : uint8_t { Entry, Handover, IdleReentry };
-// With the burst profile that the modem wants.
+enum class RangingPurpose : uint8_t { Entry, Handover, IdleReentry, LocationUpdate, PowerDown };
+// With the burst profile that the modem wants. In idle mode the former station is the one whose
+// paging controller knows the modem.
 BitWriter RNGREQBody(RangingPurpose ePurpose, const MACAddressBytes &aucMAC,
                      const Station &stStation, const BurstProfile &stProfile,
                      const Station *pstFormer);
@@ -124,6 +129,9 @@ struct Admission {
     uint32_t u32PrimaryCID;
     std::optional<uint32_t> u32Optimisation; // not at the first entry
 };
+// In answer to a location update: from now on the modem is paged there, every so many seconds.
+BitWriter RNGRSPBody(const MACAddressBytes &aucMAC, const Station &stStation,
+                     uint32_t u32PagingCycle);
 // In answer to a RNG-REQ; null when the modem is not let in.
 BitWriter RNGRSPBody(RangingStatus eStatus, const MACAddressBytes &aucMAC,
                      const Admission *pstAdmission);
@@ -182,7 +190,14 @@ uint32_t CINRCode(double fCINR);
 BitWriter REPREQBody();
 BitWriter REPRSPBody(const Measurement &stMeasurement, const Deviation &stDeviation);
 
-// Handover.
+// Looking at a neighbour: asked for, allowed, reported.
+BitWriter SCNREQBody(const Station &stNeighbour);
+BitWriter SCNRSPBody(const Station &stNeighbour);
+BitWriter SCNREPBody(const Station &stNeighbour, const Measurement &stThere,
+                     const Measurement &stHere);
+
+// Handover: as the modem asks for it, or as the station orders it.
+BitWriter BSHOREQBody(const Station &stServing, const Station &stTarget);
 BitWriter MSHOREQBody(const Station &stTarget, const Measurement &stThere,
                       const Measurement &stHere);
 BitWriter BSHORSPBody(const Station &stServing, const Station &stTarget);

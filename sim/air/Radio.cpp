@@ -333,6 +333,24 @@ Station *Radio::Strongest(uint32_t u32Frequency, uint32_t u32Bandwidth, uint32_t
     return pstStrongest;
 }
 
+Station *Radio::StrongestOfNetwork(const Station &stStation, double fAbove, ModemTime iNow,
+                                   const std::function<bool(const Station &)> &pfnLeaveOut) {
+    Station *pstStrongest = nullptr;
+    double fMost = fAbove;
+    for (Station &stOther : m_astStations) {
+        if (&stOther == &stStation || stOther.NAPID() != stStation.NAPID() ||
+            (pfnLeaveOut && pfnLeaveOut(stOther)) || !Receivable(stOther, iNow)) {
+            continue;
+        }
+        const double fRSSI = Measure(stOther, iNow).fRSSI;
+        if (fRSSI > fMost) {
+            fMost = fRSSI;
+            pstStrongest = &stOther;
+        }
+    }
+    return pstStrongest;
+}
+
 void Radio::Fade(Station &stStation, double fLoss, ModemTime iNow, ModemTime iDuration) {
     stStation.fLossBefore = LossAt(stStation, iNow);
     stStation.fLossAfter = stStation.fLossBefore + fLoss;

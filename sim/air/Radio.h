@@ -5,6 +5,7 @@
 
 #include <array>
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -111,6 +112,10 @@ class Radio {
     // On the air and strong enough to be noticed.
     bool Receivable(const Station &stStation, ModemTime iNow) const;
     bool StrongEnoughToEnter(const Station &stStation, ModemTime iNow) const;
+    // The strongest receivable station of the same network access provider that is received with
+    // more than fAbove dBm; one that pfnLeaveOut names is none. Null when there is none.
+    Station *StrongestOfNetwork(const Station &stStation, double fAbove, ModemTime iNow,
+                                const std::function<bool(const Station &)> &pfnLeaveOut = {});
     // The strongest receivable station there; u32Preamble may be
     // SyncUpRequest::AnyPreamble. Null when there is none.
     Station *Strongest(uint32_t u32Frequency, uint32_t u32Bandwidth, uint32_t u32Preamble,

@@ -706,15 +706,57 @@ void Signalling::Paged() {
              PAGADVBody(*m_stAt.pstServing, &m_aucAddress));
 }
 
-void Signalling::HandoverBegins(const Station &stTarget) {
+bool Signalling::LocationUpdated() {
+    const Station &stStation = *m_stAt.pstServing;
+    Range(stStation, RangingPurpose::LocationUpdate);
+    if (!m_stAir.StrongEnoughToEnter(stStation, m_stClock.Now())) {
+        return false;
+    }
+    SayLocationUpdated(stStation);
+    m_pstFormer = &stStation;
+    return true;
+}
+
+void Signalling::GoesFromIdle() {
+    const Station &stStation = *m_stAt.pstServing;
+    Range(stStation, RangingPurpose::PowerDown);
+    if (m_stAir.StrongEnoughToEnter(stStation, m_stClock.Now())) {
+        SayLocationUpdated(stStation);
+    }
+}
+
+void Signalling::SayLocationUpdated(const Station &stStation) {
+    SayLater(MessageCode::RNGRSP, bDown, WellKnownCID::InitialRanging,
+             RNGRSPBody(m_aucAddress, stStation, PagingCycle()), Protection::Tuple);
+}
+
+void Signalling::Scanned(const Station &stNeighbour) {
+    SayLater(MessageCode::SCNREQ, bUp, m_u32BasicCID, SCNREQBody(stNeighbour), Protection::Tuple);
+    SayLater(MessageCode::SCNRSP, bDown, m_u32BasicCID, SCNRSPBody(stNeighbour), Protection::Tuple);
+    Later([this, &stNeighbour] {
+        if (m_stAt.eState == LinkUp) {
+            Say(MessageCode::SCNREP, bUp, m_u32PrimaryCID,
+                SCNREPBody(stNeighbour, m_stAir.Measure(stNeighbour, m_stClock.Now()),
+                           m_stAir.Measure(*m_stAt.pstServing, m_stClock.Now())),
+                Protection::Tuple);
+        }
+    });
+}
+
+void Signalling::HandoverBegins(const Station &stTarget, bool bOrdered) {
     const Station &stServing = *m_stAt.pstServing;
     m_pstTarget = &stTarget;
-    SayLater(MessageCode::MSHOREQ, bUp, m_u32BasicCID,
-             MSHOREQBody(stTarget, m_stAir.Measure(stTarget, m_stClock.Now()),
-                         m_stAir.Measure(stServing, m_stClock.Now())),
-             Protection::Tuple);
-    SayLater(MessageCode::BSHORSP, bDown, m_u32BasicCID, BSHORSPBody(stServing, stTarget),
-             Protection::Tuple);
+    if (bOrdered) {
+        SayLater(MessageCode::BSHOREQ, bDown, m_u32BasicCID, BSHOREQBody(stServing, stTarget),
+                 Protection::Tuple);
+    } else {
+        SayLater(MessageCode::MSHOREQ, bUp, m_u32BasicCID,
+                 MSHOREQBody(stTarget, m_stAir.Measure(stTarget, m_stClock.Now()),
+                             m_stAir.Measure(stServing, m_stClock.Now())),
+                 Protection::Tuple);
+        SayLater(MessageCode::BSHORSP, bDown, m_u32BasicCID, BSHORSPBody(stServing, stTarget),
+                 Protection::Tuple);
+    }
     SayLater(MessageCode::HOIND, bUp, m_u32BasicCID, HOINDBody(ServingReleased, stTarget),
              Protection::Tuple);
     Range(stTarget, RangingPurpose::Handover);

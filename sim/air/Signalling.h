@@ -104,8 +104,15 @@ class Signalling {
     void DREGReceived(uint32_t u32Action);
     // The modem has found itself in a paging message.
     void Paged();
+    // In idle mode: tells the station that the modem listens to where it is. False when the station
+    // does not hear it.
+    bool LocationUpdated();
+    // The same, for the last time: it goes.
+    void GoesFromIdle();
     // A handover: towards the target, one more ranging attempt there, its end.
-    void HandoverBegins(const Station &stTarget);
+    void HandoverBegins(const Station &stTarget, bool bOrdered);
+    // The modem looks closer at a neighbour.
+    void Scanned(const Station &stNeighbour);
     void HandoverRangingRepeated();
     void HandoverEnds(bool bSuccess);
     // A power saving class as it was asked for and granted: a PSCDefinition record.
@@ -165,6 +172,7 @@ class Signalling {
     void Range(const Station &stStation, RangingPurpose ePurpose);
     void SendCode(const CodeGroup &stGroup, RangingKind eKind);
     void AnswerCode(const Station &stStation, RangingStatus eStatus);
+    void SayLocationUpdated(const Station &stStation);
     int32_t RoundTripTo(const Station &stStation) const;
     void AnswerRNGREQ(RangingPurpose ePurpose, uint32_t u32Optimisation);
     // The answer for a modem that is known, and what belongs to it.

@@ -77,7 +77,8 @@ class Chipset : public Subsystem {
 
     Modem &m_stModem;
     ModemTime m_iResetTime;
-    double m_fRate; // bytes a second
+    ModemTime m_iWatchdog; // from a crash to the reset, 0: none comes
+    double m_fRate;        // bytes a second
     ModemTime m_iRetryAfter;
     uint32_t m_u32Retries;
     bool m_bRequireFiles;
@@ -94,12 +95,15 @@ class Chipset : public Subsystem {
     uint32_t m_u32RetriesLeft = 0;
     Timer m_stStep; // transfer, or the pause before the next one
     Timer m_stBoot;
+    Timer m_stWatchdog;
 };
 
 Chipset::Chipset(Modem &stModem)
-    : m_stModem(stModem), m_stStep(stModem.Clock()), m_stBoot(stModem.Clock()) {
+    : m_stModem(stModem), m_stStep(stModem.Clock()), m_stBoot(stModem.Clock()),
+      m_stWatchdog(stModem.Clock()) {
     const Section stSettings = stModem.Settings("chipset");
     m_iResetTime = stSettings.Seconds("reset-time", 0, 1000, 0.5);
+    m_iWatchdog = stSettings.Seconds("watchdog", 0, 1e6, 0);
     const Section stDownload = stModem.Settings("download");
     m_fRate = stDownload.Number("rate", 1, 1e12, 500000);
     m_iRetryAfter = stDownload.Seconds("retry-after", 0.001, 1e6, 2);
@@ -126,6 +130,9 @@ Chipset::Chipset(Modem &stModem)
             m_stStep.Stop();
             m_stBoot.Stop();
             m_stModem.Halt();
+            if (m_iWatchdog != 0) {
+                m_stWatchdog.Start(m_iWatchdog, [this] { Boot(); });
+            }
         };
     });
 }
@@ -135,6 +142,7 @@ void Chipset::Start() {
     m_bCrashed = false;
     m_stStep.Stop();
     m_stBoot.Stop();
+    m_stWatchdog.Stop();
 }
 
 int32_t Chipset::Reset() {
@@ -145,6 +153,7 @@ int32_t Chipset::Reset() {
 
 // The modem is gone until it has started again.
 void Chipset::Boot() {
+    m_stWatchdog.Stop();
     m_stModem.Halt();
     m_stBoot.StartAnswer(m_iResetTime, [this] {
         m_stModem.Restart();

@@ -1,4 +1,5 @@
-// Messages that only a scenario's event brings about.
+// Messages that only a scenario's event brings about, and requests that come from elsewhere than
+// the client.
 #include "DeviceRecords.h"
 #include "host/HostSubsystems.h"
 #include "modem/Modem.h"
@@ -9,6 +10,14 @@ class Indications : public Subsystem {
   public:
     explicit Indications(Modem &stModem);
 };
+
+std::vector<uint8_t> MessageIn(const Section &stSection) {
+    std::vector<uint8_t> aucMessage = stSection.Bytes("bytes", WIMAX_MESSAGE_SIZE);
+    if (aucMessage.size() < MessageHeader::Size) {
+        stSection.Refuse("bytes", "must hold at least the four bytes of type and subtype");
+    }
+    return aucMessage;
+}
 
 Indications::Indications(Modem &stModem) {
     stModem.OnEvent("device-unload",
@@ -21,11 +30,12 @@ Indications::Indications(Modem &stModem) {
             stModem.Tell(TYPE_DEVICE_CONFIG, SUBTYPE_IP_FILTER_STATUS_IND, stIndication.View());
         };
     });
+    stModem.OnEvent("request", [&stModem](const Section &stSection) {
+        const std::vector<uint8_t> aucRequest = MessageIn(stSection);
+        return [&stModem, aucRequest] { stModem.SendByItself(aucRequest); };
+    });
     stModem.OnEvent("message", [&stModem](const Section &stSection) {
-        const std::vector<uint8_t> aucMessage = stSection.Bytes("bytes", WIMAX_MESSAGE_SIZE);
-        if (aucMessage.size() < MessageHeader::Size) {
-            stSection.Refuse("bytes", "must hold at least the four bytes of type and subtype");
-        }
+        const std::vector<uint8_t> aucMessage = MessageIn(stSection);
         return [&stModem, aucMessage] { stModem.TellBytes(aucMessage); };
     });
 }

@@ -295,21 +295,28 @@ class ServiceFlows : public Subsystem {
     void Start() override;
 
   private:
-    void ReadProvisioned(const Section &stSection);
+    static ProvisionedFlow ReadFlow(const Section &stSection);
     // Asks the station over the air, false when there is nothing to ask for; finishes the request
     // when it has had the time to answer, unless the modem is reset.
-    using Asking = bool (ServiceFlows::*)(ByteView stRequest);
-    using Finishing = void (ServiceFlows::*)(ByteView stRequest, bool bAsked);
+    using Asking = bool (ServiceFlows::*)(ByteView stRequest, const Transaction &stTransaction);
+    using Finishing = void (ServiceFlows::*)(ByteView stRequest, const Transaction &stTransaction,
+                                             bool bAsked);
     int32_t Ask(const Request &stRequest, uint32_t u32RecordSize, Asking pfnAsk,
                 Finishing pfnFinish);
-    bool AskAdd(ByteView stRequest);
-    bool AskChange(ByteView stRequest);
-    bool AskDelete(ByteView stRequest);
-    void FinishAdd(ByteView stRequest, bool bAsked);
-    void FinishChange(ByteView stRequest, bool bAsked);
-    void FinishDelete(ByteView stRequest, bool bAsked);
+    bool AskAdd(ByteView stRequest, const Transaction &stTransaction);
+    bool AskChange(ByteView stRequest, const Transaction &stTransaction);
+    bool AskDelete(ByteView stRequest, const Transaction &stTransaction);
+    void FinishAdd(ByteView stRequest, const Transaction &stTransaction, bool bAsked);
+    void FinishChange(ByteView stRequest, const Transaction &stTransaction, bool bAsked);
+    void FinishDelete(ByteView stRequest, const Transaction &stTransaction, bool bAsked);
+    // What the network does by itself.
+    void AddByStation(const ProvisionedFlow &stProvisioned);
+    struct Rates {
+        uint32_t u32Most;
+        uint32_t u32Least;
+    };
+    void ChangeByStation(uint32_t u32SFID, const Rates &stRates);
     void DeleteByStation(uint32_t u32SFID);
-    void Delete(ByteView stRequest, const Transaction &stTransaction, bool bAsked);
     // The flow that a change request means; null when there is none.
     Flow *FlowToChange(ByteView stRequest);
     uint32_t NextCID(uint32_t u32Direction);
@@ -325,6 +332,8 @@ class ServiceFlows : public Subsystem {
     Flow *FlowWith(uint32_t Flow::*pu32Member, uint32_t u32Value);
     void Delete(const Flow *pstFlow);
     void Provision(bool bOverTheAir);
+    // Null when there is no room for it.
+    const Flow *SetUp(const ProvisionedFlow &stProvisioned, bool bOverTheAir);
     void OnLinkChange(const LinkChange &stChange);
     void Tell(uint32_t u32SubType, ByteView stRequest, FlowBytes stRecord, Confirmation eCode);
     bool LinkUp() const { return m_stModem.TheLink().State() == LinkState::LinkUp; }
@@ -361,7 +370,7 @@ ServiceFlows::ServiceFlows(Modem &stModem) : m_stModem(stModem), m_stProvisionin
     m_iTransactionTime = stSettings.Seconds("transaction-time", 0, 1000, 0.1);
     m_iProvisioningTime = stSettings.Seconds("provisioning-time", 0, 1000, 0.05);
     for (const Section &stSection : stModem.Root().Tables("service-flow")) {
-        ReadProvisioned(stSection);
+        m_astProvisioned.push_back(ReadFlow(stSection));
     }
     stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_DSA, [this](const Request &stRequest) {
         return Ask(stRequest, ServiceFlowRecord::ShortSize, &ServiceFlows::AskAdd,
@@ -377,6 +386,15 @@ ServiceFlows::ServiceFlows(Modem &stModem) : m_stModem(stModem), m_stProvisionin
     });
     stModem.On(TYPE_SERVICE_FLOW, SUBTYPE_ERTPS_CHANGE,
                [this](const Request &stRequest) { return ChangeGrant(stRequest); });
+    stModem.OnEvent("flow-added", [this](const Section &stSection) {
+        return [this, stFlow = ReadFlow(stSection)] { AddByStation(stFlow); };
+    });
+    stModem.OnEvent("flow-changed", [this](const Section &stSection) {
+        const auto u32SFID = static_cast<uint32_t>(stSection.Integer("sfid", 1, UINT32_MAX));
+        const Rates stRates{static_cast<uint32_t>(stSection.Integer("max-rate", 0, UINT32_MAX, 0)),
+                            static_cast<uint32_t>(stSection.Integer("min-rate", 0, UINT32_MAX, 0))};
+        return [this, u32SFID, stRates] { ChangeByStation(u32SFID, stRates); };
+    });
     stModem.OnEvent("flow-deleted", [this](const Section &stSection) {
         const auto u32SFID = static_cast<uint32_t>(stSection.Integer("sfid", 1, UINT32_MAX));
         return [this, u32SFID] { DeleteByStation(u32SFID); };
@@ -392,7 +410,7 @@ ServiceFlows::ServiceFlows(Modem &stModem) : m_stModem(stModem), m_stProvisionin
     stModem.TheLink().OnMove([this] { Reconnect(); });
 }
 
-void ServiceFlows::ReadProvisioned(const Section &stSection) {
+ProvisionedFlow ServiceFlows::ReadFlow(const Section &stSection) {
     const auto ReadNumber = [&](const char *pcKey) {
         return static_cast<uint32_t>(stSection.Integer(pcKey, 0, UINT32_MAX, 0));
     };
@@ -411,7 +429,7 @@ void ServiceFlows::ReadProvisioned(const Section &stSection) {
     if (JudgeSet(stSet) != Accepted) {
         stSection.Refuse("type", "does not go together with the rates");
     }
-    m_astProvisioned.push_back(stFlow);
+    return stFlow;
 }
 
 void ServiceFlows::Start() {
@@ -453,38 +471,93 @@ uint32_t ServiceFlows::NextCID(uint32_t u32Direction) {
     return u32CID;
 }
 
-void ServiceFlows::Provision(bool bOverTheAir) {
+const Flow *ServiceFlows::SetUp(const ProvisionedFlow &stProvisioned, bool bOverTheAir) {
     Signalling &stSignalling = m_stModem.TheSignalling();
+    const Flow stFlow =
+        NewFlow(stProvisioned.u32Direction, stProvisioned.u32Sets, stProvisioned.stSet.View());
+    if (Admit(stFlow) != Accepted) {
+        return nullptr;
+    }
+    m_astFlows.push_back(stFlow);
+    if (bOverTheAir) {
+        const Transaction stTransaction = stSignalling.StationTransaction();
+        FlowParameters stSaid = SaidOf(stFlow);
+        stSaid.astRules = AddedRules(stSaid.stSet, false);
+        stSignalling.FlowAsked(FlowDialogue::Add, stTransaction, stSaid);
+        stSignalling.FlowAnswered(FlowDialogue::Add, stTransaction, SaidOf(stFlow), Accepted);
+    } else {
+        stSignalling.FlowThere(SaidOf(stFlow));
+    }
+    return &m_astFlows.back();
+}
+
+void ServiceFlows::Provision(bool bOverTheAir) {
     for (const ProvisionedFlow &stProvisioned : m_astProvisioned) {
-        const Flow stFlow =
-            NewFlow(stProvisioned.u32Direction, stProvisioned.u32Sets, stProvisioned.stSet.View());
-        if (Admit(stFlow) == Accepted) {
-            m_astFlows.push_back(stFlow);
-            if (bOverTheAir) {
-                const Transaction stTransaction = stSignalling.StationTransaction();
-                FlowParameters stSaid = SaidOf(stFlow);
-                stSaid.astRules = AddedRules(stSaid.stSet, false);
-                stSignalling.FlowAsked(FlowDialogue::Add, stTransaction, stSaid);
-                stSignalling.FlowAnswered(FlowDialogue::Add, stTransaction, SaidOf(stFlow),
-                                          Accepted);
-            } else {
-                stSignalling.FlowThere(SaidOf(stFlow));
-            }
-        }
+        (void)SetUp(stProvisioned, bOverTheAir);
     }
     m_stModem.History().iProvisioning = m_astProvisioned.empty() ? 0 : m_iProvisioningTime;
+}
+
+void ServiceFlows::AddByStation(const ProvisionedFlow &stProvisioned) {
+    if (!LinkUp()) {
+        return;
+    }
+    if (const Flow *pstFlow = SetUp(stProvisioned, true)) {
+        Record<ServiceFlowRecord::Size> stRequest;
+        Put(stRequest.Span(), ServiceFlowRecord::u8MsgCode, ServiceFlowRecord::AddRequest);
+        Tell(SUBTYPE_DSA, stRequest.View(), pstFlow->stRecord, Accepted);
+    }
+}
+
+// A rate of 0 stays as it was.
+void ServiceFlows::ChangeByStation(uint32_t u32SFID, const Rates &stRates) {
+    const Flow *pstFlow = FlowWith(&Flow::u32SFID, u32SFID);
+    if (pstFlow == nullptr || !LinkUp()) {
+        return;
+    }
+    FlowBytes stRequest;
+    const ByteSpan stTo = stRequest.Span();
+    Put(stTo, ServiceFlowRecord::u8MsgCode, ServiceFlowRecord::ChangeRequest);
+    Put(stTo, ServiceFlowRecord::u8Direction, pstFlow->u32Direction);
+    Put(stTo, ServiceFlowRecord::u16CID, pstFlow->u32CID);
+    for (const ServiceFlowRecord::SetOfBit &stRow : ServiceFlowRecord::Sets) {
+        using namespace SFParamSet;
+        if (!Present(pstFlow->stRecord.View(), stRow.u32Offset)) {
+            continue;
+        }
+        const ByteView stOld = SetOf(pstFlow->stRecord, stRow.u32Offset);
+        const ByteSpan stSet = stTo.From(stRow.u32Offset, SFParamSet::Size);
+        for (const Field stField :
+             {SFParamSet::u32SFID, u8SetPresent, u8QoSParamSetType, u8SchedulingType}) {
+            Put(stSet, stField, Get(stOld, stField));
+        }
+        for (const Field stRate : astRates) {
+            Put(stSet, stRate, Get(stOld, stRate));
+        }
+        if (stRates.u32Most != 0) {
+            Put(stSet, u32MaxSustainedTrafficRate, stRates.u32Most);
+        }
+        if (stRates.u32Least != 0) {
+            Put(stSet, u32MinReservedTrafficRate, stRates.u32Least);
+        }
+    }
+    const Transaction stTransaction = m_stModem.TheSignalling().StationTransaction();
+    FinishChange(stRequest.View(), stTransaction, AskChange(stRequest.View(), stTransaction));
 }
 
 int32_t ServiceFlows::Ask(const Request &stRequest, uint32_t u32RecordSize, Asking pfnAsk,
                           Finishing pfnFinish) {
     const ByteView stRecord = stRequest.stPayload.From(0, u32RecordSize);
     const std::vector<uint8_t> aucRequest(stRecord.pucData, stRecord.pucData + u32RecordSize);
-    const bool bAsked = LinkUp() && (this->*pfnAsk)(stRecord);
-    const auto Finish = [this, aucRequest, pfnAsk, pfnFinish, bAsked, u32Life = m_u32Life] {
+    const Transaction stTransaction = TransactionOf(stRecord);
+    const bool bAsked = LinkUp() && (this->*pfnAsk)(stRecord, stTransaction);
+    const auto Finish = [this, aucRequest, stTransaction, pfnAsk, pfnFinish, bAsked,
+                         u32Life = m_u32Life] {
         if (u32Life == m_u32Life) {
             const ByteView stAgain{aucRequest.data(), static_cast<uint32_t>(aucRequest.size())};
             // What was not there to be asked for may be there by now.
-            (this->*pfnFinish)(stAgain, LinkUp() && (bAsked || (this->*pfnAsk)(stAgain)));
+            (this->*pfnFinish)(stAgain, stTransaction,
+                               LinkUp() && (bAsked || (this->*pfnAsk)(stAgain, stTransaction)));
         }
     };
     // Without a link there is nobody to ask.
@@ -553,16 +626,16 @@ Confirmation ServiceFlows::JudgeAdd(ByteView stRequest) const {
     return JudgeSet(stSet);
 }
 
-bool ServiceFlows::AskAdd(ByteView stRequest) {
+bool ServiceFlows::AskAdd(ByteView stRequest, const Transaction &stTransaction) {
     const ByteView stSet = stRequest.From(ServiceFlowRecord::stProvisionedSet, SFParamSet::Size);
     const bool bUplink =
         Get(stRequest, ServiceFlowRecord::u8Direction) == ServiceFlowRecord::Uplink;
-    m_stModem.TheSignalling().FlowAsked(FlowDialogue::Add, TransactionOf(stRequest),
+    m_stModem.TheSignalling().FlowAsked(FlowDialogue::Add, stTransaction,
                                         {bUplink, 0, 0, stSet, AddedRules(stSet, false)});
     return true;
 }
 
-void ServiceFlows::FinishAdd(ByteView stRequest, bool bAsked) {
+void ServiceFlows::FinishAdd(ByteView stRequest, const Transaction &stTransaction, bool bAsked) {
     const ByteView stSet = stRequest.From(ServiceFlowRecord::stProvisionedSet, SFParamSet::Size);
     const bool bUplink =
         Get(stRequest, ServiceFlowRecord::u8Direction) == ServiceFlowRecord::Uplink;
@@ -586,8 +659,7 @@ void ServiceFlows::FinishAdd(ByteView stRequest, bool bAsked) {
         }
     }
     if (bAsked) {
-        m_stModem.TheSignalling().FlowAnswered(FlowDialogue::Add, TransactionOf(stRequest), stSaid,
-                                               eCode);
+        m_stModem.TheSignalling().FlowAnswered(FlowDialogue::Add, stTransaction, stSaid, eCode);
     }
     Tell(SUBTYPE_DSA, stRequest, stAnswer, eCode);
 }
@@ -646,7 +718,7 @@ Flow *ServiceFlows::FlowToChange(ByteView stRequest) {
 }
 
 // The flow as it would be afterwards, and what is to be done with its rules.
-bool ServiceFlows::AskChange(ByteView stRequest) {
+bool ServiceFlows::AskChange(ByteView stRequest, const Transaction &stTransaction) {
     const Flow *pstFlow = FlowToChange(stRequest);
     if (pstFlow == nullptr) {
         return false;
@@ -655,11 +727,11 @@ bool ServiceFlows::AskChange(ByteView stRequest) {
     (void)Change(stRequest, &stChanged);
     FlowParameters stSaid = SaidOf(stChanged);
     stSaid.astRules = ChangedRules(LeadingSet(stRequest));
-    m_stModem.TheSignalling().FlowAsked(FlowDialogue::Change, TransactionOf(stRequest), stSaid);
+    m_stModem.TheSignalling().FlowAsked(FlowDialogue::Change, stTransaction, stSaid);
     return true;
 }
 
-void ServiceFlows::FinishChange(ByteView stRequest, bool bAsked) {
+void ServiceFlows::FinishChange(ByteView stRequest, const Transaction &stTransaction, bool bAsked) {
     Signalling &stSignalling = m_stModem.TheSignalling();
     Flow *pstFlow = FlowToChange(stRequest);
     FlowBytes stAnswer;
@@ -678,24 +750,19 @@ void ServiceFlows::FinishChange(ByteView stRequest, bool bAsked) {
         }
     }
     if (bAsked) {
-        stSignalling.FlowAnswered(FlowDialogue::Change, TransactionOf(stRequest), SaidOf(stChanged),
-                                  eCode);
+        stSignalling.FlowAnswered(FlowDialogue::Change, stTransaction, SaidOf(stChanged), eCode);
     }
     Tell(SUBTYPE_DSC, stRequest, stAnswer, eCode);
 }
 
-bool ServiceFlows::AskDelete(ByteView stRequest) {
+bool ServiceFlows::AskDelete(ByteView stRequest, const Transaction &stTransaction) {
     const uint32_t u32SFID = Get(stRequest, DeleteFlowRequest::u32SFID);
     if (FlowWith(&Flow::u32SFID, u32SFID) == nullptr) {
         return false;
     }
-    m_stModem.TheSignalling().FlowAsked(FlowDialogue::Delete, TransactionOf(stRequest),
+    m_stModem.TheSignalling().FlowAsked(FlowDialogue::Delete, stTransaction,
                                         {false, u32SFID, 0, {}, {}});
     return true;
-}
-
-void ServiceFlows::FinishDelete(ByteView stRequest, bool bAsked) {
-    Delete(stRequest, TransactionOf(stRequest), bAsked);
 }
 
 void ServiceFlows::DeleteByStation(uint32_t u32SFID) {
@@ -710,10 +777,10 @@ void ServiceFlows::DeleteByStation(uint32_t u32SFID) {
     if (LinkUp()) {
         stSignalling.FlowAsked(FlowDialogue::Delete, stTransaction, {false, u32SFID, 0, {}, {}});
     }
-    Delete(stRequest.View(), stTransaction, LinkUp());
+    FinishDelete(stRequest.View(), stTransaction, LinkUp());
 }
 
-void ServiceFlows::Delete(ByteView stRequest, const Transaction &stTransaction, bool bAsked) {
+void ServiceFlows::FinishDelete(ByteView stRequest, const Transaction &stTransaction, bool bAsked) {
     const uint32_t u32SFID = Get(stRequest, DeleteFlowRequest::u32SFID);
     const Flow *pstFlow = FlowWith(&Flow::u32SFID, u32SFID);
     Confirmation eCode = LinkUp() ? FlowNotFound : RejectOther;

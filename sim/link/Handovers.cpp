@@ -20,6 +20,7 @@ class Handovers : public Subsystem {
     struct Plan {
         uint32_t u32RangingFailures = 0;
         bool bFails = false;
+        bool bOrdered = false; // by the station
     };
 
     void FollowLink();
@@ -69,7 +70,7 @@ Handovers::Handovers(Modem &stModem)
         }
         const Plan stPlan{
             static_cast<uint32_t>(stSection.Integer("ranging-failures", 0, UINT32_MAX, 0)),
-            stSection.Flag("fails", false)};
+            stSection.Flag("fails", false), stSection.Flag("ordered", false)};
         return [this, pstTarget, stPlan] {
             const bool bPossible = m_stLink.State() == LinkState::LinkUp &&
                                    m_pstTarget == nullptr && pstTarget != m_stLink.Serving();
@@ -109,6 +110,9 @@ void Handovers::Look() {
     if (pstBetter != m_pstCandidate) {
         m_pstCandidate = pstBetter;
         m_iCandidateSince = m_stModem.Now();
+        if (pstBetter != nullptr) {
+            m_stModem.TheSignalling().Scanned(*pstBetter);
+        }
     }
     const ModemTime iTrigger = m_stModem.Air().Thresholds().iTimeToTrigger;
     if (pstBetter != nullptr && m_stModem.Now() - m_iCandidateSince >= iTrigger) {
@@ -120,23 +124,11 @@ Station *Handovers::Better() const {
     const ModemTime iNow = m_stModem.Now();
     const Station *pstServing = m_stLink.Serving();
     Radio &stAir = m_stModem.Air();
-    double fLeast = stAir.Measure(*pstServing, iNow).fRSSI + stAir.Thresholds().fHysteresis;
-    Station *pstBetter = nullptr;
-    for (Station &stStation : stAir.Stations()) {
+    const double fLeast = stAir.Measure(*pstServing, iNow).fRSSI + stAir.Thresholds().fHysteresis;
+    return stAir.StrongestOfNetwork(*pstServing, fLeast, iNow, [&](const Station &stStation) {
         const auto pstBarred = m_aiBarredUntil.find(&stStation);
-        const bool bBarred = pstBarred != m_aiBarredUntil.end() && iNow < pstBarred->second;
-        const bool bNeighbour =
-            &stStation != pstServing && stStation.NAPID() == pstServing->NAPID();
-        if (bBarred || !bNeighbour || !stAir.Receivable(stStation, iNow)) {
-            continue;
-        }
-        const double fRSSI = stAir.Measure(stStation, iNow).fRSSI;
-        if (fRSSI > fLeast) {
-            fLeast = fRSSI;
-            pstBetter = &stStation;
-        }
-    }
-    return pstBetter;
+        return pstBarred != m_aiBarredUntil.end() && iNow < pstBarred->second;
+    });
 }
 
 void Handovers::Begin(Station &stTarget, Plan stPlan) {
@@ -146,7 +138,7 @@ void Handovers::Begin(Station &stTarget, Plan stPlan) {
     m_iBegan = m_stModem.Now();
     m_u32Failures = 0;
     m_stModem.UserTraffic().SetFlowing(false);
-    m_stModem.TheSignalling().HandoverBegins(stTarget);
+    m_stModem.TheSignalling().HandoverBegins(stTarget, stPlan.bOrdered);
     m_stStep.Start(m_iTime, [this] { Range(); });
 }
 

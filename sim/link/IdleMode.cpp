@@ -1,5 +1,6 @@
-// Idle mode: into it on request, on the station's order or by the inactivity
-// timer; out of it on request, by paging, or when its planned time is over.
+// Idle mode: into it on request, on the station's order or by the inactivity timer; out of it
+// on request or by paging. Meanwhile the modem listens to the best station, and says where it is
+// when the paging group is another one or the planned time is over.
 #include "air/Signalling.h"
 #include "link/Link.h"
 #include "link/LinkSubsystems.h"
@@ -14,6 +15,11 @@ enum IdleStatus : uint32_t { NotIdle = 0, GoingIdle = 1, InIdle = 2, ComingOut =
 constexpr uint32_t u32TimerSet = 0;
 constexpr uint32_t u32TimerRefused = 1;
 constexpr uint32_t u32LongestTimer = 65535; // seconds
+
+// A station that does not hear the modem is told again where it is.
+constexpr ModemTime iUpdateRetry = 10 * i64Second;
+// dBm: any station is better than none.
+constexpr double fNothing = -1000;
 
 class IdleMode : public Subsystem {
   public:
@@ -30,6 +36,11 @@ class IdleMode : public Subsystem {
     void NoteActivity();
     void OnLinkChange(const LinkChange &stChange);
     void Page();
+    // Listens to the best station of the network.
+    void Reselect();
+    void UpdateLocation();
+    // The network knows where the modem is; until the planned time is over.
+    void NoteLocation();
     void TellWord(uint32_t u32SubType, uint32_t u32Value);
     void TellIndication(uint32_t u32StateWord);
 
@@ -40,6 +51,8 @@ class IdleMode : public Subsystem {
     uint32_t m_u32PlannedTimeout; // seconds
     uint32_t m_u32TimerAtStart;
     uint32_t m_u32TimerSeconds = 0; // 0: off
+    uint32_t m_u32PagingGroup = 0;  // that the network knows the modem in
+    ModemTime m_iUpdateAfter = 0;   // not before, when the last update failed
     Timer m_stStep;                 // into or out of idle mode, or its planned end
     Timer m_stPaging;
     Timer m_stInactivity;
@@ -79,6 +92,7 @@ IdleMode::IdleMode(Modem &stModem)
     stModem.OnEvent("paging", [this](const Section &) { return [this] { Page(); }; });
     stModem.OnAnyRequest([this] { NoteActivity(); });
     m_stLink.OnIdleOrder([this] { Enter(); });
+    m_stLink.OnIdleLook([this] { Reselect(); });
     m_stLink.Observe([this](const LinkChange &stChange) { OnLinkChange(stChange); });
 }
 
@@ -94,9 +108,43 @@ void IdleMode::OnLinkChange(const LinkChange &stChange) {
     m_stStep.Stop();
     m_stPaging.Stop();
     if (stChange.eAfter == LinkState::Idle) {
-        m_stStep.Start(m_u32PlannedTimeout * i64Second, [this] { ComeOut(); });
+        NoteLocation();
     }
     NoteActivity();
+}
+
+void IdleMode::NoteLocation() {
+    m_u32PagingGroup = m_stLink.Serving()->u32PagingGroup;
+    m_iUpdateAfter = 0;
+    m_stStep.Start(m_u32PlannedTimeout * i64Second, [this] {
+        UpdateLocation();
+        TellIndication(m_u32PlannedTimeout);
+    });
+}
+
+void IdleMode::Reselect() {
+    Radio &stAir = m_stModem.Air();
+    const ModemTime iNow = m_stModem.Now();
+    const Station *pstServing = m_stLink.Serving();
+    const double fHere =
+        stAir.Receivable(*pstServing, iNow)
+            ? stAir.Measure(*pstServing, iNow).fRSSI + stAir.Thresholds().fHysteresis
+            : fNothing;
+    if (Station *pstBetter = stAir.StrongestOfNetwork(*pstServing, fHere, iNow)) {
+        m_stLink.ListenTo(*pstBetter);
+    }
+    if (m_stLink.Serving()->u32PagingGroup != m_u32PagingGroup && iNow >= m_iUpdateAfter) {
+        UpdateLocation();
+    }
+}
+
+void IdleMode::UpdateLocation() {
+    if (m_stModem.TheSignalling().LocationUpdated()) {
+        NoteLocation();
+    } else {
+        m_iUpdateAfter = m_stModem.Now() + iUpdateRetry;
+        m_stStep.Start(iUpdateRetry, [this] { UpdateLocation(); });
+    }
 }
 
 void IdleMode::NoteActivity() {
@@ -120,6 +168,10 @@ void IdleMode::Enter() {
 void IdleMode::ComeOut() {
     m_stLink.SetState(LinkState::LeavingIdle);
     m_stStep.StartAnswer(m_iExitTime, [this] {
+        if (!m_stModem.Air().StrongEnoughToEnter(*m_stLink.Serving(), m_stModem.Now())) {
+            m_stLink.Lose(LinkReason::IdleModeFailureCodeReceived);
+            return;
+        }
         m_stLink.SetState(LinkState::LinkUp);
         TellIndication(0);
     });

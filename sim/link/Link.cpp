@@ -37,6 +37,10 @@ constexpr std::array astLossReasons{
     ScenarioWord{"mac-sync-error", LinkReason::MacSyncError},
     ScenarioWord{"bs-out-of-reach", LinkReason::BSOutOfReach},
     ScenarioWord{"ip-retention-timer-expired", LinkReason::IPRetentionTimerExpired},
+    ScenarioWord{"mac-version-switch", LinkReason::MacVersionSwitch},
+    ScenarioWord{"shutdown-resync-received", LinkReason::ShutdownResyncReceived},
+    ScenarioWord{"idle-mode-failure", LinkReason::IdleModeFailureCodeReceived},
+    ScenarioWord{"invalid-reason", LinkReason::InvalidReasonCode},
 };
 
 // Where a station's deregistration command takes the modem, by action code.
@@ -69,11 +73,21 @@ Link::Link(Modem &stModem)
 }
 
 void Link::RegisterRequests() {
-    m_stModem.On(TYPE_NETWORK_ENTRY, SUBTYPE_SYNC_UP,
-                 [this](const Request &stRequest) { return SyncUp(stRequest); });
-    m_stModem.On(TYPE_NETWORK_ENTRY, SUBTYPE_NETWORK_ENTRY,
-                 [this](const Request &) { return Enter(std::nullopt); });
-    m_stModem.On(TYPE_NETWORK_ENTRY, SUBTYPE_NSP_NETWORK_ENTRY, [this](const Request &stRequest) {
+    const auto OnHost = [this](uint32_t u32Type, uint32_t u32SubType,
+                               Modem::RequestHandler pfnHandle) {
+        m_stModem.On(u32Type, u32SubType,
+                     [this, pfnHandle = std::move(pfnHandle)](const Request &stRequest) {
+                         if (m_pfnHostActs) {
+                             m_pfnHostActs();
+                         }
+                         return pfnHandle(stRequest);
+                     });
+    };
+    OnHost(TYPE_NETWORK_ENTRY, SUBTYPE_SYNC_UP,
+           [this](const Request &stRequest) { return SyncUp(stRequest); });
+    OnHost(TYPE_NETWORK_ENTRY, SUBTYPE_NETWORK_ENTRY,
+           [this](const Request &) { return Enter(std::nullopt); });
+    OnHost(TYPE_NETWORK_ENTRY, SUBTYPE_NSP_NETWORK_ENTRY, [this](const Request &stRequest) {
         if (Get(stRequest.stPayload, NSPNetworkEntryRequest::u32NSPIDPresent) == 0) {
             return Enter(std::nullopt);
         }
@@ -83,10 +97,8 @@ void Link::RegisterRequests() {
         TellEntryStatus(StatusReason());
         return 0;
     });
-    m_stModem.On(TYPE_NETWORK_EXIT, SUBTYPE_SYNC_DOWN,
-                 [this](const Request &) { return SyncDown(); });
-    m_stModem.On(TYPE_NETWORK_EXIT, SUBTYPE_SYNC_DEREG,
-                 [this](const Request &) { return Deregister(); });
+    OnHost(TYPE_NETWORK_EXIT, SUBTYPE_SYNC_DOWN, [this](const Request &) { return SyncDown(); });
+    OnHost(TYPE_NETWORK_EXIT, SUBTYPE_SYNC_DEREG, [this](const Request &) { return Deregister(); });
 }
 
 void Link::RegisterEvents() {
@@ -123,7 +135,7 @@ void Link::RegisterEvents() {
             stSection.Choice("reason", astLossReasons, LinkReason::BSOutOfReach);
         return [this, u32Reason] {
             if (Registered() || m_stAt.eState == Entering) {
-                Leave(u32Reason, Unsynchronised);
+                Lose(u32Reason);
             }
         };
     });
@@ -134,7 +146,7 @@ void Link::RegisterEvents() {
     stModem.OnEvent("reset", [this](const Section &) {
         return [this] {
             if (Registered() || m_stAt.eState == Entering) {
-                Leave(LinkReason::ResetReceived, Unsynchronised);
+                Lose(LinkReason::ResetReceived);
             }
         };
     });
@@ -143,8 +155,11 @@ void Link::RegisterEvents() {
 void Link::Start() {
     m_bSleeping = false;
     m_u32Reports = 0;
-    m_stAt.pstServing = m_pstStationAtStart;
-    SetState(m_eStateAtStart);
+    // After a reset the way to a station has to be gone again.
+    const bool bWayToGo = m_bStarted && m_pstStationAtStart != nullptr;
+    m_bStarted = true;
+    m_stAt.pstServing = bWayToGo ? nullptr : m_pstStationAtStart;
+    SetState(bWayToGo ? Unsynchronised : m_eStateAtStart);
 }
 
 void Link::SetState(LinkState eState) {
@@ -193,17 +208,28 @@ void Link::Leave(uint32_t u32Reason, LinkState eState, uint32_t u32DREGAction) {
     SetState(eState);
 }
 
+void Link::Lose(uint32_t u32Reason) {
+    Station *pstStation = m_stAt.pstServing;
+    Leave(u32Reason, Unsynchronised);
+    if (m_pfnLost) {
+        m_pfnLost(*pstStation);
+    }
+}
+
 // Looks whether the serving station can still be received.
 void Link::Supervise() {
+    if (m_stAt.eState == Idle && m_pfnIdleLook) {
+        m_pfnIdleLook();
+    }
     if (m_stModem.Air().Receivable(*m_stAt.pstServing, m_stModem.Now())) {
         m_stSupervision.Start(m_iSupervision, [this] { Supervise(); });
     } else if (m_stAt.eState == Synchronised) {
         SetState(Unsynchronised);
         TellSyncStatus(LinkReason::PhySyncError);
     } else if (m_stAt.eState == LinkUp) {
-        Leave(LinkReason::BSOutOfReach, Unsynchronised);
+        Lose(LinkReason::BSOutOfReach);
     } else if (Registered()) {
-        Leave(LinkReason::IdleModeFailureCodeReceived, Unsynchronised);
+        Lose(LinkReason::IdleModeFailureCodeReceived);
     }
 }
 
@@ -230,11 +256,19 @@ int32_t Link::SyncUp(const Request &stRequest) {
     if (m_stAt.eState == Synchronising) {
         TellSyncStatus(LinkReason::HostInitiatedSyncDown);
     }
+    Synchronise(u32Frequency, u32Bandwidth, u32Preamble);
+    return 0;
+}
+
+void Link::SynchroniseTo(const Station &stStation) {
+    Synchronise(stStation.u32Frequency, stStation.u32Bandwidth, stStation.u32Preamble);
+}
+
+void Link::Synchronise(uint32_t u32Frequency, uint32_t u32Bandwidth, uint32_t u32Preamble) {
     SetState(Synchronising);
     m_stStep.StartAnswer(m_iSyncTime, [this, u32Frequency, u32Bandwidth, u32Preamble] {
         FinishSync(u32Frequency, u32Bandwidth, u32Preamble);
     });
-    return 0;
 }
 
 void Link::FinishSync(uint32_t u32Frequency, uint32_t u32Bandwidth, uint32_t u32Preamble) {
@@ -288,7 +322,7 @@ uint32_t Link::StageResult(uint32_t u32Failure) const {
 
 void Link::FinishStage() {
     if (!m_stModem.Air().Receivable(*m_stAt.pstServing, m_stModem.Now())) {
-        Leave(LinkReason::BSOutOfReach, Unsynchronised);
+        Lose(LinkReason::BSOutOfReach);
         return;
     }
     const uint32_t u32Result = StageResult(astStages[m_u32StagesDone].u32Failure);
@@ -336,8 +370,8 @@ void Link::ReceiveDREG(uint32_t u32Action) {
     if (u32Action == u32DREGReturnToNormal || u32Action == u32DREGGoIdle) {
         m_stModem.TheSignalling().DREGReceived(u32Action);
         ReportEntryStatus(LinkReason::DREGReceived, u32Action);
-        if (u32Action == u32DREGGoIdle && m_stAt.eState == LinkUp && m_pfnIdleOrder) {
-            m_pfnIdleOrder();
+        if (u32Action == u32DREGGoIdle && m_stAt.eState == LinkUp) {
+            GoIdle();
         }
         return;
     }

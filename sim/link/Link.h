@@ -41,6 +41,8 @@ class Link : public Subsystem {
     void MoveTo(Station &stStation);
     // Reports the reason as the network entry status, then changes the state.
     void Leave(uint32_t u32Reason, LinkState eState, uint32_t u32DREGAction = 0);
+    // Leaves for nowhere what was not given up.
+    void Lose(uint32_t u32Reason);
     // The reason that a network entry status request is answered with.
     uint32_t StatusReason() const;
     // Answers with the network entry status.
@@ -53,12 +55,31 @@ class Link : public Subsystem {
     void SetSleeping(bool bSleeping) { m_bSleeping = bSleeping; }
     // Handles the registered link of a station that asks for idle mode.
     void OnIdleOrder(std::function<void()> pfnOrder) { m_pfnIdleOrder = std::move(pfnOrder); }
+    void GoIdle() {
+        if (m_pfnIdleOrder) {
+            m_pfnIdleOrder();
+        }
+    }
+    // Called in idle mode before the link is looked after: time to look at other stations.
+    void OnIdleLook(std::function<void()> pfnLook) { m_pfnIdleLook = std::move(pfnLook); }
+    // In idle mode: from now on listens to another station.
+    void ListenTo(Station &stStation) { m_stAt.pstServing = &stStation; }
+    // Called when the network has been lost, with the station that it was lost at.
+    void OnLoss(std::function<void(Station &)> pfnLost) { m_pfnLost = std::move(pfnLost); }
+    // Called when the host moves the link: what the modem does for itself ends.
+    void OnHostActs(std::function<void()> pfnActs) { m_pfnHostActs = std::move(pfnActs); }
+    // What the modem does for itself: synchronises to a station, enters the network.
+    void SynchroniseTo(const Station &stStation);
+    int32_t Enter(std::optional<uint32_t> u32NSPID);
+    // What the scenario starts with; the station is null when it starts without one.
+    LinkState StateAtStart() const { return m_eStateAtStart; }
+    Station *StationAtStart() const { return m_pstStationAtStart; }
 
   private:
     int32_t SyncUp(const Request &stRequest);
-    int32_t Enter(std::optional<uint32_t> u32NSPID);
     int32_t SyncDown();
     int32_t Deregister();
+    void Synchronise(uint32_t u32Frequency, uint32_t u32Bandwidth, uint32_t u32Preamble);
     void FinishSync(uint32_t u32Frequency, uint32_t u32Bandwidth, uint32_t u32Preamble);
     void NextStage();
     void FinishStage();
@@ -86,7 +107,11 @@ class Link : public Subsystem {
     std::vector<Observer> m_apfnObservers;
     std::vector<std::function<void()>> m_apfnMoved;
     std::function<void()> m_pfnIdleOrder;
+    std::function<void()> m_pfnIdleLook;
+    std::function<void(Station &)> m_pfnLost;
+    std::function<void()> m_pfnHostActs;
 
+    bool m_bStarted = false; // once already: what follows are resets
     bool m_bSleeping = false;
     uint32_t m_u32Reports = 0; // that wait for the air; answers stay behind them
     std::optional<uint32_t> m_u32WantedNSP;

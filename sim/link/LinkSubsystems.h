@@ -10,6 +10,7 @@ class Modem;
 
 std::unique_ptr<Subsystem> MakeHandovers(Modem &stModem);
 std::unique_ptr<Subsystem> MakeIdleMode(Modem &stModem);
+std::unique_ptr<Subsystem> MakeRecovery(Modem &stModem);
 std::unique_ptr<Subsystem> MakeSearch(Modem &stModem);
 std::unique_ptr<Subsystem> MakeShutdown(Modem &stModem);
 std::unique_ptr<Subsystem> MakeSleepMode(Modem &stModem);

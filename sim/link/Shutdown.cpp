@@ -75,6 +75,7 @@ int32_t Shutdown::Begin() {
     } else if (m_stLink.State() == LinkState::LinkUp) {
         m_stLink.TellEntryStatus(LinkReason::ShutdownReceivedCommand);
     } else if (m_stLink.State() == LinkState::Idle) {
+        m_stModem.TheSignalling().GoesFromIdle();
         m_stLink.TellEntryStatus(LinkReason::LocationUpdateWithPowerDownSuccess);
     }
     m_u32StatusAsked = 0;

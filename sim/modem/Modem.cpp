@@ -95,6 +95,17 @@ const Modem::Row *Modem::RowOf(uint32_t u32Type, uint32_t u32SubType) const {
 
 int32_t Modem::Send(uint8_t *pucMessage, uint32_t u32Length) {
     m_bHoldsSender = false;
+    return Handle(pucMessage, u32Length, true);
+}
+
+void Modem::SendByItself(const MessageBytes &aucRequest) {
+    // A handler may want to answer in the sender's record.
+    std::vector<uint8_t> aucRecord(WIMAX_MESSAGE_SIZE);
+    std::copy(aucRequest.begin(), aucRequest.end(), aucRecord.begin());
+    (void)Handle(aucRecord.data(), static_cast<uint32_t>(aucRequest.size()), false);
+}
+
+int32_t Modem::Handle(uint8_t *pucMessage, uint32_t u32Length, bool bAwaited) {
     if (m_bUnloaded) {
         return LibraryError::NotOpen;
     }
@@ -131,7 +142,10 @@ int32_t Modem::Send(uint8_t *pucMessage, uint32_t u32Length) {
     if (pstRow->bAnsweredAtOnce) {
         stRequest.stReply = {pucMessage + MessageHeader::Size, WIMAX_DATA_SIZE};
     }
-    const Scheduler::Asking stAsking(m_stScheduler);
+    std::optional<Scheduler::Asking> stAsking;
+    if (bAwaited) {
+        stAsking.emplace(m_stScheduler);
+    }
     return pstRow->pfnHandle(stRequest);
 }
 

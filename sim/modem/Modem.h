@@ -156,6 +156,9 @@ class Modem {
 
     // For a request's handler: the send returns when the client has had the answer.
     void HoldSender() { m_bHoldsSender = true; }
+    // Handles a request that no client has sent. What it brings about is the modem's own business,
+    // and nobody waits for it.
+    void SendByItself(const MessageBytes &aucRequest);
     // Sends a message to the client, after the time that the modem takes for any
     // answer. Messages keep their order.
     void Tell(uint32_t u32Type, uint32_t u32SubType, ByteView stPayload = {});
@@ -195,6 +198,8 @@ class Modem {
     };
 
     static ClockSettings ReadClock(const Section &stRoot);
+    // As Send; whether somebody waits for the answer is up to bAwaited.
+    int32_t Handle(uint8_t *pucMessage, uint32_t u32Length, bool bAwaited);
     const Row *RowOf(uint32_t u32Type, uint32_t u32SubType) const;
 
     Scenario m_stScenario;

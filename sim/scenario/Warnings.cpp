@@ -22,6 +22,7 @@ class Checker {
 
     std::vector<std::string> All() {
         CheckStations();
+        CheckPlaces();
         CheckStart();
         CheckAttributes();
         CheckCapacity();
@@ -54,6 +55,28 @@ class Checker {
                 Warn(stStation, "bandwidth",
                      "is " + std::to_string(iBandwidth) + " kHz, which no profile has");
             }
+        }
+    }
+
+    // What only says something of stations that have a place.
+    void CheckPlaces() {
+        const std::vector<Section> astStations = m_stRoot.Tables("station");
+        if (std::any_of(astStations.begin(), astStations.end(),
+                        [](const Section &stStation) { return stStation.Has("x"); })) {
+            return;
+        }
+        const Section stRadio = m_stRoot.Table("radio");
+        for (const char *pcKey : {"shadowing", "fading"}) {
+            if (stRadio.Has(pcKey)) {
+                Warn(stRadio, pcKey, "says nothing: no station has a place");
+            }
+        }
+        if (const Section stRoute = m_stRoot.Table("route"); stRoute.Has("file")) {
+            Warn(stRoute, "file", "leads nowhere: no station has a place");
+        }
+        for (const Section &stWayPoint : m_stRoot.Tables("way-point")) {
+            Warn(stWayPoint, "at", "leads nowhere: no station has a place");
+            return;
         }
     }
 
@@ -127,10 +150,16 @@ class Checker {
     }
 
     void CheckEvents() {
-        const auto iFlows = static_cast<int64_t>(m_stRoot.Tables("service-flow").size());
-        for (const Section &stEvent : m_stRoot.Tables("event")) {
+        const std::vector<Section> astEvents = m_stRoot.Tables("event");
+        const auto Added =
+            std::count_if(astEvents.begin(), astEvents.end(), [](const Section &stEvent) {
+                return stEvent.Text("kind") == "flow-added";
+            });
+        const auto iFlows = static_cast<int64_t>(m_stRoot.Tables("service-flow").size()) + Added;
+        for (const Section &stEvent : astEvents) {
             const int64_t iFlow = Whole(stEvent, "sfid", 1);
-            if (stEvent.Text("kind") == "flow-deleted" && iFlow > iFlows) {
+            const std::string strKind = stEvent.Text("kind");
+            if ((strKind == "flow-deleted" || strKind == "flow-changed") && iFlow > iFlows) {
                 Warn(stEvent, "sfid",
                      "is " + std::to_string(iFlow) + ", and the network sets up " +
                          (iFlows == 0 ? "no flow" : "flows 1 to " + std::to_string(iFlows)));

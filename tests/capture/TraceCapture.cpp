@@ -251,6 +251,7 @@ at = 10
 kind = "handover"
 station = "00 12 0A 01 02 04"
 fails = true
+ordered = true
 [[event]]
 at = 11
 kind = "handover"

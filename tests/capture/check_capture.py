@@ -16,19 +16,20 @@ NAMES = {
     14: "DSC-REQ", 15: "DSC-RSP", 16: "DSC-ACK", 17: "DSD-REQ", 18: "DSD-RSP", 25: "RES-CMD",
     26: "SBC-REQ", 27: "SBC-RSP", 29: "DREG-CMD", 30: "DSX-RVD", 36: "REP-REQ", 37: "REP-RSP",
     49: "DREG-REQ", 50: "MOB-SLP-REQ", 51: "MOB-SLP-RSP", 52: "MOB-TRF-IND", 53: "MOB-NBR-ADV",
-    57: "MOB-MSHO-REQ", 58: "MOB-BSHO-RSP", 59: "MOB-HO-IND", 61: "MOB-PAG-ADV",
+    54: "MOB-SCN-REQ", 55: "MOB-SCN-RSP", 56: "MOB-BSHO-REQ", 57: "MOB-MSHO-REQ",
+    58: "MOB-BSHO-RSP", 59: "MOB-HO-IND", 60: "MOB-SCN-REP", 61: "MOB-PAG-ADV",
 }
 
 # Direction of each code: 0 from the base station, 1 to it. Service flows and their
 # answers go either way.
-DOWN = {0, 1, 2, 3, 5, 7, 10, 25, 27, 29, 30, 36, 51, 52, 53, 58, 61}
-UP = {4, 6, 9, 26, 37, 49, 50, 57, 59}
+DOWN = {0, 1, 2, 3, 5, 7, 10, 25, 27, 29, 30, 36, 51, 52, 53, 55, 56, 58, 61}
+UP = {4, 6, 9, 26, 37, 49, 50, 54, 57, 59, 60}
 
 # Where messages travel: on well-known CIDs, basic or primary ones.
 BROADCAST = {2: 0xFFFF, 3: 0xFFFF, 0: 0xFFFD, 1: 0xFFFD, 52: 0xFFFF, 53: 0xFFFF, 61: 0xFFFF,
              4: 0, 5: 0}
-BASIC = {25, 26, 27, 29, 36, 37, 49, 50, 51, 57, 58, 59}
-PRIMARY = {6, 7, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 30}
+BASIC = {25, 26, 27, 29, 36, 37, 49, 50, 51, 54, 55, 56, 57, 58, 59}
+PRIMARY = {6, 7, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 30, 60}
 
 PKM_REQ = 9
 SA_TEK_REQUEST = 21  # the first byte of the body

@@ -153,6 +153,31 @@ TEST(AirInterface, AREPRSPHasMeanAndDeviationOfOneScale) {
     EXPECT_EQ(HexOf(REPRSPBody({-140, -20}, {0, 0})), "01 08 05 02 00 00 06 02 00 00");
 }
 
+// 11.5: burst profile (change count 5, DIUC 7), address, then for whom: a handover names the former
+// station (5) and its purpose, idle mode the paging controller (9); 6.3.24: location update bit 1,
+// power down (8). 11.6: updated (23), paging cycle of 1000 frames, offset, group (24), controller
+// (25).
+TEST(AirInterface, ARNGREQSaysWhatItIsFor) {
+    const MACAddressBytes aucMAC{0x02, 0x00, 0x00, 0x20, 0x00, 0x01};
+    const Station stStation = StationAt(2587500, 10000);
+    const auto RNGREQ = [&](RangingPurpose ePurpose) {
+        return HexOf(RNGREQBody(ePurpose, aucMAC, stStation, ProfileAt(28), &stStation));
+    };
+    const std::string strHead = "00 01 01 57 02 06 02 00 00 20 00 01 ";
+    EXPECT_EQ(RNGREQ(RangingPurpose::Entry), strHead + "94 01 05");
+    EXPECT_EQ(RNGREQ(RangingPurpose::Handover),
+              strHead + "05 06 00 12 0A 01 02 03 06 01 01 94 01 05");
+    EXPECT_EQ(RNGREQ(RangingPurpose::IdleReentry),
+              strHead + "06 01 00 09 06 00 12 0A 01 02 03 94 01 05");
+    EXPECT_EQ(RNGREQ(RangingPurpose::LocationUpdate),
+              strHead + "06 01 02 09 06 00 12 0A 01 02 03 94 01 05");
+    EXPECT_EQ(RNGREQ(RangingPurpose::PowerDown),
+              strHead + "06 01 02 08 01 01 09 06 00 12 0A 01 02 03 94 01 05");
+    EXPECT_EQ(HexOf(RNGRSPBody(aucMAC, stStation, 5)),
+              "00 04 01 03 08 06 02 00 00 20 00 01 17 01 00 18 05 03 E8 00 00 01 "
+              "19 06 00 12 0A 01 02 03");
+}
+
 // 6.3.2.3.48: CINR and RSSI; no index; one station by its ID, with preamble, half dB and quarters
 // from -103.75 dBm on; no arrival difference, one active station: bits 0 0001 0000, then 28 dB
 // (0x38) and -58 dBm (0xB7) behind nine bits, seven bits of padding.
@@ -162,6 +187,32 @@ TEST(AirInterface, AMSHOREQReportsBothStationsInItsOwnScales) {
     // Below and above what the scales have.
     EXPECT_EQ(HexOf(MSHOREQBody(StationAt(2600000, 10000), {-110, -3.5}, {-30, 70})),
               "03 00 01 00 12 0A 01 02 03 03 F9 00 08 3F FF 80");
+}
+
+// 6.3.2.3.50: four frames, nothing in between, once; no index, one station by its ID, no
+// association.
+TEST(AirInterface, ASCNREQNamesTheNeighbour) {
+    EXPECT_EQ(HexOf(SCNREQBody(StationAt(2600000, 10000))), "04 00 01 00 01 00 12 0A 01 02 03 00");
+}
+
+// 6.3.2.3.51: four frames, one report (bits 11), CINR and RSSI; from the second frame on: bits 0010
+// 0, interleaving and iterations behind five bits, three bits of padding.
+TEST(AirInterface, ASCNRSPSaysWhenToLook) {
+    EXPECT_EQ(HexOf(SCNRSPBody(StationAt(2600000, 10000))),
+              "04 C0 00 03 20 00 08 00 01 00 12 0A 01 02 03 00");
+}
+
+// 6.3.2.3.53: by event, one active station (bits 001), then it and the neighbour in half dB and
+// quarters from -103.75 dBm on.
+TEST(AirInterface, ASCNREPHasBothStations) {
+    EXPECT_EQ(HexOf(SCNREPBody(StationAt(2600000, 10000), {-65, 23}, {-58, 28})),
+              "08 03 00 38 B7 00 01 00 12 0A 01 02 03 2E 9B");
+}
+
+// 6.3.2.3.47: as the answer to MOB_MSHO-REQ, behind a first byte that says handover.
+TEST(AirInterface, ABSHOREQOrdersAHandover) {
+    EXPECT_EQ(HexOf(BSHOREQBody(StationAt(2587500, 10000), StationAt(2600000, 10000))),
+              "00 40 01 00 12 0A 01 02 03 03 02 FF 00 02");
 }
 
 // 6.3.2.3.49: handover, recommended, resources kept; one station: ID, preamble, all services,

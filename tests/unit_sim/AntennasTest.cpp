@@ -161,7 +161,8 @@ TEST(Antennas, ScansThatCannotBeAreRefused) {
 }
 
 TEST(Antennas, AScanEndsWithTheLink) {
-    ModemBench stBench(strSteady + "[[event]]\nat = 0.1\nkind = \"link-loss\"\n");
+    ModemBench stBench(strSteady +
+                       "[recovery]\non = false\n[[event]]\nat = 0.1\nkind = \"link-loss\"\n");
     EXPECT_EQ(
         stBench.Send(28, 2, strScan + " FF 00 00 00" + strNoPattern + " 00 00 00 00" + strRest), 0);
     stBench.RunUntil(5);

@@ -201,7 +201,8 @@ TEST_F(Steering, HelpNamesEveryCommandAndEvent) {
         "time-scale [SCALE]; seed; fault KIND [KEY=VALUE]...; fault on|off NUMBER|all; help; "
         "EVENT [KEY=VALUE]..., EVENT one of fade move vanish appear link-loss dreg reset paging "
         "complete-wake-up firmware-shutdown half-mini-card-wake-up half-mini-card-shutdown "
-        "device-unload ip-filter-status message flow-deleted traffic-waits handover crash");
+        "device-unload ip-filter-status request message flow-added flow-changed flow-deleted "
+        "traffic-waits handover crash");
 }
 
 TEST_F(Steering, WhatIsNoCommandIsRefusedAndChangesNothing) {

@@ -209,6 +209,7 @@ TEST(Link, SyncUpWithTheLinkUpReportsTheLink) {
 
 TEST(Link, AStationThatVanishesTakesTheLinkWithIt) {
     ModemBench stBench(strStations + pcLinkUp +
+                       "[recovery]\non = false\n"
                        "[[event]]\nat = 2.5\nkind = \"vanish\"\nstation = \"00120A010203\"\n");
     stBench.RunUntil(20);
     EXPECT_EQ(stBench.TimedMessages(), Told({"3.00 " + WithReason("18")}));
@@ -301,7 +302,7 @@ TEST(Link, StartsInTheStateOfTheScenario) {
 TEST(Link, TrafficFlowsOnlyWhileTheLinkIsUp) {
     ModemBench stBench(strStations + pcLinkUp +
                        "[traffic]\ndownlink-rate = 1200\nuplink-rate = 600\npacket-size = 100\n"
-                       "[[event]]\nat = 10\nkind = \"link-loss\"\n");
+                       "[recovery]\non = false\n[[event]]\nat = 10\nkind = \"link-loss\"\n");
     stBench.RunUntil(5);
     EXPECT_EQ(stBench.TheModem().UserTraffic().Totals().u64DownlinkBytes, 6000U);
     stBench.RunUntil(100);

@@ -260,7 +260,8 @@ TEST(Handover, NeedsALinkAndAnotherStation) {
 
 TEST(Handover, IsGivenUpWhenTheLinkGoes) {
     ModemBench stBench(strLinkUp + strEvent + "station = \"00120A010204\"\n" +
-                       "[handover]\ntime = 2\n[[event]]\nat = 11\nkind = \"link-loss\"\n");
+                       "[recovery]\non = false\n[handover]\ntime = 2\n"
+                       "[[event]]\nat = 11\nkind = \"link-loss\"\n");
     stBench.RunUntil(20);
     EXPECT_EQ(stBench.TimedMessages(), Told({"11.00 2/2: 18 00*44"}));
 }

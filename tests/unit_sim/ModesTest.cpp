@@ -83,15 +83,18 @@ TEST(IdleMode, PagingEndsItAtTheNextPagingCycle) {
     EXPECT_EQ(stBench.TimedMessages(), Told({"8.30 19/1: 00 00 00 00" + strFirstStation}));
 }
 
-TEST(IdleMode, EndsWithItsPlannedTimeout) {
+TEST(IdleMode, GoesOnAfterItsPlannedTimeoutWithALocationUpdate) {
     ModemBench stBench(strIdle + "[idle]\nplanned-timeout = 60\n");
     stBench.RunUntil(100);
-    EXPECT_EQ(stBench.TimedMessages(), Told({"60.30 19/1: 00 00 00 00" + strFirstStation}));
+    EXPECT_EQ(stBench.TimedMessages(), Told({"60.02 19/1: 3C 00 00 00" + strFirstStation}));
+    EXPECT_EQ(stBench.TheModem().TheLink().State(), LinkState::Idle);
 }
 
-TEST(IdleMode, FailsWhenTheStationIsGone) {
+TEST(IdleMode, FailsWhenAllStationsAreGone) {
     ModemBench stBench(strIdle + "[[event]]\nat = 5.5\nkind = \"vanish\"\n"
-                                 "station = \"00120A010203\"\n");
+                                 "station = \"00120A010203\"\n"
+                                 "[[event]]\nat = 5.5\nkind = \"vanish\"\n"
+                                 "station = \"00120A010204\"\n");
     stBench.RunUntil(20);
     EXPECT_EQ(stBench.TimedMessages(), Told({"6.00 2/2: 16 00*44"}));
 }

@@ -45,7 +45,8 @@ TEST(Decibels, AreTheirOwnInverse) {
     EXPECT_EQ(RatioOf(0), 1);
     EXPECT_NEAR(RatioOf(10), 10, 1e-13);
     EXPECT_NEAR(RatioOf(-97) / 1.9952623149688795e-10, 1, 1e-13);
-    for (double fLevel = -150; fLevel < 60; fLevel += 0.37) {
+    for (int i = 0; i < 600; ++i) {
+        const double fLevel = -150 + 0.37 * i;
         EXPECT_NEAR(Decibels(RatioOf(fLevel)), fLevel, 1e-11);
     }
 }

@@ -216,7 +216,8 @@ TEST(Trace, AHandoverIsSaidToBothStations) {
     const std::string strNeighbour = "[[event]]\nat = 1\nkind = \"handover\"\n"
                                      "station = \"00 12 0A 01 02 04\"\n";
     ModemBench stBench(strLinkUp + strQuiet + "[trace]\non = true\n" + strNeighbour);
-    stBench.RunUntil(2);
+    // Before it looks back: the station that it came from is still the better one.
+    stBench.RunUntil(1.4);
     const std::vector<Traced> astTraced = TracedBy(stBench);
     ASSERT_EQ(Talk(astTraced), "57^! 58v! 59^! 5v 3v 4^! 5v!");
     // Released, to the station.
@@ -360,12 +361,31 @@ TEST(Trace, ShortPeriodsHoldNoDialogueUp) {
     EXPECT_NE(strOrder.find("(2/2)"), std::string::npos);
 }
 
+TEST(Trace, ABetterNeighbourIsScannedFirst) {
+    ModemBench stBench(strLinkUp + strQuiet +
+                       "[trace]\non = true\n[[event]]\nat = 1.2\nkind = \"fade\"\n"
+                       "station = \"00 12 0A 01 02 03\"\nby = 25\n");
+    // Looked at 1.5 s, and gone to a second later.
+    stBench.RunUntil(2.4);
+    EXPECT_EQ(Talk(TracedBy(stBench)), "54^! 55v! 60^!");
+    stBench.RunUntil(2.9);
+    EXPECT_EQ(Talk(TracedBy(stBench)), "57^! 58v! 59^! 5v 3v 4^! 5v!");
+}
+
+TEST(Trace, AStationOrdersAHandoverByItself) {
+    ModemBench stBench(strLinkUp + strQuiet +
+                       "[trace]\non = true\n[[event]]\nat = 1\nkind = \"handover\"\n"
+                       "station = \"00 12 0A 01 02 04\"\nordered = true\n");
+    stBench.RunUntil(1.4);
+    EXPECT_EQ(Talk(TracedBy(stBench)), "56v! 59^! 5v 3v 4^! 5v!");
+}
+
 TEST(Trace, FlowsHaveNewConnectionsAfterAHandoverAndAfterIdleMode) {
     ModemBench stBench(strLinkUp + strQuiet +
                        "[trace]\non = true\n[[service-flow]]\ndirection = \"uplink\"\n"
                        "type = \"BE\"\n[[event]]\nat = 1\nkind = \"handover\"\n"
                        "station = \"00 12 0A 01 02 04\"\n");
-    stBench.RunUntil(2);
+    stBench.RunUntil(1.4);
     std::vector<Traced> astTraced = TracedBy(stBench);
     EXPECT_EQ(Talk(astTraced), "57^! 58v! 59^! 5v 3v 4^! 5v! 7v!");
     // A REG-RSP comes (bit 10), with the second connection instead of the first, 0x1000.
