@@ -27,7 +27,7 @@ Gets what is missing, builds, and runs every check. The last line is the sum: N 
 N skipped. The exit status is 0 when nothing failed.
 
   --machines      all tests on other machines too: armhf, mips, s390x (about ten minutes each)
-  --package       the Debian package too (three minutes)
+  --package       the Debian package too (six minutes)
   --long          the long sections too, and those that repeat something do it for longer
   --only SECTION  this section and no other; may stand several times
   --help          this text

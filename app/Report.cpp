@@ -259,7 +259,7 @@ void PutReal(double dValue) {
         EndOutputAt(WriteFixed(pcTo, std::signbit(dValue), static_cast<uint32_t>(dWhole),
                                static_cast<uint64_t>(dPart), u64Unit));
     } else {
-        // Not by std::to_chars, whose tables are half of a client that brings its library along.
+        // Not by std::to_chars, whose tables are a third of a client that brings its library along.
         const int iLength = std::snprintf(pcTo, u32MostReal + NumberText::Slack, "%.6f", dValue);
         EndOutputAt(pcTo + std::min(static_cast<uint32_t>(iLength), u32MostReal));
     }

@@ -14,7 +14,7 @@ TABLE
 _tarvel_commands="fault state stations advance until time-scale seed help
     fade vanish appear link-loss dreg reset paging complete-wake-up firmware-shutdown
     half-mini-card-shutdown half-mini-card-wake-up flow-deleted handover traffic-waits crash
-    ip-filter-status device-unload message"
+    ip-filter-status device-unload message flow-added flow-changed move request"
 _tarvel_faults="fail drop delay repeat reorder truncate corrupt on off"
 
 # Files that fit a pattern, and directories.
