@@ -143,7 +143,7 @@ TEST_F(AntennaSwitchingTest, AnAbortAsksNothingElse) {
 TEST_F(AntennaSwitchingTest, AnAutomaticSelectionIsEntered) {
     EXPECT_EQ(
         PrintedBy([] { SendAntennaSelectionRequest(); },
-                  "2 1\n-1 0\n11 12 13\n2 1\n4\n21 -3 22 5\n"),
+                  "2 1\n-1 0\n11 12 13\n2 1\n4\n70021 -70003 70022 70005\n"),
         std::string(pcRxValid) + pcAgain + pcTxValid + pcAgain + pcRxSettings + pcTxAuto + pcAgain +
             "\nEnter the Tx Antenna Setting Info:"
             "\n 0: Initial selection is based on the better of the two antennas based on RSSI "
@@ -158,8 +158,10 @@ TEST_F(AntennaSwitchingTest, AnAutomaticSelectionIsEntered) {
             "\nEnter the Switching Threshold Parameter for Antenna 1 (dB) : "
             "\nEnter the IIR Averaging Parameter for Antenna 2 : "
             "\nEnter the Switching Threshold Parameter for Antenna 2 (dB) : ");
-    EXPECT_EQ(FakeDevice::Sent(),
-              SentOf("28/5 | 1:4 0:4 | 11:4 12:4 13:4 | 0:4 | 1:4 4:4 | 21:4 22:4 -3:4 5:4"));
+    EXPECT_EQ(
+        FakeDevice::Sent(),
+        SentOf(
+            "28/5 | 1:4 0:4 | 11:4 12:4 13:4 | 0:4 | 1:4 4:4 | 70021:4 70022:4 -70003:4 70005:4"));
 }
 
 TEST_F(AntennaSwitchingTest, AFixedSelectionIsEntered) {
@@ -216,6 +218,11 @@ TEST_F(AntennaSwitchingTest, AConfigurationThatWasWrittenIsReported) {
                   "\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!"
                   "\n\nSetting the GPIO configuration from Host is Successfull !!" +
                   pcAntennaSwitchingClosing);
+    EXPECT_EQ(ReportOf("28/1 | 3:4 1:4 | 00*20 | 256:4 0:4"),
+              std::string(pcAntennaSwitchingBanner) +
+                  "\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!"
+                  "\n\nSetting the GPIO configuration from Host is Successfull !!" +
+                  pcAntennaSwitchingClosing);
     EXPECT_EQ(ReportOf("28/1 | 3:4 1:4 | 00*20 | 1:4 12:4"),
               std::string(pcAntennaSwitchingBanner) +
                   "\n\tRECEIVED ANTENNA_CONFIG_RESPONSE !!Error code returned: 12" +
@@ -235,7 +242,7 @@ TEST_F(AntennaSwitchingTest, AConfigurationThatWasWrittenIsReported) {
 TEST_F(AntennaSwitchingTest, AScanInFull) {
     EXPECT_EQ(ReportOf("28/2 | 1:4 2:4 | 5:4 -1:4 7:4 8:4 | -60:4 -61:4 00*120 | 20:4 21:4 00*120 |"
                        " -70:4 -71:4 00*120 | 10:4 -1:4 00*120 | 100:4 -1:4 00*120 |"
-                       " -1:4 -2:4 -3:4 -4:4 | -62:4 -22:4 -72:4 -12:4 | 0:4"),
+                       " -1:4 -2:4 -3:4 -4:4 | -70062:4 -70022:4 -70072:4 -70012:4 | 0:4"),
               std::string(pcAntennaSwitchingBanner) +
                   "\n\tRECEIVED ANTENNA_SCANNING_RESPONSE !!"
                   "\nScanning Status : 1"
@@ -247,10 +254,10 @@ TEST_F(AntennaSwitchingTest, AScanInFull) {
                   "\nCINR Measurement of Antenna 2:  10 -1"
                   "\nActual Framer Numbers Scanned:  100 4294967295"
                   "\nCurrent GPIO Pattern:  -1 -2 -3 -4"
-                  "\nCurrent RSSI of Antenna 1: -62"
-                  "\nCurrent CINR of Antenna 1: -22"
-                  "\nCurrent RSSI of Antenna 2: -72"
-                  "\nCurrent CINR of Antenna 2: -12" +
+                  "\nCurrent RSSI of Antenna 1: -70062"
+                  "\nCurrent CINR of Antenna 1: -70022"
+                  "\nCurrent RSSI of Antenna 2: -70072"
+                  "\nCurrent CINR of Antenna 2: -70012" +
                   pcAntennaSwitchingClosing);
 }
 

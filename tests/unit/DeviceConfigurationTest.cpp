@@ -62,8 +62,10 @@ TEST_F(DeviceConfigurationTest, UpperCaseAndSingleDigitsAreAnAddressToo) {
 
 TEST_F(DeviceConfigurationTest, WhatIsNoAddressIsRefused) {
     for (const char *pcTyped :
-         {"00:1a:2b:3c:4d:5e\n", "100-00-00-00-00-00\n", "00-1a-2b-3c-4d\n", "00-1a-2b-3c-4d-\n",
-          "zz-00-00-00-00-00\n", "00-00-00-00-00-g0\n", "-\n"}) {
+         {"00:1a:2b:3c:4d:5e\n", "100-00-00-00-00-00\n", "00-100-00-00-00-00\n",
+          "00-00-100-00-00-00\n", "00-00-00-100-00-00\n", "00-00-00-00-100-00\n",
+          "00-1a-2b-3c-4d\n", "00-1a-2b-3c-4d-\n", "zz-00-00-00-00-00\n", "00-00-00-00-00-g0\n",
+          "-\n"}) {
         EXPECT_EQ(AddressTyped(pcTyped), pcAddressRefused) << pcTyped;
     }
     EXPECT_EQ(FakeDevice::Sent(), std::vector<std::string>{});

@@ -585,6 +585,18 @@ TEST_F(LinkStatusTest, AHalfMiniCardWakeUpIsReported) {
     EXPECT_TRUE(FakeDevice::Sent().empty());
 }
 
+TEST_F(LinkStatusTest, HalfMiniCardMessagesHaveTheResultZero) {
+    for (const char *pcMessage : {"36/2", "36/3", "36/4"}) {
+        Report(
+            [](const WiMAXMessage *pstMessage) {
+                const uint32_t u32Result = ProcessHalfMiniCardResponse(pstMessage);
+                EXPECT_EQ(u32Result, 0U);
+                return u32Result;
+            },
+            pcMessage);
+    }
+}
+
 // What is not understood.
 
 TEST_F(LinkStatusTest, NullMessagesPrintNothing) {

@@ -119,6 +119,8 @@ TEST_F(ReportTest, QuotientsHaveSixDecimals) {
     EXPECT_EQ(RowOf({"%f", stSigned, 8}, 20001), "2500.125000");
     EXPECT_EQ(RowOf({"%f", stSigned, 8}, static_cast<uint32_t>(-1)), "-0.125000");
     EXPECT_EQ(RowOf({"%f", stSigned, 8}, 0x80000000), "-268435456.000000");
+    EXPECT_EQ(RowOf({"%f", {0, FieldType::I16}, 8}, 0xFFFF), "-0.125000");
+    EXPECT_EQ(RowOf({"%f", {0, FieldType::I8}, 8}, 0x80), "-16.000000");
     EXPECT_EQ(RowOf({"%f", stUnsigned, 8}, 0xFFFFFFFF), "536870911.875000");
     EXPECT_EQ(RowOf({"%f", stUnsigned, 1000000}, 8750001), "8.750001");
     EXPECT_EQ(RowOf({"%f", stUnsigned, 1000000}, 0xFFFFFFFF), "4294.967295");
