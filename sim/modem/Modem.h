@@ -15,6 +15,7 @@
 #include "Catalogue.h"
 #include "Wire.h"
 #include "air/Attachment.h"
+#include "air/Presence.h"
 #include "air/Radio.h"
 #include "air/Signalling.h"
 #include "air/Traffic.h"
@@ -131,6 +132,7 @@ class Modem {
     uint64_t Seed() const { return m_u64Seed; }
     Random RandomFor(std::string_view strPurpose) const { return {m_u64Seed, strPurpose}; }
     Radio &Air() { return m_stRadio; }
+    Presence &ThePresence() { return m_stPresence; }
     Traffic &UserTraffic() { return m_stTraffic; }
     Attachment &Attached() { return m_stAttachment; }
     Events &TheEvents() { return m_stEvents; }
@@ -219,6 +221,7 @@ class Modem {
     Events m_stEvents{m_stScheduler};
     StateFile m_stStateFile;
     Radio m_stRadio;
+    Presence m_stPresence;
     Traffic m_stTraffic;
     StationAddress m_stAddress{0x02, 0x00, 0x00, 0x20, 0x00, 0x01};
     Options m_stOptions;
