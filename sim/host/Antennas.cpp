@@ -113,6 +113,7 @@ class Antennas : public Subsystem {
     void ScanFrame();
     void WaitForFrame(ModemTime iWait);
     void EndScan(uint32_t u32ScanStatus);
+    void StopScanning();
     void TellScan(uint32_t u32ScanStatus);
     void TellScanError(uint32_t u32Error);
     std::array<Levels, 2> Measure(uint32_t u32Pattern);
@@ -186,7 +187,7 @@ void Antennas::Start() {
     m_stConfig = m_stConfigAtStart;
     m_au32Selected = {};
     m_astFrames.clear();
-    m_stFrame.Stop();
+    StopScanning();
     Transmit({});
 }
 
@@ -333,12 +334,18 @@ int32_t Antennas::Scan(ByteView stRequest) {
     m_iFrameInterval = (ModemTime{Get(stRequest, u32ScanInterleaveInterval)} + 1) * i64Frame;
     m_u64FramesDone = 0;
     m_astFrames.clear();
+    const auto u64First = static_cast<uint64_t>(m_stModem.Now() / i64Frame) + 1;
+    const auto u64Every = static_cast<uint64_t>(m_iFrameInterval / i64Frame);
+    m_stModem.ThePresence().Leave(Absence::Scan, [u64First, u64Every](uint64_t u64Frame) {
+        return u64Frame >= u64First && (u64Frame - u64First) % u64Every == 0;
+    });
     WaitForFrame(i64Frame);
     return 0;
 }
 
 void Antennas::ScanFrame() {
     if (!WithStation()) {
+        StopScanning();
         m_astFrames.clear();
         TellScanError(NoStation);
         return;
@@ -369,8 +376,13 @@ void Antennas::WaitForFrame(ModemTime iWait) {
     }
 }
 
-void Antennas::EndScan(uint32_t u32ScanStatus) {
+void Antennas::StopScanning() {
     m_stFrame.Stop();
+    m_stModem.ThePresence().Return(Absence::Scan);
+}
+
+void Antennas::EndScan(uint32_t u32ScanStatus) {
+    StopScanning();
     TellScan(u32ScanStatus);
     m_astFrames.clear();
 }

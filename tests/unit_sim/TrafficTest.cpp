@@ -466,4 +466,167 @@ TEST(Counting, StatisticsAttributesLoggersTraceAndStateAgreeOverAMinute) {
     EXPECT_GT(u64DownlinkPDUs, u64DownlinkBursts); // sometimes two in a frame
 }
 
+// What takes the modem away from the frames.
+
+// Link up, a packet in each frame of the downlink, maps in each frame.
+const std::string strBusy = strLinkUp +
+                            "[traffic]\nuplink-rate = 0\n[handover]\nlook-period = 0\n"
+                            "[signalling]\nmap-period = 0.005\n" +
+                            Flow("downlink", "BE") + Generator("downlink", 20000, 100);
+
+struct Counts {
+    uint64_t u64Frames = 0;
+    uint64_t u64CQICH = 0;
+    uint64_t u64Bursts = 0;
+    uint64_t u64PDUs = 0;
+    uint64_t u64Maps = 0; // since the last look
+
+    Counts operator-(const Counts &stBefore) const {
+        return {u64Frames - stBefore.u64Frames, u64CQICH - stBefore.u64CQICH,
+                u64Bursts - stBefore.u64Bursts, u64PDUs - stBefore.u64PDUs, u64Maps};
+    }
+    bool operator==(const Counts &) const = default;
+};
+
+std::ostream &operator<<(std::ostream &stTo, const Counts &stCounts) {
+    return stTo << "frames " << stCounts.u64Frames << " CQICH " << stCounts.u64CQICH << " bursts "
+                << stCounts.u64Bursts << " PDUs " << stCounts.u64PDUs << " maps "
+                << stCounts.u64Maps;
+}
+
+Counts CountsOf(ModemBench &stBench) {
+    Counts stCounts;
+    EXPECT_EQ(stBench.Send(17, 1, "00*4"), 0);
+    for (const std::string &strText : stBench.Messages()) {
+        const std::vector<uint8_t> aucBytes = Payload(strText);
+        if (strText.rfind("17/1:", 0) == 0) {
+            stCounts.u64Frames = Word(aucBytes, 4);
+            stCounts.u64CQICH = Word(aucBytes, 20);
+        } else if (strText.rfind("21/1:", 0) == 0) {
+            stCounts.u64Maps += Word(aucBytes, 5) == 2 ? 1 : 0;
+        }
+    }
+    stCounts.u64Bursts = TotalsOf(stBench).stDownlink.u64Bursts;
+    stCounts.u64PDUs = TotalsOf(stBench).stDownlink.u64PDUs;
+    return stCounts;
+}
+
+// What there is from a moment to another one.
+Counts Between(ModemBench &stBench, double fFrom, double fTo) {
+    stBench.RunUntil(fFrom);
+    const Counts stBefore = CountsOf(stBench);
+    stBench.RunUntil(fTo);
+    return CountsOf(stBench) - stBefore;
+}
+
+// A class of type 2: sleeps for 15 frames, listens for 5; defined and activated.
+const std::string strSleep = "01 00 00 00 FF 02 00 0F 00 05 00 00 00 01 00 00 00*32 03 00 00 00 00"
+                             " 00*147";
+
+TEST(Presence, AModemThatSleepsHearsItsListeningWindowsAlone) {
+    ModemBench stAwake(strBusy + "[trace]\non = true\n");
+    EXPECT_EQ(Between(stAwake, 1.1, 5.1), (Counts{800, 100, 800, 800, 800}));
+    ModemBench stAsleep(strBusy + "[trace]\non = true\n");
+    stAsleep.RunUntil(1);
+    EXPECT_EQ(stAsleep.Send(26, 1, strSleep), 0);
+    // Forty times five frames. One of the five has a number that 8 divides, every other time. All
+    // packets get through, 16 of them in the first frame of a window.
+    EXPECT_EQ(Between(stAsleep, 1.1, 5.1), (Counts{200, 20, 200, 800, 200}));
+    EXPECT_EQ(ReportOf(stAsleep, 1).u64Lost, 0U);
+    EXPECT_EQ(ReportOf(stAsleep, 1).iLongest, 75000);
+    // Awake again.
+    EXPECT_EQ(stAsleep.Send(26, 1, "01 00 00 00 00 02 00*42 02 00 00 00 00 00*147"), 0);
+    EXPECT_EQ(Between(stAsleep, 6, 7), (Counts{200, 25, 200, 200, 200}));
+}
+
+TEST(Presence, AModemListensWhileAnyOfItsClassesDoes) {
+    ModemBench stBench(strBusy);
+    stBench.RunUntil(1);
+    // The same cycle, with a listening window of ten frames.
+    EXPECT_EQ(stBench.Send(26, 1,
+                           "02 00 00 00 FF 02 00 0F 00 05 00 00 00 01 00 00 00*32 03 00 00 00 00"
+                           " FF 02 00 0A 00 0A 00 00 00 01 00 00 00*32 03 00 00 00 00 00*98"),
+              0);
+    EXPECT_EQ(Between(stBench, 1.1, 5.1).u64Frames, 400U);
+}
+
+TEST(Presence, SleepWindowsGrow) {
+    ModemBench stBench(strBusy);
+    stBench.RunUntil(1);
+    // Type 1: 2, 4, 8, 16, 16... frames of sleep, 4 of listening.
+    EXPECT_EQ(stBench.Send(26, 1,
+                           "01 00 00 00 FF 01 00 02 04 04 01 00 00 01 00 00 00*32 03 00 00 00 00"
+                           " 00*147"),
+              0);
+    // Asleep from frames 200, 206, 214, 226, 246, 266 and 286 on: of the frames from 202 to 300 it
+    // listens in six times four, from 202, 210, 222, 242, 262 and 282 on.
+    EXPECT_EQ(Between(stBench, 1.005, 1.5).u64Frames, 24U);
+}
+
+TEST(Presence, GrantsAreNotGivenToAModemThatSleeps) {
+    ModemBench stBench(strLinkUp + Flow("uplink", "UGS", "max-rate = 64000\n"));
+    stBench.RunUntil(1);
+    EXPECT_EQ(stBench.Send(26, 1, strSleep), 0);
+    stBench.RunUntil(1.1);
+    const uint64_t u64Before = ReportOf(stBench, 1).u64Grants;
+    stBench.RunUntil(5.1);
+    // A grant in every fourth frame is one in each window of five, of the 20 frames' five.
+    EXPECT_EQ(ReportOf(stBench, 1).u64Grants - u64Before, 40U);
+}
+
+TEST(Presence, ASearchTakesTheFramesThatItLasts) {
+    ModemBench stBench(strBusy);
+    stBench.RunUntil(1);
+    // Six pairs of 50 ms: 60 frames.
+    EXPECT_EQ(stBench.Send(1, 1,
+                           "00*4 02 00 00 00 02 00 00 00 10 27 00 00 88 13 00 00 00*8 00*12"
+                           " 03 00 00 00 6C 7B 27 00 40 AC 27 00 90 6F 28 00 00*88"),
+              0);
+    const Counts stCounts = Between(stBench, 1, 2);
+    EXPECT_EQ(stCounts.u64Frames, 140U);
+    EXPECT_EQ(stCounts.u64Bursts, 140U);
+    EXPECT_EQ(stCounts.u64PDUs, 200U);
+    EXPECT_EQ(stCounts.u64CQICH, 18U); // 7 of 25 fall into frames 201 to 260
+}
+
+TEST(Presence, WhatTheQueueDoesNotHoldMeanwhileIsLost) {
+    ModemBench stBench(strLinkUp + Flow("downlink", "BE") + Generator("downlink", 400000, 2000));
+    stBench.RunUntil(1);
+    EXPECT_EQ(stBench.Send(1, 1,
+                           "00*4 02 00 00 00 02 00 00 00 10 27 00 00 88 13 00 00 00*8 00*12"
+                           " 03 00 00 00 6C 7B 27 00 40 AC 27 00 90 6F 28 00 00*88"),
+              0);
+    stBench.RunUntil(2);
+    // 32 packets of 2000 bytes wait; from frame 233 on they are lost, up to 261, in which the
+    // queue begins to go.
+    EXPECT_EQ(ReportOf(stBench, 1).u64Lost, 29U);
+    EXPECT_EQ(ReportOf(stBench, 1).u64Packets, 371U);
+}
+
+TEST(Presence, AnAntennaScanTakesItsFrames) {
+    // Without end; no pattern, and so many frames of traffic in between.
+    const auto Bursts = [](const std::string &strInterleave) {
+        ModemBench stBench(strBusy);
+        stBench.RunUntil(1);
+        EXPECT_EQ(stBench.Send(28, 2, "01 00 00 80 00*4 00*4 00*16 " + strInterleave + " 00*12"),
+                  0);
+        return Between(stBench, 2, 5);
+    };
+    EXPECT_EQ(Bursts("00 00 00 00").u64Bursts, 0U);
+    EXPECT_EQ(Bursts("00 00 00 00").u64Frames, 0U);
+    EXPECT_EQ(Bursts("01 00 00 00").u64Bursts, 300U);
+    EXPECT_EQ(Bursts("03 00 00 00").u64Frames, 450U);
+}
+
+TEST(Presence, AHandoverTakesTheFramesOfItsInterruption) {
+    ModemBench stBench(strBusy + "[[event]]\nat = 1\nkind = \"handover\"\n"
+                                 "station = \"00120A010204\"\n");
+    // 50 ms; what waits goes on at the target.
+    const Counts stCounts = Between(stBench, 0.999, 2);
+    EXPECT_EQ(stCounts.u64Frames, 191U);
+    EXPECT_EQ(stCounts.u64Bursts, 191U);
+    EXPECT_EQ(stCounts.u64PDUs, 201U);
+    EXPECT_EQ(ReportOf(stBench, 1).u64Lost, 0U);
+}
+
 } // namespace
