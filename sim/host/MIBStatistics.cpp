@@ -221,6 +221,20 @@ MIBStatistics::MIBStatistics(Modem &stModem)
             Put(stTo, u32Flags, 3);
         });
     });
+    stMIBs.Provide(CenterFrequencyAndBandwidth, [this] {
+        Record<MIBCenterFrequency::Size> stValue;
+        if (const Station *pstServing = m_stLink.Serving()) {
+            Put(stValue.Span(), MIBCenterFrequency::u32CenterFrequency, pstServing->u32Frequency);
+            Put(stValue.Span(), MIBCenterFrequency::u32Bandwidth, pstServing->u32Bandwidth);
+        }
+        return BytesIn(stValue);
+    });
+    stModem.OnConfiguredChannel([&stMIBs] {
+        const Bytes aucValue = stMIBs.ValueOf(CenterFrequencyAndBandwidth);
+        const ByteView stValue{aucValue.data(), static_cast<uint32_t>(aucValue.size())};
+        return Channel{Get(stValue, MIBCenterFrequency::u32CenterFrequency),
+                       Get(stValue, MIBCenterFrequency::u32Bandwidth)};
+    });
     stMIBs.OnWrite(MRUReset, [this](ByteView) {
         m_astMRU.clear();
         m_stModem.TheStateFile().Keep(pcStateSection, pcStateKey, MRUTable());

@@ -189,6 +189,10 @@ MIBStore::Bytes MIBStore::ValueAt(const Place &u32Place, uint32_t u32Size) const
     return aucValue;
 }
 
+MIBStore::Bytes MIBStore::ValueOf(uint32_t u32AttributeID) const {
+    return ValueAt({u32AttributeID, 0, 0}, RowOf(u32AttributeID)->u32Size);
+}
+
 MIBStore::Outcome MIBStore::Read(ByteView stRecord) const {
     const AttributeRow *pstRow = RowOf(Get(stRecord, MIBRecord::u32AttributeID));
     if (pstRow == nullptr) {

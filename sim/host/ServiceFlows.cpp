@@ -431,9 +431,12 @@ ServiceFlows::ServiceFlows(Modem &stModem) : m_stModem(stModem), m_stProvisionin
     });
     stModem.TheMIBs().Provide(MIBAttribute::ActiveSFIDs, [this] { return ActiveSFIDs(); });
     stModem.OnTransportCIDs([this] {
+        // In idle mode the flows are kept, and have no connections.
         std::vector<uint32_t> au32CIDs;
-        std::transform(m_astFlows.begin(), m_astFlows.end(), std::back_inserter(au32CIDs),
-                       [](const Flow &stFlow) { return stFlow.u32CID; });
+        if (LinkUp()) {
+            std::transform(m_astFlows.begin(), m_astFlows.end(), std::back_inserter(au32CIDs),
+                           [](const Flow &stFlow) { return stFlow.u32CID; });
+        }
         return au32CIDs;
     });
     stModem.TheLink().Observe([this](const LinkChange &stChange) { OnLinkChange(stChange); });

@@ -43,7 +43,7 @@ class StatisticsReports : public Subsystem {
     void FollowLink(const LinkChange &stChange);
     void Resynchronised();
     double ErrorRate(double fCINR) const;
-    void PutStation(ByteSpan stTo) const;
+    void PutStation(ByteSpan stTo, const Station &stStation) const;
 
     Modem &m_stModem;
     Link &m_stLink;
@@ -183,14 +183,14 @@ int32_t StatisticsReports::SetPolicy(uint32_t u32Policy) {
     return 0;
 }
 
-void StatisticsReports::PutStation(ByteSpan stTo) const {
-    const Measurement stMeasurement = m_stModem.Air().Measure(*m_pstServing, m_stModem.Now());
+void StatisticsReports::PutStation(ByteSpan stTo, const Station &stStation) const {
+    const Measurement stMeasurement = m_stModem.Air().Measure(stStation, m_stModem.Now());
     Put(stTo, Statistics::u32RSSI, Rounded(stMeasurement.fRSSI));
     Put(stTo, Statistics::u32CINR, Rounded(stMeasurement.fCINR));
-    PutBytes(stTo, Statistics::aucBSID.u16Offset, {m_pstServing->aucBSID.data(), u32BSIDSize});
+    PutBytes(stTo, Statistics::aucBSID.u16Offset, {stStation.aucBSID.data(), u32BSIDSize});
     Put(stTo, Statistics::u8BurstFEC, ProfileAt(stMeasurement.fCINR).u32FEC);
-    Put(stTo, Statistics::u32CenterFrequency, m_pstServing->u32Frequency);
-    if (m_stLink.State() != LinkState::Synchronised) {
+    Put(stTo, Statistics::u32CenterFrequency, stStation.u32Frequency);
+    if (m_stLink.IsAnyOf({LinkState::Entering, LinkState::LinkUp})) {
         Put(stTo, Statistics::s8TxPower, Rounded(m_stModem.TheSignalling().Power() / fQuarters));
     }
 }
@@ -218,8 +218,8 @@ void StatisticsReports::Tell() {
         Put(stTo, Statistics::au32TransportCIDs, u32CID, u32Base);
         u32Base += WidthOf(Statistics::au32TransportCIDs.eType);
     }
-    if (m_pstServing != nullptr) {
-        PutStation(stTo);
+    if (m_stLink.Serving() != nullptr) {
+        PutStation(stTo, *m_stLink.Serving());
     }
     m_stModem.Tell(TYPE_STATISTICS, SUBTYPE_STATISTICS, stReport.View());
 }

@@ -233,6 +233,7 @@ void Modem::RestartOwn() {
     m_bHalted = false;
     m_au32Lost.clear();
     m_stTraffic.Reset();
+    m_stPins.Start();
 }
 
 void Modem::Unload() {

@@ -257,6 +257,25 @@ TEST(Statistics, CountNoFramesInIdleMode) {
     EXPECT_EQ(ReportOf(stBench).Word(4), 0U);
 }
 
+TEST(Statistics, NameTheStationOfIdleModeAndNoConnections) {
+    ModemBench stBench(std::string(pcFourStations) + pcTwoFlows +
+                       "[start]\nstate = \"idle\"\nstation = \"00120A010203\"\n");
+    stBench.RunUntil(10);
+    const Report stIdle = ReportOf(stBench);
+    EXPECT_EQ(stIdle.Word(24), 0xFFFFFFC6U); // -58 dBm
+    EXPECT_EQ(stIdle.Word(28), 28U);
+    EXPECT_EQ(HexOf({stIdle.aucPayload.begin() + 244, stIdle.aucPayload.begin() + 250}),
+              "00 12 0A 01 02 03");
+    EXPECT_EQ(stIdle.Word(948), 2587500U);
+    EXPECT_EQ(stIdle.aucPayload.at(234), 0); // it does not send
+    EXPECT_EQ(stIdle.Word(60), 0U);
+    // The flows have connections again when the link is up.
+    EXPECT_EQ(stBench.Send(19, 4), 0);
+    stBench.RunUntil(11);
+    stBench.Messages();
+    EXPECT_EQ(ReportOf(stBench).Word(60), 2U);
+}
+
 TEST(Statistics, EndWithAReset) {
     ModemBench stBench(strLinkUp);
     EXPECT_EQ(stBench.Send(17, 1, "64 00 00 00"), 0);

@@ -488,6 +488,27 @@ TEST(MIB, SignalsAgreeWithTheRadio) {
     EXPECT_EQ(HexOfValue(&stWithoutLink, 1633), "03 03 03");
 }
 
+TEST(MIB, TheChannelIsTheStationsUntilItIsWritten) {
+    ModemBench stBench(pcFourStations);
+    EXPECT_EQ(HexOfValue(&stBench, 509), "00*16");
+    // A synchronisation that names no frequency finds nothing.
+    EXPECT_EQ(stBench.Send(2, 1, "00*4 00*4 FF 00*55"), 0);
+    stBench.RunUntil(0.5);
+    EXPECT_EQ(stBench.Messages().at(0).substr(0, 7), "2/1: 01");
+    // 2600 MHz, 5 MHz, written; now it has a channel to take.
+    EXPECT_EQ(StatusOf(&stBench, 1, RecordOf(509, "00*9", "40 AC 27 00 88 13 00 00 00*8")), 0);
+    EXPECT_EQ(stBench.Send(2, 1, "00*4 00*4 FF 00*55"), 0);
+    stBench.RunUntil(1);
+    EXPECT_NE(stBench.Messages().at(0).find(" 2B 37 00 00 01 "), std::string::npos);
+    // What was written stays, also on another channel.
+    EXPECT_EQ(stBench.Send(2, 1, "6C 7B 27 00 10 27 00 00 FF 00*55"), 0);
+    stBench.RunUntil(1.5);
+    EXPECT_NE(stBench.Messages().at(0).find(" 12 0A 01 02 03 "), std::string::npos);
+    EXPECT_EQ(HexOfValue(&stBench, 509), "40 AC 27 00 88 13 00*10");
+    ModemBench stLinked(strLinkUp);
+    EXPECT_EQ(HexOfValue(&stLinked, 509), "6C 7B 27 00 10 27 00*10");
+}
+
 TEST(MIB, MessagesThatTheClientNeverGotAreCounted) {
     const auto Drop = [](const char *pcType) {
         return "[[fault]]\nkind = \"drop\"\ntype = " + std::string(pcType) + "\n";
