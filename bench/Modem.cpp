@@ -1,9 +1,9 @@
 // What the simulated modem takes: how much faster than real time it lives on one processor, how
 // many messages come out, what a send takes and what it holds in memory.
-#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <fstream>
 
 #include "library/WholeModem.h"
 
@@ -81,12 +81,7 @@ double Used() {
 long Resident() {
     long iPages = 0;
     long iResident = 0;
-    if (FILE *pstFile = std::fopen("/proc/self/statm", "r")) {
-        if (std::fscanf(pstFile, "%ld %ld", &iPages, &iResident) != 2) {
-            iResident = 0;
-        }
-        std::fclose(pstFile);
-    }
+    std::ifstream("/proc/self/statm") >> iPages >> iResident;
     return iResident * 4;
 }
 
@@ -129,12 +124,11 @@ void Live(const char *pcName, const std::string &strScenario, bool bAll) {
     }
     const double fTook = Used() - fBegan;
     const TrafficTotals stTotals = stModem.UserTraffic().Totals();
-    std::printf(
-        "%-28s %6.0f times real time, %8.0f messages/s, %llu PDUs, resident %ld KB after "
-        "one minute, %ld KB after ten\n",
-        pcName, iSeconds / fTook, static_cast<double>(u64Messages) / fTook,
-        static_cast<unsigned long long>(stTotals.stDownlink.u64PDUs + stTotals.stUplink.u64PDUs),
-        iAfterOne, Resident());
+    const unsigned long long u64PDUs = stTotals.stDownlink.u64PDUs + stTotals.stUplink.u64PDUs;
+    std::printf("%-28s %6.0f times real time, %8.0f messages/s, %llu PDUs, resident %ld KB after "
+                "one minute, %ld KB after ten\n",
+                pcName, iSeconds / fTook, static_cast<double>(u64Messages) / fTook, u64PDUs,
+                iAfterOne, Resident());
 }
 
 void Sends(const std::string &strScenario) {

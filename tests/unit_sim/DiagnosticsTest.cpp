@@ -276,6 +276,22 @@ TEST_F(DeviceMemory, RegistersSayWhatTheModemIsAndDoes) {
     EXPECT_EQ(Read(0x0F000000, 4), "78 56 34 12");
 }
 
+TEST(Registers, SayWhatTheStationInformationSays) {
+    const auto Words = [](const std::string &strScenario) {
+        ModemBench stBench(strScenario);
+        std::vector<uint8_t> aucWords(12);
+        EXPECT_EQ(stBench.TheModem().ReadMemory(0x0F000000, {aucWords.data(), 12}), 0);
+        return HexOf(aucWords);
+    };
+    // Chip 20000, revision 102, firmware 3.1.12.
+    EXPECT_EQ(Words(""), "00 00 02 00 02 01 00 00 0C 00 01 03");
+    EXPECT_EQ(Words("[station-information]\nbaseband-chip = 66\nfirmware-version = [4, 2, 300]\n"),
+              "42 00 00 00 02 01 00 00 2C 01 02 04");
+    EXPECT_EQ(Words("[station-information]\nbaseband-chip = 66\n[memory]\nchip-id = 67\n"
+                    "firmware = 1\n"),
+              "43 00 00 00 02 01 00 00 01 00 00 00");
+}
+
 TEST_F(DeviceMemory, ScratchIsKeptUntilARestart) {
     EXPECT_EQ(Read(0x0F010000, 16), "00*16");
     EXPECT_EQ(Write(0x0F010003, "01 02 03 04"), 0);
