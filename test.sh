@@ -222,7 +222,7 @@ section_s390x() { test_machine s390x s390x s390x-linux-gnu; }
 
 section_benchmarks() {
     [ -x build/release/bench_start ] || { check configure release ON && check build release; } || return
-    (cd build/release && ./bench_start && ./bench_reports && ./bench_recording)
+    (cd build/release && ./bench_start && ./bench_reports && ./bench_modem && ./bench_recording)
 }
 
 section_package() { check packaging/check.sh; }

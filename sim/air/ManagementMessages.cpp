@@ -349,7 +349,7 @@ BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame, const BurstProf
 BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants) {
     constexpr uint32_t u32RangingRegion = 12;
     constexpr uint32_t u32CDMAAllocation = 14;
-    constexpr uint32_t u32DataSlots = 10;
+    constexpr uint32_t u32MostSlots = 1023;
     const FrameLayout stLayout = LayoutOf(stStation.u32Bandwidth);
     BitWriter stBody;
     stBody.U8(0).U8(stStation.u32DCDChangeCount);
@@ -357,7 +357,8 @@ BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants) {
     if (stGrants.stData) {
         const BurstProfile &stProfile = stGrants.stData->stProfile;
         stBody.U16(stGrants.stData->u32BasicCID).Bits(stProfile.UIUC(), 4);
-        stBody.Bits(u32DataSlots, 10).Bits(stProfile.u32Repeats, 2);
+        stBody.Bits(std::min(stGrants.stData->u32Slots, u32MostSlots), 10)
+            .Bits(stProfile.u32Repeats, 2);
     }
     // Symbol offset, subchannel offset, symbols, subchannels, method, dedicated.
     for (const uint32_t u32Method : {0U, 2U}) { // initial; bandwidth requests and periodic

@@ -100,6 +100,7 @@ BitWriter NBRADVBody(const Station &stStation, std::span<const Station *const> a
 struct DataGrant {
     uint32_t u32BasicCID; // of this modem
     BurstProfile stProfile;
+    uint32_t u32Slots;
 };
 struct Grants {
     std::optional<RangingSignal> stCDMA; // an allocation in answer to a ranging code

@@ -70,6 +70,9 @@ double FailureRate(const BurstProfile &stProfile, double fCINR, uint32_t u32Atte
 // So much lower is the CINR of what the station receives.
 inline constexpr double fUplinkLoss = 6; // dB
 
+// The quality of the channel goes to the station every so many frames.
+inline constexpr uint32_t u32CQICHFrames = 8;
+
 // Powers, in dBm.
 inline constexpr int32_t iWantedPower = -90; // of a modem, at the station
 inline constexpr int32_t iLeastPower = -40;  // of the modem

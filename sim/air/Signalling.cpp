@@ -49,12 +49,13 @@ bool IsManagement(const Connection &stConnection) { return stConnection.u32SFID 
 } // namespace
 
 Signalling::Signalling(const Section &stRoot, uint64_t u64Seed, Scheduler &stClock, Radio &stAir,
-                       const Attachment &stAt, const Options &stOptions,
-                       const MACAddressBytes &aucAddress)
-    : m_stClock(stClock), m_stAir(stAir), m_stAt(stAt), m_stOptions(stOptions),
-      m_aucAddress(aucAddress), m_stRandom(u64Seed, "signalling"), m_stStep(stClock),
-      m_stMaps(stClock), m_stDescriptors(stClock), m_stNeighbours(stClock), m_stPaging(stClock),
-      m_stRanging(stClock), m_stReport(stClock) {
+                       const Attachment &stAt, const Traffic &stTraffic, const Presence &stPresence,
+                       const Options &stOptions, const MACAddressBytes &aucAddress)
+    : m_stClock(stClock), m_stAir(stAir), m_stAt(stAt), m_stTraffic(stTraffic),
+      m_stPresence(stPresence), m_stOptions(stOptions), m_aucAddress(aucAddress),
+      m_stRandom(u64Seed, "signalling"), m_stStep(stClock), m_stMaps(stClock),
+      m_stDescriptors(stClock), m_stNeighbours(stClock), m_stPaging(stClock), m_stRanging(stClock),
+      m_stReport(stClock) {
     const Section stSettings = stRoot.Table("signalling");
     const auto ReadPeriod = [&](const char *pcKey, double fDefault) {
         return stSettings.Seconds(pcKey, 0.005, 1e6, fDefault);
@@ -548,7 +549,6 @@ void Signalling::MakeConnections() {
     }
     for (const Connection &stFlow : astFlows) {
         Connect(stFlow.u32CID, stFlow.bUplink, stFlow.u32SFID, stFlow.u32SchedulingType);
-        FlowGranted(stFlow.u32SFID, stFlow.u32Grant);
     }
 }
 
@@ -621,11 +621,13 @@ void Signalling::SayKeyExchange() {
     Later([this] { SayPKM(bDown, PKMCode::SATEKResponse, Protection::Attribute); });
 }
 
-// Broadcasts.
+// Broadcasts, as far as the modem is there to hear them.
 
 void Signalling::Broadcast(Timer &stTimer, ModemTime iPeriod, void (Signalling::*pfnSay)()) {
     stTimer.Start(iPeriod - m_stClock.Now() % iPeriod, [this, &stTimer, iPeriod, pfnSay] {
-        (this->*pfnSay)();
+        if (!m_stPresence.Away(static_cast<uint64_t>(m_stClock.Now() / i64Frame))) {
+            (this->*pfnSay)();
+        }
         Broadcast(stTimer, iPeriod, pfnSay);
     });
 }
@@ -634,8 +636,10 @@ void Signalling::SayMaps() {
     const Station &stStation = *m_stAt.pstServing;
     SayDLMAP(stStation);
     Grants stGrants;
-    if (m_stAt.eState == LinkUp) {
-        stGrants.stData = {m_u32BasicCID, ProfileAt(CINROf(stStation) - fUplinkLoss)};
+    const uint32_t u32Granted = m_stTraffic.Granted(Frame());
+    if (u32Granted != 0) {
+        stGrants.stData = {m_u32BasicCID, ProfileAt(CINROf(stStation) - fUplinkLoss),
+                           u32Granted / u32SlotBytes};
     }
     Say(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast, ULMAPBody(stStation, stGrants));
 }
@@ -866,14 +870,6 @@ void Signalling::FlowMoved(uint32_t u32SFID, uint32_t u32CID) {
     for (Connection &stConnection : m_astConnections) {
         if (stConnection.u32SFID == u32SFID) {
             stConnection.u32CID = u32CID;
-        }
-    }
-}
-
-void Signalling::FlowGranted(uint32_t u32SFID, uint32_t u32Bytes) {
-    for (Connection &stConnection : m_astConnections) {
-        if (stConnection.u32SFID == u32SFID) {
-            stConnection.u32Grant = u32Bytes;
         }
     }
 }

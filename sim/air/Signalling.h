@@ -15,6 +15,8 @@
 #include "air/Attachment.h"
 #include "air/Capabilities.h"
 #include "air/ManagementMessages.h"
+#include "air/Presence.h"
+#include "air/Traffic.h"
 #include "scenario/Options.h"
 #include "time/Random.h"
 #include "time/Scheduler.h"
@@ -45,7 +47,6 @@ struct Connection {
     bool bARQ;
     uint32_t u32SFID;           // 0: not of a service flow
     uint32_t u32SchedulingType; // 0 for management connections
-    uint32_t u32Grant = 0;      // bytes of every allocation, 0: as a packet needs it
 };
 
 enum class FlowDialogue : uint8_t { Add, Change, Delete };
@@ -61,7 +62,8 @@ class Signalling {
 
     // Reads [signalling], and how many service flows the network has.
     Signalling(const Section &stRoot, uint64_t u64Seed, Scheduler &stClock, Radio &stAir,
-               const Attachment &stAt, const Options &stOptions, const MACAddressBytes &aucAddress);
+               const Attachment &stAt, const Traffic &stTraffic, const Presence &stPresence,
+               const Options &stOptions, const MACAddressBytes &aucAddress);
     // Takes on the state at start.
     void Start();
 
@@ -86,8 +88,6 @@ class Signalling {
     uint32_t Frame() const;
     // The connections that there are now.
     const std::vector<Connection> &Connections() const { return m_astConnections; }
-    // The uplink that user packets take while there is no service flow for them.
-    uint32_t DefaultUplinkCID() const { return m_u32PrimaryCID + u32FirstTransport; }
     const FlowLimits &Limits() const { return m_stLimits; }
     int32_t Power() const { return m_iPower; } // quarter dBm
 
@@ -131,13 +131,9 @@ class Signalling {
     void FlowThere(const FlowParameters &stFlow);
     // The flow has another connection with the station that the modem has come to.
     void FlowMoved(uint32_t u32SFID, uint32_t u32CID);
-    // From now on the flow's allocations have so many bytes; 0: as a packet needs it.
-    // No management message says so: the packets themselves do.
-    void FlowGranted(uint32_t u32SFID, uint32_t u32Bytes);
 
   private:
     enum class Protection : uint8_t { None, Tuple, Attribute };
-    static constexpr uint32_t u32FirstTransport = 1024; // above the primary CIDs
     static constexpr bool bUp = true;
     static constexpr bool bDown = false;
 
@@ -196,6 +192,8 @@ class Signalling {
     Scheduler &m_stClock;
     Radio &m_stAir;
     const Attachment &m_stAt;
+    const Traffic &m_stTraffic;
+    const Presence &m_stPresence;
     const Options &m_stOptions;
     const MACAddressBytes &m_aucAddress;
     ModemTime m_iMapPeriod;

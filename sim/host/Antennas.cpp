@@ -106,6 +106,9 @@ class Antennas : public Subsystem {
     uint32_t JudgeScan(ByteView stRequest) const;
     int32_t Select(ByteView stRequest);
     void Transmit(const TxChoice &stTx);
+    // The pins show what is selected, and select when the host sets one of them.
+    void DrivePins();
+    void FollowPin(uint32_t u32Pin);
     uint32_t JudgeSelection(ByteView stRequest) const;
     static bool JudgeSwitching(ByteView stRequest);
     bool PatternPossible(uint32_t u32Pattern) const;
@@ -113,6 +116,7 @@ class Antennas : public Subsystem {
     void ScanFrame();
     void WaitForFrame(ModemTime iWait);
     void EndScan(uint32_t u32ScanStatus);
+    void StopScanning();
     void TellScan(uint32_t u32ScanStatus);
     void TellScanError(uint32_t u32Error);
     std::array<Levels, 2> Measure(uint32_t u32Pattern);
@@ -159,6 +163,7 @@ Antennas::Antennas(Modem &stModem)
     stModem.On(TYPE_ANTENNA, SUBTYPE_ANTENNA_SELECTION,
                [this](const Request &stRequest) { return Select(stRequest.stPayload); });
     stModem.TheMIBs().Provide(MIBAttribute::AntennaSwitch, [this] { return SwitchInformation(); });
+    stModem.ThePins().OnHost([this](uint32_t u32Pin) { FollowPin(u32Pin); });
     Transmit({});
 }
 
@@ -186,13 +191,39 @@ void Antennas::Start() {
     m_stConfig = m_stConfigAtStart;
     m_au32Selected = {};
     m_astFrames.clear();
-    m_stFrame.Stop();
+    StopScanning();
     Transmit({});
 }
 
 void Antennas::Transmit(const TxChoice &stTx) {
     m_stTx = stTx;
     m_stModem.Air().SetTransmitGain(m_afGains[TransmitAntenna()]);
+    DrivePins();
+}
+
+void Antennas::DrivePins() {
+    for (size_t i = 0; i < m_stConfig.au32Rx.size(); ++i) {
+        m_stModem.ThePins().Drive(m_stConfig.au32Rx[i], (m_au32Selected[0] >> i & 1) != 0);
+    }
+    for (const uint32_t u32Pin : m_stConfig.au32Tx) {
+        m_stModem.ThePins().Drive(u32Pin, TransmitAntenna() != 0);
+    }
+}
+
+void Antennas::FollowPin(uint32_t u32Pin) {
+    const bool bHigh = m_stModem.ThePins().High(u32Pin);
+    for (size_t i = 0; i < m_stConfig.au32Rx.size(); ++i) {
+        if (m_stConfig.au32Rx[i] == u32Pin) {
+            m_au32Selected[0] = (m_au32Selected[0] & ~(1U << i)) | (bHigh ? 1U << i : 0);
+        }
+    }
+    const std::vector<uint32_t> &au32Tx = m_stConfig.au32Tx;
+    if (std::find(au32Tx.begin(), au32Tx.end(), u32Pin) != au32Tx.end()) {
+        TxChoice stTx = m_stTx;
+        stTx.bAuto = false;
+        stTx.u32Setting = bHigh ? u32LastManualSetting : u32FirstManualSetting;
+        Transmit(stTx);
+    }
 }
 
 // The antenna that transmits, 0 or 1. Chosen automatically, it is the one to begin with,
@@ -261,6 +292,7 @@ int32_t Antennas::Configure(ByteView stRequest) {
             if (u32Status == Success) {
                 m_stConfig = stNew;
                 m_au32Selected = {};
+                DrivePins();
             }
         }
         Put(stAnswer.Span(), AntennaConfig::u32Status, u32Status);
@@ -333,12 +365,18 @@ int32_t Antennas::Scan(ByteView stRequest) {
     m_iFrameInterval = (ModemTime{Get(stRequest, u32ScanInterleaveInterval)} + 1) * i64Frame;
     m_u64FramesDone = 0;
     m_astFrames.clear();
+    const auto u64First = static_cast<uint64_t>(m_stModem.Now() / i64Frame) + 1;
+    const auto u64Every = static_cast<uint64_t>(m_iFrameInterval / i64Frame);
+    m_stModem.ThePresence().Leave(Absence::Scan, [u64First, u64Every](uint64_t u64Frame) {
+        return u64Frame >= u64First && (u64Frame - u64First) % u64Every == 0;
+    });
     WaitForFrame(i64Frame);
     return 0;
 }
 
 void Antennas::ScanFrame() {
     if (!WithStation()) {
+        StopScanning();
         m_astFrames.clear();
         TellScanError(NoStation);
         return;
@@ -369,8 +407,13 @@ void Antennas::WaitForFrame(ModemTime iWait) {
     }
 }
 
-void Antennas::EndScan(uint32_t u32ScanStatus) {
+void Antennas::StopScanning() {
     m_stFrame.Stop();
+    m_stModem.ThePresence().Return(Absence::Scan);
+}
+
+void Antennas::EndScan(uint32_t u32ScanStatus) {
+    StopScanning();
     TellScan(u32ScanStatus);
     m_astFrames.clear();
 }
@@ -467,6 +510,7 @@ int32_t Antennas::Select(ByteView stRequest) {
         for (uint32_t i = 0; i < RxSettings; ++i) {
             m_au32Selected[i] = Get(stRequest, au32RxAntennaSetting, i * u32WordSize);
         }
+        DrivePins();
     }
     if (u32Status == Success && Get(stRequest, u32TxSelectionValid) != 0) {
         TxChoice stTx = m_stTx;

@@ -1,4 +1,6 @@
 // General purpose pins and the behaviour of the LEDs.
+#include <vector>
+
 #include "DiagnosticRecords.h"
 #include "host/HostSubsystems.h"
 #include "modem/Modem.h"
@@ -22,8 +24,7 @@ class GPIO : public Subsystem {
     int32_t SetLEDs(ByteView stRequest);
 
     Modem &m_stModem;
-    uint32_t m_u32BitsAtStart = 0;
-    uint32_t m_u32Bits = 0;
+    std::vector<int64_t> m_aiSetAtStart;
     LEDs m_stLEDs;
     LEDs m_stSavedLEDs = stFactoryLEDs;
 };
@@ -38,9 +39,7 @@ GPIO::GPIO(Modem &stModem) : m_stModem(stModem) {
     if (pstKept != astKept.end() && pstKept->second.size() == LEDState::Size) {
         PutBytes(m_stSavedLEDs.Span(), 0, {pstKept->second.data(), LEDState::Size});
     }
-    for (const int64_t iBit : stModem.Settings("gpio").Integers("set", 0, GPIOBit::LastPosition)) {
-        m_u32BitsAtStart |= 1U << iBit;
-    }
+    m_aiSetAtStart = stModem.Settings("gpio").Integers("set", 0, GPIOBit::LastPosition);
     stModem.On(TYPE_GPIO, SUBTYPE_GPIO_SET,
                [this](const Request &stRequest) { return SetBit(stRequest.stPayload); });
     stModem.On(TYPE_GPIO, SUBTYPE_GPIO_STATUS,
@@ -54,7 +53,9 @@ GPIO::GPIO(Modem &stModem) : m_stModem(stModem) {
 }
 
 void GPIO::Start() {
-    m_u32Bits = m_u32BitsAtStart;
+    for (const int64_t iPin : m_aiSetAtStart) {
+        m_stModem.ThePins().SetByHost(static_cast<uint32_t>(iPin), true);
+    }
     m_stLEDs = m_stSavedLEDs;
 }
 
@@ -64,7 +65,7 @@ int32_t GPIO::SetBit(ByteView stRequest) {
     if (u32Position > GPIOBit::LastPosition || u32Value > GPIOBit::Set) {
         return LibraryError::BadValue;
     }
-    m_u32Bits = (m_u32Bits & ~(1U << u32Position)) | u32Value << u32Position;
+    m_stModem.ThePins().SetByHost(u32Position, u32Value != 0);
     return 0;
 }
 
@@ -75,7 +76,7 @@ int32_t GPIO::TellBit(ByteView stRequest) {
     }
     Record<GPIOBit::Size> stAnswer;
     Put(stAnswer.Span(), GPIOBit::u32Position, u32Position);
-    Put(stAnswer.Span(), GPIOBit::u32Value, m_u32Bits >> u32Position & 1);
+    Put(stAnswer.Span(), GPIOBit::u32Value, m_stModem.ThePins().High(u32Position) ? 1 : 0);
     m_stModem.Tell(TYPE_GPIO, SUBTYPE_GPIO_STATUS, stAnswer.View());
     return 0;
 }

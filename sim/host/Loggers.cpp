@@ -17,9 +17,7 @@ constexpr uint32_t u32LastKind = SUBTYPE_LOG_CQICH;
 // The oldest entries go when there are more.
 constexpr size_t uMostBytes = 8192;
 
-// The channel's quality goes to the station every so many frames.
-constexpr ModemTime iCQICHPeriod = 8 * i64Frame;
-constexpr uint64_t u64PacketsPerRequest = 4;
+constexpr ModemTime iCQICHPeriod = u32CQICHFrames * i64Frame;
 
 class Loggers : public Subsystem {
   public:
@@ -38,33 +36,28 @@ class Loggers : public Subsystem {
     void LogConnection(const Connection &stConnection);
     void LogRanging(uint32_t u32Kind, const RangingSignal &stSignal);
     void LogPower(const PowerChange &stChange);
-    void LogPacket(uint64_t u64Queue);
-    void LogPadding(uint32_t u32Bytes, uint32_t u32Allocation);
+    void LogBurst(const UserBurst &stBurst);
+    void LogPDU(const UserPDU &stPDU, uint32_t u32Frame);
+    void LogPadding(uint32_t u32Bytes, const UserPDU &stLast, uint32_t u32Frame);
     void FollowLoggers();
     // When the next period begins: the same for all, whenever they were switched on.
     ModemTime ToNext(ModemTime iPeriod) const { return iPeriod - m_stModem.Now() % iPeriod; }
-    // The signal that asked for the bandwidth of this uplink packet.
-    RangingSignal RequestOf(uint64_t u64Packet) const;
-    // The uplink packets and the channel quality reports of the last frames.
-    void Look();
+    void LogQuality();
     void Report(uint32_t u32Kind);
     void ReportAll();
 
     Modem &m_stModem;
     Signalling &m_stSignalling;
     ModemTime m_iReportPeriod;
-    uint32_t m_u32PacketSize; // bytes, a user's packet
     std::array<Logger, u32LastKind - u32FirstKind + 1> m_astLoggers;
-    uint64_t m_u64PacketsSeen = 0;
     Timer m_stReport;
-    Timer m_stLook;
+    Timer m_stQuality;
 };
 
 Loggers::Loggers(Modem &stModem)
     : m_stModem(stModem), m_stSignalling(stModem.TheSignalling()),
       m_iReportPeriod(stModem.Settings("loggers").Seconds("report-period", 0.01, 1e6, 1)),
-      m_u32PacketSize(stModem.UserTraffic().PacketSize()), m_stReport(stModem.Clock()),
-      m_stLook(stModem.Clock()) {
+      m_stReport(stModem.Clock()), m_stQuality(stModem.Clock()) {
     for (uint32_t u32Kind = u32FirstKind; u32Kind <= u32LastKind; ++u32Kind) {
         for (const bool bOn : {true, false}) {
             stModem.On(bOn ? TYPE_START_LOGGER : TYPE_STOP_LOGGER, u32Kind,
@@ -79,6 +72,9 @@ Loggers::Loggers(Modem &stModem)
     m_stSignalling.OnPower([this](const PowerChange &stChange) { LogPower(stChange); });
     m_stSignalling.OnConnection(
         [this](const Connection &stConnection) { LogConnection(stConnection); });
+    stModem.UserTraffic().OnBurst([this](const UserBurst &stBurst) { LogBurst(stBurst); });
+    stModem.UserTraffic().OnRequest(
+        [this](const RangingSignal &stSignal) { LogRanging(SUBTYPE_LOG_BW_RANGING, stSignal); });
 }
 
 void Loggers::Start() {
@@ -106,16 +102,12 @@ int32_t Loggers::Switch(uint32_t u32Kind, bool bOn) {
 }
 
 void Loggers::FollowLoggers() {
-    const auto IsOn = [&](uint32_t u32Kind) { return Of(u32Kind).bOn; };
-    const bool bLooks =
-        IsOn(SUBTYPE_LOG_BW_RANGING) || IsOn(SUBTYPE_LOG_BANDWIDTH) || IsOn(SUBTYPE_LOG_CQICH);
     const bool bAny = std::any_of(m_astLoggers.begin(), m_astLoggers.end(),
                                   [](const Logger &stLogger) { return stLogger.bOn; });
-    if (!bLooks) {
-        m_stLook.Stop();
-    } else if (!m_stLook.Running()) {
-        m_u64PacketsSeen = m_stModem.UserTraffic().Totals().u64UplinkPackets;
-        m_stLook.Start(ToNext(iCQICHPeriod), [this] { Look(); });
+    if (!Of(SUBTYPE_LOG_CQICH).bOn) {
+        m_stQuality.Stop();
+    } else if (!m_stQuality.Running()) {
+        m_stQuality.Start(ToNext(iCQICHPeriod), [this] { LogQuality(); });
     }
     if (!bAny) {
         m_stReport.Stop();
@@ -168,73 +160,60 @@ void Loggers::LogPower(const PowerChange &stChange) {
         stEntry.View());
 }
 
-// A packet goes out in an allocation of whole slots, or in as many grants as it takes;
-// what it leaves of them is padding.
-void Loggers::LogPacket(uint64_t u64Queue) {
-    using namespace BandwidthLogEntry;
-    const std::vector<Connection> &astConnections = m_stSignalling.Connections();
-    const auto pstFlow =
-        std::find_if(astConnections.begin(), astConnections.end(),
-                     [](const Connection &stOne) { return stOne.bUplink && stOne.u32SFID != 0; });
-    const bool bFlow = pstFlow != astConnections.end();
-    const uint32_t u32PDU = m_u32PacketSize + u32PDUOverhead;
-    const uint32_t u32Grant = bFlow ? pstFlow->u32Grant : 0;
-    const uint32_t u32Unit = u32Grant != 0 ? u32Grant : u32SlotBytes;
-    const uint32_t u32Allocation = (u32PDU + u32Unit - 1) / u32Unit * u32Unit;
-    const uint64_t u64Depth = u64Queue * u32PDU;
-    Record<Size> stEntry;
-    const ByteSpan stTo = stEntry.Span();
-    Put(stTo, u16PDULength, u32PDU);
-    Put(stTo, u16AllocationReceived, u32Allocation);
-    Put(stTo, u16VCID, bFlow ? pstFlow->u32VCID : 0);
-    Put(stTo, u16CID, bFlow ? pstFlow->u32CID : m_stSignalling.DefaultUplinkCID());
-    Put(stTo, u16QueueDepth, static_cast<uint32_t>(std::min<uint64_t>(u64Depth, UINT16_MAX)));
-    // Grants come without being asked for.
-    Put(stTo, u8BandwidthRequest, u64Queue != 0 && u32Grant == 0 ? 1 : 0);
-    Put(stTo, u8SchedulingType, bFlow ? pstFlow->u32SchedulingType : SFParamSet::BE);
-    Put(stTo, u32FrameNumber, m_stSignalling.Frame());
-    Log(SUBTYPE_LOG_BANDWIDTH, stEntry.View());
-    if (u32Allocation != u32PDU) {
-        LogPadding(u32Allocation - u32PDU, u32Allocation);
+// What the packets leave of a grant is padding.
+void Loggers::LogBurst(const UserBurst &stBurst) {
+    if (!stBurst.bUplink || !Of(SUBTYPE_LOG_BANDWIDTH).bOn) {
+        return;
+    }
+    uint32_t u32Used = 0;
+    for (const UserPDU &stPDU : stBurst.astPDUs) {
+        LogPDU(stPDU, stBurst.u32Frame);
+        u32Used += stPDU.u32Length;
+        if (stPDU.bEndsGrant) {
+            if (u32Used != stPDU.u32Allocation) {
+                LogPadding(stPDU.u32Allocation - u32Used, stPDU, stBurst.u32Frame);
+            }
+            u32Used = 0;
+        }
     }
 }
 
-void Loggers::LogPadding(uint32_t u32Bytes, uint32_t u32Allocation) {
+void Loggers::LogPDU(const UserPDU &stPDU, uint32_t u32Frame) {
+    using namespace BandwidthLogEntry;
+    const std::vector<Connection> &astConnections = m_stSignalling.Connections();
+    const auto pstConnection =
+        std::find_if(astConnections.begin(), astConnections.end(),
+                     [&](const Connection &stOne) { return stOne.u32SFID == stPDU.u32SFID; });
+    Record<Size> stEntry;
+    const ByteSpan stTo = stEntry.Span();
+    Put(stTo, u16PDULength, stPDU.u32Length);
+    Put(stTo, u16AllocationReceived, std::min(stPDU.u32Allocation, u32LargestGrant));
+    Put(stTo, u16VCID, pstConnection != astConnections.end() ? pstConnection->u32VCID : 0);
+    Put(stTo, u16CID, stPDU.u32CID);
+    Put(stTo, u16QueueDepth, stPDU.u32QueueDepth);
+    Put(stTo, u8BandwidthRequest, stPDU.bRequested ? 1 : 0);
+    Put(stTo, u8SchedulingType, stPDU.u32SchedulingType);
+    Put(stTo, u32FrameNumber, u32Frame);
+    Log(SUBTYPE_LOG_BANDWIDTH, stEntry.View());
+}
+
+void Loggers::LogPadding(uint32_t u32Bytes, const UserPDU &stLast, uint32_t u32Frame) {
     using namespace BandwidthLogEntry;
     Record<Size> stEntry;
     const ByteSpan stTo = stEntry.Span();
     Put(stTo, u16PDULength, u32Bytes);
-    Put(stTo, u16AllocationReceived, u32Allocation);
+    Put(stTo, u16AllocationReceived, std::min(stLast.u32Allocation, u32LargestGrant));
     Put(stTo, u16VCID, PaddingVCID);
     Put(stTo, u16CID, PaddingCID);
-    Put(stTo, u32FrameNumber, m_stSignalling.Frame());
+    Put(stTo, u32FrameNumber, u32Frame);
     Log(SUBTYPE_LOG_BANDWIDTH, stEntry.View());
 }
 
-RangingSignal Loggers::RequestOf(uint64_t u64Packet) const {
-    const CodeGroup &stGroup = RangingCodes::BandwidthRequest;
-    Random stRandom = m_stModem.RandomFor("bandwidth request " + std::to_string(u64Packet));
-    const uint32_t u32Code = stGroup.u32First + stRandom.Below(stGroup.u32Count);
-    return {m_stSignalling.Frame(), u32Code, stRandom.Below(RangingCodes::u32SubChannels),
-            RangingCodes::u32LateSymbol};
-}
-
-void Loggers::Look() {
-    m_stLook.Start(iCQICHPeriod, [this] { Look(); });
-    const uint64_t u64Packets = m_stModem.UserTraffic().Totals().u64UplinkPackets;
-    // No more than the log holds: old ones would go anyway.
-    constexpr uint64_t u64Most = uMostBytes / BandwidthLogEntry::Size;
-    if (u64Packets > m_u64PacketsSeen + u64Most) {
-        m_u64PacketsSeen = u64Packets - u64Most;
-    }
-    while (m_u64PacketsSeen < u64Packets) {
-        if (m_u64PacketsSeen % u64PacketsPerRequest == 0) {
-            LogRanging(SUBTYPE_LOG_BW_RANGING, RequestOf(m_u64PacketsSeen));
-        }
-        ++m_u64PacketsSeen;
-        LogPacket(u64Packets - m_u64PacketsSeen);
-    }
-    if (m_stModem.TheLink().State() == LinkState::LinkUp) {
+void Loggers::LogQuality() {
+    m_stQuality.Start(iCQICHPeriod, [this] { LogQuality(); });
+    const auto u64Frame = static_cast<uint64_t>(m_stModem.Now() / i64Frame);
+    if (m_stModem.TheLink().State() == LinkState::LinkUp &&
+        !m_stModem.ThePresence().Away(u64Frame)) {
         const Station &stStation = *m_stModem.TheLink().Serving();
         Record<CQICHLogEntry::Size> stEntry;
         Put(stEntry.Span(), CQICHLogEntry::u32Value,

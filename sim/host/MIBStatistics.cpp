@@ -111,21 +111,23 @@ class MIBStatistics : public Subsystem {
     };
 
     void OnLinkChange(const LinkChange &stChange);
-    // Counts the traffic since the last time under the present conditions.
+    // Counts a burst under the conditions of its frame.
+    void CountBurst(const UserBurst &stBurst);
+    void Measure();
+    // Looks at the conditions once a second.
     void Sample();
     void ClearAttempts();
     void NoteUsed(const Station &stStation);
     std::vector<const Station *> Neighbours(uint32_t u32Most) const;
-    uint32_t Frame() const { return static_cast<uint32_t>(m_stModem.Now() / i64Frame) & 0xFFFFFF; }
     template <typename Entry> Bytes List(uint32_t u32EntrySize, Entry pfnPutEntry) const;
 
-    Bytes ZoneBursts();
+    Bytes ZoneBursts() const;
     Bytes ZoneStatistics();
     Bytes NetworkEntryTiming() const;
     Bytes MRUTable() const;
     Bytes TriggerStatus() const;
     uint8_t Trigger(bool bSameFrequency) const;
-    Bytes Attempts(bool bDownlink);
+    Bytes Attempts(bool bDownlink) const;
     Bytes BurstErrorRate() const;
     Bytes SubmapErrors();
     Bytes MessagesDropped() const;
@@ -141,7 +143,7 @@ class MIBStatistics : public Subsystem {
     std::array<double, u32MostAttempts> m_afDLBurstsAfter{};
     std::array<double, u32MostAttempts> m_afULBurstsAfter{};
     uint32_t m_u32SubmapErrors = 0;
-    TrafficTotals m_stCounted;
+    ModemTime m_iSampled = 0; // of the time that traffic has flowed
     double m_fReuseOneCINR = 0;
     double m_fCINR = 0; // when it could be measured last
     ModemTime m_iSyncBegan = 0;
@@ -219,6 +221,20 @@ MIBStatistics::MIBStatistics(Modem &stModem)
             Put(stTo, u32Flags, 3);
         });
     });
+    stMIBs.Provide(CenterFrequencyAndBandwidth, [this] {
+        Record<MIBCenterFrequency::Size> stValue;
+        if (const Station *pstServing = m_stLink.Serving()) {
+            Put(stValue.Span(), MIBCenterFrequency::u32CenterFrequency, pstServing->u32Frequency);
+            Put(stValue.Span(), MIBCenterFrequency::u32Bandwidth, pstServing->u32Bandwidth);
+        }
+        return BytesIn(stValue);
+    });
+    stModem.OnConfiguredChannel([&stMIBs] {
+        const Bytes aucValue = stMIBs.ValueOf(CenterFrequencyAndBandwidth);
+        const ByteView stValue{aucValue.data(), static_cast<uint32_t>(aucValue.size())};
+        return Channel{Get(stValue, MIBCenterFrequency::u32CenterFrequency),
+                       Get(stValue, MIBCenterFrequency::u32Bandwidth)};
+    });
     stMIBs.OnWrite(MRUReset, [this](ByteView) {
         m_astMRU.clear();
         m_stModem.TheStateFile().Keep(pcStateSection, pcStateKey, MRUTable());
@@ -226,19 +242,18 @@ MIBStatistics::MIBStatistics(Modem &stModem)
     // Writing counters, where that is open, sets them to zero.
     for (const uint32_t u32ID : {MIBAttribute::ZoneBursts, MIBAttribute::ZoneStatistics}) {
         stMIBs.OnWrite(u32ID, [this](ByteView) {
-            Sample();
             m_astDLZones = {};
             m_astULZones = {};
         });
     }
     for (const uint32_t u32ID : {PerAttemptReceived, PerAttemptCompleted}) {
         stMIBs.OnWrite(u32ID, [this](ByteView) {
-            Sample();
             ClearAttempts();
         });
     }
     m_stLink.Observe([this](const LinkChange &stChange) { OnLinkChange(stChange); });
     m_stLink.OnMove([this] { NoteUsed(*m_stLink.Serving()); });
+    stModem.UserTraffic().OnBurst([this](const UserBurst &stBurst) { CountBurst(stBurst); });
 }
 
 void MIBStatistics::Start() {
@@ -246,7 +261,7 @@ void MIBStatistics::Start() {
     m_astULZones = {};
     ClearAttempts();
     m_u32SubmapErrors = 0;
-    m_stCounted = {};
+    m_iSampled = 0;
     m_iSyncTime = 0;
     m_stModem.History() = {};
     m_astMRU.clear();
@@ -284,47 +299,38 @@ void MIBStatistics::OnLinkChange(const LinkChange &stChange) {
     Sample();
 }
 
-void MIBStatistics::Sample() {
-    const TrafficTotals stTotals = m_stModem.UserTraffic().Totals();
+void MIBStatistics::Measure() {
     if (m_stLink.Serving() != nullptr) {
         m_fCINR = m_stModem.Air().Measure(*m_stLink.Serving(), m_stModem.Now()).fCINR;
         m_fReuseOneCINR = m_stModem.Air().ReuseOneCINR(*m_stLink.Serving(), m_stModem.Now());
     }
-    const auto Frames = [](const TrafficTotals &stAt) {
-        return static_cast<uint64_t>(stAt.iTimeFlowing / i64Frame);
-    };
-    const uint64_t u64Frames = Frames(stTotals) - Frames(m_stCounted);
-    const auto Count = [&](Zone *pstZone, Pattern ePattern, double fCINR, uint64_t u64Packets) {
-        // What comes in one frame comes in one burst.
-        const auto u32Bursts = static_cast<uint32_t>(std::min(u64Packets, u64Frames));
-        if (u32Bursts != 0) {
-            pstZone->u32LastFrame = Frame();
-            pstZone->au32Bursts[ePattern][ProfileAt(fCINR).u32Counter] += u32Bursts;
-            pstZone->au32Pdus[ePattern][ProfileAt(fCINR).u32Counter] +=
-                static_cast<uint32_t>(u64Packets);
-        }
-        return u32Bursts;
-    };
-    const auto Attempted = [](uint32_t u32Bursts, double fCINR,
-                              std::array<double, u32MostAttempts> *pafAfter) {
-        double fLeft = u32Bursts;
-        for (uint32_t i = 0; i < u32MostAttempts; ++i) {
-            fLeft *= FailureRate(ProfileAt(fCINR), fCINR, i + 1);
-            (*pafAfter)[i] += fLeft;
-        }
-        return u32Bursts;
-    };
-    const Pattern ePattern = PatternAt(m_fCINR);
-    m_u32DLBursts += Attempted(Count(&m_astDLZones[au32ZoneOfPattern[ePattern]], ePattern, m_fCINR,
-                                     stTotals.u64DownlinkPackets - m_stCounted.u64DownlinkPackets),
-                               m_fCINR, &m_afDLBurstsAfter);
-    m_u32ULBursts += Attempted(Count(m_astULZones.data(), NoPattern, m_fCINR - fUplinkLoss,
-                                     stTotals.u64UplinkPackets - m_stCounted.u64UplinkPackets),
-                               m_fCINR - fUplinkLoss, &m_afULBurstsAfter);
-    if (m_fCINR < 5) {
-        m_u32SubmapErrors += static_cast<uint32_t>(u64Frames / 50);
+}
+
+void MIBStatistics::CountBurst(const UserBurst &stBurst) {
+    Measure();
+    const Pattern ePattern = stBurst.bUplink ? NoPattern : PatternAt(m_fCINR);
+    const double fCINR = stBurst.bUplink ? m_fCINR - fUplinkLoss : m_fCINR;
+    const BurstProfile &stProfile = ProfileAt(fCINR);
+    Zone &stZone = stBurst.bUplink ? m_astULZones[0] : m_astDLZones[au32ZoneOfPattern[ePattern]];
+    stZone.u32LastFrame = stBurst.u32Frame;
+    ++stZone.au32Bursts[ePattern][stProfile.u32Counter];
+    stZone.au32Pdus[ePattern][stProfile.u32Counter] +=
+        static_cast<uint32_t>(stBurst.astPDUs.size());
+    ++(stBurst.bUplink ? m_u32ULBursts : m_u32DLBursts);
+    double fLeft = 1;
+    for (uint32_t i = 0; i < u32MostAttempts; ++i) {
+        fLeft *= FailureRate(stProfile, fCINR, i + 1);
+        (stBurst.bUplink ? m_afULBurstsAfter : m_afDLBurstsAfter)[i] += fLeft;
     }
-    m_stCounted = stTotals;
+}
+
+void MIBStatistics::Sample() {
+    Measure();
+    const ModemTime iFlowed = m_stModem.UserTraffic().Totals().iTimeFlowing;
+    if (m_fCINR < 5) {
+        m_u32SubmapErrors += static_cast<uint32_t>((iFlowed - m_iSampled) / i64Frame / 50);
+    }
+    m_iSampled = iFlowed;
     if (m_stLink.State() == LinkState::LinkUp) {
         m_stSampling.Start(i64Sampling, [this] { Sample(); });
     } else {
@@ -338,9 +344,8 @@ void MIBStatistics::ClearAttempts() {
     m_afULBurstsAfter = {};
 }
 
-Bytes MIBStatistics::ZoneBursts() {
+Bytes MIBStatistics::ZoneBursts() const {
     using namespace MIBBurstZone;
-    Sample();
     Record<Count * Size> stValue;
     for (uint32_t i = 0; i < Count; ++i) {
         const ByteSpan stZone = stValue.Span().From(i * Size, Size);
@@ -350,7 +355,7 @@ Bytes MIBStatistics::ZoneBursts() {
 }
 
 Bytes MIBStatistics::ZoneStatistics() {
-    Sample();
+    Measure();
     Record<MIBZoneStatistics::Size> stValue;
     Put(stValue.Span(), MIBZoneStatistics::u32MajorGroup, m_stLink.Serving() != nullptr ? 0x3F : 0);
     for (uint32_t i = 0; i < MIBZoneStatistics::NumDLZones; ++i) {
@@ -503,8 +508,7 @@ Bytes MIBStatistics::TriggerStatus() const {
 
 // How many bursts got through at the first attempt, the second and so on, at the last one all that
 // are left.
-Bytes MIBStatistics::Attempts(bool bDownlink) {
-    Sample();
+Bytes MIBStatistics::Attempts(bool bDownlink) const {
     const std::array<double, u32MostAttempts> &afLeft =
         bDownlink ? m_afDLBurstsAfter : m_afULBurstsAfter;
     uint32_t u32Before = bDownlink ? m_u32DLBursts : m_u32ULBursts;

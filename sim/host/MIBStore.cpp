@@ -182,11 +182,15 @@ MIBStore::Bytes MIBStore::ValueAt(const Place &u32Place, uint32_t u32Size) const
     } else if (u32Place[0] > LastConfig && u32Place[0] != WritableStatistic) {
         // One of many counters of the traffic, each with a share of its own.
         const TrafficTotals stTotals = m_stModem.UserTraffic().Totals();
-        const uint64_t u64Packets = stTotals.u64DownlinkPackets + stTotals.u64UplinkPackets;
+        const uint64_t u64Packets = stTotals.stDownlink.u64Packets + stTotals.stUplink.u64Packets;
         const uint64_t u64Share = Random(u32Place[0], NameOf(u32Place)).Below(256);
         Put(stValue, Field{0, FieldType::U32}, static_cast<uint32_t>(u64Packets * u64Share / 256));
     }
     return aucValue;
+}
+
+MIBStore::Bytes MIBStore::ValueOf(uint32_t u32AttributeID) const {
+    return ValueAt({u32AttributeID, 0, 0}, RowOf(u32AttributeID)->u32Size);
 }
 
 MIBStore::Outcome MIBStore::Read(ByteView stRecord) const {

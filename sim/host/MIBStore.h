@@ -35,6 +35,8 @@ class MIBStore : public Subsystem {
     // From now on the attribute's value is what pfnRead returns, whenever it is
     // asked for. The last one to say so counts.
     void Provide(uint32_t u32AttributeID, Reader pfnRead);
+    // The value of an attribute without keys.
+    Bytes ValueOf(uint32_t u32AttributeID) const;
     // From now on a write of the attribute is handed to pfnWrite instead of being
     // stored, when the attribute can be written.
     void OnWrite(uint32_t u32AttributeID, Writer pfnWrite);

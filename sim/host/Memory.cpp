@@ -4,6 +4,7 @@
 
 #include "air/Signalling.h"
 #include "host/HostSubsystems.h"
+#include "host/Identity.h"
 #include "link/Link.h"
 
 namespace {
@@ -45,14 +46,27 @@ bool Inside(uint32_t u32Address, uint32_t u32Length, uint32_t u32Start, size_t u
            u32Length <= uSize - (u32Address - u32Start);
 }
 
+// Major, minor, build in 8, 8 and 16 bits.
+int64_t FirmwareWord(const Section &stIdentity) {
+    std::vector<int64_t> aiVersion =
+        stIdentity.Integers(Identity::pcFirmwareVersion, 0, UINT32_MAX);
+    if (aiVersion.size() != Identity::au32FirmwareVersion.size()) {
+        aiVersion.assign(Identity::au32FirmwareVersion.begin(),
+                         Identity::au32FirmwareVersion.end());
+    }
+    return (aiVersion[0] & 0xFF) << 24 | (aiVersion[1] & 0xFF) << 16 | (aiVersion[2] & 0xFFFF);
+}
+
 Memory::Memory(Modem &stModem) : m_stModem(stModem) {
     const Section stSettings = stModem.Settings("memory");
     const auto ReadWord = [&](const char *pcKey, int64_t iDefault) {
         return static_cast<uint32_t>(stSettings.Integer(pcKey, 0, UINT32_MAX, iDefault));
     };
-    m_u32ChipID = ReadWord("chip-id", 0x00C0DE20);
+    const Section stIdentity = stModem.Settings(Identity::pcSection);
+    m_u32ChipID = ReadWord("chip-id", stIdentity.Integer(Identity::pcBasebandChip, 0, UINT32_MAX,
+                                                         Identity::u32BasebandChip));
     m_u32Revision = ReadWord("revision", 0x00000102);
-    m_u32Firmware = ReadWord("firmware", 0x05020001);
+    m_u32Firmware = ReadWord("firmware", FirmwareWord(stIdentity));
     m_aucScratch.resize(
         static_cast<size_t>(stSettings.Integer("scratch-size", 0, 0x1000000, 0x10000)));
     stModem.OnMemory(

@@ -43,8 +43,6 @@ constexpr Field astRates[] = {SFParamSet::u32MaxSustainedTrafficRate,
                               SFParamSet::u32MaximumLatency};
 
 constexpr uint64_t u64GrantsPerSecond = i64Second / iGrantInterval;
-// A grant is an allocation, which is counted in 16 bits: whole slots.
-constexpr uint32_t u32LargestGrant = UINT16_MAX / u32SlotBytes * u32SlotBytes;
 
 struct Flow {
     uint32_t u32SFID;
@@ -52,6 +50,8 @@ struct Flow {
     uint32_t u32Direction;
     FlowBytes stRecord;          // its sets
     uint64_t u64GrantedRate = 0; // bits a second, of a grant that was changed
+    FixedGrant stGrant{};        // the grant
+    bool bConnected = false;     // the dialogue is over: packets may go
 };
 
 // A flow that the network sets up by itself.
@@ -120,11 +120,42 @@ uint64_t Demand(const Flow &stFlow) {
     return u64Most;
 }
 
+ByteView RuleOf(ByteView stSet, uint32_t u32Place) {
+    return stSet.From(SFParamSet::astClassifierRule + u32Place * ClassifierRule::Size,
+                      ClassifierRule::Size);
+}
+
+// What the station holds to of a flow with an active set.
+FlowQuality QualityOf(const Flow &stFlow) {
+    const ByteView stSet = SetOf(stFlow.stRecord, ServiceFlowRecord::stActiveSet);
+    FlowQuality stQuality{stFlow.u32SFID,
+                          stFlow.u32CID,
+                          stFlow.u32Direction == ServiceFlowRecord::Uplink,
+                          Get(stSet, SFParamSet::u8SchedulingType),
+                          Get(stSet, SFParamSet::u32MaxSustainedTrafficRate),
+                          ReservedRate(stSet),
+                          Get(stSet, SFParamSet::u32MaximumLatency) * i64Millisecond,
+                          Get(stSet, SFParamSet::u8TrafficPriority),
+                          stFlow.stGrant,
+                          {}};
+    const uint32_t u32Rules =
+        std::min(Get(stSet, SFParamSet::u8NumClassifierRules), SFParamSet::MaxClassifierRules);
+    for (uint32_t i = 0; i < u32Rules; ++i) {
+        stQuality.astRules.push_back(MatchRule::From(RuleOf(stSet, i)));
+    }
+    return stQuality;
+}
+
 // Whether the flow gets unsolicited grants of a size that can be changed.
 bool TakesGrants(const Flow &stFlow) {
     return stFlow.u32Direction == ServiceFlowRecord::Uplink &&
            Get(SetOf(stFlow.stRecord, ServiceFlowRecord::stActiveSet),
                SFParamSet::u8SchedulingType) == SFParamSet::ERTPS;
+}
+
+void EndGrant(Flow *pstFlow) {
+    pstFlow->u64GrantedRate = 0;
+    pstFlow->stGrant = {};
 }
 
 // A range of four bytes, two port numbers in network order, that ends before it begins.
@@ -215,11 +246,6 @@ Confirmation ChangeRule(ByteSpan stSet, ByteView stRule, uint32_t u32Index) {
     Put(stTo, u8ClassifierAction, 0);
     Put(stSet, SFParamSet::u8NumClassifierRules, u32Rules + (bAdds ? 1 : 0));
     return Accepted;
-}
-
-ByteView RuleOf(ByteView stSet, uint32_t u32Place) {
-    return stSet.From(SFParamSet::astClassifierRule + u32Place * ClassifierRule::Size,
-                      ClassifierRule::Size);
 }
 
 // The rules of a flow that is added: asked for with what they match, answered with the numbers
@@ -323,6 +349,10 @@ class ServiceFlows : public Subsystem {
     // The modem is with another station, which gives all flows new connections.
     void Reconnect();
     Flow *FlowOfConnection(uint32_t u32Connection);
+    // The flow's dialogue is on its way: packets go when it is over.
+    void ConnectOnceSaid(uint32_t u32SFID);
+    // Tells the traffic which flows there are, and how they are.
+    void FollowFlows();
     int32_t ChangeGrant(const Request &stRequest);
     Confirmation JudgeAdd(ByteView stRequest) const;
     Confirmation Change(ByteView stRequest, Flow *pstFlow) const;
@@ -401,9 +431,12 @@ ServiceFlows::ServiceFlows(Modem &stModem) : m_stModem(stModem), m_stProvisionin
     });
     stModem.TheMIBs().Provide(MIBAttribute::ActiveSFIDs, [this] { return ActiveSFIDs(); });
     stModem.OnTransportCIDs([this] {
+        // In idle mode the flows are kept, and have no connections.
         std::vector<uint32_t> au32CIDs;
-        std::transform(m_astFlows.begin(), m_astFlows.end(), std::back_inserter(au32CIDs),
-                       [](const Flow &stFlow) { return stFlow.u32CID; });
+        if (LinkUp()) {
+            std::transform(m_astFlows.begin(), m_astFlows.end(), std::back_inserter(au32CIDs),
+                           [](const Flow &stFlow) { return stFlow.u32CID; });
+        }
         return au32CIDs;
     });
     stModem.TheLink().Observe([this](const LinkChange &stChange) { OnLinkChange(stChange); });
@@ -436,6 +469,7 @@ void ServiceFlows::Start() {
     ++m_u32Life;
     m_stProvisioning.Stop();
     m_astFlows.clear();
+    FollowFlows();
     m_u32NextSFID = 1;
     std::fill(std::begin(m_au32NextCID), std::end(m_au32NextCID), 0U);
     // A link that is up from the start has everything that belongs to it.
@@ -448,6 +482,7 @@ void ServiceFlows::OnLinkChange(const LinkChange &stChange) {
     if (!m_stModem.TheLink().Registered()) {
         m_stProvisioning.Stop();
         m_astFlows.clear();
+        FollowFlows();
     } else if (stChange.eBefore == LinkState::Entering && stChange.eAfter == LinkState::LinkUp &&
                !m_astProvisioned.empty()) {
         m_stProvisioning.Start(m_iProvisioningTime, [this] { Provision(true); });
@@ -461,6 +496,26 @@ void ServiceFlows::Reconnect() {
         PutCID(stFlow, NextCID(stFlow.u32Direction));
         m_stModem.TheSignalling().FlowMoved(stFlow.u32SFID, stFlow.u32CID);
     }
+    FollowFlows();
+}
+
+void ServiceFlows::ConnectOnceSaid(uint32_t u32SFID) {
+    m_stModem.TheSignalling().OnceSaid([this, u32SFID] {
+        if (Flow *pstFlow = FlowWith(&Flow::u32SFID, u32SFID)) {
+            pstFlow->bConnected = true;
+            FollowFlows();
+        }
+    });
+}
+
+void ServiceFlows::FollowFlows() {
+    std::vector<FlowQuality> astQualities;
+    for (const Flow &stFlow : m_astFlows) {
+        if (stFlow.bConnected && Present(stFlow.stRecord.View(), ServiceFlowRecord::stActiveSet)) {
+            astQualities.push_back(QualityOf(stFlow));
+        }
+    }
+    m_stModem.UserTraffic().Follow(astQualities);
 }
 
 uint32_t ServiceFlows::NextCID(uint32_t u32Direction) {
@@ -488,6 +543,7 @@ const Flow *ServiceFlows::SetUp(const ProvisionedFlow &stProvisioned, bool bOver
     } else {
         stSignalling.FlowThere(SaidOf(stFlow));
     }
+    ConnectOnceSaid(stFlow.u32SFID);
     return &m_astFlows.back();
 }
 
@@ -661,6 +717,9 @@ void ServiceFlows::FinishAdd(ByteView stRequest, const Transaction &stTransactio
     if (bAsked) {
         m_stModem.TheSignalling().FlowAnswered(FlowDialogue::Add, stTransaction, stSaid, eCode);
     }
+    if (eCode == Accepted) {
+        ConnectOnceSaid(stSaid.u32SFID);
+    }
     Tell(SUBTYPE_DSA, stRequest, stAnswer, eCode);
 }
 
@@ -683,7 +742,7 @@ Confirmation ServiceFlows::Change(ByteView stRequest, Flow *pstFlow) const {
             const ByteSpan stSet = stRecord.From(u32Offset, SFParamSet::Size);
             std::fill_n(stSet.pucData, stSet.u32Length, uint8_t{0});
         }
-        pstFlow->u64GrantedRate = 0;
+        EndGrant(pstFlow);
         return Accepted;
     }
     const FlowBytes stBefore = pstFlow->stRecord;
@@ -704,7 +763,7 @@ Confirmation ServiceFlows::Change(ByteView stRequest, Flow *pstFlow) const {
         }
     }
     if (!TakesGrants(*pstFlow)) {
-        pstFlow->u64GrantedRate = 0;
+        EndGrant(pstFlow);
     }
     return Admit(*pstFlow);
 }
@@ -732,7 +791,6 @@ bool ServiceFlows::AskChange(ByteView stRequest, const Transaction &stTransactio
 }
 
 void ServiceFlows::FinishChange(ByteView stRequest, const Transaction &stTransaction, bool bAsked) {
-    Signalling &stSignalling = m_stModem.TheSignalling();
     Flow *pstFlow = FlowToChange(stRequest);
     FlowBytes stAnswer;
     PutBytes(stAnswer.Span(), 0, stRequest);
@@ -744,13 +802,14 @@ void ServiceFlows::FinishChange(ByteView stRequest, const Transaction &stTransac
         if (eCode == Accepted) {
             *pstFlow = stChanged;
             stAnswer = stChanged.stRecord;
-            if (stChanged.u64GrantedRate == 0) {
-                stSignalling.FlowGranted(stChanged.u32SFID, 0);
-            }
         }
     }
     if (bAsked) {
-        stSignalling.FlowAnswered(FlowDialogue::Change, stTransaction, SaidOf(stChanged), eCode);
+        m_stModem.TheSignalling().FlowAnswered(FlowDialogue::Change, stTransaction,
+                                               SaidOf(stChanged), eCode);
+    }
+    if (eCode == Accepted) {
+        m_stModem.TheSignalling().OnceSaid([this] { FollowFlows(); });
     }
     Tell(SUBTYPE_DSC, stRequest, stAnswer, eCode);
 }
@@ -801,6 +860,7 @@ void ServiceFlows::FinishDelete(ByteView stRequest, const Transaction &stTransac
 void ServiceFlows::Delete(const Flow *pstFlow) {
     m_astFlows.erase(std::find_if(m_astFlows.begin(), m_astFlows.end(),
                                   [&](const Flow &stFlow) { return &stFlow == pstFlow; }));
+    FollowFlows();
 }
 
 // The flow of a connection, which hosts know by the modem's number for it, as the log of
@@ -833,14 +893,15 @@ int32_t ServiceFlows::ChangeGrant(const Request &stRequest) {
         Admit(stChanged) != Accepted) {
         return LibraryError::BadValue;
     }
-    *pstFlow = stChanged;
     // The headers of the packets, and whole slots.
     const uint64_t u64Grant =
-        u32Bytes == 0 ? 0 : uint64_t{u32Bytes} + uint64_t{u32SDUs} * u32PDUOverhead;
-    m_stModem.TheSignalling().FlowGranted(
-        stChanged.u32SFID,
-        static_cast<uint32_t>(std::min<uint64_t>(
-            (u64Grant + u32SlotBytes - 1) / u32SlotBytes * u32SlotBytes, u32LargestGrant)));
+        (uint64_t{u32Bytes} + uint64_t{u32SDUs} * u32PDUOverhead + u32SlotBytes - 1) /
+        u32SlotBytes * u32SlotBytes;
+    stChanged.stGrant = {
+        u32Bytes,
+        u32Bytes == 0 ? 0 : static_cast<uint32_t>(std::min<uint64_t>(u64Grant, u32LargestGrant))};
+    *pstFlow = stChanged;
+    FollowFlows();
     return 0;
 }
 

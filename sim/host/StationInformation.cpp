@@ -7,6 +7,7 @@
 #include "LinkRecords.h"
 #include "StationRecords.h"
 #include "host/HostSubsystems.h"
+#include "host/Identity.h"
 #include "modem/Modem.h"
 
 namespace {
@@ -29,7 +30,8 @@ struct NumberRow {
 };
 
 constexpr NumberRow astIdentityNumbers[] = {
-    {"baseband-chip", SSInformation::u32BasebandChipVersion, UINT32_MAX, 0x20000},
+    {Identity::pcBasebandChip, SSInformation::u32BasebandChipVersion, UINT32_MAX,
+     Identity::u32BasebandChip},
     {"rf-chip", SSInformation::u32RFChipVersion, UINT32_MAX, 0x1A1},
     {"calibration", SSInformation::u8Calibration, UINT8_MAX, 14},
 };
@@ -61,7 +63,8 @@ struct VersionRow {
 };
 
 constexpr VersionRow astVersions[] = {
-    {"firmware-version", SSInformation::au32FirmwareVersion, {3, 1, 12}, 3},
+    {Identity::pcFirmwareVersion, SSInformation::au32FirmwareVersion, Identity::au32FirmwareVersion,
+     3},
     {"library-version", SSInformation::au32LibraryVersion, {2, 0, 20}, 3},
     {"eeprom-version", SSInformation::au32EEPROMVersion, {1, 4, 0}, 2},
 };

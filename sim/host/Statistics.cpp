@@ -15,9 +15,7 @@ namespace {
 // whether anybody asks makes no difference.
 constexpr ModemTime iLookPeriod = i64Second / 4;
 constexpr ModemTime iCountPeriod = i64Second;
-constexpr double fHCSShare = 0.25;           // of the frames in error
-constexpr ModemTime i64CQICH = 8 * i64Frame; // between two reports of the channel's quality
-constexpr uint64_t u64PacketsPerBandwidthRequest = 4;
+constexpr double fHCSShare = 0.25; // of the frames in error
 constexpr ModemTime i64ShortestInterval = i64Frame;
 
 class StatisticsReports : public Subsystem {
@@ -31,11 +29,11 @@ class StatisticsReports : public Subsystem {
     void ReportPeriodically();
     void Tell();
     struct Counters {
-        ModemTime iReceiving = 0;
-        ModemTime iLinkUp = 0;
+        uint64_t u64Frames = 0;
+        uint64_t u64CQICH = 0;
         double fFramesInError = 0;
         double fCRCErrors = 0;
-        uint64_t u64UplinkPackets = 0;
+        uint64_t u64Requests = 0;
     };
 
     // The counters at this moment, but for the errors of packets, which are counted later.
@@ -45,7 +43,7 @@ class StatisticsReports : public Subsystem {
     void FollowLink(const LinkChange &stChange);
     void Resynchronised();
     double ErrorRate(double fCINR) const;
-    void PutStation(ByteSpan stTo) const;
+    void PutStation(ByteSpan stTo, const Station &stStation) const;
 
     Modem &m_stModem;
     Link &m_stLink;
@@ -82,6 +80,7 @@ StatisticsReports::StatisticsReports(Modem &stModem)
         CatchUp();
         Resynchronised();
     });
+    stModem.ThePresence().OnChange([this] { CatchUp(); });
 }
 
 void StatisticsReports::Start() {
@@ -115,33 +114,30 @@ StatisticsReports::Counters StatisticsReports::CountersNow() const {
     if (m_pstServing == nullptr) {
         return stNow;
     }
-    const ModemTime iPassed = m_stModem.Now() - m_iCountedUntil;
-    for (ModemTime iLooked = 0; iLooked < iPassed; iLooked += iLookPeriod) {
-        const ModemTime iMoment = m_iCountedUntil + iLooked + iLookPeriod / 2;
-        const double fRate = ErrorRate(m_stModem.Air().Measure(*m_pstServing, iMoment).fCINR);
-        const ModemTime iTime = std::min(iLookPeriod, iPassed - iLooked);
-        stNow.fFramesInError += fRate * static_cast<double>(iTime) / static_cast<double>(i64Frame);
+    const Presence &stPresence = m_stModem.ThePresence();
+    const ModemTime iNow = m_stModem.Now();
+    for (ModemTime iFrom = m_iCountedUntil; iFrom < iNow; iFrom += iLookPeriod) {
+        const double fRate =
+            ErrorRate(m_stModem.Air().Measure(*m_pstServing, iFrom + iLookPeriod / 2).fCINR);
+        const uint64_t u64Frames = stPresence.Heard(iFrom, std::min(iFrom + iLookPeriod, iNow));
+        stNow.u64Frames += u64Frames;
+        stNow.fFramesInError += fRate * static_cast<double>(u64Frames);
     }
-    stNow.iReceiving += iPassed;
-    stNow.iLinkUp += m_bLinkUp ? iPassed : 0;
-    stNow.u64UplinkPackets +=
-        m_stModem.UserTraffic().Totals().u64UplinkPackets - m_stTrafficThen.u64UplinkPackets;
+    stNow.u64CQICH += m_bLinkUp ? stPresence.Heard(m_iCountedUntil, iNow, u32CQICHFrames) : 0;
+    stNow.u64Requests += m_stModem.UserTraffic().Totals().u64Requests - m_stTrafficThen.u64Requests;
     return stNow;
 }
 
 void StatisticsReports::CatchUp() {
     const TrafficTotals stTraffic = m_stModem.UserTraffic().Totals();
-    const Counters stNow = CountersNow();
-    const ModemTime iPassed = stNow.iReceiving - m_stCounters.iReceiving;
-    if (iPassed != 0) {
-        const double fFrames = static_cast<double>(iPassed) / static_cast<double>(i64Frame);
-        const double fRate = (stNow.fFramesInError - m_stCounters.fFramesInError) / fFrames;
-        const uint64_t u64Packets =
-            stTraffic.u64DownlinkPackets - m_stTrafficThen.u64DownlinkPackets;
-        const double fCRCErrors = m_stCounters.fCRCErrors + fRate * static_cast<double>(u64Packets);
-        m_stCounters = stNow;
-        m_stCounters.fCRCErrors = fCRCErrors;
+    Counters stNow = CountersNow();
+    const uint64_t u64Frames = stNow.u64Frames - m_stCounters.u64Frames;
+    if (u64Frames != 0) {
+        const double fErrors = stNow.fFramesInError - m_stCounters.fFramesInError;
+        const uint64_t u64PDUs = stTraffic.stDownlink.u64PDUs - m_stTrafficThen.stDownlink.u64PDUs;
+        stNow.fCRCErrors += fErrors / static_cast<double>(u64Frames) * static_cast<double>(u64PDUs);
     }
+    m_stCounters = stNow;
     m_iCountedUntil = m_stModem.Now();
     m_stTrafficThen = stTraffic;
     m_bLinkUp = m_stLink.State() == LinkState::LinkUp;
@@ -187,14 +183,14 @@ int32_t StatisticsReports::SetPolicy(uint32_t u32Policy) {
     return 0;
 }
 
-void StatisticsReports::PutStation(ByteSpan stTo) const {
-    const Measurement stMeasurement = m_stModem.Air().Measure(*m_pstServing, m_stModem.Now());
+void StatisticsReports::PutStation(ByteSpan stTo, const Station &stStation) const {
+    const Measurement stMeasurement = m_stModem.Air().Measure(stStation, m_stModem.Now());
     Put(stTo, Statistics::u32RSSI, Rounded(stMeasurement.fRSSI));
     Put(stTo, Statistics::u32CINR, Rounded(stMeasurement.fCINR));
-    PutBytes(stTo, Statistics::aucBSID.u16Offset, {m_pstServing->aucBSID.data(), u32BSIDSize});
+    PutBytes(stTo, Statistics::aucBSID.u16Offset, {stStation.aucBSID.data(), u32BSIDSize});
     Put(stTo, Statistics::u8BurstFEC, ProfileAt(stMeasurement.fCINR).u32FEC);
-    Put(stTo, Statistics::u32CenterFrequency, m_pstServing->u32Frequency);
-    if (m_stLink.State() != LinkState::Synchronised) {
+    Put(stTo, Statistics::u32CenterFrequency, stStation.u32Frequency);
+    if (m_stLink.IsAnyOf({LinkState::Entering, LinkState::LinkUp})) {
         Put(stTo, Statistics::s8TxPower, Rounded(m_stModem.TheSignalling().Power() / fQuarters));
     }
 }
@@ -205,19 +201,15 @@ void StatisticsReports::Tell() {
     const auto Counted = [](double fValue) {
         return static_cast<uint32_t>(static_cast<uint64_t>(fValue));
     };
-    const auto PeriodsIn = [](ModemTime iTime, ModemTime iPeriod) {
-        return static_cast<uint32_t>(iTime / iPeriod);
-    };
     Record<Statistics::Size> stReport;
     const ByteSpan stTo = stReport.Span();
     Put(stTo, Statistics::u32RecordSize, Statistics::Size);
-    Put(stTo, Statistics::u32FramesReceived, PeriodsIn(stCounters.iReceiving, i64Frame));
+    Put(stTo, Statistics::u32FramesReceived, static_cast<uint32_t>(stCounters.u64Frames));
     Put(stTo, Statistics::u32FramesInError, Counted(stCounters.fFramesInError));
     Put(stTo, Statistics::u32CRCErrors, Counted(stCounters.fCRCErrors));
     Put(stTo, Statistics::u32HCSErrors, Counted(stCounters.fFramesInError * fHCSShare));
-    Put(stTo, Statistics::u32CQICHTransmitted, PeriodsIn(stCounters.iLinkUp, i64CQICH));
-    Put(stTo, Statistics::u32BandwidthRequests,
-        static_cast<uint32_t>(stCounters.u64UplinkPackets / u64PacketsPerBandwidthRequest));
+    Put(stTo, Statistics::u32CQICHTransmitted, static_cast<uint32_t>(stCounters.u64CQICH));
+    Put(stTo, Statistics::u32BandwidthRequests, static_cast<uint32_t>(stCounters.u64Requests));
     std::vector<uint32_t> au32CIDs = m_stModem.TransportCIDs();
     au32CIDs.resize(std::min<size_t>(au32CIDs.size(), Statistics::MaxConnections));
     Put(stTo, Statistics::s32NumConnections, static_cast<uint32_t>(au32CIDs.size()));
@@ -226,8 +218,8 @@ void StatisticsReports::Tell() {
         Put(stTo, Statistics::au32TransportCIDs, u32CID, u32Base);
         u32Base += WidthOf(Statistics::au32TransportCIDs.eType);
     }
-    if (m_pstServing != nullptr) {
-        PutStation(stTo);
+    if (m_stLink.Serving() != nullptr) {
+        PutStation(stTo, *m_stLink.Serving());
     }
     m_stModem.Tell(TYPE_STATISTICS, SUBTYPE_STATISTICS, stReport.View());
 }

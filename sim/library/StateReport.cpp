@@ -36,6 +36,10 @@ std::string Decimal(double fValue, int iDigits) {
     return acText.data();
 }
 
+std::string Milliseconds(ModemTime iTime) {
+    return Decimal(static_cast<double>(iTime) / static_cast<double>(i64Millisecond), 3);
+}
+
 std::string Truth(bool bValue) { return bValue ? "true" : "false"; }
 
 std::string NameOf(const Station *pstStation) {
@@ -77,11 +81,20 @@ std::string FlowRows(WholeModem &stModem) {
     Row stFlows;
     for (const Connection &stConnection : stModem.TheSignalling().Connections()) {
         if (stConnection.u32SFID != 0) {
+            const FlowReport stReport = stModem.UserTraffic().ReportOf(stConnection.u32SFID);
             stFlows.Add(Row()
                             .Add("sfid", Whole(stConnection.u32SFID))
                             .Add("cid", Whole(stConnection.u32CID))
                             .Add("direction", stConnection.bUplink ? "\"uplink\"" : "\"downlink\"")
                             .Add("scheduling-type", Whole(stConnection.u32SchedulingType))
+                            .Add("packets", Whole(stReport.u64Packets))
+                            .Add("bytes", Whole(stReport.u64Bytes))
+                            .Add("grants", Whole(stReport.u64Grants))
+                            .Add("queued", Whole(stReport.u32Queued))
+                            .Add("lost", Whole(stReport.u64Lost))
+                            .Add("late", Whole(stReport.u64Late))
+                            .Add("latency", Milliseconds(stReport.iLongest))
+                            .Add("jitter", Milliseconds(stReport.iLongest - stReport.iShortest))
                             .AsObject());
         }
     }
@@ -95,10 +108,12 @@ std::string CounterRow(WholeModem &stModem) {
         std::accumulate(au32Lost.begin(), au32Lost.end(), uint64_t{0},
                         [](uint64_t u64Sum, const auto &stLost) { return u64Sum + stLost.second; });
     return Row()
-        .Add("downlink-bytes", Whole(stTotals.u64DownlinkBytes))
-        .Add("downlink-packets", Whole(stTotals.u64DownlinkPackets))
-        .Add("uplink-bytes", Whole(stTotals.u64UplinkBytes))
-        .Add("uplink-packets", Whole(stTotals.u64UplinkPackets))
+        .Add("downlink-bytes", Whole(stTotals.stDownlink.u64Bytes))
+        .Add("downlink-packets", Whole(stTotals.stDownlink.u64Packets))
+        .Add("uplink-bytes", Whole(stTotals.stUplink.u64Bytes))
+        .Add("uplink-packets", Whole(stTotals.stUplink.u64Packets))
+        .Add("packets-lost", Whole(stTotals.stDownlink.u64Lost + stTotals.stUplink.u64Lost))
+        .Add("bandwidth-requests", Whole(stTotals.u64Requests))
         .Add("messages-waiting", Whole(stModem.Waiting()))
         .Add("messages-lost", Whole(u64Lost))
         .AsObject();

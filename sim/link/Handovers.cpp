@@ -95,6 +95,7 @@ void Handovers::FollowLink() {
     m_stStep.Stop();
     m_stLook.Stop();
     m_pstTarget = nullptr;
+    m_stModem.ThePresence().Return(Absence::Handover);
     m_pstCandidate = nullptr;
     if (m_stLink.State() == LinkState::LinkUp && m_iLookPeriod != 0) {
         m_stLook.Start(m_iLookPeriod, [this] { Look(); });
@@ -137,7 +138,7 @@ void Handovers::Begin(Station &stTarget, Plan stPlan) {
     m_stPlan = stPlan;
     m_iBegan = m_stModem.Now();
     m_u32Failures = 0;
-    m_stModem.UserTraffic().SetFlowing(false);
+    m_stModem.ThePresence().Leave(Absence::Handover, [](uint64_t) { return true; });
     m_stModem.TheSignalling().HandoverBegins(stTarget, stPlan.bOrdered);
     m_stStep.Start(m_iTime, [this] { Range(); });
 }
@@ -185,7 +186,7 @@ void Handovers::Finish(bool bSuccess) {
 
     m_pstTarget = nullptr;
     m_stModem.TheSignalling().HandoverEnds(bSuccess);
-    m_stModem.UserTraffic().SetFlowing(true);
+    m_stModem.ThePresence().Return(Absence::Handover);
     if (bSuccess) {
         m_stLink.MoveTo(stTarget);
     } else {

@@ -237,8 +237,13 @@ int32_t Link::SyncUp(const Request &stRequest) {
     if (m_stAt.eState == Shutdown) {
         WakeUpCompletely();
     }
-    const uint32_t u32Frequency = Get(stRequest.stPayload, SyncUpRequest::u32CenterFrequency);
-    const uint32_t u32Bandwidth = Get(stRequest.stPayload, SyncUpRequest::u32Bandwidth);
+    uint32_t u32Frequency = Get(stRequest.stPayload, SyncUpRequest::u32CenterFrequency);
+    uint32_t u32Bandwidth = Get(stRequest.stPayload, SyncUpRequest::u32Bandwidth);
+    if (u32Frequency == 0) {
+        const Channel stChannel = m_stModem.ConfiguredChannel();
+        u32Frequency = stChannel.u32Frequency;
+        u32Bandwidth = stChannel.u32Bandwidth;
+    }
     const uint32_t u32Preamble = Get(stRequest.stPayload, SyncUpRequest::u32PreambleID);
     if (!IsAnyOf({Unsynchronised, Synchronising, Synchronised})) {
         TellSyncStatus(StatusReason());

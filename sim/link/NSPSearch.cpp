@@ -11,6 +11,7 @@ NSPSearch::NSPSearch(Modem &stModem)
 void NSPSearch::Start() {
     m_stStep.Stop();
     m_stLimit.Stop();
+    m_stModem.ThePresence().Return(Absence::Search);
 }
 
 int32_t NSPSearch::Begin(ByteView stPayload) {
@@ -22,6 +23,7 @@ int32_t NSPSearch::Begin(ByteView stPayload) {
     }
     ReadTargets(stPayload);
     m_uNext = 0;
+    m_stModem.ThePresence().Leave(Absence::Search, [](uint64_t) { return true; });
     if (const uint32_t u32Duration = Get(stPayload, NSPSearchRequest::u32Duration)) {
         m_stLimit.Start(u32Duration * i64Second,
                         [this] { End(NSPDiscovery::ScanDurationTimeout); });

@@ -84,6 +84,7 @@ NetworkSearch::NetworkSearch(Modem &stModem) : m_stModem(stModem), m_stStep(stMo
 
 void NetworkSearch::Start() {
     m_stStep.Stop();
+    m_stModem.ThePresence().Return(Absence::Search);
     m_aucFound.clear();
     m_u32LastStatus = StationList::SearchComplete;
     SetThresholds(m_iRSSIAtStart, m_iCINRAtStart);
@@ -108,6 +109,7 @@ int32_t NetworkSearch::Begin(ByteView stPayload) {
     m_iDuration = Get(stPayload, SearchRequest::u32Duration) * i64Second;
     m_u64Done = 0;
     m_aucFound.clear();
+    m_stModem.ThePresence().Leave(Absence::Search, [](uint64_t) { return true; });
     WaitForNext();
     return 0;
 }
@@ -167,6 +169,7 @@ bool NetworkSearch::Wanted(const Station &stStation) const {
 
 void NetworkSearch::End(uint32_t u32Status) {
     m_stStep.Stop();
+    m_stModem.ThePresence().Return(Absence::Search);
     m_stModem.History().iSearch = m_stModem.Now() - m_iBegan;
     m_u32LastStatus = u32Status;
     Tell(u32Status);

@@ -32,6 +32,11 @@ constexpr std::array astLimits{
 
 using Definition = Record<PSCDefinition::Size>;
 
+struct ActiveClass {
+    Definition stDefinition;
+    ModemTime iSince;
+};
+
 uint64_t FinalWindow(ByteView stClass) { // frames
     return uint64_t{Get(stClass, PSCDefinition::u16FinalSleepWindowBase)}
            << Get(stClass, PSCDefinition::u8FinalSleepWindowExp);
@@ -68,6 +73,16 @@ ModemTime NextListening(ByteView stClass, ModemTime iPast) {
         u64Start += (u64Past - u64Start) / (u64Window + u64Listen) * (u64Window + u64Listen);
     }
     return std::max(iPast, static_cast<ModemTime>(u64Start + u64Window) * i64Frame);
+}
+
+// Whether the modem sleeps in a frame: it listens while any of its classes does.
+bool AsleepIn(const std::vector<ActiveClass> &astClasses, uint64_t u64Frame) {
+    return std::all_of(astClasses.begin(), astClasses.end(), [&](const ActiveClass &stClass) {
+        const ByteView stDefinition = stClass.stDefinition.View();
+        const ModemTime iPast = static_cast<ModemTime>(u64Frame) * i64Frame - stClass.iSince;
+        return iPast >= 0 && (Get(stDefinition, PSCDefinition::u8PSCType) == Once ||
+                              NextListening(stDefinition, iPast) > iPast);
+    });
 }
 
 class SleepClasses : public Subsystem {
@@ -119,6 +134,7 @@ SleepClasses::SleepClasses(Modem &stModem) : m_stModem(stModem), m_stLink(stMode
             for (Class &stClass : m_astClasses) {
                 Deactivate(stClass);
             }
+            FollowClasses();
         }
     });
     m_stLink.OnMove([this] { EndAll(); });
@@ -129,6 +145,7 @@ void SleepClasses::Start() {
         Deactivate(stClass);
         stClass.bDefined = false;
     }
+    FollowClasses();
     if (m_bDefaultClass) {
         using namespace PSCDefinition;
         Class &stDefault = m_astClasses.front();
@@ -280,8 +297,18 @@ void SleepClasses::TrafficWaits() {
 }
 
 void SleepClasses::FollowClasses() {
-    m_stLink.SetSleeping(std::any_of(m_astClasses.begin(), m_astClasses.end(),
-                                     [](const Class &stClass) { return stClass.bActive; }));
+    std::vector<ActiveClass> astActive;
+    for (const Class &stClass : m_astClasses) {
+        if (stClass.bActive) {
+            astActive.push_back({stClass.stDefinition, stClass.iActiveSince});
+        }
+    }
+    const bool bSleeps = !astActive.empty();
+    m_stLink.SetSleeping(bSleeps);
+    m_stModem.ThePresence().Leave(
+        Absence::Sleep,
+        bSleeps ? [astActive](uint64_t u64Frame) { return AsleepIn(astActive, u64Frame); }
+                : Presence::Test());
 }
 
 void SleepClasses::TellClasses(const std::vector<Class *> &apstClasses) {

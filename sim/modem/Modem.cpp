@@ -33,9 +33,10 @@ Modem::Modem(Scenario stScenario)
       m_u32FailedOpens(
           static_cast<uint32_t>(Settings("device").Integer("failed-opens", 0, UINT32_MAX, 0))),
       m_iAnswerDelay(Settings("device").Seconds("answer-delay", 0, 1000, 0.02)),
-      m_stStateFile(Root()), m_stRadio(Root(), m_u64Seed), m_stTraffic(Root(), m_stScheduler),
-      m_stOptions(Root()), m_stSignalling(Root(), m_u64Seed, m_stScheduler, m_stRadio,
-                                          m_stAttachment, m_stOptions, m_stAddress) {}
+      m_stStateFile(Root()), m_stRadio(Root(), m_u64Seed),
+      m_stTraffic(Root(), m_u64Seed, m_stScheduler, m_stPresence), m_stOptions(Root()),
+      m_stSignalling(Root(), m_u64Seed, m_stScheduler, m_stRadio, m_stAttachment, m_stTraffic,
+                     m_stPresence, m_stOptions, m_stAddress) {}
 
 void Modem::Know(Link &stLink, MIBStore &stMIBs, VendorRegionStore &stVendorRegion) {
     m_pstLink = &stLink;
@@ -232,6 +233,7 @@ void Modem::RestartOwn() {
     m_bHalted = false;
     m_au32Lost.clear();
     m_stTraffic.Reset();
+    m_stPins.Start();
 }
 
 void Modem::Unload() {

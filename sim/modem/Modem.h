@@ -15,11 +15,13 @@
 #include "Catalogue.h"
 #include "Wire.h"
 #include "air/Attachment.h"
+#include "air/Presence.h"
 #include "air/Radio.h"
 #include "air/Signalling.h"
 #include "air/Traffic.h"
 #include "modem/Events.h"
 #include "modem/LibraryError.h"
+#include "modem/Pins.h"
 #include "modem/Subsystem.h"
 #include "scenario/Options.h"
 #include "scenario/Scenario.h"
@@ -45,6 +47,12 @@ struct Request {
     // The payload of the sender's own buffer, for the requests that are answered at
     // once; empty for all others.
     ByteSpan stReply;
+};
+
+// In kHz; 0: none.
+struct Channel {
+    uint32_t u32Frequency;
+    uint32_t u32Bandwidth;
 };
 
 // How modem time passes: with the real clock, so many times faster, or in steps.
@@ -120,6 +128,11 @@ class Modem {
         m_pfnTransportCIDs = std::move(pfnCIDs);
     }
 
+    // Says who knows the channel that a synchronisation takes when it names none.
+    void OnConfiguredChannel(std::function<Channel()> pfnChannel) {
+        m_pfnConfiguredChannel = std::move(pfnChannel);
+    }
+
     // ---- For the subsystems: what they work with ----
 
     Scheduler &Clock() { return m_stScheduler; }
@@ -131,6 +144,7 @@ class Modem {
     uint64_t Seed() const { return m_u64Seed; }
     Random RandomFor(std::string_view strPurpose) const { return {m_u64Seed, strPurpose}; }
     Radio &Air() { return m_stRadio; }
+    Presence &ThePresence() { return m_stPresence; }
     Traffic &UserTraffic() { return m_stTraffic; }
     Attachment &Attached() { return m_stAttachment; }
     Events &TheEvents() { return m_stEvents; }
@@ -141,6 +155,7 @@ class Modem {
     StateFile &TheStateFile() { return m_stStateFile; }
     VendorRegionStore &TheVendorRegion() { return *m_pstVendorRegion; }
     StationAddress &Address() { return m_stAddress; }
+    Pins &ThePins() { return m_stPins; }
     // How long parts of the last way into the network took, for those who report it.
     struct EntryHistory {
         ModemTime iSearch = 0;
@@ -152,6 +167,10 @@ class Modem {
     // The identifiers of the transport connections that there are now.
     std::vector<uint32_t> TransportCIDs() const {
         return m_pfnTransportCIDs ? m_pfnTransportCIDs() : std::vector<uint32_t>{};
+    }
+
+    Channel ConfiguredChannel() const {
+        return m_pfnConfiguredChannel ? m_pfnConfiguredChannel() : Channel{};
     }
 
     // For a request's handler: the send returns when the client has had the answer.
@@ -219,7 +238,9 @@ class Modem {
     Events m_stEvents{m_stScheduler};
     StateFile m_stStateFile;
     Radio m_stRadio;
+    Presence m_stPresence;
     Traffic m_stTraffic;
+    Pins m_stPins;
     StationAddress m_stAddress{0x02, 0x00, 0x00, 0x20, 0x00, 0x01};
     Options m_stOptions;
     Attachment m_stAttachment;
@@ -229,6 +250,7 @@ class Modem {
     MemoryReader m_pfnReadMemory;
     MemoryWriter m_pfnWriteMemory;
     std::function<std::vector<uint32_t>()> m_pfnTransportCIDs;
+    std::function<Channel()> m_pfnConfiguredChannel;
     struct Outgoing {
         MessageBytes aucMessage;
         bool bAnswer;

@@ -14,19 +14,23 @@ std::optional<ModemTime> FirstOf(const auto &astTickets, auto TicketOf) {
 } // namespace
 
 Scheduler::Ticket Scheduler::After(ModemTime iDelay, Action pfnAction) {
-    return Add(iDelay, std::move(pfnAction), m_bAnswering);
+    return Add(iDelay, m_u64Next++, {std::move(pfnAction), m_bAnswering});
 }
 
 Scheduler::Ticket Scheduler::AfterByItself(ModemTime iDelay, Action pfnAction) {
-    return Add(iDelay, std::move(pfnAction), false);
+    return Add(iDelay, m_u64Next++, {std::move(pfnAction), false});
 }
 
-Scheduler::Ticket Scheduler::Add(ModemTime iDelay, Action pfnAction, bool bAwaited) {
-    const Ticket stTicket{m_iNow + std::max<ModemTime>(iDelay, 0), m_u64Next++};
-    m_astPlanned.emplace(stTicket, Plan{std::move(pfnAction), bAwaited});
-    if (bAwaited) {
+Scheduler::Ticket Scheduler::FirstAfter(ModemTime iDelay, Action pfnAction) {
+    return Add(iDelay, m_u64NextFirst++, {std::move(pfnAction), false});
+}
+
+Scheduler::Ticket Scheduler::Add(ModemTime iDelay, uint64_t u64Place, Plan stPlan) {
+    const Ticket stTicket{m_iNow + std::max<ModemTime>(iDelay, 0), u64Place};
+    if (stPlan.bAwaited) {
         m_astAwaited.insert(stTicket);
     }
+    m_astPlanned.emplace(stTicket, std::move(stPlan));
     return stTicket;
 }
 
@@ -68,6 +72,11 @@ Scheduler::Action Timer::Ending(Scheduler::Action pfnAction) {
 void Timer::Start(ModemTime iDelay, Scheduler::Action pfnAction) {
     Stop();
     m_stTicket = m_stScheduler.AfterByItself(iDelay, Ending(std::move(pfnAction)));
+}
+
+void Timer::StartFirst(ModemTime iDelay, Scheduler::Action pfnAction) {
+    Stop();
+    m_stTicket = m_stScheduler.FirstAfter(iDelay, Ending(std::move(pfnAction)));
 }
 
 void Timer::StartAnswer(ModemTime iDelay, Scheduler::Action pfnAction) {

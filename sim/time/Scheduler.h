@@ -17,7 +17,8 @@ class Scheduler {
   public:
     using Action = std::function<void()>;
     // Names one planned action; the time stands first, so that actions are
-    // ordered by it, and those of the same moment as they were planned.
+    // ordered by it, and those of the same moment as they were planned, but for
+    // those that come first in their moment.
     using Ticket = std::pair<ModemTime, uint64_t>;
 
     // While an action runs, the moment that it was planned for.
@@ -27,6 +28,8 @@ class Scheduler {
     Ticket After(ModemTime iDelay, Action pfnAction);
     // The modem's own business, whoever brought it about.
     Ticket AfterByItself(ModemTime iDelay, Action pfnAction);
+    // The same, before all else of its moment: what others find there whoever comes when.
+    Ticket FirstAfter(ModemTime iDelay, Action pfnAction);
     // Does nothing when the action has run already.
     void Cancel(Ticket stTicket);
     std::optional<ModemTime> NextDue() const;
@@ -55,10 +58,11 @@ class Scheduler {
         Action pfnAction;
         bool bAwaited;
     };
-    Ticket Add(ModemTime iDelay, Action pfnAction, bool bAwaited);
+    Ticket Add(ModemTime iDelay, uint64_t u64Place, Plan stPlan);
 
     ModemTime m_iNow = 0;
-    uint64_t m_u64Next = 0;
+    uint64_t m_u64NextFirst = 0;
+    uint64_t m_u64Next = UINT64_C(1) << 63; // behind all that come first
     bool m_bAnswering = false;
     std::map<Ticket, Plan> m_astPlanned;
     std::set<Ticket> m_astAwaited;
@@ -75,6 +79,8 @@ class Timer {
 
     // For the modem's own business.
     void Start(ModemTime iDelay, Scheduler::Action pfnAction);
+    // The same, before all else of its moment.
+    void StartFirst(ModemTime iDelay, Scheduler::Action pfnAction);
     // For the work on a request: awaited, when a request or a part of its answer starts it.
     void StartAnswer(ModemTime iDelay, Scheduler::Action pfnAction);
     void Stop();

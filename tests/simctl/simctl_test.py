@@ -135,8 +135,8 @@ stations:
   bsid 00:12:0A:00:01:01  frequency 2587500  bandwidth 10000  preamble 3  on-air true  heard true  \
 rssi -58.0  cinr 28.0  serving false
 flows: 
-counters: downlink-bytes 0  downlink-packets 0  uplink-bytes 0  uplink-packets 0  \
-messages-waiting 0  messages-lost 0
+counters: downlink-bytes 0  downlink-packets 0  uplink-bytes 0  uplink-packets 0  packets-lost 0  \
+bandwidth-requests 0  messages-waiting 0  messages-lost 0
 faults: 
 
 """)

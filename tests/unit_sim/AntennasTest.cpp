@@ -256,6 +256,56 @@ TEST(Antennas, TheTransmitAntennaIsTheOneThatWasSelected) {
     EXPECT_EQ(SwitchInformation(stBench).substr(48, 23), "D0 FC FF FF 90 FC FF FF");
 }
 
+// The levels of pins 4 to 7.
+std::string PinsOf(ModemBench &stBench) {
+    std::string strLevels;
+    for (const char *pcPin : {"04", "05", "06", "07"}) {
+        EXPECT_EQ(stBench.Send(22, 2, std::string(pcPin) + " 00 00 00 00*4"), 0);
+        const std::vector<uint8_t> aucBit = BytesOfHex(stBench.Messages().at(0).substr(6));
+        strLevels += aucBit.at(4) != 0 ? "1" : "0";
+    }
+    return strLevels;
+}
+
+TEST(Antennas, ThePinsShowWhatIsSelected) {
+    ModemBench stBench(strSteady);
+    EXPECT_EQ(PinsOf(stBench), "0000");
+    // Pattern 0b111 and the second antenna.
+    EXPECT_EQ(
+        stBench.Send(28, 5, "01 00 00 00 01 00 00 00 07 00 00 00 00*12 00*4 02 00 00 00 00*16"), 0);
+    EXPECT_EQ(stBench.Messages(), Told({"28/5: 00*4"}));
+    EXPECT_EQ(PinsOf(stBench), "1111");
+    // A bit of the pattern is a receive pin in the order of the configuration: 5, 4.
+    EXPECT_EQ(stBench.Send(28, 5, "01 00 00 00 01 00 00 00 00*16 00*4 01 00 00 00 00*16"), 0);
+    EXPECT_EQ(stBench.Send(28, 1,
+                           "02 00 00 00 00 00 00 00 05 00 00 00 04 00 00 00 FF*12"
+                           " 01 00 00 00 00*4"),
+              0);
+    EXPECT_EQ(stBench.Send(28, 5, "01 00 00 00 00*4 01 00 00 00 00*36"), 0);
+    stBench.Messages();
+    EXPECT_EQ(PinsOf(stBench), "0100");
+}
+
+TEST(Antennas, PinsThatTheHostSetsSelect) {
+    ModemBench stBench(strSteady + "pattern-gains = [0, 7, 0, -3]\n[gpio]\nset = [5]\n");
+    const std::string strHead = "80 00 00 00 80 00 00 00 03 00 00 00 03 00 00 00 ";
+    // Pattern 2 at the start, then 3: 3 dB less; -61 and -65 dBm.
+    EXPECT_EQ(SwitchInformation(stBench),
+              strHead + "60 FC FF FF 20 FC FF FF 01 00 00 00 01 00 00 00");
+    EXPECT_EQ(stBench.Send(22, 1, "04 00 00 00 01 00 00 00"), 0);
+    EXPECT_EQ(SwitchInformation(stBench),
+              strHead + "30 FC FF FF F0 FB FF FF 01 00 00 00 01 00 00 00");
+    // The transmit pin: the second antenna, by hand; then the first one.
+    EXPECT_EQ(stBench.Send(22, 1, "07 00 00 00 01 00 00 00"), 0);
+    EXPECT_EQ(SwitchInformation(stBench).substr(72), "00 00 00 00 02 00 00 00");
+    EXPECT_EQ(stBench.Send(22, 1, "07 00 00 00 00 00 00 00"), 0);
+    EXPECT_EQ(SwitchInformation(stBench).substr(72), "00 00 00 00 01 00 00 00");
+    // A pin of nobody selects nothing.
+    EXPECT_EQ(stBench.Send(22, 1, "08 00 00 00 01 00 00 00"), 0);
+    EXPECT_EQ(SwitchInformation(stBench).substr(48),
+              "30 FC FF FF F0 FB FF FF 00 00 00 00 01 00 00 00");
+}
+
 TEST(Antennas, TheAutomaticChoiceFollowsItsThresholds) {
     ModemBench stBench(strSteady);
     struct {

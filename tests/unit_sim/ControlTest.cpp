@@ -84,7 +84,8 @@ TEST_F(Steering, StateIsOneObject) {
               "\"bandwidth\":10000,\"preamble\":3,\"on-air\":true,\"heard\":true,\"rssi\":-58.0,"
               "\"cinr\":28.0,\"serving\":false}],\"flows\":[],"
               "\"counters\":{\"downlink-bytes\":0,\"downlink-packets\":0,\"uplink-bytes\":0,"
-              "\"uplink-packets\":0,\"messages-waiting\":0,\"messages-lost\":0},\"faults\":[]}");
+              "\"uplink-packets\":0,\"packets-lost\":0,\"bandwidth-requests\":0,"
+              "\"messages-waiting\":0,\"messages-lost\":0},\"faults\":[]}");
 }
 
 TEST_F(Steering, StateShowsLinkAndFlows) {
@@ -93,8 +94,12 @@ TEST_F(Steering, StateShowsLinkAndFlows) {
     Say("advance 1");
     EXPECT_EQ(Part("link", '}'),
               "\"link\":{\"state\":\"link-up\",\"serving\":\"00:12:0A:01:02:03\"}");
-    EXPECT_EQ(Part("flows", ']'), "\"flows\":[{\"sfid\":1,\"cid\":4096,\"direction\":\"uplink\","
-                                  "\"scheduling-type\":6}]");
+    // Packets of 600 bytes every 100 ms, a grant for 160 bytes every 20 ms: four grants a packet,
+    // the last one 60 ms after it came. The tenth one came just now.
+    EXPECT_EQ(Part("flows", ']'),
+              "\"flows\":[{\"sfid\":1,\"cid\":4096,\"direction\":\"uplink\","
+              "\"scheduling-type\":6,\"packets\":9,\"bytes\":5560,\"grants\":50,\"queued\":440,"
+              "\"lost\":0,\"late\":0,\"latency\":60.000,\"jitter\":0.000}]");
 }
 
 TEST_F(Steering, StationsAreThoseOfTheState) {

@@ -98,17 +98,18 @@ Report ReportOf(ModemBench &stBench) {
 
 TEST(Statistics, AreReportedOnce) {
     // Two packets of 600 bytes a second up, 40 down; one of 2000 frames is in error.
-    ModemBench stBench(strLinkUp +
+    ModemBench stBench(strLinkUp + pcTwoFlows +
                        "[traffic]\nuplink-rate = 1200\ndownlink-rate = 24000\npacket-size = 600\n");
     stBench.RunUntil(100);
     EXPECT_EQ(stBench.Send(17, 1, "00*4"), 0);
     stBench.RunUntil(200);
     // 20000 frames; 10 in error, 2 of them in the header; 4000 packets, 2 of them
-    // damaged; 2500 reports of the channel's quality; 50 bandwidth requests; 11 dBm for
-    // a path loss of 101 dB.
+    // damaged; 2500 reports of the channel's quality; 200 bandwidth requests, one for each
+    // packet up, which finds its queue empty; two connections; 11 dBm for a path loss of 101 dB.
     EXPECT_EQ(stBench.Messages(),
               Told({"17/1: B8 03 00 00 20 4E 00 00 0A 00 00 00 02 00 00 00 02 00 00 00"
-                    " C4 09 00 00 C6 FF FF FF 1C 00 00 00 00*24 32 00 00 00 00*4 00*170 0B 00*9"
+                    " C4 09 00 00 C6 FF FF FF 1C 00 00 00 00*24 C8 00 00 00 02 00 00 00 00 20 00 "
+                    "00 00 10 00*164 0B 00*9"
                     " 00 12 0A 01 02 03 00*279 15 00*418 6C 7B 27 00"}));
 }
 
@@ -129,7 +130,7 @@ TEST(Statistics, NameTheBurstProfileThatTheCountersCount) {
                           {"11.1", 17, 16}, {"14.1", 16, 15}, {"17.1", 15, 14}, {"20.1", 13, 10},
                           {"23.1", 13, 11}, {"25.1", 13, 12}, {"28.1", 13, 13}};
     for (const auto &stCase : astCases) {
-        ModemBench stBench(strLinkUp +
+        ModemBench stBench(strLinkUp + pcTwoFlows +
                            "[handover]\nlook-period = 0\n[[event]]\nat = 0\n"
                            "kind = \"fade\"\nstation = \"00120A010203\"\nby = " +
                            stCase.pcBy + "\n");
@@ -150,9 +151,10 @@ TEST(Statistics, NameTheBurstProfileThatTheCountersCount) {
 }
 
 TEST(Statistics, ErrorsGrowWithAWorseningLink) {
-    ModemBench stBench(strLinkUp + "[[event]]\nat = 100\nkind = \"fade\"\n"
-                                   "station = \"00120A010203\"\nby = 26\n[handover]\n"
-                                   "look-period = 0\n");
+    ModemBench stBench(strLinkUp + pcTwoFlows +
+                       "[[event]]\nat = 100\nkind = \"fade\"\n"
+                       "station = \"00120A010203\"\nby = 26\n[handover]\n"
+                       "look-period = 0\n");
     stBench.RunUntil(100);
     const Report stGood = ReportOf(stBench);
     stBench.RunUntil(200);
@@ -253,6 +255,25 @@ TEST(Statistics, CountNoFramesInIdleMode) {
                        "[start]\nstate = \"idle\"\nstation = \"00120A010203\"\n");
     stBench.RunUntil(10);
     EXPECT_EQ(ReportOf(stBench).Word(4), 0U);
+}
+
+TEST(Statistics, NameTheStationOfIdleModeAndNoConnections) {
+    ModemBench stBench(std::string(pcFourStations) + pcTwoFlows +
+                       "[start]\nstate = \"idle\"\nstation = \"00120A010203\"\n");
+    stBench.RunUntil(10);
+    const Report stIdle = ReportOf(stBench);
+    EXPECT_EQ(stIdle.Word(24), 0xFFFFFFC6U); // -58 dBm
+    EXPECT_EQ(stIdle.Word(28), 28U);
+    EXPECT_EQ(HexOf({stIdle.aucPayload.begin() + 244, stIdle.aucPayload.begin() + 250}),
+              "00 12 0A 01 02 03");
+    EXPECT_EQ(stIdle.Word(948), 2587500U);
+    EXPECT_EQ(stIdle.aucPayload.at(234), 0); // it does not send
+    EXPECT_EQ(stIdle.Word(60), 0U);
+    // The flows have connections again when the link is up.
+    EXPECT_EQ(stBench.Send(19, 4), 0);
+    stBench.RunUntil(11);
+    stBench.Messages();
+    EXPECT_EQ(ReportOf(stBench).Word(60), 2U);
 }
 
 TEST(Statistics, EndWithAReset) {

@@ -300,15 +300,18 @@ TEST(Link, StartsInTheStateOfTheScenario) {
 }
 
 TEST(Link, TrafficFlowsOnlyWhileTheLinkIsUp) {
-    ModemBench stBench(strStations + pcLinkUp +
+    ModemBench stBench(strStations + pcLinkUp + pcTwoFlows +
                        "[traffic]\ndownlink-rate = 1200\nuplink-rate = 600\npacket-size = 100\n"
                        "[recovery]\non = false\n[[event]]\nat = 10\nkind = \"link-loss\"\n");
     stBench.RunUntil(5);
-    EXPECT_EQ(stBench.TheModem().UserTraffic().Totals().u64DownlinkBytes, 6000U);
+    EXPECT_EQ(stBench.TheModem().UserTraffic().Totals().stDownlink.u64Bytes, 6000U);
     stBench.RunUntil(100);
-    EXPECT_EQ(stBench.TheModem().UserTraffic().Totals().u64DownlinkBytes, 12000U);
-    EXPECT_EQ(stBench.TheModem().UserTraffic().Totals().u64UplinkBytes, 6000U);
-    EXPECT_EQ(stBench.TheModem().UserTraffic().Totals().u64UplinkPackets, 60U);
+    // Packet 120 is there at the moment of the loss: the frame that begins then still has it. Two
+    // frames after it came the uplink's last one would have gone.
+    EXPECT_EQ(stBench.TheModem().UserTraffic().Totals().stDownlink.u64Bytes, 12000U);
+    EXPECT_EQ(stBench.TheModem().UserTraffic().Totals().stUplink.u64Bytes, 5900U);
+    EXPECT_EQ(stBench.TheModem().UserTraffic().Totals().stUplink.u64Packets, 59U);
+    EXPECT_EQ(stBench.TheModem().UserTraffic().Totals().stUplink.u64Lost, 1U);
 }
 
 } // namespace

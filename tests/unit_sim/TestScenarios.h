@@ -62,6 +62,17 @@ state = "link-up"
 station = "00 12 0A 01 02 03"
 )";
 
+// A best effort flow in each direction, which carries all of [traffic] there: SFID 1, CID 8192, and
+// SFID 2, CID 4096.
+inline constexpr const char *pcTwoFlows = R"(
+[[service-flow]]
+direction = "downlink"
+type = "BE"
+[[service-flow]]
+direction = "uplink"
+type = "BE"
+)";
+
 inline const std::string strStations = pcFourStations;
 inline const std::string strLinkUp = strStations + pcLinkUp;
 
