@@ -247,9 +247,7 @@ MIBStatistics::MIBStatistics(Modem &stModem)
         });
     }
     for (const uint32_t u32ID : {PerAttemptReceived, PerAttemptCompleted}) {
-        stMIBs.OnWrite(u32ID, [this](ByteView) {
-            ClearAttempts();
-        });
+        stMIBs.OnWrite(u32ID, [this](ByteView) { ClearAttempts(); });
     }
     m_stLink.Observe([this](const LinkChange &stChange) { OnLinkChange(stChange); });
     m_stLink.OnMove([this] { NoteUsed(*m_stLink.Serving()); });
