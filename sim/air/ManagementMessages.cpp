@@ -8,6 +8,7 @@
 #include "air/Capabilities.h"
 #include "air/Decibels.h"
 #include "air/Traffic.h"
+#include "time/ModemTime.h"
 #include "time/Random.h"
 
 namespace {
@@ -435,8 +436,6 @@ BitWriter RNGRSPBody(RangingStatus eStatus, const MACAddressBytes &aucMAC,
 }
 
 namespace {
-
-constexpr uint32_t u32FramesPerSecond = 200;
 
 // Cycle in frames, offset, group.
 BitWriter PagingInformation(const Station &stStation, uint32_t u32PagingCycle) {

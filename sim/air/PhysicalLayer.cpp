@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "air/Decibels.h"
+#include "time/ModemTime.h"
 
 namespace {
 
@@ -65,7 +66,6 @@ FrameLayout LayoutOf(uint32_t u32Bandwidth) {
 
 uint32_t FrameLayout::SamplesPerSecond() const {
     constexpr uint32_t u32SamplesPerSlot = 4;
-    constexpr uint32_t u32FramesPerSecond = 200;
     return u32SlotsPerFrame * u32SamplesPerSlot * u32FramesPerSecond;
 }
 

@@ -12,5 +12,6 @@ inline constexpr ModemTime i64Second = 1000000;
 inline constexpr ModemTime i64Millisecond = 1000;
 // One frame of the air interface.
 inline constexpr ModemTime i64Frame = 5 * i64Millisecond;
+inline constexpr uint32_t u32FramesPerSecond = 200;
 
 #endif

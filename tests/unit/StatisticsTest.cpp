@@ -81,7 +81,8 @@ TEST_F(StatisticsTest, OtherPoliciesAreRefused) {
 TEST_F(StatisticsTest, TheReportInFull) {
     EXPECT_EQ(
         ReportOf("17/1 | 952:4 1000:4 3:4 7:4 8:4 9:4 -70:4 25:4 00*24 4660:4 2:4"
-                 " 257:4 43981:4 00*162 fd 00*9 00 1a 2b 3c 4d 5e 00*279 15 00*418 2600000:4"),
+                 " 257:4 43981:4 00*162 fd ee 00*8 00 1a 2b 3c 4d 5e ee 00*278 15 ee 00*417"
+                 " 2600000:4"),
         "\n~~~~~~~~~~ BASEBAND STATISTICS RESPONSE ~~~~~~~~~~\n"
         "\nNum frames recvd\t: 1000"
         "\nSize of Stats Struct\t: 952"
