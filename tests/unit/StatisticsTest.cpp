@@ -79,29 +79,28 @@ TEST_F(StatisticsTest, OtherPoliciesAreRefused) {
 }
 
 TEST_F(StatisticsTest, TheReportInFull) {
-    EXPECT_EQ(
-        ReportOf("17/1 | 952:4 1000:4 3:4 7:4 8:4 9:4 -70:4 25:4 00*24 4660:4 2:4"
-                 " 257:4 43981:4 00*162 fd ee 00*8 00 1a 2b 3c 4d 5e ee 00*278 15 ee 00*417"
-                 " 2600000:4"),
-        "\n~~~~~~~~~~ BASEBAND STATISTICS RESPONSE ~~~~~~~~~~\n"
-        "\nNum frames recvd\t: 1000"
-        "\nSize of Stats Struct\t: 952"
-        "\nCenterFrequency in KHz \t: 2600000"
-        "\nCUR CINR\t\t: 25 (0x19)"
-        "\nCUR RSSI\t\t: -70 (0xffffffba)"
-        "\nNum Of CqichTxmtd\t: 9 (0x9)"
-        "\nNum Of CRC Errors\t: 7 (0x7)"
-        "\nFrames in Error\t\t: 3 (0x3)"
-        "\nNum Of Hcs Errors\t: 8 (0x8)"
-        "\n\nFrame Error Rate\t: 0.003000"
-        "\nDownlink burst data FEC\t: 21 (0x15)"
-        "\nTx Power\t\t: -3 (0xfffffffd)"
-        "\nBaseID\t\t\t: 00 1a 2b 3c 4d 5e"
-        "\nNumber of BRTH \t:0x1234"
-        "\nNumber of Connections \t:2"
-        "\nTransport CID \t:0x101"
-        "\nTransport CID \t:0xabcd"
-        "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
+    EXPECT_EQ(ReportOf("17/1 | 952:4 1000:4 3:4 7:4 8:4 9:4 -70:4 25:4 00*24 4660:4 2:4"
+                       " 257:4 43981:4 00*162 fd ee 00*8 00 1a 2b 3c 4d 5e ee 00*278 15 ee 00*417"
+                       " 2600000:4"),
+              "\n~~~~~~~~~~ BASEBAND STATISTICS RESPONSE ~~~~~~~~~~\n"
+              "\nNum frames recvd\t: 1000"
+              "\nSize of Stats Struct\t: 952"
+              "\nCenterFrequency in KHz \t: 2600000"
+              "\nCUR CINR\t\t: 25 (0x19)"
+              "\nCUR RSSI\t\t: -70 (0xffffffba)"
+              "\nNum Of CqichTxmtd\t: 9 (0x9)"
+              "\nNum Of CRC Errors\t: 7 (0x7)"
+              "\nFrames in Error\t\t: 3 (0x3)"
+              "\nNum Of Hcs Errors\t: 8 (0x8)"
+              "\n\nFrame Error Rate\t: 0.003000"
+              "\nDownlink burst data FEC\t: 21 (0x15)"
+              "\nTx Power\t\t: -3 (0xfffffffd)"
+              "\nBaseID\t\t\t: 00 1a 2b 3c 4d 5e"
+              "\nNumber of BRTH \t:0x1234"
+              "\nNumber of Connections \t:2"
+              "\nTransport CID \t:0x101"
+              "\nTransport CID \t:0xabcd"
+              "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
 }
 
 TEST_F(StatisticsTest, NumbersAreSignedInDecimalAndWholeInHexadecimal) {
