@@ -220,9 +220,11 @@ section_armhf() { test_machine armhf arm arm-linux-gnueabihf; }
 section_mips() { test_machine mips mips mips-linux-gnu; }
 section_s390x() { test_machine s390x s390x s390x-linux-gnu; }
 
+run_benchmarks() { (cd build/release && ./bench_start && ./bench_reports && ./bench_modem && ./bench_recording); }
+
 section_benchmarks() {
     [ -x build/release/bench_start ] || { check configure release ON && check build release; } || return
-    (cd build/release && ./bench_start && ./bench_reports && ./bench_modem && ./bench_recording)
+    check run_benchmarks
 }
 
 section_package() { check packaging/check.sh; }
