@@ -7,6 +7,7 @@ import sys
 sys.dont_write_bytecode = True  # the sources stay as they are
 
 import argparse
+import contextlib
 import json
 import os
 import pathlib
@@ -649,11 +650,26 @@ class Streams(MonitorTest):
             self.assertEqual(process.stdout.read(), b"")
             self.assertEqual(process.wait(PATIENCE), 130)
 
+    def wait_until_read(self, process):
+        """Until it has read the whole file and waits for more."""
+        deadline = time.monotonic() + PATIENCE
+        size = self.file.stat().st_size
+        place = pathlib.Path(f"/proc/{process.pid}")
+        resting = 0
+        while resting < 3:
+            self.assertLess(time.monotonic(), deadline)
+            time.sleep(0.05)
+            with contextlib.suppress(FileNotFoundError):  # while it closes one
+                reached = any(f"pos:\t{size}\n" in info.read_text()
+                              for info in (place / "fdinfo").iterdir())
+                asleep = "State:\tS" in (place / "status").read_text()
+                resting = resting + 1 if reached and asleep else 0
+
     def test_a_summary_is_shown_when_following_ends(self):
         self.file.write_bytes(small())
         with subprocess.Popen([OPTIONS.monitor, "--follow", "--summary", self.file],
                               env=environment(), stdout=subprocess.PIPE) as process:
-            time.sleep(0.5)
+            self.wait_until_read(process)
             process.send_signal(signal.SIGTERM)
             self.assertIn(b"sync_status 2/1", process.stdout.read())
             self.assertEqual(process.wait(PATIENCE), 143)

@@ -436,7 +436,7 @@ class Options(ToolTest):
                          set(STEPS) | set(SETTINGS))
 
     def test_an_interrupt_ends_with_what_was_measured(self):
-        self.file(QUICK + "~ MAIN MENU\nrepeat 1000000\nstart t\nmodem advance 2\nstop t\nend\n"
+        self.file(QUICK + "~ MAIN MENU\nrepeat 1000000\nstart t\nmodem advance 2\nstop t\n> 5 3\n~ MAIN MENU\nend\n"
                   "> -1\n...\nexit 0\n")
         for number, status in ((signal.SIGINT, 130), (signal.SIGTERM, 143)):
             folder = self.top / "tmp"
@@ -444,13 +444,11 @@ class Options(ToolTest):
             process = self.start("--junit", "out.xml", "--record", "kept", "--repeat", "3", "a.session",
                                  env={**os.environ, "TMPDIR": str(folder)}, start_new_session=True)
             deadline = time.monotonic() + PATIENCE
-            while not list(self.top.glob("kept/*")) and time.monotonic() < deadline:
+            while time.monotonic() < deadline and not any(  # some times round
+                    path.stat().st_size > 20000 for path in self.top.glob("kept/*")):
                 time.sleep(0.01)
-            time.sleep(2)
-            began = time.monotonic()
             process.send_signal(number)
             output, errors = process.communicate(timeout=PATIENCE)
-            self.assertLess(time.monotonic() - began, 10)
             self.assertEqual((process.returncode, errors), (status, ""))
             self.assertIn("ERROR: a.session, run 1 of 3: interrupted\n", output)
             self.assertRegex(output, r"t: \d+ times, least 2.000 s, median 2.000 s, most 2.000 s")

@@ -23,9 +23,10 @@ from run_session import SANITIZERS, Session  # noqa: E402
 
 # A wait that lasts so long has failed.
 PATIENCE = 20.0
-# What the client may take to end, and what a machine with too much to do may make of it.
+# What the client may take to end, and what a machine with too much to do may make of it: some have
+# kept a terminal's output waiting for seconds.
 SOON = 0.5
-LATE = 3.0
+LATE = PATIENCE
 
 TRACE_HEAD = b"\n~~~~~~~~~~MAC MGMT INDICATION ~~~~~~~~~~\n"
 TRACE_TAIL = b"\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n"

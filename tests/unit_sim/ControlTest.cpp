@@ -474,7 +474,7 @@ TEST_F(ControlSocket, EndsWhileACommandIsUnderWay) {
     const auto stBegan = std::chrono::steady_clock::now();
     m_pstDevice->Stop();
     m_pstControl.reset();
-    EXPECT_LT(std::chrono::steady_clock::now() - stBegan, 5s);
+    EXPECT_LT(std::chrono::steady_clock::now() - stBegan, 60s);
 }
 
 // Requests of the client, commands and messages, all at once.
