@@ -8,11 +8,12 @@ sections=(
     "asan-ubsan  always      the tests under AddressSanitizer and UndefinedBehaviorSanitizer"
     "fuzz        always      each fuzz target for some seconds"
     "tsan        always      the tests under ThreadSanitizer, of what has threads"
-    "linter      always      clang-tidy"
+    "linter      always      clang-tidy over what is shipped"
     "format      always      the layout of the sources"
     "benchmarks  always      figures only"
     "sweep       --long      every session with each thing that can go wrong, in full"
     "storms      --long      a minute of each storm under the sanitizers"
+    "lint-tests  --long      clang-tidy over tests, benchmarks and fuzz targets"
     "package     --package   the Debian package: lintian, the same bytes again, in a bare root"
     "armhf       --machines  all tests on 32-bit ARM, run by qemu"
     "mips        --machines  all tests on 32-bit big-endian MIPS, run by qemu"
@@ -271,6 +272,7 @@ section_fuzz() {
 }
 
 section_linter() { check quietly prepare linter; }
+section_lint_tests() { check configure lint ON && check build lint --target tidy-tests; }
 
 # Puts the seconds of processor time, user and system, that all commands have taken into a variable.
 processor_seconds() {

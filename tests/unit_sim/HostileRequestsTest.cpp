@@ -134,7 +134,7 @@ TEST(HostileRequests, EveryRequestTakesAnythingInEveryState) {
                 stBench.RunUntil(0.05 * i);
             }
             // The state is told at once, whatever it is.
-            stBench.RunUntil(3);
+            stBench.RunUntil(1.5);
             EXPECT_EQ(stBench.Send(16, 3, "00"), 0);
         }
     }

@@ -126,17 +126,17 @@ TEST(SleepMode, WaitingTrafficLeavesAClassWithoutTheFlagAlone) {
 }
 
 TEST(SleepMode, TheLastWindowRepeatsForever) {
-    // After two hours: the windows have long reached 128 frames, and the cycle 160.
-    ModemBench stBench(strLinkUp + "[[event]]\nat = 7200.01\nkind = \"traffic-waits\"\n"
+    // After half an hour: the windows have long reached 128 frames, and the cycle 160.
+    ModemBench stBench(strLinkUp + "[[event]]\nat = 1800.01\nkind = \"traffic-waits\"\n"
                                    "[handover]\nlook-period = 0\n[link]\nsupervision = 1000\n"
                                    "[signalling]\nranging-period = 1000\nreport-period = 1000\n");
     EXPECT_EQ(stBench.Send(26, 1, OneClass(Definition("FF", "03"))), 0);
-    stBench.RunUntil(7210);
+    stBench.RunUntil(1810);
     const std::vector<std::string> astrTexts = stBench.TimedMessages();
     ASSERT_EQ(astrTexts.size(), 2U);
     // Windows of 8, 16, 32, 64 frames and what is listened between them end at 248
-    // frames; 1440002 frames are 8998 cycles and 74 frames later: 54 short of 128.
-    EXPECT_EQ(astrTexts[1].substr(0, 7), "7200.28");
+    // frames; 360002 frames are 2248 cycles and 74 frames later: 54 short of 128.
+    EXPECT_EQ(astrTexts[1].substr(0, 7), "1800.28");
 }
 
 TEST(SleepMode, AClassOfTheThirdTypeSleepsOnce) {
