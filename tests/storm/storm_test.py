@@ -671,7 +671,7 @@ class Memory(StormTest):
 
     def test_large_dump_is_whole_or_refused_in_a_line(self):
         typed = b"7\n1\n0\n4000000\n-1\n-1\n"
-        for limit in range(8000 * 1024, 40000 * 1024, 4000 * 1024):
+        for limit in range(8000 * 1024, 40000 * 1024, 10000 * 1024):
             try:
                 text, status = self.short_of_memory(typed, limit)
             except Broken as broken:
