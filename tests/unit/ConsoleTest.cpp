@@ -1,6 +1,8 @@
 #include "Console.h"
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -11,6 +13,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include "Client.h"
@@ -74,6 +77,61 @@ TEST_F(KeyTest, TheCharacterThatEndedAWordIsTheNextOne) {
 }
 
 TEST_F(KeyTest, APushedBackCharacterReachesADecoderThatWaits) {
+    std::atomic<int> iKey{0};
+    std::thread Decoder([&] { iKey = WaitForKey(); });
+    LetOthersRun();
+    PushBackInputChar('q');
+    Decoder.join();
+    EXPECT_EQ(iKey, 'q');
+}
+
+// While it lives, only so many more descriptors can be opened.
+class FewDescriptors {
+  public:
+    explicit FewDescriptors(size_t uFree) {
+        getrlimit(RLIMIT_NOFILE, &stBefore);
+        Limit(256);
+        for (int iTaken = dup(STDIN_FILENO); iTaken >= 0; iTaken = dup(STDIN_FILENO)) {
+            Taken.push_back(iTaken);
+        }
+        for (; uFree > 0 && !Taken.empty(); --uFree) {
+            close(Taken.back());
+            Taken.pop_back();
+        }
+    }
+    ~FewDescriptors() {
+        for (const int iTaken : Taken) {
+            close(iTaken);
+        }
+        setrlimit(RLIMIT_NOFILE, &stBefore);
+    }
+    FewDescriptors(const FewDescriptors &) = delete;
+    FewDescriptors &operator=(const FewDescriptors &) = delete;
+
+    void Limit(rlim_t uMost) const {
+        const rlimit stFew{uMost, stBefore.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &stFew);
+    }
+
+  private:
+    rlimit stBefore{};
+    std::vector<int> Taken;
+};
+
+// The input's own descriptor, the end's event and the menus' can be had, but not
+// the one for characters that are pushed back.
+TEST_F(KeyTest, APushedBackCharacterReachesADecoderThatHasNoEventToWaitFor) {
+    {
+        const FewDescriptors stFew(3);
+        stFew.Limit(0);
+        OpenConsole(); // gives back those that it had
+    }
+    {
+        const FewDescriptors stFew(3);
+        OpenConsole();
+        EXPECT_EQ(dup(STDIN_FILENO), -1);
+    }
+    EXPECT_EQ(IdleLimit(), -1);
     std::atomic<int> iKey{0};
     std::thread Decoder([&] { iKey = WaitForKey(); });
     LetOthersRun();
@@ -249,6 +307,44 @@ TEST_F(OutputTest, NoPieceIsTornByTheOtherThread) {
     for (size_t i = 0; i < strRead.size(); i += uPiece) {
         EXPECT_EQ(strRead.substr(i, uPiece), std::string(uPiece, strRead[i])) << "piece at " << i;
     }
+}
+
+// The first one holds the output in the middle of its report when time is up.
+TEST_F(OutputTest, NothingComesBetweenThePartsOfAReportWhenTheTimeIsUp) {
+    PutText(std::string(OutputBuffer::Size, 'a'));
+    PutText("a");
+    std::thread Other([] {
+        PutText("b");
+        FlushOutput();
+    });
+    poll(nullptr, 0, 20);
+    EndLastReport();
+    Other.join();
+    EXPECT_EQ(Printed(), std::string(OutputBuffer::Size, 'a'));
+}
+
+TEST_F(OutputTest, WhoeverPrintsWithoutEndIsEndedWhenNothingCanBeWritten) {
+    EXPECT_NO_THROW(EndIfOutputClosed());
+    EndClient(143);
+    EndLastReport();
+    EXPECT_THROW(EndIfOutputClosed(), ClientEnd);
+    PrepareEnding();
+    EndClient(141);
+    EXPECT_THROW(EndIfOutputClosed(), ClientEnd);
+}
+
+TEST_F(OutputTest, ReportsThatComeTooLateDoNotHoldUpTheClose) {
+    CloseOutput();
+    std::chrono::steady_clock::duration Shortest = std::chrono::hours(1);
+    // A close that waits for them always takes that long, a busy machine not.
+    for (int i = 0; i < 20 && Shortest >= std::chrono::milliseconds(iLastReportTime); ++i) {
+        EXPECT_FALSE(BeginReport());
+        PrepareEnding();
+        const auto Began = std::chrono::steady_clock::now();
+        CloseOutput();
+        Shortest = std::min(Shortest, std::chrono::steady_clock::now() - Began);
+    }
+    EXPECT_LT(Shortest, std::chrono::milliseconds(iLastReportTime));
 }
 
 TEST_F(OutputTest, AReaderThatGoesAwayEndsTheClientWithStatus141) {

@@ -1,5 +1,9 @@
 #include "Dispatcher.h"
 
+#include <thread>
+
+#include <pthread.h>
+
 #include "Message.h"
 #include "TestConsole.h"
 
@@ -72,6 +76,18 @@ TEST_F(DispatcherTest, NothingIsPrintedWhileAChoiceIsBeingHandled) {
     EXPECT_EQ(PrintedFor("2/1 | 00*48"), "");
     gbInsideSubMenu = 0;
     EXPECT_EQ(PrintedFor("3/1"), UnknownType("3"));
+}
+
+TEST_F(DispatcherTest, AThreadCanBeCancelledBehindTheCallbackAsBeforeIt) {
+    for (const int iBefore : {PTHREAD_CANCEL_ENABLE, PTHREAD_CANCEL_DISABLE}) {
+        int iBehind = -1;
+        std::thread([&] {
+            pthread_setcancelstate(iBefore, nullptr);
+            TVLCallback(0, nullptr, 0);
+            pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &iBehind);
+        }).join();
+        EXPECT_EQ(iBehind, iBefore);
+    }
 }
 
 TEST_F(DispatcherTest, ANullMessageIsReportedEvenWhileAChoiceIsBeingHandled) {
