@@ -198,6 +198,7 @@ TEST_F(MIBIndicationTest, ActiveSFIDsEndWithThePayload) {
     EXPECT_EQ(Shown(GetText(1503, 140, "4294967295:4 5:4 00*132 6:4")),
               GetOpening("1503") + "\nList of active SFIDs :\n    SFID   : 5\n    SFID   : 6" +
                   Times("\n    SFID   : 0", 73));
+    EXPECT_EQ(CountOf(Shown(GetText(1503, 140, "65536:4")), "SFID   : "), 75U);
     ClearSFIDTable();
 }
 
@@ -322,7 +323,7 @@ TEST_F(MIBIndicationTest, MeasuredNeighboursAreUnsigned) {
 }
 
 TEST_F(MIBIndicationTest, NeighboursEndWithThePayload) {
-    EXPECT_EQ(CountOf(Shown(GetText(1494, 60, "1000000:4 00*83")), "~ Neighbour "), 364U);
+    EXPECT_EQ(CountOf(Shown(GetText(1494, 60, "65536:4 00*83")), "~ Neighbour "), 364U);
     EXPECT_EQ(CountOf(Shown(GetText(1575, 60, "-1:4 00*103")), "~ Neighbour "), 196U);
     EXPECT_EQ(Shown(GetText(1494, 0, "")), GetOpening("1494") + "Number of Neighbours 0\n");
 }
