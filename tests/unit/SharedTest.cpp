@@ -161,15 +161,24 @@ TEST(SharedTest, AReaderStoppedInTheMiddleLooksAgainWhenSomebodyHasWritten) {
     EXPECT_TRUE(IsOfOneWrite(stRead));
 }
 
-bool gbBeyondTheEnd = false;
+std::atomic<bool> gbBeyondTheEnd{false};
 
 TEST(SharedTest, NothingBeyondTheEndIsTouched) {
-    const ForbiddenPage stPage([] { gbBeyondTheEnd = true; });
     using WholeWords = SharedBytes<400>;
-    auto *pstTable = new (ForbiddenPage::pucBegin - sizeof(WholeWords)) WholeWords;
+    const ForbiddenPage stPage([] { gbBeyondTheEnd = true; });
+    auto *pstLast = new (ForbiddenPage::pucBegin - sizeof(WholeWords)) WholeWords;
+    uint8_t *pucLast = ForbiddenPage::pucBegin - 400;
     ForbiddenPage::Forbid();
-    pstTable->Store(0, Filled(3).View().From(0, 400));
-    EXPECT_EQ(pstTable->Load().aucBytes[399], 3);
+    pstLast->Store(0, Filled(3).View().From(0, 400));
+    EXPECT_EQ(pstLast->Load().aucBytes[399], 3);
+    EXPECT_FALSE(gbBeyondTheEnd);
+
+    std::memset(pucLast, 4, 400);
+    Table stTable;
+    stTable.Store(0, {pucLast, 400});
+    EXPECT_EQ(stTable.Load().aucBytes[399], 4);
+    stTable.Store(0, {pucLast + 1, 399});
+    EXPECT_EQ(stTable.Load().aucBytes[398], 4);
     EXPECT_FALSE(gbBeyondTheEnd);
 }
 
