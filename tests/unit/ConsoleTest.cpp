@@ -14,6 +14,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include "Client.h"
@@ -296,7 +297,7 @@ TEST_F(OutputTest, NoPieceIsTornByTheOtherThread) {
     std::thread Other(WriteMany, 'b');
     std::string strRead;
     char acChunk[8192];
-    while (strRead.size() < 2 * iPieces * uPiece) {
+    while (strRead.size() < size_t{2} * iPieces * uPiece) {
         const ssize_t iCount = read(aiPipe[0], acChunk, sizeof acChunk);
         ASSERT_GT(iCount, 0);
         strRead.append(acChunk, static_cast<size_t>(iCount));
@@ -359,6 +360,25 @@ TEST_F(OutputTest, AReaderThatGoesAwayEndsTheClientWithStatus141) {
     EXPECT_EQ(EndStatus(), 141);
     EXPECT_EQ(RunClient(RunMainMenu), 141);
     EXPECT_EQ(FakeDevice::Calls().back(), "CloseWiMAXDevice");
+}
+
+TEST_F(OutputTest, ASignalFreesAWriterToASocketThatNobodyReads) {
+    int aiEnds[2];
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, aiEnds), 0);
+    ASSERT_EQ(dup2(aiEnds[1], STDOUT_FILENO), STDOUT_FILENO);
+    close(aiEnds[1]);
+    OpenConsole();
+    EXPECT_EQ(fcntl(STDOUT_FILENO, F_GETFL) & O_NONBLOCK, 0);
+    std::thread Writer([] {
+        PutText(std::string(5000000, 'a'));
+        FlushOutput();
+    });
+    char cFirst = 0;
+    EXPECT_EQ(read(aiEnds[0], &cFirst, 1), 1);
+    raise(SIGTERM);
+    Writer.join();
+    EXPECT_EQ(EndStatus(), 143);
+    close(aiEnds[0]);
 }
 
 TEST_F(OutputTest, AnOutputThatCannotBeOpenedOnceMoreGetsItsFlagsBack) {

@@ -1,5 +1,6 @@
 #include "Shared.h"
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <cstdlib>
@@ -27,12 +28,8 @@ Record<u32Size> Filled(uint8_t u8Value) {
 }
 
 bool IsOfOneWrite(const Record<u32Size> &stRecord) {
-    for (const uint8_t u8Byte : stRecord.aucBytes) {
-        if (u8Byte != stRecord.aucBytes[0]) {
-            return false;
-        }
-    }
-    return true;
+    return std::ranges::all_of(
+        stRecord.aucBytes, [&stRecord](uint8_t u8Byte) { return u8Byte == stRecord.aucBytes[0]; });
 }
 
 TEST(SharedTest, APartIsStoredAtItsPlaceAndWhatDoesNotFitIsDropped) {
