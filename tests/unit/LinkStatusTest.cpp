@@ -547,8 +547,10 @@ TEST_F(LinkStatusTest, APeriodicWakeUpListsEveryStationThatTheDataAreaHolds) {
 }
 
 TEST_F(LinkStatusTest, NumbersOfAPeriodicWakeUpAreSigned) {
-    EXPECT_TRUE(EndsWith(Report(ShutDownResponse, "30/3 | 1:4 0:4 ff*8 -12:4 -2587500:4 -10000:4 "
-                                                  "-67:4 -2:4 -3:4 -4:4"),
+    EXPECT_TRUE(EndsWith(Report(ShutDownResponse,
+                                "30/3 | 1:4 0:4 00 fa fb fc fd fe ff ef -12:4 -2587500:4 -10000:4 "
+                                "-67:4 -2:4 -3:4 -4:4"),
+                         "\nBS ID  :FA FB FC FD FE FF EF - NORMAL MAP"
                          "\nPreamble Index ID  :-12"
                          "\nCenter Frequency : -2587500 kHz"
                          "\nBandwidth : -10000 kHz"

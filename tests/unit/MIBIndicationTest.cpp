@@ -269,14 +269,14 @@ TEST_F(MIBIndicationTest, AMinusSignStandsBeforeEveryNegatedValue) {
 TEST_F(MIBIndicationTest, NeighboursInWholeNumbers) {
     EXPECT_EQ(Shown(GetText(1494, 60,
                             "2:4 "
-                            "33:4 10000000:4 20800:4 66 55 44 33 22 11 ee ee -301:4 25:4 "
+                            "33:4 10000000:4 20800:4 f6 e5 d4 c3 b2 a1 ee ee -301:4 25:4 "
                             "-114:4 8750000:4 4294967295:4 06 05 04 03 02 01 00 00 7:4 -3:4")),
               GetOpening("1494") + "Number of Neighbours 2\n"
                                    "~~~~~~ Neighbour 0 ~~~~~~~~ \n"
                                    "    Preamble         : 33\n"
                                    "    ChannelBandwidth : 10 Mhz\n"
                                    "    Centerfreq       : 2600 MHz\n"
-                                   "    Bsid             : 11 22 33 44 55 66\n"
+                                   "    Bsid             : a1 b2 c3 d4 e5 f6\n"
                                    "    RSSI             : -75 dBm\n"
                                    "    CINR             : 25 dB\n"
                                    "~~~~~~ Neighbour 1 ~~~~~~~~ \n"
@@ -291,7 +291,7 @@ TEST_F(MIBIndicationTest, NeighboursInWholeNumbers) {
 TEST_F(MIBIndicationTest, MeasuredNeighboursAreUnsigned) {
     EXPECT_EQ(Shown(GetText(1575, 108,
                             "2:4 "
-                            "ee*4 -33:4 20700:4 8750000:4 01 02 03 04 0a ff ee ee "
+                            "ee*4 -33:4 20700:4 8750000:4 a1 b2 c3 d4 0a ff ee ee "
                             "98304:4 65536:4 -1:4 20:4 -7:4 -200:4 4660:4 "
                             "ee*4 0:4 20801:4 5000000:4 00*6 ee ee "
                             "0:4 1:4 5242880:4 -1:4 1:4 2:4 -1:4")),
@@ -300,7 +300,7 @@ TEST_F(MIBIndicationTest, MeasuredNeighboursAreUnsigned) {
                                    "\tFrequency (MHz) : 2587.500000\n"
                                    "\tPreambleId      : -33\n"
                                    "\tBandwidth (MHz) : 8.750000\n"
-                                   "\tBSId            : 01 02 03 04 0a ff\n"
+                                   "\tBSId            : a1 b2 c3 d4 0a ff\n"
                                    "\tRSSI (dBm)      : 65535.999985\n"
                                    "\tR1CINR          : 1.500000\n"
                                    "\tR3CINR          : 1.000000\n"
