@@ -1,5 +1,6 @@
 #include "Dispatcher.h"
 
+#include <set>
 #include <thread>
 
 #include <pthread.h>
@@ -56,6 +57,14 @@ TEST_F(DispatcherTest, TypesReachTheirDecoders) {
     for (const auto &stType : astTypes) {
         const std::string strFirstLine = stType.pcFirstLine;
         EXPECT_EQ(PrintedFor(stType.pcMessage).substr(0, strFirstLine.size()), strFirstLine);
+    }
+}
+
+TEST_F(DispatcherTest, TheResultForAnUnknownSubtypeDependsOnTheType) {
+    const std::set<int> Handled = {6, 8, 10, 12, 13, 22, 24, 28, 29, 34};
+    for (int iType = 0; iType < 40; ++iType) {
+        EXPECT_EQ(FakeDevice::Deliver(Message(std::to_string(iType) + "/99")), Handled.count(iType))
+            << iType;
     }
 }
 
