@@ -6,6 +6,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <new>
 #include <string>
 #include <thread>
@@ -382,6 +383,16 @@ TEST_F(OutputTest, ASignalFreesAWriterToASocketThatNobodyReads) {
     close(aiEnds[0]);
 }
 
+TEST_F(OutputTest, OpeningTheConsoleAgainTakesNoMoreDescriptors) {
+    const auto OpenDescriptorsNow = [] {
+        const std::filesystem::directory_iterator stAll("/proc/self/fd");
+        return std::distance(begin(stAll), end(stAll));
+    };
+    const auto Before = OpenDescriptorsNow();
+    OpenConsole();
+    EXPECT_EQ(OpenDescriptorsNow(), Before);
+}
+
 TEST_F(OutputTest, AnOutputThatCannotBeOpenedOnceMoreGetsItsFlagsBack) {
     ASSERT_EQ(dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO), STDOUT_FILENO);
     OpenConsole();
@@ -496,6 +507,32 @@ TEST_F(PipeTest, MoreThreadsThanBuffersAllGetThrough) {
         Thread.join();
     }
     EXPECT_EQ(Read(200), std::string(200, 'a'));
+}
+
+TEST_F(PipeTest, TheMenusHaveABufferWhateverReportsAreUnderWay) {
+    std::atomic<int> iUnderWay{0};
+    std::atomic<bool> bMenuDone{false};
+    std::vector<std::thread> Threads;
+    for (int i = 0; i < 7; ++i) {
+        Threads.emplace_back([&] {
+            PutText("a");
+            ++iUnderWay;
+            while (!bMenuDone) {
+                poll(nullptr, 0, 1);
+            }
+            FlushOutput();
+        });
+    }
+    while (iUnderWay < 7) {
+        poll(nullptr, 0, 1);
+    }
+    PutText("menu");
+    FlushOutput();
+    bMenuDone = true;
+    for (std::thread &Thread : Threads) {
+        Thread.join();
+    }
+    EXPECT_EQ(Read(11), "menuaaaaaaa");
 }
 
 TEST_F(PipeTest, ASignalFreesAWriterThatNobodyReads) {
