@@ -303,6 +303,7 @@ install_missing "${BUILD_PACKAGES[@]}" \
     clang++=clang "/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-*=libclang-rt-14-dev" \
     clang-format=clang-format clang-tidy=clang-tidy run-clang-tidy=clang-tidy \
     python3=python3 tshark=tshark lua5.2=lua5.2 lua5.3=lua5.3 lua5.4=lua5.4 || exit 1
+install_missing fish=fish || echo "Without fish nobody tries its completion" >&2
 install_missing chromium=chromium || echo "Without Chromium nobody looks at the monitor's pages" >&2
 
 for section in "${sections[@]}"; do

@@ -36,7 +36,6 @@ struct TypedWord {
         return iChar;
     }
     void DropRest() {
-        iGivenBack = -1;
         while (!bEnded) {
             const int iChar = NextInputChar();
             if (iChar < 0 || IsSpace(iChar)) {

@@ -7,6 +7,7 @@ import argparse
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -69,14 +70,26 @@ def options_in(text):
     return set(re.findall(r"(?<![\w-])--[a-z][a-z-]*", text))
 
 
-def completion(pattern):
-    text = (ROOT / "completion/tarvel.bash").read_text()
-    return re.search(pattern, text, re.S)[1]
+def completion(file, pattern):
+    return re.search(pattern, (ROOT / "completion" / file).read_text(), re.S)[1]
 
 
-def completed_options():
-    rows = completion(r"<<'TABLE'\n(.*?)\nTABLE").splitlines()
+def completed_in_bash():
+    rows = completion("tarvel.bash", r"<<'TABLE'\n(.*?)\nTABLE").splitlines()
     return {program: options_in(options) for program, _, options in (row.partition(" ") for row in rows)}
+
+
+def completed_in_fish():
+    found = {}
+    for path in (ROOT / "completion/fish").glob("*.fish"):
+        options = re.findall(rf"(?m)^complete -c {path.stem} (?:.* )?-l ([a-z-]+)", path.read_text())
+        found[path.stem] = {"--" + option for option in options}
+    return found
+
+
+def fish_list(name):
+    """A list of words in the file for simctl, which may go over several lines."""
+    return set(completion("fish/simctl.fish", rf"set -l {name} ((?:[^\\\n]|\\\n)*)").replace("\\", "").split())
 
 
 def sources(folder):
@@ -89,7 +102,8 @@ class Programs(unittest.TestCase):
     def test_options_of_help_manual_and_completion_are_the_same(self):
         programs = {"tarvel-bench": ROOT / "run.sh"}
         programs |= {pathlib.Path(path).name: path for path in OPTIONS.programs}
-        self.assertEqual(set(completed_options()), set(programs))
+        self.assertEqual(set(completed_in_bash()), set(programs))
+        self.assertEqual(set(completed_in_fish()), set(programs))
         for name, path in programs.items():
             with self.subTest(name):
                 ran = subprocess.run([path, "--help"], capture_output=True, check=True, text=True)
@@ -98,7 +112,8 @@ class Programs(unittest.TestCase):
                 own = re.sub(rf"\*(?!{re.escape(name)})[\w-]+ --[a-z]+\*", "", page(name + ".1"))
                 self.assertGreater(len(told), 2)
                 self.assertEqual(options_in(own), told)
-                self.assertEqual(completed_options()[name], told)
+                self.assertEqual(completed_in_bash()[name], told)
+                self.assertEqual(completed_in_fish()[name], told)
 
     def test_options_of_help_are_those_that_are_read(self):
         script = (ROOT / "tools/bench/tarvel-bench.in").read_text()
@@ -110,7 +125,7 @@ class Programs(unittest.TestCase):
         read["tarvel-session"] = set(re.findall(r'add_argument\([^)]*?"(--[a-z-]+)"', tool)) | {"--help"}
         for name, options in read.items():
             with self.subTest(name):
-                self.assertEqual(options, completed_options()[name])
+                self.assertEqual(options, completed_in_bash()[name])
 
     def test_exit_statuses_stand_in_the_manual(self):
         status = r"(?m)^constexpr int i(?:Good|Refused|Unusable|Damaged|WrongArguments|StrictExitStatus) = (\d+);"
@@ -140,6 +155,32 @@ class Programs(unittest.TestCase):
                 read |= set(filter(None, status))
         means = {"iOutputGone": {"141"}, "128 + iSignal": {"128", "+", "N"}, "-1": {"255"}}
         self.assertEqual(told, set().union(*(means.get(status, {status}) for status in read)))
+
+
+@unittest.skipUnless(shutil.which("fish"), "no fish")
+class Fish(unittest.TestCase):
+    def offered(self, line):
+        script = f"source {ROOT}/completion/fish/{line.split()[0]}.fish; complete -C $argv[1]"
+        ran = subprocess.run(["fish", "--no-config", "-c", script, line], capture_output=True, text=True)
+        self.assertEqual((ran.returncode, ran.stderr), (0, ""))
+        return {offer.partition("\t")[0] for offer in ran.stdout.splitlines()}
+
+    def test_every_option_is_offered(self):
+        for name, options in completed_in_fish().items():
+            with self.subTest(name):
+                self.assertEqual(self.offered(name + " --"), options)
+
+    def test_values_are_offered_where_they_are_taken(self):
+        self.assertEqual(self.offered("TarvelWiMAXMonitor --direction "), {"sent", "received"})
+        self.assertEqual(self.offered("TarvelWiMAXMonitor --type "), set())
+        self.assertIn(f"{ROOT}/sim/scenarios/", self.offered(f"tarvel-bench --scenario {ROOT}/sim/scen"))
+
+    def test_simctl_is_offered_commands_and_faults_behind_the_socket(self):
+        self.assertEqual(self.offered("simctl socket "), fish_list("commands") | fish_list("events"))
+        self.assertEqual(self.offered("simctl socket fault "), fish_list("faults"))
+        self.assertEqual(self.offered("simctl socket until "), {"idle"})
+        self.assertEqual(self.offered("simctl --watch socket "), set())
+        self.assertNotIn("--watch", self.offered("simctl socket --"))
 
 
 class Environment(unittest.TestCase):
@@ -202,8 +243,11 @@ class Scenarios(unittest.TestCase):
         self.assertEqual(heads(part(scenario, "FAULTS")), faults)
         told = {word for word in heads(part(page("simctl.1"), "COMMANDS")) if re.fullmatch("[a-z-]+", word)}
         self.assertEqual(told - {"on", "off", "all", "idle", "limit"}, commands)
-        self.assertEqual(set(completion(r'_tarvel_commands="([^"]*)"').split()), commands | events)
-        self.assertEqual(set(completion(r'_tarvel_faults="([^"]*)"').split()), faults | {"on", "off"})
+        in_bash = {name: set(completion("tarvel.bash", rf'_tarvel_{name}="([^"]*)"').split())
+                   for name in ("commands", "faults")}
+        self.assertEqual(in_bash, {"commands": commands | events, "faults": faults | {"on", "off"}})
+        in_fish = {name: fish_list(name) for name in ("commands", "events", "faults")}
+        self.assertEqual(in_fish, {"commands": commands, "events": events, "faults": faults | {"on", "off"}})
 
     def test_keys_and_values_are_those_that_the_modem_reads(self):
         read = set()

@@ -7,6 +7,7 @@ import argparse
 import collections
 import concurrent.futures
 import hashlib
+import itertools
 import json
 import os
 import pathlib
@@ -723,6 +724,8 @@ def main():
     parser.add_argument("count", type=int, help="faults to count")
     parser.add_argument("--seed", type=int, default=1, help="other faults for another number")
     parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="faults at a time")
+    parser.add_argument("--from", dest="first", type=int, default=1, metavar="N",
+                        help="go on with the fault that has this number")
     parser.add_argument("--file", default="", help="faults only in files whose path holds this")
     parser.add_argument("--again", action="store_true", help="only those not noticed the last time")
     parser.add_argument("--no-sessions", action="store_true", help="only the unit tests")
@@ -737,14 +740,15 @@ def main():
         for path in sorted((ROOT / part).glob("*"))
         if options.file in str(path.relative_to(ROOT)) and not is_catalogue(path)
     }
-    drawn = draw(options.seed, sources)
+    drawn = enumerate(draw(options.seed, sources), 1)
+    drawn = itertools.islice(drawn, options.first - 1, None)
     survivors_file = TOP / "survivors.txt"
     if options.again:
         wanted = set(survivors_file.read_text().split("\n\n"))
-        drawn = (one for one in drawn if as_listed(one, sources).strip() in wanted)
+        drawn = (one for one in drawn if as_listed(one[1], sources).strip() in wanted)
     if options.show:
-        for _, mutant in zip(range(options.count), drawn):
-            print(show(mutant, sources))
+        for number, mutant in itertools.islice(drawn, options.count):
+            print(f"{number} {show(mutant, sources)}")
         return 0
 
     TOP.mkdir(parents=True, exist_ok=True)
@@ -772,22 +776,22 @@ def count(options, trial, drawn, survivors_file):
     with concurrent.futures.ThreadPoolExecutor(options.jobs) as threads:
         while counted < options.count:
             while len(waiting) < options.jobs + 2:
-                mutant = next(drawn, None)
+                number, mutant = next(drawn, (0, None))
                 if mutant is None:
                     break
-                waiting.append((mutant, threads.submit(trial.judge, mutant)))
+                waiting.append((number, mutant, threads.submit(trial.judge, mutant)))
             if not waiting:
                 break
-            mutant, future = waiting.popleft()
+            number, mutant, future = waiting.popleft()
             outcome = future.result()
             outcomes[outcome.kind] += 1
             counted += outcome.kind in (*NOTICED_BY, "not noticed")
             line = trial.sources[mutant.file].count("\n", 0, mutant.start) + 1
-            print(f"{counted:4} {mutant.file}:{line} {mutant.operator}: {outcome.kind}"
+            print(f"{number:4} {mutant.file}:{line} {mutant.operator}: {outcome.kind}"
                   f"{': ' if outcome.by else ''}{outcome.by}", flush=True)
             if outcome.kind == "not noticed":
                 survivors.append(mutant)
-        for _, future in waiting:
+        for _, _, future in waiting:
             future.cancel()
     after = resource.getrusage(resource.RUSAGE_CHILDREN)
     survivors_file.write_text("\n".join(as_listed(one, trial.sources) for one in survivors))

@@ -253,9 +253,9 @@ TEST_F(AuthenticationTest, ATransferIndicationStopsWhereTheDataAreaStops) {
 }
 
 TEST_F(AuthenticationTest, AnEncryptionResultShowsTheByteBehindTheData) {
-    EXPECT_EQ(Report(EAPResponse, "4/10 | 3:4 1:4 00*32 11 12 13 14 15"),
+    EXPECT_EQ(Report(EAPResponse, "4/10 | 3:4 -2:4 00*32 11 12 13 14 15"),
               Framed("\nEAP ENCRYPT PRIVATE RESPONSE RECEIVED"
-                     "\nPadding algorithm used u32Padding = 1 "
+                     "\nPadding algorithm used u32Padding = -2 "
                      "\nEncrypted data \n"
                      "20 \t",
                      ""));

@@ -1,9 +1,12 @@
 #include "Console.h"
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <new>
 #include <string>
 #include <thread>
@@ -11,6 +14,8 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include "Client.h"
@@ -74,6 +79,61 @@ TEST_F(KeyTest, TheCharacterThatEndedAWordIsTheNextOne) {
 }
 
 TEST_F(KeyTest, APushedBackCharacterReachesADecoderThatWaits) {
+    std::atomic<int> iKey{0};
+    std::thread Decoder([&] { iKey = WaitForKey(); });
+    LetOthersRun();
+    PushBackInputChar('q');
+    Decoder.join();
+    EXPECT_EQ(iKey, 'q');
+}
+
+// While it lives, only so many more descriptors can be opened.
+class FewDescriptors {
+  public:
+    explicit FewDescriptors(size_t uFree) {
+        getrlimit(RLIMIT_NOFILE, &stBefore);
+        Limit(256);
+        for (int iTaken = dup(STDIN_FILENO); iTaken >= 0; iTaken = dup(STDIN_FILENO)) {
+            Taken.push_back(iTaken);
+        }
+        for (; uFree > 0 && !Taken.empty(); --uFree) {
+            close(Taken.back());
+            Taken.pop_back();
+        }
+    }
+    ~FewDescriptors() {
+        for (const int iTaken : Taken) {
+            close(iTaken);
+        }
+        setrlimit(RLIMIT_NOFILE, &stBefore);
+    }
+    FewDescriptors(const FewDescriptors &) = delete;
+    FewDescriptors &operator=(const FewDescriptors &) = delete;
+
+    void Limit(rlim_t uMost) const {
+        const rlimit stFew{uMost, stBefore.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &stFew);
+    }
+
+  private:
+    rlimit stBefore{};
+    std::vector<int> Taken;
+};
+
+// The input's own descriptor, the end's event and the menus' can be had, but not
+// the one for characters that are pushed back.
+TEST_F(KeyTest, APushedBackCharacterReachesADecoderThatHasNoEventToWaitFor) {
+    {
+        const FewDescriptors stFew(3);
+        stFew.Limit(0);
+        OpenConsole(); // gives back those that it had
+    }
+    {
+        const FewDescriptors stFew(3);
+        OpenConsole();
+        EXPECT_EQ(dup(STDIN_FILENO), -1);
+    }
+    EXPECT_EQ(IdleLimit(), -1);
     std::atomic<int> iKey{0};
     std::thread Decoder([&] { iKey = WaitForKey(); });
     LetOthersRun();
@@ -238,7 +298,7 @@ TEST_F(OutputTest, NoPieceIsTornByTheOtherThread) {
     std::thread Other(WriteMany, 'b');
     std::string strRead;
     char acChunk[8192];
-    while (strRead.size() < 2 * iPieces * uPiece) {
+    while (strRead.size() < size_t{2} * iPieces * uPiece) {
         const ssize_t iCount = read(aiPipe[0], acChunk, sizeof acChunk);
         ASSERT_GT(iCount, 0);
         strRead.append(acChunk, static_cast<size_t>(iCount));
@@ -249,6 +309,45 @@ TEST_F(OutputTest, NoPieceIsTornByTheOtherThread) {
     for (size_t i = 0; i < strRead.size(); i += uPiece) {
         EXPECT_EQ(strRead.substr(i, uPiece), std::string(uPiece, strRead[i])) << "piece at " << i;
     }
+}
+
+// The first one holds the output in the middle of its report when time is up.
+TEST_F(OutputTest, NothingComesBetweenThePartsOfAReportWhenTheTimeIsUp) {
+    PutText(std::string(OutputBuffer::Size, 'a'));
+    PutText("a");
+    std::thread Other([] {
+        PutText("b");
+        FlushOutput();
+    });
+    poll(nullptr, 0, 20);
+    EndLastReport();
+    Other.join();
+    EXPECT_EQ(Printed(), std::string(OutputBuffer::Size, 'a'));
+}
+
+TEST_F(OutputTest, WhoeverPrintsWithoutEndIsEndedWhenNothingCanBeWritten) {
+    EXPECT_NO_THROW(EndIfOutputClosed());
+    EndClient(143);
+    EndLastReport();
+    EXPECT_THROW(EndIfOutputClosed(), ClientEnd);
+    PrepareEnding();
+    EndClient(141);
+    EXPECT_THROW(EndIfOutputClosed(), ClientEnd);
+}
+
+TEST_F(OutputTest, ReportsThatComeTooLateDoNotHoldUpTheClose) {
+    constexpr auto HalfTheWait = std::chrono::milliseconds(iLastReportTime / 2);
+    CloseOutput();
+    std::chrono::steady_clock::duration Shortest = std::chrono::hours(1);
+    // A close that waits for them always takes all the time, a busy machine not.
+    for (int i = 0; i < 20 && Shortest >= HalfTheWait; ++i) {
+        EXPECT_FALSE(BeginReport());
+        PrepareEnding();
+        const auto Began = std::chrono::steady_clock::now();
+        CloseOutput();
+        Shortest = std::min(Shortest, std::chrono::steady_clock::now() - Began);
+    }
+    EXPECT_LT(Shortest, HalfTheWait);
 }
 
 TEST_F(OutputTest, AReaderThatGoesAwayEndsTheClientWithStatus141) {
@@ -263,6 +362,35 @@ TEST_F(OutputTest, AReaderThatGoesAwayEndsTheClientWithStatus141) {
     EXPECT_EQ(EndStatus(), 141);
     EXPECT_EQ(RunClient(RunMainMenu), 141);
     EXPECT_EQ(FakeDevice::Calls().back(), "CloseWiMAXDevice");
+}
+
+TEST_F(OutputTest, ASignalFreesAWriterToASocketThatNobodyReads) {
+    int aiEnds[2];
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, aiEnds), 0);
+    ASSERT_EQ(dup2(aiEnds[1], STDOUT_FILENO), STDOUT_FILENO);
+    close(aiEnds[1]);
+    OpenConsole();
+    EXPECT_EQ(fcntl(STDOUT_FILENO, F_GETFL) & O_NONBLOCK, 0);
+    std::thread Writer([] {
+        PutText(std::string(5000000, 'a'));
+        FlushOutput();
+    });
+    char cFirst = 0;
+    EXPECT_EQ(read(aiEnds[0], &cFirst, 1), 1);
+    raise(SIGTERM);
+    Writer.join();
+    EXPECT_EQ(EndStatus(), 143);
+    close(aiEnds[0]);
+}
+
+TEST_F(OutputTest, OpeningTheConsoleAgainTakesNoMoreDescriptors) {
+    const auto OpenDescriptorsNow = [] {
+        const std::filesystem::directory_iterator stAll("/proc/self/fd");
+        return std::distance(begin(stAll), end(stAll));
+    };
+    const auto Before = OpenDescriptorsNow();
+    OpenConsole();
+    EXPECT_EQ(OpenDescriptorsNow(), Before);
 }
 
 TEST_F(OutputTest, AnOutputThatCannotBeOpenedOnceMoreGetsItsFlagsBack) {
@@ -379,6 +507,32 @@ TEST_F(PipeTest, MoreThreadsThanBuffersAllGetThrough) {
         Thread.join();
     }
     EXPECT_EQ(Read(200), std::string(200, 'a'));
+}
+
+TEST_F(PipeTest, TheMenusHaveABufferWhateverReportsAreUnderWay) {
+    std::atomic<int> iUnderWay{0};
+    std::atomic<bool> bMenuDone{false};
+    std::vector<std::thread> Threads;
+    for (int i = 0; i < 7; ++i) {
+        Threads.emplace_back([&] {
+            PutText("a");
+            ++iUnderWay;
+            while (!bMenuDone) {
+                poll(nullptr, 0, 1);
+            }
+            FlushOutput();
+        });
+    }
+    while (iUnderWay < 7) {
+        poll(nullptr, 0, 1);
+    }
+    PutText("menu");
+    FlushOutput();
+    bMenuDone = true;
+    for (std::thread &Thread : Threads) {
+        Thread.join();
+    }
+    EXPECT_EQ(Read(11), "menuaaaaaaa");
 }
 
 TEST_F(PipeTest, ASignalFreesAWriterThatNobodyReads) {

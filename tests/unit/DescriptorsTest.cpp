@@ -4,6 +4,7 @@
 #include <string>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -62,5 +63,26 @@ TEST(DescriptorsTest, AComplaintThatNobodyTakesIsGivenUp) {
     Complain("out of memory");
     EXPECT_EQ(Pipe.Take(), std::string(1000, '#'));
 }
+
+class MissingDescriptorTest : public testing::TestWithParam<int> {};
+
+TEST_P(MissingDescriptorTest, IsTheNullDevice) {
+    const int iMissing = GetParam();
+    const int iBefore = dup(iMissing);
+    close(iMissing);
+    OpenDescriptors();
+    struct stat stOpened {};
+    struct stat stNull {};
+    EXPECT_EQ(fstat(iMissing, &stOpened), 0);
+    EXPECT_EQ(stat("/dev/null", &stNull), 0);
+    EXPECT_EQ(stOpened.st_rdev, stNull.st_rdev);
+    EXPECT_EQ(fcntl(iMissing, F_GETFL) & O_ACCMODE, O_RDWR);
+    RestoreDescriptors();
+    dup2(iBefore, iMissing);
+    close(iBefore);
+}
+
+INSTANTIATE_TEST_SUITE_P(Standard, MissingDescriptorTest,
+                         testing::Values(STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO));
 
 } // namespace

@@ -1,5 +1,10 @@
 #include "Dispatcher.h"
 
+#include <set>
+#include <thread>
+
+#include <pthread.h>
+
 #include "Message.h"
 #include "TestConsole.h"
 
@@ -55,6 +60,14 @@ TEST_F(DispatcherTest, TypesReachTheirDecoders) {
     }
 }
 
+TEST_F(DispatcherTest, TheResultForAnUnknownSubtypeDependsOnTheType) {
+    const std::set<int> Handled = {6, 8, 10, 12, 13, 22, 24, 28, 29, 34};
+    for (int iType = 0; iType < 40; ++iType) {
+        EXPECT_EQ(FakeDevice::Deliver(Message(std::to_string(iType) + "/99")), Handled.count(iType))
+            << iType;
+    }
+}
+
 TEST_F(DispatcherTest, BothBytesOfTheTypeCount) {
     EXPECT_EQ(PrintedFor("01 01 01 00"), UnknownType("257"));
 }
@@ -72,6 +85,18 @@ TEST_F(DispatcherTest, NothingIsPrintedWhileAChoiceIsBeingHandled) {
     EXPECT_EQ(PrintedFor("2/1 | 00*48"), "");
     gbInsideSubMenu = 0;
     EXPECT_EQ(PrintedFor("3/1"), UnknownType("3"));
+}
+
+TEST_F(DispatcherTest, AThreadCanBeCancelledBehindTheCallbackAsBeforeIt) {
+    for (const int iBefore : {PTHREAD_CANCEL_ENABLE, PTHREAD_CANCEL_DISABLE}) {
+        int iBehind = -1;
+        std::thread([&] {
+            pthread_setcancelstate(iBefore, nullptr);
+            TVLCallback(0, nullptr, 0);
+            pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &iBehind);
+        }).join();
+        EXPECT_EQ(iBehind, iBefore);
+    }
 }
 
 TEST_F(DispatcherTest, ANullMessageIsReportedEvenWhileAChoiceIsBeingHandled) {

@@ -1,5 +1,6 @@
 #include "HexDump.h"
 
+#include <array>
 #include <numeric>
 
 #include "Console.h"
@@ -54,6 +55,18 @@ TEST_F(HexDumpTest, ALineIsWrittenWithoutTheConsole) {
     const char *pcEnd =
         WriteHexLine(acLine, "\r\n  %08x : ", 8, "%02x ", stHexDumpBytes.From(2, 1));
     EXPECT_EQ(std::string(acLine, static_cast<size_t>(pcEnd - acLine)), "\r\n  00000008 : 0a ");
+}
+
+TEST_F(HexDumpTest, ALineOfTheLongestTextsHasRoom) {
+    std::array<char, uMostHexLine + 100> acLine{};
+    acLine.fill('#');
+    const char *pcEnd = WriteHexLine(acLine.data(), "<<<<%08x>>>>", 8, "<<<<<<<%02x>>>>>>>",
+                                     {aucHexDumpBytes, u32BytesALine});
+    EXPECT_EQ(std::string(acLine.data(), static_cast<size_t>(pcEnd - acLine.data())),
+              "<<<<00000008>>>>"
+              "<<<<<<<00>>>>>>><<<<<<<09>>>>>>><<<<<<<0a>>>>>>><<<<<<<0f>>>>>>>"
+              "<<<<<<<10>>>>>>><<<<<<<7f>>>>>>><<<<<<<80>>>>>>><<<<<<<99>>>>>>>");
+    EXPECT_EQ(std::string(acLine.data() + uMostHexLine, 100), std::string(100, '#'));
 }
 
 TEST_F(HexDumpTest, EightBytesALineBehindTheirAddress) {

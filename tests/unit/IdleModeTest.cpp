@@ -34,13 +34,13 @@ TEST_F(IdleModeTest, GoingIntoIdleModeHasItsPlannedTimeout) {
 }
 
 TEST_F(IdleModeTest, ComingOutOfIdleModeHasNoTimeout) {
-    EXPECT_EQ(Indication("0:4 00 12 c1 a0 0b 0c -268:4 -2:4 0:4 0:4"),
+    EXPECT_EQ(Indication("0:4 fa eb c1 a0 0b 0c -268:4 -2:4 0:4 0:4"),
               "\n~~~~~~~~~~ IDLE MODE INDICATION ~~~~~~~~~~\n"
               "\n MODEM HAS COME OUT FROM IDLE MODE.\n"
               "\n PREAMBLE ID  : 0"
               "\n CINR MEAN : -2 dB"
               "\n RSSI MEAN: -67 dB"
-              "\n BS ID  :  00 12 C1 A0 0B 0C"
+              "\n BS ID  :  FA EB C1 A0 0B 0C"
               "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
 }
 

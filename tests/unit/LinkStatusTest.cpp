@@ -113,6 +113,21 @@ TEST_F(LinkStatusTest, AnyFlagButZeroIsACompressedMap) {
     EXPECT_TRUE(Contains(SearchReport("1:4 1:4 00 ff*35"), "FF - NORMAL MAP\nNAPID"));
 }
 
+TEST_F(LinkStatusTest, NumbersOfAStationAreSignedButTheNAPID) {
+    EXPECT_TRUE(EndsWith(SearchReport("1:4 1:4 00 ff*7 -12:4 -2587500:4 -10000:4 -67:4 -2:4 "
+                                      "-3:4 -4:4"),
+                         "\nBS ID  :FF FF FF FF FF FF - NORMAL MAP"
+                         "\nNAPID  :16777215"
+                         "\nPreamble Index ID  :-12"
+                         "\nCenter Frequency : -2587500 kHz"
+                         "\nBandwidth : -10000 kHz"
+                         "\nRelative Signal Strength : -67 dBm"
+                         "\nCINR : -2 dB"
+                         "\nDCD change count : -3 "
+                         "\nNSP change count : -4 "
+                         "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n"));
+}
+
 TEST_F(LinkStatusTest, MoreStationsThanTheTableHoldsAreAnnouncedButNeitherShownNorKept) {
     std::string strStations;
     for (int i = 1; i <= 25; ++i) {
@@ -529,6 +544,20 @@ TEST_F(LinkStatusTest, APeriodicWakeUpListsEveryStationThatTheDataAreaHolds) {
     EXPECT_TRUE(Contains(strReport, "\nBASE STATION : 284\n"));
     EXPECT_FALSE(Contains(strReport, "\nBASE STATION : 285\n"));
     EXPECT_EQ(Report(ShutDownResponse, "30/3"), strWakeUpBanner + "\n0 BASE STATIONS FOUND.\n");
+}
+
+TEST_F(LinkStatusTest, NumbersOfAPeriodicWakeUpAreSigned) {
+    EXPECT_TRUE(EndsWith(Report(ShutDownResponse,
+                                "30/3 | 1:4 0:4 00 fa fb fc fd fe ff ef -12:4 -2587500:4 -10000:4 "
+                                "-67:4 -2:4 -3:4 -4:4"),
+                         "\nBS ID  :FA FB FC FD FE FF EF - NORMAL MAP"
+                         "\nPreamble Index ID  :-12"
+                         "\nCenter Frequency : -2587500 kHz"
+                         "\nBandwidth : -10000 kHz"
+                         "\nRelative Signal Strength : -67 dBm"
+                         "\nCINR : -2 dB"
+                         "\nDcdChangeCount : -3"
+                         "\nNspChangeCount : -4\n\n"));
 }
 
 // Half mini card.

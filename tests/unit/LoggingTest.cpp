@@ -112,10 +112,10 @@ TEST_F(LoggingTest, RangingEntries) {
                                    "\nSYMBOL : 0x11\n"
                                    "\nCODE : 0xFFFFFFFF"
                                    "\nFRAME NUMBER : 0xABCDF0"
-                                   "\nSUB-CHANNEL : 0x0"
-                                   "\nSYMBOL : 0x12\n";
+                                   "\nSUB-CHANNEL : 0xAB0"
+                                   "\nSYMBOL : 0xFFFFFFFE\n";
     const std::string strData =
-        "32:2 | ef cd ab 00 31:4 2:4 17:4 | f0 cd ab 00 ff ff ff ff 0:4 18:4";
+        "32:2 | ef cd ab 00 31:4 2:4 17:4 | f0 cd ab 00 ff ff ff ff 2736:4 -2:4";
     EXPECT_EQ(Log("1 | " + strData), "\nINITIAL RANGING LOG\n*******************\n" + strEntries);
     EXPECT_EQ(Log("2 | " + strData), "\nBW RANGING LOG\n*******************\n" + strEntries);
     EXPECT_EQ(Log("3 | " + strData), "\nPERIODIC RANGING LOG\n*******************\n" + strEntries);

@@ -198,6 +198,7 @@ TEST_F(MIBIndicationTest, ActiveSFIDsEndWithThePayload) {
     EXPECT_EQ(Shown(GetText(1503, 140, "4294967295:4 5:4 00*132 6:4")),
               GetOpening("1503") + "\nList of active SFIDs :\n    SFID   : 5\n    SFID   : 6" +
                   Times("\n    SFID   : 0", 73));
+    EXPECT_EQ(CountOf(Shown(GetText(1503, 140, "65536:4")), "SFID   : "), 75U);
     ClearSFIDTable();
 }
 
@@ -236,18 +237,18 @@ TEST_F(MIBIndicationTest, NetworkEntryTimesAreSigned) {
 TEST_F(MIBIndicationTest, TheMRUTableHasTheIndexesOfItsEntries) {
     EXPECT_EQ(Shown(GetText(1612, 40,
                             "7:4 2600000:4 2610000:4 0:4 10:4 "
-                            "3:4 3500000:4 -1:4 3520000:4 5:4")),
+                            "-3:4 -3500000:4 -1:4 3520000:4 -5:4")),
               GetOpening("1612") + "\n\n Total MRU Entries : [2]\n"
                                    "\n MRU Index : [7]\n"
                                    "\n Freq 0 of Index [7] - [2600000]\n"
                                    "\n Freq 1 of Index [7] - [2610000]\n"
                                    "\n Freq 2 of Index [7] - [0]\n"
                                    "\n Bandwidth of Index [7] - [10] MHz\n"
-                                   "\n MRU Index : [3]\n"
-                                   "\n Freq 0 of Index [3] - [3500000]\n"
-                                   "\n Freq 1 of Index [3] - [-1]\n"
-                                   "\n Freq 2 of Index [3] - [3520000]\n"
-                                   "\n Bandwidth of Index [3] - [5] MHz\n");
+                                   "\n MRU Index : [-3]\n"
+                                   "\n Freq 0 of Index [-3] - [-3500000]\n"
+                                   "\n Freq 1 of Index [-3] - [-1]\n"
+                                   "\n Freq 2 of Index [-3] - [3520000]\n"
+                                   "\n Bandwidth of Index [-3] - [-5] MHz\n");
     EXPECT_EQ(Shown(GetText(1612, 19, "00*19")),
               GetOpening("1612") + "\n\n Total MRU Entries : [0]\n");
 }
@@ -268,18 +269,18 @@ TEST_F(MIBIndicationTest, AMinusSignStandsBeforeEveryNegatedValue) {
 TEST_F(MIBIndicationTest, NeighboursInWholeNumbers) {
     EXPECT_EQ(Shown(GetText(1494, 60,
                             "2:4 "
-                            "33:4 10000000:4 20800:4 66 55 44 33 22 11 ee ee -301:4 25:4 "
-                            "114:4 8750000:4 4294967295:4 06 05 04 03 02 01 00 00 7:4 -3:4")),
+                            "33:4 10000000:4 20800:4 f6 e5 d4 c3 b2 a1 ee ee -301:4 25:4 "
+                            "-114:4 8750000:4 4294967295:4 06 05 04 03 02 01 00 00 7:4 -3:4")),
               GetOpening("1494") + "Number of Neighbours 2\n"
                                    "~~~~~~ Neighbour 0 ~~~~~~~~ \n"
                                    "    Preamble         : 33\n"
                                    "    ChannelBandwidth : 10 Mhz\n"
                                    "    Centerfreq       : 2600 MHz\n"
-                                   "    Bsid             : 11 22 33 44 55 66\n"
+                                   "    Bsid             : a1 b2 c3 d4 e5 f6\n"
                                    "    RSSI             : -75 dBm\n"
                                    "    CINR             : 25 dB\n"
                                    "~~~~~~ Neighbour 1 ~~~~~~~~ \n"
-                                   "    Preamble         : 114\n"
+                                   "    Preamble         : -114\n"
                                    "    ChannelBandwidth : 8 Mhz\n"
                                    "    Centerfreq       : 536870911 MHz\n"
                                    "    Bsid             : 01 02 03 04 05 06\n"
@@ -290,22 +291,22 @@ TEST_F(MIBIndicationTest, NeighboursInWholeNumbers) {
 TEST_F(MIBIndicationTest, MeasuredNeighboursAreUnsigned) {
     EXPECT_EQ(Shown(GetText(1575, 108,
                             "2:4 "
-                            "ee*4 33:4 20700:4 8750000:4 01 02 03 04 0a ff ee ee "
-                            "98304:4 65536:4 -1:4 20:4 -7:4 200:4 4660:4 "
+                            "ee*4 -33:4 20700:4 8750000:4 a1 b2 c3 d4 0a ff ee ee "
+                            "98304:4 65536:4 -1:4 20:4 -7:4 -200:4 4660:4 "
                             "ee*4 0:4 20801:4 5000000:4 00*6 ee ee "
                             "0:4 1:4 5242880:4 -1:4 1:4 2:4 -1:4")),
               GetOpening("1575") + "\nNumber of Neighbours 2\n"
                                    "\n~~~~~~~ Neighbour 0 ~~~~~~~ \n"
                                    "\tFrequency (MHz) : 2587.500000\n"
-                                   "\tPreambleId      : 33\n"
+                                   "\tPreambleId      : -33\n"
                                    "\tBandwidth (MHz) : 8.750000\n"
-                                   "\tBSId            : 01 02 03 04 0a ff\n"
+                                   "\tBSId            : a1 b2 c3 d4 0a ff\n"
                                    "\tRSSI (dBm)      : 65535.999985\n"
                                    "\tR1CINR          : 1.500000\n"
                                    "\tR3CINR          : 1.000000\n"
                                    "\tToF             : 1.250000\n"
                                    "\tRTD             : -7\n"
-                                   "\tMeasDur         : 200\n"
+                                   "\tMeasDur         : -200\n"
                                    "\tFlags(Hex)      : 1234\n"
                                    "\n~~~~~~~ Neighbour 1 ~~~~~~~ \n"
                                    "\tFrequency (MHz) : 2600.125000\n"
@@ -322,23 +323,25 @@ TEST_F(MIBIndicationTest, MeasuredNeighboursAreUnsigned) {
 }
 
 TEST_F(MIBIndicationTest, NeighboursEndWithThePayload) {
-    EXPECT_EQ(CountOf(Shown(GetText(1494, 60, "1000000:4 00*83")), "~ Neighbour "), 364U);
+    EXPECT_EQ(CountOf(Shown(GetText(1494, 60, "65536:4 00*83")), "~ Neighbour "), 364U);
     EXPECT_EQ(CountOf(Shown(GetText(1575, 60, "-1:4 00*103")), "~ Neighbour "), 196U);
+    EXPECT_NE(Shown(GetText(1494, 4, "-2:4")).find("Number of Neighbours -2\n"), std::string::npos);
+    EXPECT_NE(Shown(GetText(1575, 4, "-2:4")).find("Number of Neighbours -2\n"), std::string::npos);
     EXPECT_EQ(Shown(GetText(1494, 0, "")), GetOpening("1494") + "Number of Neighbours 0\n");
 }
 
 TEST_F(MIBIndicationTest, AntennaSwitchInformation) {
-    EXPECT_EQ(Shown(GetText(1631, 32, "256:4 -1:4 3:4 -4:4 -1201:4 8:4 2:4 1:4")),
+    EXPECT_EQ(Shown(GetText(1631, 32, "256:4 -1:4 -3:4 -4:4 -1201:4 8:4 -2:4 -1:4")),
               GetOpening("1631") +
                   "\n\t~~~~~ TX Antenna Switch Information ~~~~~\n"
                   "\tFiltering Coefficient for Antenna1(Q23.9 format) : 0.500000\n"
                   "\tFiltering Coefficient for Antenna2(Q23.9 format) : 8388607.998047\n"
-                  "\tSwitching margin for Antenna1                    : 3\n"
+                  "\tSwitching margin for Antenna1                    : -3\n"
                   "\tSwitching margin for Antenna2                    : -4\n"
                   "\tSmooth RSSI for Antenna1(Q1.27.4 format)         : -75.062500\n"
                   "\tSmooth RSSI for Antenna2(Q1.27.4 format)         : 0.500000\n"
-                  "\tAntenna Selection mode                           : 2\n"
-                  "\tCurrent TX Antenna                               : 1\n");
+                  "\tAntenna Selection mode                           : -2\n"
+                  "\tCurrent TX Antenna                               : -1\n");
 }
 
 TEST_F(MIBIndicationTest, TriggerStatus) {
@@ -388,16 +391,16 @@ TEST_F(MIBIndicationTest, FourCounters) {
 }
 
 TEST_F(MIBIndicationTest, ControlMessagesDropped) {
-    EXPECT_EQ(Shown(GetText(1654, 32, "1:4 2:4 3:4 4:4 5:4 6:4 7:4 -8:4")),
+    EXPECT_EQ(Shown(GetText(1654, 32, "-1:4 -2:4 -3:4 -4:4 -5:4 -6:4 -7:4 -8:4")),
               GetOpening("1654") +
                   "\n\n~~~~~~~~~~ Control Messages Dropped By Application ~~~~~~~~~~\n"
-                  "cm_responses                            : 1\n"
-                  "cm_control_newdsx_multiclassifier_resp  : 2\n"
-                  "link_control_resp                       : 3\n"
-                  "status_rsp                              : 4\n"
-                  "stats_pointer_resp                      : 5\n"
-                  "idle_mode_status                        : 6\n"
-                  "auth_ss_host_msg                        : 7\n"
+                  "cm_responses                            : -1\n"
+                  "cm_control_newdsx_multiclassifier_resp  : -2\n"
+                  "link_control_resp                       : -3\n"
+                  "status_rsp                              : -4\n"
+                  "stats_pointer_resp                      : -5\n"
+                  "idle_mode_status                        : -6\n"
+                  "auth_ss_host_msg                        : -7\n"
                   "low_priority_message                    : -8\n"
                   "\n\n~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\n");
 }
@@ -515,12 +518,13 @@ TEST_F(MIBIndicationTest, StatisticsOfThirteenZonesTakeThirteenKeys) {
 
 TEST_F(MIBIndicationTest, FrameNumbersOfZonesAreUnsignedAndRatesSigned) {
     EndInput();
-    const std::string strShown =
-        Shown(GetText(1625, 6868, "00*16 ff ff ff ff 80 7f ff 00 00*5272 fe ff ff ff 00*1568"));
+    const std::string strShown = Shown(GetText(
+        1625, 6868, "-5:4 00*12 ff ff ff ff 80 9c ff 00 -8:4 -9:4 00*5264 fe ff ff ff 00*1568"));
     EXPECT_NE(strShown.find("Frame number for UL: [-2]\n"), std::string::npos);
-    EXPECT_NE(strShown.find("DL Zone [0] Information :\n\n"
-                            "ECINR Rate   : [-1]\nPCINR Rate 1 : [-128]\nPCINR Rate 2 : [127]\n"
-                            "Last Frame Number ECINR : [0]\nLast Frame Number PCINR : [0]\n"
+    EXPECT_NE(strShown.find("\nMajor Group indicator : [-5]\n"
+                            "DL Zone [0] Information :\n\n"
+                            "ECINR Rate   : [-1]\nPCINR Rate 1 : [-128]\nPCINR Rate 2 : [-100]\n"
+                            "Last Frame Number ECINR : [-9]\nLast Frame Number PCINR : [-8]\n"
                             "Zone last Frame Number : [4294967295]\n"),
               std::string::npos);
     EXPECT_NE(strShown.find("UL Zone [0] Information :\n\nZone last Frame Number : [4294967294]\n"),

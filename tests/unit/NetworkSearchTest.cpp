@@ -185,6 +185,20 @@ TEST_F(NetworkSearchTest, EveryDefaultCanBeReplaced) {
     Deliver("1/4 | " + strDiscovery);
     EXPECT_EQ(SentFor("4  1 60  1 5000  1 9  1 1   1 8750  1 2600000  1 10  1 255\n"),
               Sends("1/4 | 60:4 5000:4 1:4 9:4 00*4 2600000:4 8750:4 255:4 10:4 00*304"));
+    EXPECT_EQ(SentFor("4  1 -60  1 -5000  1 -9  1 1   1 -8750  1 -2600000  1 -10  1 -255\n"),
+              Sends("1/4 | -60:4 -5000:4 1:4 -9:4 00*4 -2600000:4 -8750:4 -255:4 -10:4 00*304"));
+}
+
+TEST_F(NetworkSearchTest, DefaultsAreSignedAsTheyAreShown) {
+    Deliver("1/1 | 1:4 1:4 00 ff*7 -12:4 -2587500:4 -10000:4 00*16");
+    Deliver("1/4 | 00 1:4 00*2 00*6 -77:4 -88:4 00*1384");
+    const std::string strShown = PrintedBy([] { NetworkSearchOptions(); }, "4  0 0 0 0  0 0 0 0\n");
+    for (const char *pcLine :
+         {"\nNSP change count is -88 : \n", "stPhyInfo[0].u32BW = -10000 (in KHz)",
+          "stPhyInfo[0].u32CF = -2587500 KHz", "stPhyInfo[0].u32DCDChangeCount = -77",
+          "stPhyInfo[0].u32Pid = -12 "}) {
+        EXPECT_NE(strShown.find(pcLine), std::string::npos) << pcLine;
+    }
 }
 
 TEST_F(NetworkSearchTest, ADefaultStandsWhenWhatReplacesItIsNoNumber) {

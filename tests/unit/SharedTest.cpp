@@ -1,8 +1,11 @@
 #include "Shared.h"
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
+#include <new>
 #include <thread>
 #include <vector>
 
@@ -25,12 +28,8 @@ Record<u32Size> Filled(uint8_t u8Value) {
 }
 
 bool IsOfOneWrite(const Record<u32Size> &stRecord) {
-    for (const uint8_t u8Byte : stRecord.aucBytes) {
-        if (u8Byte != stRecord.aucBytes[0]) {
-            return false;
-        }
-    }
-    return true;
+    return std::ranges::all_of(
+        stRecord.aucBytes, [&stRecord](uint8_t u8Byte) { return u8Byte == stRecord.aucBytes[0]; });
 }
 
 TEST(SharedTest, APartIsStoredAtItsPlaceAndWhatDoesNotFitIsDropped) {
@@ -72,37 +71,64 @@ TEST(SharedTest, AReaderSeesWholeWritesOfSeveralThreads) {
     EXPECT_TRUE(IsOfOneWrite(stTable.Load()));
 }
 
-// Bytes that cannot be read beyond the middle before somebody else has had time
-// to write: a thread that stores them is stopped in the middle of its write.
-uint8_t *gpucSecondHalf = nullptr;
-size_t guPage = 0;
+// Two pages, the second of which can be read and written only after the handler
+// has been called by whoever has tried to.
+class ForbiddenPage {
+  public:
+    explicit ForbiddenPage(void (*pfnOnTouch)()) {
+        uPage = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+        pfnTouched = pfnOnTouch;
+        void *pvPages =
+            mmap(nullptr, 2 * uPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (pvPages == MAP_FAILED) {
+            std::abort();
+        }
+        pucBegin = static_cast<uint8_t *>(pvPages) + uPage;
+        struct sigaction stAction {};
+        stAction.sa_handler = OnTouch;
+        sigaction(SIGSEGV, &stAction, &stBefore);
+    }
+    ~ForbiddenPage() {
+        sigaction(SIGSEGV, &stBefore, nullptr);
+        munmap(pucBegin - uPage, 2 * uPage);
+    }
+    ForbiddenPage(const ForbiddenPage &) = delete;
+    ForbiddenPage &operator=(const ForbiddenPage &) = delete;
+
+    static void Forbid() { mprotect(pucBegin, uPage, PROT_NONE); }
+
+    static inline uint8_t *pucBegin = nullptr;
+
+  private:
+    static void OnTouch(int /*iSignal*/) {
+        pfnTouched();
+        mprotect(pucBegin, uPage, PROT_READ | PROT_WRITE);
+    }
+
+    static inline size_t uPage = 0;
+    static inline void (*pfnTouched)() = nullptr;
+    struct sigaction stBefore {};
+};
+
 std::atomic<bool> gbStopped{false};
 std::atomic<bool> gbOtherDone{false};
 
-// Another writer may have to wait for the stopped one: then time goes by.
-void OnForbiddenRead(int /*iSignal*/) {
-    gbStopped = true;
-    for (int i = 0; i < 30 && !gbOtherDone; ++i) {
-        poll(nullptr, 0, 1);
-    }
-    mprotect(gpucSecondHalf, guPage, PROT_READ);
-}
-
+// A thread that stores the bytes is stopped in the middle of its write, before
+// somebody else has had time to write.
 TEST(SharedTest, AThreadStoppedInTheMiddleOfItsWriteLeavesNothingTorn) {
-    guPage = static_cast<size_t>(sysconf(_SC_PAGESIZE));
-    void *pvPages =
-        mmap(nullptr, 2 * guPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    ASSERT_NE(pvPages, MAP_FAILED);
-    std::memset(pvPages, 1, 2 * guPage);
-    gpucSecondHalf = static_cast<uint8_t *>(pvPages) + guPage;
-    mprotect(gpucSecondHalf, guPage, PROT_NONE);
-    struct sigaction stAction {};
-    struct sigaction stBefore {};
-    stAction.sa_handler = OnForbiddenRead;
-    sigaction(SIGSEGV, &stAction, &stBefore);
+    // Another writer may have to wait for the stopped one: then time goes by.
+    const ForbiddenPage stPage([] {
+        gbStopped = true;
+        for (int i = 0; i < 30 && !gbOtherDone; ++i) {
+            poll(nullptr, 0, 1);
+        }
+    });
+    uint8_t *pucBytes = ForbiddenPage::pucBegin - u32Size / 2;
+    std::memset(pucBytes, 1, u32Size);
+    ForbiddenPage::Forbid();
 
     Table stTable;
-    std::thread Slow([&] { stTable.Store(0, {gpucSecondHalf - u32Size / 2, u32Size}); });
+    std::thread Slow([&] { stTable.Store(0, {pucBytes, u32Size}); });
     std::thread Quick([&] {
         const Record<u32Size> stOwn = Filled(2);
         while (!gbStopped) {
@@ -113,9 +139,44 @@ TEST(SharedTest, AThreadStoppedInTheMiddleOfItsWriteLeavesNothingTorn) {
     });
     Slow.join();
     Quick.join();
-    sigaction(SIGSEGV, &stBefore, nullptr);
     EXPECT_TRUE(IsOfOneWrite(stTable.Load()));
-    munmap(pvPages, 2 * guPage);
+}
+
+// Lies across the border of the pages.
+Table *gpstWrittenMeanwhile = nullptr;
+
+TEST(SharedTest, AReaderStoppedInTheMiddleLooksAgainWhenSomebodyHasWritten) {
+    const ForbiddenPage stPage([] {
+        mprotect(ForbiddenPage::pucBegin, 1, PROT_READ | PROT_WRITE);
+        gpstWrittenMeanwhile->Store(0, Filled(2).View());
+    });
+    gpstWrittenMeanwhile = new (ForbiddenPage::pucBegin - sizeof(Table) / 8 * 4) Table;
+    gpstWrittenMeanwhile->Store(0, Filled(1).View());
+    ForbiddenPage::Forbid();
+    const Record<u32Size> stRead = gpstWrittenMeanwhile->Load();
+    EXPECT_EQ(stRead.aucBytes[0], 2);
+    EXPECT_TRUE(IsOfOneWrite(stRead));
+}
+
+std::atomic<bool> gbBeyondTheEnd{false};
+
+TEST(SharedTest, NothingBeyondTheEndIsTouched) {
+    using WholeWords = SharedBytes<400>;
+    const ForbiddenPage stPage([] { gbBeyondTheEnd = true; });
+    auto *pstLast = new (ForbiddenPage::pucBegin - sizeof(WholeWords)) WholeWords;
+    uint8_t *pucLast = ForbiddenPage::pucBegin - 400;
+    ForbiddenPage::Forbid();
+    pstLast->Store(0, Filled(3).View().From(0, 400));
+    EXPECT_EQ(pstLast->Load().aucBytes[399], 3);
+    EXPECT_FALSE(gbBeyondTheEnd);
+
+    std::memset(pucLast, 4, 400);
+    Table stTable;
+    stTable.Store(0, {pucLast, 400});
+    EXPECT_EQ(stTable.Load().aucBytes[399], 4);
+    stTable.Store(0, {pucLast + 1, 399});
+    EXPECT_EQ(stTable.Load().aucBytes[398], 4);
+    EXPECT_FALSE(gbBeyondTheEnd);
 }
 
 } // namespace

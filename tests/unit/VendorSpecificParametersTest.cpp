@@ -176,6 +176,8 @@ TEST_F(VendorSpecificTest, ASizeIndicationShowsTheSize) {
               std::string("\n~~~~~~ VSRegion SIZE INDICATION RECEIVED ~~~~~~\n"
                           "\nVendor Specific Region Size : 4096\n") +
                   pcRule);
+    EXPECT_NE(ReportOf("10/4 | -1:4").find("\nVendor Specific Region Size : -1\n"),
+              std::string::npos);
 }
 
 TEST_F(VendorSpecificTest, OtherSubtypesPrintNothing) {
