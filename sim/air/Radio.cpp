@@ -86,8 +86,8 @@ uint32_t Station::Segment() const {
 
 uint32_t Rounded(double fValue) { return static_cast<uint32_t>(std::lround(fValue)); }
 
-Radio::Radio(const Section &stRoot, uint64_t u64Seed)
-    : m_u64Seed(SeedFor(u64Seed, "radio")), m_stRoute(stRoot) {
+Radio::Radio(const Section &stRoot, uint64_t u64Seed) : m_stRoute(stRoot) {
+    SetSeed(u64Seed);
     const Section stRadio = stRoot.Table("radio");
     m_fSensitivity = stRadio.Number("sensitivity", -200, 100, -97);
     m_fEntryRSSI = stRadio.Number("entry-rssi", -200, 100, -88);
@@ -222,6 +222,8 @@ Station *Radio::StationOf(const Section &stSection, const char *pcKey) {
     }
     stSection.Refuse(pcKey, "is the BS ID of no station");
 }
+
+void Radio::SetSeed(uint64_t u64Seed) { m_u64Seed = SeedFor(u64Seed, "radio"); }
 
 uint64_t Radio::SeedOf(const Station &stStation) const {
     const auto *pcBSID = reinterpret_cast<const char *>(stStation.aucBSID.data());

@@ -109,6 +109,8 @@ class Radio {
         return stStation.iPower - Measure(stStation, iNow).fRSSI;
     }
     Route &TheRoute() { return m_stRoute; }
+    // From now on levels vary as those of another seed do.
+    void SetSeed(uint64_t u64Seed);
     // On the air and strong enough to be noticed.
     bool Receivable(const Station &stStation, ModemTime iNow) const;
     bool StrongEnoughToEnter(const Station &stStation, ModemTime iNow) const;
@@ -151,7 +153,7 @@ class Radio {
     double CINR(const Station &stStation, double fRSSI, ModemTime iNow, bool bAllSegments) const;
     static std::optional<BSIDBytes> BSIDOf(const Section &stSection, const char *pcKey);
 
-    uint64_t m_u64Seed;
+    uint64_t m_u64Seed = 0;
     double m_fSensitivity;
     double m_fEntryRSSI;
     double m_fEntryCINR;

@@ -132,7 +132,7 @@ class Antennas : public Subsystem {
     std::vector<int64_t> m_aiPatternGains;
     double m_fVariation; // dB to either side, from frame to frame
 
-    Random m_stRandom;
+    Random &m_stRandom;
     PinConfig m_stConfig;
     Patterns m_au32Selected{};
     TxChoice m_stTx;
