@@ -271,13 +271,18 @@ double Radio::CINR(const Station &stStation, double fRSSI, ModemTime iNow,
                : InSteps(fRSSI - Decibels(RatioOf(stStation.fFloor) + fInterference));
 }
 
-Measurement Radio::Measure(const Station &stStation, ModemTime iNow) const {
+Measurement Radio::Measure(const Station &stStation, ModemTime iNow, double fGain) const {
     const double fRSSI = RSSI(stStation, iNow);
-    return {fRSSI, CINR(stStation, fRSSI, iNow, false)};
+    return {fRSSI + fGain, std::min(CINR(stStation, fRSSI, iNow, false) + fGain, fMostCINR)};
 }
 
 double Radio::ReuseOneCINR(const Station &stStation, ModemTime iNow) const {
-    return CINR(stStation, RSSI(stStation, iNow), iNow, true);
+    return std::min(CINR(stStation, RSSI(stStation, iNow), iNow, true), fMostCINR);
+}
+
+bool Radio::HasPlaces() const {
+    return std::any_of(m_astStations.begin(), m_astStations.end(),
+                       [](const Station &stStation) { return stStation.stPlace.has_value(); });
 }
 
 Deviation Radio::Deviations(const Station &stStation, ModemTime iNow) const {

@@ -77,6 +77,18 @@ TEST_F(Steering, StateShowsLinkAndFlows) {
               "\"lost\":0,\"late\":0,\"latency\":60.000,\"jitter\":0.000}]");
 }
 
+TEST_F(Steering, StateShowsWhereTheModemIsWhenStationsHavePlaces) {
+    Open(strStepped + "[[station]]\nbsid = \"00120A010203\"\nfrequency = 2587500\n"
+                      "bandwidth = 10000\npreamble = 3\nx = 1000\ny = 0\n"
+                      "[[way-point]]\nat = 1\nx = 10\ny = 20\n"
+                      "[[way-point]]\nat = 11\nx = 40\ny = 60\n");
+    EXPECT_EQ(Part("place", '}'), "\"place\":{\"x\":10.0,\"y\":20.0,\"travelled\":0.0}");
+    Say("advance 5.999");
+    EXPECT_EQ(Part("place", '}'), "\"place\":{\"x\":25.0,\"y\":40.0,\"travelled\":25.0}");
+    Say("move x=25 y=30");
+    EXPECT_EQ(Part("place", '}'), "\"place\":{\"x\":25.0,\"y\":30.0,\"travelled\":25.0}");
+}
+
 TEST_F(Steering, StationsAreThoseOfTheState) {
     Open(strStepped + strStation);
     EXPECT_EQ(Say("stations"), "ok [{\"bsid\":\"00:12:0A:01:02:03\",\"frequency\":2587500,"
