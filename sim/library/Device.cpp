@@ -347,9 +347,8 @@ void Device::RefuseUnlessStepped() {
 std::unique_lock<std::mutex> Device::LockAtRest() {
     RefuseUnlessStepped();
     std::unique_lock stLock = Lock();
-    const bool bRests = m_stDelivered.wait_for(stLock, stLongestCall,
-                                               [this] { return m_bStopping || m_bThreadRests; });
-    if (m_bStopping || !bRests) {
+    Leave(stLock);
+    if (m_bStopping || !m_bThreadRests) {
         throw Refusal(m_bStopping ? "the device was closed meanwhile"
                                   : "a callback does not return");
     }

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -158,7 +159,11 @@ class Player {
                 if (stEntry.bCall) {
                     pstModem->PassCallTime();
                 }
-                (this->*stEntry.pfnCarry)(pstModem);
+                if (stEntry.pfnCarry != nullptr) {
+                    (this->*stEntry.pfnCarry)(pstModem);
+                } else {
+                    (void)pstModem->Send(nullptr, 0);
+                }
                 return;
             }
         }
@@ -174,8 +179,6 @@ class Player {
         }
         m_bMessagesWait = true;
     }
-
-    void Call(JournaledModem *pstModem) { (void)pstModem->Send(nullptr, 0); }
 
     void SetCallback(JournaledModem *pstModem) { pstModem->SetListening(TakeSwitch()); }
 
@@ -252,7 +255,7 @@ class Player {
     struct Entry {
         std::string_view strWord;
         bool bCall;
-        void (Player::*pfnCarry)(JournaledModem *pstModem);
+        void (Player::*pfnCarry)(JournaledModem *pstModem); // null: the modem has nothing of it
     };
     static const std::array<Entry, 8> astEntries;
 
@@ -269,20 +272,24 @@ class Player {
 };
 
 const std::array<Player::Entry, 8> Player::astEntries{
-    Entry{"call", true, &Player::Call},         Entry{"callback", true, &Player::SetCallback},
-    Entry{"send", true, &Player::Send},         Entry{"read", true, &Player::ReadMemory},
-    Entry{"write", true, &Player::WriteMemory}, Entry{"live", false, &Player::Live},
-    Entry{"command", false, &Player::Command},  Entry{"listener", false, &Player::ChangeListener},
+    Entry{"call", true, nullptr},
+    Entry{"callback", true, &Player::SetCallback},
+    Entry{"send", true, &Player::Send},
+    Entry{"read", true, &Player::ReadMemory},
+    Entry{"write", true, &Player::WriteMemory},
+    Entry{"live", false, &Player::Live},
+    Entry{"command", false, &Player::Command},
+    Entry{"listener", false, &Player::ChangeListener},
 };
 
 // A new file for its owner alone, which then takes the place of an old one.
 class NewFile {
   public:
-    explicit NewFile(const std::string &strPath)
-        : m_strPath(strPath), m_strNew(strPath + ".XXXXXX") {
+    explicit NewFile(std::string strPath)
+        : m_strPath(std::move(strPath)), m_strNew(m_strPath + ".XXXXXX") {
         struct stat stStatus {};
-        if (lstat(strPath.c_str(), &stStatus) == 0 && !S_ISREG(stStatus.st_mode)) {
-            throw Refusal(Printable(strPath) +
+        if (lstat(m_strPath.c_str(), &stStatus) == 0 && !S_ISREG(stStatus.st_mode)) {
+            throw Refusal(Printable(m_strPath) +
                           " cannot be written: something else than a file stands there");
         }
         m_iFile = mkostemp(m_strNew.data(), O_CLOEXEC);
