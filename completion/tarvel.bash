@@ -11,7 +11,7 @@ TABLE
 }
 
 # What simctl takes behind the socket: commands, kinds of events, and kinds of faults behind "fault".
-_tarvel_commands="fault state stations advance until time-scale seed help
+_tarvel_commands="fault state stations advance until time-scale seed save load help
     fade vanish appear link-loss dreg reset paging complete-wake-up firmware-shutdown
     half-mini-card-shutdown half-mini-card-wake-up flow-deleted handover traffic-waits crash
     ip-filter-status device-unload message flow-added flow-changed move request"
@@ -33,6 +33,7 @@ _tarvel_simctl() {
     2:*) [[ ${COMP_WORDS[1]} == --* ]] || _tarvel_words "$_tarvel_commands" "$word" ;;
     3:fault) _tarvel_words "$_tarvel_faults" "$word" ;;
     3:until) _tarvel_words idle "$word" ;;
+    3:save | 3:load) _tarvel_files '*' "$word" ;;
     esac
 }
 

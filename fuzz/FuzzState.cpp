@@ -1,12 +1,13 @@
 // A state file of any bytes: it is refused with its reason, or the modem starts
 // with it.
-#include "Files.h"
+#include "OneFile.h"
 #include "library/WholeModem.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *pucBytes, size_t uCount) {
-    const ModemFile stState({reinterpret_cast<const char *>(pucBytes), uCount});
+    const auto pstState = std::make_shared<OneFile>(std::string(pucBytes, pucBytes + uCount));
     try {
-        const WholeModem stModem(Scenario::FromText("[state]\nfile = \"state\"\n", "scenario"));
+        const WholeModem stModem(
+            Scenario::FromText("[state]\nfile = \"state\"\n", "scenario", pstState));
     } catch (const ScenarioError &) {
         return 0;
     }

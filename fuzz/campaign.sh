@@ -11,8 +11,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit
 . fuzz/lengths.sh
 
 # Of a hundred executions.
-declare -A share=([console]=88 [callback]=6 [scenario]=1 [state]=2 [requests]=1 [bytes]=2)
-order=(console callback scenario state requests bytes)
+declare -A share=([console]=87 [callback]=6 [scenario]=1 [state]=2 [requests]=1 [bytes]=2 [control]=1)
+order=(console callback scenario state requests bytes control)
 piece=200000
 jobs=1
 executions=100000000

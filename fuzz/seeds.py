@@ -160,6 +160,26 @@ def byte_texts():
                 yield text.encode()
 
 
+def control_texts():
+    """The commands of each of the tests of steering, and what a saved modem looks like."""
+    source = (ROOT / "tests/unit_sim/ControlTest.cpp").read_text()
+    joined = re.sub(r'"\s*\n\s*"', "", source).replace("00120A010203", "00120A000101")
+    for test in joined.split("TEST_F")[1:]:
+        said = [(at.start(), at[1]) for at in re.finditer(r'Say\("((?:\\.|[^"\\])*)"', test)]
+        said += [(at.start(), "> " + at[1]) for at in re.finditer(r'Send\("([^"]*)"', test)]
+        said += [(at.start(), at[1]) for at in re.finditer(r'\{"((?:\\.|[^"\\])*)", "error', test)]
+        lines = [text for _, text in sorted(said)]
+        if lines:
+            yield "\n".join(lines).encode().decode("unicode_escape").encode("latin-1")
+    saved = (ROOT / "docs/control.md").read_text().split("```\n")
+    for text in saved:
+        if text.startswith("qor020-journal"):
+            yield re.sub(r"(?m) {4,}.*$", "", text).encode()
+    yield (b"qor020-journal 1\nscenario x\n|[clock]\n|kind = \"stepped\"\n|\njournal\ncallback on\n"
+           b"send 0 24000100\nlive 5000000\ncommand seed 5\ntook 1\nlistener off\ncall\n"
+           b"read 251658240 4\nwrite 251723776 5A\nend 1 313A285B4F76FDD5\n")
+
+
 def seeds():
     for path in sorted((ROOT / "tests/sessions").glob("**/*.session")):
         session = Session(path)
@@ -184,6 +204,8 @@ def seeds():
         yield "scenario", path.read_bytes()
     for text in re.findall(r'"((?:\\.|[^"\\])*\\n)"', (ROOT / "tests/unit_sim/ScenarioTest.cpp").read_text()):
         yield "scenario", text.encode().decode("unicode_escape").encode("latin-1")
+    for text in control_texts():
+        yield "control", text
     for text in byte_texts():
         yield "bytes", text
 

@@ -252,7 +252,8 @@ class Scenarios(unittest.TestCase):
     def test_keys_and_values_are_those_that_the_modem_reads(self):
         read = set()
         for path, text in sources("sim"):
-            if path.name in ("StateReport.cpp", "ControlCommands.cpp"):  # read and write no scenario
+            if path.name in ("StateReport.cpp", "ControlCommands.cpp", "Journal.cpp",
+                             "JournaledModem.cpp", "SavedModem.cpp"):  # read and write no scenario
                 continue
             text = re.sub(r'#include "[^"]*"|\b(RandomFor|SeedFor)\([^"]*"[^"]*"', "", text)
             read |= set(re.findall(r'"([a-z][a-z0-9]*(?:-[a-z0-9]+)*)"', text))

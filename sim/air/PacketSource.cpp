@@ -44,11 +44,11 @@ uint32_t AddressIn(const Section &stSection, const char *pcKey) {
 
 PacketSource::PacketSource(bool bUplink, double fRate, uint32_t u32PacketSize)
     : m_bUplink(bUplink), m_fInterval(IntervalOf(fRate, u32PacketSize)),
-      m_u32PacketSize(u32PacketSize), m_stRandom(0, "") {}
+      m_u32PacketSize(u32PacketSize) {}
 
-PacketSource::PacketSource(const Section &stSection, const Random &stRandom)
+PacketSource::PacketSource(const Section &stSection, Random &stRandom)
     : m_bUplink(stSection.Choice("direction", astDirections) != 0), m_u32PacketSize(0),
-      m_stRandom(stRandom) {
+      m_pstRandom(&stRandom) {
     static constexpr std::array astPatterns{
         ScenarioWord{"constant", static_cast<uint32_t>(Pattern::Constant)},
         ScenarioWord{"poisson", static_cast<uint32_t>(Pattern::Poisson)},
@@ -80,7 +80,7 @@ PacketSource::PacketSource(const Section &stSection, const Random &stRandom)
 // A line a packet: the seconds from the start on, and the bytes. What begins with a # says nothing.
 void PacketSource::ReadFile(const Section &stSection) {
     const std::string strPath = stSection.Path("file");
-    const std::optional<std::string> strText = ReadTextFile(strPath);
+    const std::optional<std::string> strText = stSection.TheFiles().Read(strPath);
     if (!strText) {
         stSection.Refuse("file", "names a file that is not there");
     }
@@ -121,8 +121,8 @@ void PacketSource::Start(ModemTime iNow) {
 // Chance says when the next packet comes.
 void PacketSource::Advance() {
     if (m_ePattern == Pattern::Poisson && m_fInterval > 0) {
-        m_iNext +=
-            std::max<ModemTime>(std::llround(-std::log1p(-m_stRandom.Uniform()) * m_fInterval), 1);
+        m_iNext += std::max<ModemTime>(
+            std::llround(-std::log1p(-m_pstRandom->Uniform()) * m_fInterval), 1);
     }
 }
 

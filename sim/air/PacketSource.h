@@ -17,7 +17,7 @@ class PacketSource {
     // Packets of one size, one after the other, at fRate bytes a second.
     PacketSource(bool bUplink, double fRate, uint32_t u32PacketSize);
     // Reads a [[generator]].
-    PacketSource(const Section &stSection, const Random &stRandom);
+    PacketSource(const Section &stSection, Random &stRandom);
 
     bool Uplink() const { return m_bUplink; }
     // The flow that it feeds, whatever the rules say; 0: as they say.
@@ -55,7 +55,7 @@ class PacketSource {
     ModemTime m_iOn = 0;
     ModemTime m_iOff = 0;
     std::vector<Listed> m_astListed;
-    Random m_stRandom;
+    Random *m_pstRandom = nullptr; // of Poisson
 
     ModemTime m_iStart = 0;
     uint64_t m_u64Done = 0;

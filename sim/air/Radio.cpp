@@ -86,8 +86,8 @@ uint32_t Station::Segment() const {
 
 uint32_t Rounded(double fValue) { return static_cast<uint32_t>(std::lround(fValue)); }
 
-Radio::Radio(const Section &stRoot, uint64_t u64Seed)
-    : m_u64Seed(SeedFor(u64Seed, "radio")), m_stRoute(stRoot) {
+Radio::Radio(const Section &stRoot, uint64_t u64Seed) : m_stRoute(stRoot) {
+    SetSeed(u64Seed);
     const Section stRadio = stRoot.Table("radio");
     m_fSensitivity = stRadio.Number("sensitivity", -200, 100, -97);
     m_fEntryRSSI = stRadio.Number("entry-rssi", -200, 100, -88);
@@ -223,6 +223,8 @@ Station *Radio::StationOf(const Section &stSection, const char *pcKey) {
     stSection.Refuse(pcKey, "is the BS ID of no station");
 }
 
+void Radio::SetSeed(uint64_t u64Seed) { m_u64Seed = SeedFor(u64Seed, "radio"); }
+
 uint64_t Radio::SeedOf(const Station &stStation) const {
     const auto *pcBSID = reinterpret_cast<const char *>(stStation.aucBSID.data());
     return SeedFor(m_u64Seed, {pcBSID, stStation.aucBSID.size()});
@@ -269,13 +271,18 @@ double Radio::CINR(const Station &stStation, double fRSSI, ModemTime iNow,
                : InSteps(fRSSI - Decibels(RatioOf(stStation.fFloor) + fInterference));
 }
 
-Measurement Radio::Measure(const Station &stStation, ModemTime iNow) const {
+Measurement Radio::Measure(const Station &stStation, ModemTime iNow, double fGain) const {
     const double fRSSI = RSSI(stStation, iNow);
-    return {fRSSI, CINR(stStation, fRSSI, iNow, false)};
+    return {fRSSI + fGain, std::min(CINR(stStation, fRSSI, iNow, false) + fGain, fMostCINR)};
 }
 
 double Radio::ReuseOneCINR(const Station &stStation, ModemTime iNow) const {
-    return CINR(stStation, RSSI(stStation, iNow), iNow, true);
+    return std::min(CINR(stStation, RSSI(stStation, iNow), iNow, true), fMostCINR);
+}
+
+bool Radio::HasPlaces() const {
+    return std::any_of(m_astStations.begin(), m_astStations.end(),
+                       [](const Station &stStation) { return stStation.stPlace.has_value(); });
 }
 
 Deviation Radio::Deviations(const Station &stStation, ModemTime iNow) const {

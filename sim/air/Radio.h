@@ -69,6 +69,11 @@ struct Deviation {
     double fCINR;
 };
 
+// No CINR is higher, however strong a station is: what its transmitter's error vector (the standard
+// allows -31 dB with 64-QAM, good ones have some 10 dB less), the receiver's phase noise and its
+// steps add grows with the signal.
+inline constexpr double fMostCINR = 40; // dB
+
 // Levels and powers in messages are often quarters of a dB.
 constexpr double fQuarters = 4;
 
@@ -96,7 +101,8 @@ class Radio {
     // The station that a key of a section names; null without the key.
     Station *StationOf(const Section &stSection, const char *pcKey);
 
-    Measurement Measure(const Station &stStation, ModemTime iNow) const;
+    // With an antenna of so many dB more than the usual one.
+    Measurement Measure(const Station &stStation, ModemTime iNow, double fGain = 0) const;
     // Over the second before iNow.
     Deviation Deviations(const Station &stStation, ModemTime iNow) const;
     // The CINR of what all stations of a frequency send on the same subchannels, as preambles
@@ -109,6 +115,10 @@ class Radio {
         return stStation.iPower - Measure(stStation, iNow).fRSSI;
     }
     Route &TheRoute() { return m_stRoute; }
+    // Whether it means anything to somebody.
+    bool HasPlaces() const;
+    // From now on levels vary as those of another seed do.
+    void SetSeed(uint64_t u64Seed);
     // On the air and strong enough to be noticed.
     bool Receivable(const Station &stStation, ModemTime iNow) const;
     bool StrongEnoughToEnter(const Station &stStation, ModemTime iNow) const;
@@ -148,10 +158,11 @@ class Radio {
     void FindInterferers();
     uint64_t SeedOf(const Station &stStation) const;
     double RSSI(const Station &stStation, ModemTime iNow) const;
+    // Of a signal that nothing is too strong for.
     double CINR(const Station &stStation, double fRSSI, ModemTime iNow, bool bAllSegments) const;
     static std::optional<BSIDBytes> BSIDOf(const Section &stSection, const char *pcKey);
 
-    uint64_t m_u64Seed;
+    uint64_t m_u64Seed = 0;
     double m_fSensitivity;
     double m_fEntryRSSI;
     double m_fEntryCINR;

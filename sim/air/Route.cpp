@@ -61,7 +61,7 @@ Route::Route(const Section &stRoot) {
         if (!astWayPoints.empty()) {
             stRoute.Refuse("file", "has no meaning beside [[way-point]]");
         }
-        ReadFile(stRoute.Path("file"));
+        ReadFile(stRoute);
     }
     for (const Section &stWayPoint : astWayPoints) {
         const ModemTime iAt = stWayPoint.Seconds("at", 0, fMostSeconds);
@@ -84,8 +84,9 @@ void Route::Add(ModemTime iAt, const Place &stPlace) {
 }
 
 // Lines of time, x and y. Empty ones and those that begin with "#" say nothing.
-void Route::ReadFile(const std::string &strPath) {
-    const std::optional<std::string> strText = ReadTextFile(strPath);
+void Route::ReadFile(const Section &stRoute) {
+    const std::string strPath = stRoute.Path("file");
+    const std::optional<std::string> strText = stRoute.TheFiles().Read(strPath);
     if (!strText) {
         throw ScenarioError(strPath, ScenarioError::u32WholeFile, "is not there");
     }

@@ -36,7 +36,7 @@ class Route {
         double fTravelled = 0; // until here
     };
     void Add(ModemTime iAt, const Place &stPlace);
-    void ReadFile(const std::string &strPath);
+    void ReadFile(const Section &stRoute);
     // The last point that is not after iNow, and how much of the way to the next one is done.
     struct Progress {
         const Point *pstFrom;

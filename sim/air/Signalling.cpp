@@ -48,12 +48,12 @@ bool IsManagement(const Connection &stConnection) { return stConnection.u32SFID 
 
 } // namespace
 
-Signalling::Signalling(const Section &stRoot, uint64_t u64Seed, Scheduler &stClock, Radio &stAir,
+Signalling::Signalling(const Section &stRoot, Chance &stChance, Scheduler &stClock, Radio &stAir,
                        const Attachment &stAt, const Traffic &stTraffic, const Presence &stPresence,
                        const Options &stOptions, const MACAddressBytes &aucAddress)
     : m_stClock(stClock), m_stAir(stAir), m_stAt(stAt), m_stTraffic(stTraffic),
       m_stPresence(stPresence), m_stOptions(stOptions), m_aucAddress(aucAddress),
-      m_stRandom(u64Seed, "signalling"), m_stStep(stClock), m_stMaps(stClock),
+      m_stRandom(stChance.For("signalling")), m_stStep(stClock), m_stMaps(stClock),
       m_stDescriptors(stClock), m_stNeighbours(stClock), m_stPaging(stClock), m_stRanging(stClock),
       m_stReport(stClock) {
     const Section stSettings = stRoot.Table("signalling");

@@ -61,7 +61,7 @@ class Signalling {
     using Step = std::function<void()>;
 
     // Reads [signalling], and how many service flows the network has.
-    Signalling(const Section &stRoot, uint64_t u64Seed, Scheduler &stClock, Radio &stAir,
+    Signalling(const Section &stRoot, Chance &stChance, Scheduler &stClock, Radio &stAir,
                const Attachment &stAt, const Traffic &stTraffic, const Presence &stPresence,
                const Options &stOptions, const MACAddressBytes &aucAddress);
     // Takes on the state at start.
@@ -203,7 +203,7 @@ class Signalling {
     ModemTime m_iReportPeriod;
     double m_fCMACFailures;
     FlowLimits m_stLimits{};
-    Random m_stRandom;
+    Random &m_stRandom;
     std::vector<std::function<void(const ManagementMessage &)>> m_apfnOnMessage;
     std::vector<std::function<void(RangingKind, const RangingSignal &)>> m_apfnOnRanging;
     std::vector<std::function<void(const PowerChange &)>> m_apfnOnPower;

@@ -42,9 +42,9 @@ void Traffic::Bucket::Fill(uint64_t u64Frames, uint32_t u32Packet) {
                   : u64Most;
 }
 
-Traffic::Traffic(const Section &stRoot, uint64_t u64Seed, Scheduler &stScheduler,
+Traffic::Traffic(const Section &stRoot, Chance &stChance, Scheduler &stScheduler,
                  const Presence &stPresence)
-    : m_stScheduler(stScheduler), m_stPresence(stPresence), m_stRandom(u64Seed, "traffic"),
+    : m_stScheduler(stScheduler), m_stPresence(stPresence), m_stRandom(stChance.For("traffic")),
       m_stFrame(stScheduler) {
     const Section stTraffic = stRoot.Table("traffic");
     m_afRates = {stTraffic.Number("downlink-rate", 0, 1e9, 24000),
@@ -61,7 +61,7 @@ Traffic::Traffic(const Section &stRoot, uint64_t u64Seed, Scheduler &stScheduler
     m_astChannels[1].stBurst.bUplink = true;
     for (const Section &stSection : stRoot.Tables("generator")) {
         const std::string strPurpose = "generator " + std::to_string(m_astGenerated.size());
-        m_astGenerated.push_back({PacketSource(stSection, Random(u64Seed, strPurpose)), 0});
+        m_astGenerated.push_back({PacketSource(stSection, stChance.For(strPurpose)), 0});
     }
 }
 

@@ -98,7 +98,7 @@ struct FlowReport {
 class Traffic {
   public:
     // Reads [traffic], [[generator]] and the capacities of [service-flows].
-    Traffic(const Section &stRoot, uint64_t u64Seed, Scheduler &stScheduler,
+    Traffic(const Section &stRoot, Chance &stChance, Scheduler &stScheduler,
             const Presence &stPresence);
 
     // Hears of each burst in its frame, before anything else happens in that moment.
@@ -210,7 +210,7 @@ class Traffic {
     std::array<double, 2> m_afRates; // bytes a second, down and up, that the flows share
     uint32_t m_u32PacketSize;
     bool m_bKeepsAwake;
-    Random m_stRandom;
+    Random &m_stRandom;
     std::vector<std::function<void(const UserBurst &)>> m_apfnOnBurst;
     std::vector<std::function<void(const RangingSignal &)>> m_apfnOnRequest;
 

@@ -132,7 +132,7 @@ class Antennas : public Subsystem {
     std::vector<int64_t> m_aiPatternGains;
     double m_fVariation; // dB to either side, from frame to frame
 
-    Random m_stRandom;
+    Random &m_stRandom;
     PinConfig m_stConfig;
     Patterns m_au32Selected{};
     TxChoice m_stTx;
@@ -429,13 +429,13 @@ double Antennas::PatternGain(uint32_t u32Pattern) const {
 }
 
 std::array<Antennas::Levels, 2> Antennas::Measure(uint32_t u32Pattern) {
-    const Measurement stMeasurement = m_stModem.Air().Measure(*m_stLink.Serving(), m_stModem.Now());
     std::array<Levels, 2> astLevels{};
     for (size_t i = 0; i < astLevels.size(); ++i) {
         const double fChange =
             m_afGains[i] + PatternGain(u32Pattern) + m_fVariation * (2 * m_stRandom.Uniform() - 1);
-        astLevels[i] = {Rounded(stMeasurement.fRSSI + fChange),
-                        Rounded(stMeasurement.fCINR + fChange)};
+        const Measurement stMeasurement =
+            m_stModem.Air().Measure(*m_stLink.Serving(), m_stModem.Now(), fChange);
+        astLevels[i] = {Rounded(stMeasurement.fRSSI), Rounded(stMeasurement.fCINR)};
     }
     return astLevels;
 }

@@ -1,10 +1,7 @@
 // Chipset control: reset, firmware download, and the state of the modem, which is
 // answered at once whatever that state is.
 #include <array>
-#include <cstdio>
-#include <filesystem>
 #include <string>
-#include <system_error>
 
 #include "StationRecords.h"
 #include "host/HostSubsystems.h"
@@ -42,19 +39,6 @@ std::string TextIn(ByteView stBytes) {
 
 ByteView PathIn(ByteView stRequest) {
     return stRequest.From(DownloadRequest::acPath, DownloadRequest::PathSize);
-}
-
-// Nothing for a file that is not there or cannot be read.
-std::optional<uint64_t> SizeOf(const std::string &strPath) {
-    std::error_code stError;
-    const bool bRegular = std::filesystem::is_regular_file(strPath, stError);
-    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> pstFile(
-        bRegular ? std::fopen(strPath.c_str(), "rb") : nullptr, &std::fclose);
-    if (pstFile == nullptr) {
-        return std::nullopt;
-    }
-    const uint64_t u64Size = std::filesystem::file_size(strPath, stError);
-    return stError ? std::nullopt : std::optional(u64Size);
 }
 
 class Chipset : public Subsystem {
@@ -189,7 +173,7 @@ void Chipset::Transfer() {
     uint32_t u32Result = Downloaded;
     if (m_bRequireFiles) {
         const std::optional<uint64_t> u64OnHost =
-            SizeOf(OnHost(TextIn(PathIn(m_stRequest.View()))));
+            m_stModem.TheFiles().SizeOf(OnHost(TextIn(PathIn(m_stRequest.View()))));
         u64Size = u64OnHost.value_or(0);
         u32Result = u64OnHost ? u32Result : NoSuchFile;
     }

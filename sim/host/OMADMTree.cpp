@@ -96,6 +96,7 @@ class OMADMTree : public Subsystem {
     int32_t Set(const Request &stRequest);
     int32_t Get(const Request &stRequest);
     int32_t GetSize(const Request &stRequest);
+    std::string ImageIn(const std::string &strName) const;
     int32_t UpdateTree(const Request &stRequest);
     int32_t ReadIMEI(const Request &stRequest) const;
 
@@ -215,22 +216,29 @@ int32_t OMADMTree::Set(const Request &stRequest) {
     return 0;
 }
 
+// Empty when there is none of its size, or none that can be read.
+std::string OMADMTree::ImageIn(const std::string &strName) const {
+    try {
+        Files &stFiles = m_stModem.TheFiles();
+        return stFiles.SizeOf(strName) == OMADMTreeImage::Size ? stFiles.Read(strName).value_or("")
+                                                               : "";
+    } catch (const ScenarioError &) {
+        return "";
+    }
+}
+
 // Reads the image that the host wrote. A good one takes the tree back to what it
 // was built with.
 int32_t OMADMTree::UpdateTree(const Request &stRequest) {
     using namespace OMADMTreeImage;
     constexpr uint32_t u32KnownVersion = 1;
     const std::string strName(TextOf(stRequest.stPayload.From(OMADMTreeUpdate::acFileName)));
-    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> pstFile(
-        std::fopen(strName.c_str(), "rb"), std::fclose);
-    if (pstFile == nullptr) {
-        return LibraryError::BadFile;
-    }
-    Record<OMADMTreeImage::Size + 1> stImage; // one more byte shows a file that is too long
-    const size_t uRead = std::fread(stImage.aucBytes, 1, sizeof stImage.aucBytes, pstFile.get());
-    if (uRead != OMADMTreeImage::Size ||
-        ::Get(stImage.View(), OMADMTreeImage::u32Version) != u32KnownVersion ||
-        ::Get(stImage.View(), OMADMTreeImage::u32Length) != OMADMTreeImage::Size) {
+    const std::string strImage = ImageIn(strName);
+    const ByteView stImage{reinterpret_cast<const uint8_t *>(strImage.data()),
+                           static_cast<uint32_t>(strImage.size())};
+    if (stImage.u32Length != OMADMTreeImage::Size ||
+        ::Get(stImage, OMADMTreeImage::u32Version) != u32KnownVersion ||
+        ::Get(stImage, OMADMTreeImage::u32Length) != OMADMTreeImage::Size) {
         return LibraryError::BadFile;
     }
     for (const Node &stNode : m_astNodes) {

@@ -6,6 +6,8 @@
 #include <optional>
 #include <vector>
 
+#include "library/Refusal.h"
+#include "library/SavedModem.h"
 #include "library/StateReport.h"
 #include "scenario/TextFile.h"
 
@@ -13,16 +15,6 @@ namespace {
 
 constexpr ModemTime iUsualLimit = 3600 * i64Second;
 constexpr const char *pcCommand = "command";
-
-// What is wrong with a command.
-class Refusal : public std::exception {
-  public:
-    explicit Refusal(std::string strReason) : m_strReason(std::move(strReason)) {}
-    const char *what() const noexcept override { return m_strReason.c_str(); }
-
-  private:
-    std::string m_strReason;
-};
 
 // A command's words behind its name: "2/2", or a key and its value, "limit=5".
 struct Arguments {
@@ -66,12 +58,6 @@ Arguments ReadArguments(std::string_view strText) {
         strText.remove_prefix(uEnd + 1);
         stArguments.astKeyed.emplace_back(strKey, TakeValue(&strText));
     }
-}
-
-template <typename Use> std::string WithModem(Device &stDevice, Use pfnUse) {
-    std::string strAnswer = "ok";
-    stDevice.Steer([&](WholeModem &stModem) { pfnUse(stModem, &strAnswer); });
-    return strAnswer;
 }
 
 std::string SecondsOf(ModemTime iTime) {
@@ -146,36 +132,55 @@ std::string TimeScale(Device &stDevice, const Arguments &stArguments) {
     if (bSets && !stDevice.SetTimeScale(fScale)) {
         throw Refusal("the clock is stepped: it has no scale");
     }
-    return WithModem(stDevice, [](WholeModem &stModem, std::string *pstrAnswer) {
-        std::array<char, 32> acText{};
-        (void)std::snprintf(acText.data(), acText.size(), " %.12g",
+    std::array<char, 32> acText{};
+    stDevice.Look([&](WholeModem &stModem) {
+        (void)std::snprintf(acText.data(), acText.size(), "ok %.12g",
                             stModem.HowTimePasses().fTimeScale);
-        *pstrAnswer += acText.data();
     });
+    return acText.data();
 }
 
-std::string Seed(Device &stDevice, const Arguments &stArguments) {
-    NeedPlain(stArguments, 0, 0);
+std::string PathOf(const Arguments &stArguments) {
+    NeedPlain(stArguments, 1, 1);
     KeysOf(stArguments).RefuseUnread();
-    return WithModem(stDevice, [](WholeModem &stModem, std::string *pstrAnswer) {
-        *pstrAnswer += " " + std::to_string(stModem.Seed());
-    });
+    if (stArguments.astrPlain[0].empty()) {
+        throw Refusal("a file has a name");
+    }
+    return stArguments.astrPlain[0];
 }
 
-std::string State(Device &stDevice, const Arguments &stArguments) {
-    NeedPlain(stArguments, 0, 0);
-    KeysOf(stArguments).RefuseUnread();
-    return WithModem(stDevice, [](WholeModem &stModem, std::string *pstrAnswer) {
-        *pstrAnswer += " " + StateReport(stModem);
-    });
+std::string Save(Device &stDevice, const Arguments &stArguments) {
+    SaveModem(stDevice, PathOf(stArguments));
+    return "ok";
 }
 
-std::string Stations(Device &stDevice, const Arguments &stArguments) {
+std::string Load(Device &stDevice, const Arguments &stArguments) {
+    LoadModem(stDevice, PathOf(stArguments));
+    return "ok " + SecondsOf(stDevice.Now());
+}
+
+std::string Seed(WholeModem &stModem, const Arguments &stArguments) {
+    NeedPlain(stArguments, 0, 1);
+    const Scenario stKeys = KeysOf(stArguments, "seed");
+    const bool bSets = stKeys.Root().Has("seed");
+    const int64_t iSeed = stKeys.Root().Integer("seed", 0, INT64_MAX, 0);
+    stKeys.RefuseUnread();
+    if (bSets) {
+        stModem.SetSeed(static_cast<uint64_t>(iSeed));
+    }
+    return "ok " + std::to_string(stModem.Seed());
+}
+
+std::string State(WholeModem &stModem, const Arguments &stArguments) {
     NeedPlain(stArguments, 0, 0);
     KeysOf(stArguments).RefuseUnread();
-    return WithModem(stDevice, [](WholeModem &stModem, std::string *pstrAnswer) {
-        *pstrAnswer += " " + StationReport(stModem);
-    });
+    return "ok " + StateReport(stModem);
+}
+
+std::string Stations(WholeModem &stModem, const Arguments &stArguments) {
+    NeedPlain(stArguments, 0, 0);
+    KeysOf(stArguments).RefuseUnread();
+    return "ok " + StationReport(stModem);
 }
 
 void SwitchFaults(Faults &stFaults, const Arguments &stArguments) {
@@ -194,54 +199,60 @@ void SwitchFaults(Faults &stFaults, const Arguments &stArguments) {
     }
 }
 
-std::string Fault(Device &stDevice, const Arguments &stArguments) {
+std::string Fault(WholeModem &stModem, const Arguments &stArguments) {
     NeedPlain(stArguments, 1, 2);
-    return WithModem(stDevice, [&](WholeModem &stModem, std::string *pstrAnswer) {
-        Faults &stFaults = stModem.TheFaults();
-        if (stArguments.astrPlain[0] == "on" || stArguments.astrPlain[0] == "off") {
-            SwitchFaults(stFaults, stArguments);
-            return;
-        }
-        NeedPlain(stArguments, 1, 1);
-        const Scenario stKeys = KeysOf(stArguments, "kind");
-        Faults::Fault stFault = stFaults.Read(stKeys.Root());
-        stKeys.RefuseUnread();
-        *pstrAnswer += " " + std::to_string(stFaults.Add(std::move(stFault)));
-    });
+    Faults &stFaults = stModem.TheFaults();
+    if (stArguments.astrPlain[0] == "on" || stArguments.astrPlain[0] == "off") {
+        SwitchFaults(stFaults, stArguments);
+        return "ok";
+    }
+    NeedPlain(stArguments, 1, 1);
+    const Scenario stKeys = KeysOf(stArguments, "kind");
+    Faults::Fault stFault = stFaults.Read(stKeys.Root());
+    stKeys.RefuseUnread();
+    return "ok " + std::to_string(stFaults.Add(std::move(stFault)));
 }
 
-std::string Event(Device &stDevice, const std::string &strKind, const Arguments &stArguments) {
+std::string Event(WholeModem &stModem, const std::string &strKind, const Arguments &stArguments) {
+    if (!stModem.TheEvents().Knows(strKind)) {
+        throw Refusal("there is no command \"" + strKind + "\" (help tells all)");
+    }
     NeedPlain(stArguments, 0, 0);
     Arguments stWhole = stArguments;
     stWhole.astrPlain = {strKind};
-    return WithModem(stDevice, [&](WholeModem &stModem, std::string *) {
-        const Scenario stKeys = KeysOf(stWhole, "kind");
-        Events::Planned stPlanned = stModem.TheEvents().Read(stKeys.Root(), Events::Unsaid::Now);
-        stKeys.RefuseUnread();
-        stModem.TheEvents().Plan(std::move(stPlanned));
-    });
+    const Scenario stKeys = KeysOf(stWhole, "kind");
+    Events::Planned stPlanned = stModem.TheEvents().Read(stKeys.Root(), Events::Unsaid::Now);
+    stKeys.RefuseUnread();
+    stModem.TheEvents().Plan(std::move(stPlanned));
+    return "ok";
 }
 
-std::string Help(Device &stDevice, const Arguments &stArguments);
+std::string Help(WholeModem &stModem, const Arguments &stArguments);
 
+// One that works with the device, or with the modem in it. Whatever is said behind the name of one
+// that changes the modem changes it; by its bare name it tells something.
 struct Command {
     const char *pcName;
     const char *pcUsage;
-    std::string (*pfnRun)(Device &stDevice, const Arguments &stArguments);
+    std::string (*pfnWithDevice)(Device &stDevice, const Arguments &stArguments);
+    std::string (*pfnWithModem)(WholeModem &stModem, const Arguments &stArguments);
+    bool bChanges;
 };
 
 constexpr std::array astCommands{
-    Command{"state", "state", State},
-    Command{"stations", "stations", Stations},
-    Command{"advance", "advance SECONDS", Advance},
-    Command{"until", "until TYPE/SUBTYPE|idle [limit=SECONDS]", Until},
-    Command{"time-scale", "time-scale [SCALE]", TimeScale},
-    Command{"seed", "seed", Seed},
-    Command{"fault", "fault KIND [KEY=VALUE]...; fault on|off NUMBER|all", Fault},
-    Command{"help", "help", Help},
+    Command{"state", "state", nullptr, State, false},
+    Command{"stations", "stations", nullptr, Stations, false},
+    Command{"advance", "advance SECONDS", Advance, nullptr, false},
+    Command{"until", "until TYPE/SUBTYPE|idle [limit=SECONDS]", Until, nullptr, false},
+    Command{"time-scale", "time-scale [SCALE]", TimeScale, nullptr, false},
+    Command{"seed", "seed [SEED]", nullptr, Seed, true},
+    Command{"save", "save FILE", Save, nullptr, false},
+    Command{"load", "load FILE", Load, nullptr, false},
+    Command{"fault", "fault KIND [KEY=VALUE]...; fault on|off NUMBER|all", nullptr, Fault, true},
+    Command{"help", "help", nullptr, Help, false},
 };
 
-std::string Help(Device &stDevice, const Arguments &stArguments) {
+std::string Help(WholeModem &stModem, const Arguments &stArguments) {
     NeedPlain(stArguments, 0, 0);
     KeysOf(stArguments).RefuseUnread();
     std::string strAnswer = "ok";
@@ -249,36 +260,66 @@ std::string Help(Device &stDevice, const Arguments &stArguments) {
         strAnswer += std::string(" ") + stCommand.pcUsage + ";";
     }
     strAnswer += " EVENT [KEY=VALUE]..., EVENT one of";
-    stDevice.Steer([&](WholeModem &stModem) {
-        for (const std::string &strKind : stModem.TheEvents().Kinds()) {
-            strAnswer += " " + strKind;
-        }
-    });
+    for (const std::string &strKind : stModem.TheEvents().Kinds()) {
+        strAnswer += " " + strKind;
+    }
     return strAnswer;
 }
 
-std::string Run(Device &stDevice, std::string_view strCommand) {
-    const size_t uStart = std::min(strCommand.find_first_not_of(' '), strCommand.size());
-    strCommand.remove_prefix(uStart);
-    const std::string strName(strCommand.substr(0, strCommand.find(' ')));
-    if (strName.empty()) {
-        throw Refusal("there is no command in this line");
-    }
-    const Arguments stArguments = ReadArguments(strCommand.substr(strName.size()));
-    for (const Command &stCommand : astCommands) {
-        if (strName == stCommand.pcName) {
-            return stCommand.pfnRun(stDevice, stArguments);
+// A command, taken apart. Null: the name is that of an event, if anything's.
+struct Line {
+    std::string strName;
+    Arguments stArguments;
+    const Command *pstCommand;
+
+    explicit Line(std::string_view strCommand) {
+        strCommand.remove_prefix(std::min(strCommand.find_first_not_of(' '), strCommand.size()));
+        strName = strCommand.substr(0, strCommand.find(' '));
+        if (strName.empty()) {
+            throw Refusal("there is no command in this line");
         }
+        stArguments = ReadArguments(strCommand.substr(strName.size()));
+        const auto *const pstFound =
+            std::find_if(astCommands.begin(), astCommands.end(),
+                         [&](const Command &stOne) { return strName == stOne.pcName; });
+        pstCommand = pstFound != astCommands.end() ? pstFound : nullptr;
     }
-    bool bEvent = false;
-    stDevice.Steer([&](WholeModem &stModem) { bEvent = stModem.TheEvents().Knows(strName); });
-    if (!bEvent) {
-        throw Refusal("there is no command \"" + strName + "\" (help tells all)");
+
+    bool Changes() const {
+        const bool bBare = stArguments.astrPlain.empty() && stArguments.astKeyed.empty();
+        return pstCommand == nullptr || (pstCommand->bChanges && !bBare);
     }
-    return Event(stDevice, strName, stArguments);
+    std::string CarryOut(WholeModem &stModem) const {
+        return pstCommand != nullptr ? pstCommand->pfnWithModem(stModem, stArguments)
+                                     : Event(stModem, strName, stArguments);
+    }
+};
+
+std::string Run(Device &stDevice, const std::string &strCommand) {
+    const Line stLine(strCommand);
+    if (stLine.pstCommand != nullptr && stLine.pstCommand->pfnWithDevice != nullptr) {
+        return stLine.pstCommand->pfnWithDevice(stDevice, stLine.stArguments);
+    }
+    std::string strAnswer;
+    const auto CarryOut = [&](WholeModem &stModem) { strAnswer = stLine.CarryOut(stModem); };
+    if (stLine.Changes()) {
+        stDevice.Steer(strCommand, CarryOut);
+    } else {
+        stDevice.Look(CarryOut);
+    }
+    return strAnswer;
 }
 
 } // namespace
+
+void CarryOutCommand(WholeModem &stModem, std::string_view strCommand) {
+    const Line stLine(strCommand);
+    if (!stLine.Changes() ||
+        (stLine.pstCommand != nullptr && stLine.pstCommand->pfnWithModem == nullptr)) {
+        throw Refusal("\"" + stLine.strName + "\" changes nothing in a modem");
+    }
+    (void)stLine.CarryOut(stModem);
+}
 
 std::string AnswerTo(Device &stDevice, std::string_view strCommand) {
     if (strCommand.ends_with('\r')) {
@@ -288,7 +329,7 @@ std::string AnswerTo(Device &stDevice, std::string_view strCommand) {
         return "error a command is a line of text";
     }
     try {
-        return Run(stDevice, strCommand);
+        return Run(stDevice, std::string(strCommand));
     } catch (const ScenarioError &stError) {
         return "error " + stError.Reason();
     } catch (const std::exception &stError) {

@@ -1,6 +1,7 @@
 #include "library/Device.h"
 
 #include "library/QuietThread.h"
+#include "library/Refusal.h"
 
 namespace {
 
@@ -19,11 +20,11 @@ constexpr std::chrono::milliseconds stLongestBehind(250);
 
 } // namespace
 
-Device::Device(std::unique_ptr<WholeModem> pstModem)
-    : m_pstModem(std::move(pstModem)), m_stClock(m_pstModem->HowTimePasses().fTimeScale) {}
+Device::Device(JournaledModem stModem)
+    : m_stModem(std::move(stModem)), m_stClock(m_stModem->HowTimePasses().fTimeScale) {}
 
-std::shared_ptr<Device> Device::Start(std::unique_ptr<WholeModem> pstModem) {
-    std::shared_ptr<Device> pstDevice(new Device(std::move(pstModem)));
+std::shared_ptr<Device> Device::Start(JournaledModem stModem) {
+    std::shared_ptr<Device> pstDevice(new Device(std::move(stModem)));
     pstDevice->m_stThread = StartQuietThread([pstDevice] { pstDevice->Run(); });
     return pstDevice;
 }
@@ -40,11 +41,14 @@ void Device::GiveWay(std::unique_lock<std::mutex> &stLock) {
     stLock.lock();
 }
 
-std::unique_lock<std::mutex> Device::Enter(bool bCall) {
+std::unique_lock<std::mutex> Device::Enter(Turn eTurn) {
     std::unique_lock stLock = Lock();
     if (Stepped()) {
-        const ModemTime iTakes = bCall ? m_pstModem->HowTimePasses().iCallTime : 0;
-        m_pstModem->AdvanceTo(m_pstModem->Now() + iTakes);
+        if (eTurn == Turn::Call) {
+            m_stModem.PassCallTime();
+        } else if (eTurn == Turn::Steering) {
+            m_stModem.LiveTo(m_stModem->Now());
+        }
     } else if (!m_stBehindSince || RealClock::Now() - *m_stBehindSince > stLongestBehind) {
         // A thread that is behind is at it itself, unless a callback keeps it.
         CatchUp(SIZE_MAX);
@@ -62,16 +66,17 @@ void Device::Leave(std::unique_lock<std::mutex> &stLock) {
 }
 
 void Device::SetCallback(WiMAXCallback pfnCallback, uint32_t u32Context) {
-    std::unique_lock stLock = Enter(true);
+    std::unique_lock stLock = Enter(Turn::Call);
     m_pfnCallback = pfnCallback;
     m_u32Context = u32Context;
+    m_stModem.SetListening(pfnCallback != nullptr);
     Leave(stLock);
 }
 
 int32_t Device::Send(uint8_t *pucMessage, uint32_t u32Length) {
-    std::unique_lock stLock = Enter(true);
-    const int32_t iResult = m_pstModem->Send(pucMessage, u32Length);
-    const bool bHolds = m_pstModem->HoldsSender();
+    std::unique_lock stLock = Enter(Turn::Call);
+    const int32_t iResult = m_stModem.Send(pucMessage, u32Length);
+    const bool bHolds = m_stModem->HoldsSender();
     m_bSenderHeld = m_bSenderHeld || bHolds;
     Leave(stLock);
     if (bHolds && !Stepped()) {
@@ -85,28 +90,28 @@ void Device::WaitForAnswer(std::unique_lock<std::mutex> &stLock) {
     if (!m_bStopping && !InOwnThread()) {
         m_stDelivered.wait_for(stLock, stLongestHold, [this] {
             return m_bStopping || m_pfnCallback == nullptr ||
-                   (!m_bDelivering && m_pstModem->AllTold());
+                   (!m_bDelivering && m_stModem->AllTold());
         });
     }
 }
 
 int32_t Device::ReadMemory(uint32_t u32Address, ByteSpan stTo) {
-    std::unique_lock stLock = Enter(true);
-    const int32_t iResult = m_pstModem->ReadMemory(u32Address, stTo);
+    std::unique_lock stLock = Enter(Turn::Call);
+    const int32_t iResult = m_stModem.ReadMemory(u32Address, stTo);
     Leave(stLock);
     return iResult;
 }
 
 int32_t Device::WriteMemory(uint32_t u32Address, ByteView stFrom) {
-    std::unique_lock stLock = Enter(true);
-    const int32_t iResult = m_pstModem->WriteMemory(u32Address, stFrom);
+    std::unique_lock stLock = Enter(Turn::Call);
+    const int32_t iResult = m_stModem.WriteMemory(u32Address, stFrom);
     Leave(stLock);
     return iResult;
 }
 
 bool Device::Unloaded() {
     const std::unique_lock stLock = Lock();
-    return m_pstModem->Unloaded();
+    return m_stModem->Unloaded();
 }
 
 void Device::Stop() {
@@ -141,7 +146,7 @@ void Device::Run() {
 
 bool Device::DeliverNext(std::unique_lock<std::mutex> &stLock) {
     MessageBytes aucMessage;
-    if (m_pfnCallback == nullptr || !m_pstModem->TakeMessage(&aucMessage)) {
+    if (m_pfnCallback == nullptr || !m_stModem.Take(&aucMessage)) {
         return false;
     }
     Deliver(stLock, aucMessage);
@@ -175,12 +180,12 @@ void Device::RunReal(std::unique_lock<std::mutex> &stLock) {
             continue;
         }
         CatchUp(m_pfnCallback != nullptr ? uSliceMessages : SIZE_MAX);
-        if (m_pfnCallback != nullptr && m_pstModem->Waiting() != 0) {
+        if (m_pfnCallback != nullptr && m_stModem->Waiting() != 0) {
             continue;
         }
         if (m_stBehindSince) {
             GiveWay(stLock);
-        } else if (const std::optional<ModemTime> iDue = m_pstModem->NextDue()) {
+        } else if (const std::optional<ModemTime> iDue = m_stModem->NextDue()) {
             m_stWork.wait_until(stLock, m_stClock.MomentOf(*iDue));
         } else {
             m_stWork.wait(stLock);
@@ -192,14 +197,14 @@ void Device::RunReal(std::unique_lock<std::mutex> &stLock) {
 void Device::CatchUp(size_t uMostWaiting) {
     const RealClock::Moment stNow = RealClock::Now();
     const ModemTime iUntil = m_stClock.TimeAt(stNow);
-    for (auto iDue = m_pstModem->NextDue(); iDue && *iDue <= iUntil; iDue = m_pstModem->NextDue()) {
-        m_pstModem->AdvanceTo(*iDue);
-        if (m_pstModem->Waiting() >= uMostWaiting || RealClock::Now() - stNow > stLongestSlice) {
+    for (auto iDue = m_stModem->NextDue(); iDue && *iDue <= iUntil; iDue = m_stModem->NextDue()) {
+        m_stModem.LiveTo(*iDue);
+        if (m_stModem->Waiting() >= uMostWaiting || RealClock::Now() - stNow > stLongestSlice) {
             NoteBehind(true);
             return;
         }
     }
-    m_pstModem->AdvanceTo(iUntil);
+    m_stModem.LiveTo(iUntil);
     NoteBehind(false);
 }
 
@@ -210,7 +215,7 @@ void Device::NoteBehind(bool bBehind) {
     } else if (!m_stBehindSince) {
         m_stBehindSince = stNow;
     } else if (stNow - *m_stBehindSince > stLongestBehind) {
-        m_stClock.SlipTo(m_pstModem->Now(), stNow);
+        m_stClock.SlipTo(m_stModem->Now(), stNow);
         m_stBehindSince = stNow;
     }
 }
@@ -235,10 +240,10 @@ void Device::RunStepped(std::unique_lock<std::mutex> &stLock) {
 
 // Goes to the next thing due, if somebody waits for what comes then or later.
 bool Device::Step() {
-    const Modem &stModem = *m_pstModem;
+    const Modem &stModem = *m_stModem.operator->();
     const bool bForAnswer = stModem.HowTimePasses().bJumps || (m_bSenderHeld && !stModem.AllTold());
     if (bForAnswer && stModem.NextAwaited()) {
-        m_pstModem->AdvanceTo(*stModem.NextDue());
+        m_stModem.LiveTo(*stModem.NextDue());
         return true;
     }
     if (!m_stGoal) {
@@ -252,17 +257,17 @@ bool Device::Step() {
 }
 
 std::optional<Device::AdvanceEnd> Device::StepTowards(const Goal &stGoal) {
-    const bool bReached = (stGoal.eUntil == Until::Message && m_pstModem->Heard()) ||
-                          (stGoal.eUntil == Until::Idle && !m_pstModem->NextAwaited());
+    const bool bReached = (stGoal.eUntil == Until::Message && m_stModem->Heard()) ||
+                          (stGoal.eUntil == Until::Idle && !m_stModem->NextAwaited());
     if (bReached) {
         return AdvanceEnd::Reached;
     }
-    const std::optional<ModemTime> iDue = m_pstModem->NextDue();
+    const std::optional<ModemTime> iDue = m_stModem->NextDue();
     if (iDue && *iDue <= stGoal.iLatest) {
-        m_pstModem->AdvanceTo(*iDue);
+        m_stModem.LiveTo(*iDue);
         return std::nullopt;
     }
-    m_pstModem->AdvanceTo(stGoal.iLatest);
+    m_stModem.LiveTo(stGoal.iLatest);
     return stGoal.eUntil == Until::Time ? AdvanceEnd::Reached : AdvanceEnd::Limit;
 }
 
@@ -287,8 +292,8 @@ Device::AdvanceEnd Device::AdvanceTowards(Until eUntil, ModemTime iBy, uint32_t 
     if (!Stepped()) {
         return AdvanceEnd::NotStepped;
     }
-    m_pstModem->ListenFor(u32Type, u32SubType);
-    m_stGoal = Goal{eUntil, m_pstModem->Now() + iBy};
+    m_stModem.Itself().ListenFor(u32Type, u32SubType);
+    m_stGoal = Goal{eUntil, m_stModem->Now() + iBy};
     m_bThreadRests = false;
     m_stWork.notify_one();
     m_stDelivered.wait(stLock, [this] { return m_bStopping || m_bThreadRests; });
@@ -297,23 +302,73 @@ Device::AdvanceEnd Device::AdvanceTowards(Until eUntil, ModemTime iBy, uint32_t 
 
 ModemTime Device::Now() {
     const std::unique_lock stLock = Lock();
-    return m_pstModem->Now();
+    return m_stModem->Now();
 }
 
-void Device::Steer(const std::function<void(WholeModem &)> &pfnUse) {
-    std::unique_lock stLock = Enter(false);
-    pfnUse(*m_pstModem);
-    m_pstModem->AdvanceTo(m_pstModem->Now()); // what has to happen at once
+template <typename Use> void Device::AtOnce(Turn eTurn, Use pfnUse) {
+    std::unique_lock stLock = Enter(eTurn);
+    try {
+        pfnUse();
+    } catch (...) {
+        Leave(stLock);
+        throw;
+    }
     Leave(stLock);
 }
 
+void Device::Look(const std::function<void(WholeModem &)> &pfnUse) {
+    AtOnce(Turn::Look, [&] { pfnUse(m_stModem.Itself()); });
+}
+
+void Device::Steer(const std::string &strCommand, const std::function<void(WholeModem &)> &pfnUse) {
+    AtOnce(Turn::Steering, [&] { m_stModem.CarryOut(strCommand, pfnUse); });
+}
+
 bool Device::SetTimeScale(double fTimeScale) {
-    std::unique_lock stLock = Enter(false);
+    std::unique_lock stLock = Enter(Turn::Look);
     if (Stepped()) {
         return false;
     }
     m_stClock.SetScale(fTimeScale, RealClock::Now());
-    m_pstModem->SetTimeScale(fTimeScale);
+    m_stModem.Itself().SetTimeScale(fTimeScale);
     Leave(stLock);
     return true;
+}
+
+// Another modem in this one's place.
+
+void Device::RefuseUnlessStepped() {
+    const std::unique_lock stLock = Lock();
+    if (!Stepped()) {
+        throw Refusal("the clock is the real one: only a modem with the stepped one can be saved");
+    }
+}
+
+std::unique_lock<std::mutex> Device::LockAtRest() {
+    RefuseUnlessStepped();
+    std::unique_lock stLock = Lock();
+    Leave(stLock);
+    if (m_bStopping || !m_bThreadRests) {
+        throw Refusal(m_bStopping ? "the device was closed meanwhile"
+                                  : "a callback does not return");
+    }
+    return stLock;
+}
+
+std::string Device::JournalText() {
+    const std::unique_lock stLock = LockAtRest();
+    std::optional<std::string> strText = m_stModem.JournalText();
+    if (!strText) {
+        throw Refusal("the modem has been asked too much to be saved: more than " +
+                      std::to_string(uMostJournal) + " bytes");
+    }
+    return std::move(*strText);
+}
+
+void Device::Replace(JournaledModem stModem) {
+    const std::lock_guard stAdvancing(m_stAdvancing);
+    std::unique_lock stLock = LockAtRest();
+    std::swap(m_stModem, stModem);
+    m_stModem.ChangeListener(m_pfnCallback != nullptr);
+    Leave(stLock);
 }

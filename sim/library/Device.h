@@ -7,21 +7,23 @@
 #ifndef DEVICE_H
 #define DEVICE_H
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <thread>
 
-#include "library/WholeModem.h"
+#include "library/JournaledModem.h"
 #include "time/RealClock.h"
 
 class Device : public std::enable_shared_from_this<Device> {
   public:
     // Starts the clock and the thread.
-    static std::shared_ptr<Device> Start(std::unique_ptr<WholeModem> pstModem);
+    static std::shared_ptr<Device> Start(JournaledModem stModem);
 
     // Messages wait until there is a callback. Null: they wait again.
     void SetCallback(WiMAXCallback pfnCallback, uint32_t u32Context);
@@ -54,10 +56,20 @@ class Device : public std::enable_shared_from_this<Device> {
     // ---- Steering; from any thread but the callback's ----
 
     // Runs pfnUse with the modem at this moment; what comes of it is delivered as what comes of
-    // a call. It takes no modem time.
-    void Steer(const std::function<void(WholeModem &)> &pfnUse);
+    // a call. It takes no modem time. Whoever changes something says by what command.
+    void Look(const std::function<void(WholeModem &)> &pfnUse);
+    void Steer(const std::string &strCommand, const std::function<void(WholeModem &)> &pfnUse);
     // False, and no change, with the stepped clock.
     bool SetTimeScale(double fTimeScale);
+
+    // ---- Another modem in this one's place; from any thread but the callback's. They wait until
+    // the callback has all messages of this one, and throw Refusal ----
+
+    void RefuseUnlessStepped();
+    std::string JournalText();
+    void Replace(JournaledModem stModem);
+    // Who works for the device for long may leave it.
+    bool Stopping() const { return m_bStopping; }
 
   private:
     enum class Until : uint8_t { Time, Message, Idle };
@@ -66,14 +78,17 @@ class Device : public std::enable_shared_from_this<Device> {
         ModemTime iLatest;
     };
 
-    explicit Device(std::unique_ptr<WholeModem> pstModem);
-    bool Stepped() const { return m_pstModem->HowTimePasses().bStepped; }
+    explicit Device(JournaledModem stModem);
+    bool Stepped() const { return m_stModem->HowTimePasses().bStepped; }
     bool InOwnThread() const { return m_stThread.get_id() == std::this_thread::get_id(); }
     std::unique_lock<std::mutex> Lock();
+    std::unique_lock<std::mutex> LockAtRest();
     void GiveWay(std::unique_lock<std::mutex> &stLock);
-    // The beginning and the end of a client's call, or of steering, which takes no modem time.
-    std::unique_lock<std::mutex> Enter(bool bCall);
+    // The beginning and the end of whatever others do. Only a call takes modem time.
+    enum class Turn : uint8_t { Call, Steering, Look };
+    std::unique_lock<std::mutex> Enter(Turn eTurn);
     void Leave(std::unique_lock<std::mutex> &stLock);
+    template <typename Use> void AtOnce(Turn eTurn, Use pfnUse);
 
     void Run();
     void RunReal(std::unique_lock<std::mutex> &stLock);
@@ -96,7 +111,7 @@ class Device : public std::enable_shared_from_this<Device> {
     std::condition_variable m_stWork;
     std::condition_variable m_stEnded;
     std::condition_variable m_stDelivered;
-    std::unique_ptr<WholeModem> m_pstModem;
+    JournaledModem m_stModem;
     RealClock m_stClock;
     std::optional<RealClock::Moment> m_stBehindSince; // the real clock
     WiMAXCallback m_pfnCallback = nullptr;
@@ -106,7 +121,7 @@ class Device : public std::enable_shared_from_this<Device> {
     bool m_bSenderHeld = false;
     std::optional<Goal> m_stGoal;
     AdvanceEnd m_eLastEnd = AdvanceEnd::Reached;
-    bool m_bStopping = false;
+    std::atomic<bool> m_bStopping = false;
     bool m_bEnded = false;
     std::thread m_stThread;
 };

@@ -58,6 +58,18 @@ void Faults::SwitchAll(bool bOn) {
     }
 }
 
+uint64_t Faults::SeedOfFault(size_t uIndex) const {
+    return SeedFor(m_u64Seed, "fault " + std::to_string(uIndex));
+}
+
+void Faults::SetSeed(uint64_t u64Seed) {
+    m_u64Seed = u64Seed;
+    for (Fault &stFault : m_astFaults) {
+        stFault.u64Seed = SeedOfFault(static_cast<size_t>(&stFault - m_astFaults.data()));
+        stFault.astRandoms.clear();
+    }
+}
+
 std::vector<FaultReport> Faults::Reports() const {
     std::vector<FaultReport> astReports;
     for (const Fault &stFault : m_astFaults) {
@@ -81,7 +93,7 @@ Faults::Fault Faults::Read(const Section &stSection) const {
                   std::nullopt,
                   std::nullopt,
                   {},
-                  SeedFor(m_u64Seed, "fault " + std::to_string(m_astFaults.size())),
+                  SeedOfFault(m_astFaults.size()),
                   {}};
     // Only the keys of its kind have a meaning.
     switch (stFault.u32Kind) {

@@ -66,11 +66,14 @@ class Faults {
     // False when there is none with this number.
     bool Switch(uint32_t u32Number, bool bOn);
     void SwitchAll(bool bOn);
+    // From now on all faults follow another seed.
+    void SetSeed(uint64_t u64Seed);
     std::vector<FaultReport> Reports() const;
     // Sends a message of the modem through all the faults.
     void Pass(MessageBytes aucMessage);
 
   private:
+    uint64_t SeedOfFault(size_t uIndex) const;
     // Lets the message go through the faults from uFirst on.
     void PassFrom(size_t uFirst, MessageBytes aucMessage);
     static void DamageMessage(Fault &stFault, MessageBytes *paucMessage);

@@ -35,8 +35,19 @@ std::shared_ptr<Device> OpenDevice() {
     return TheLibrary().pstDevice;
 }
 
-Scenario ChosenScenario(const std::string &strPath) {
-    return strPath.empty() ? Scenario::BuiltIn() : Scenario::FromFile(strPath);
+Scenario ChosenScenario(const std::string &strPath, std::shared_ptr<Files> pstFiles) {
+    return strPath.empty() ? Scenario::BuiltIn(std::move(pstFiles))
+                           : Scenario::FromFile(strPath, std::move(pstFiles));
+}
+
+// A journal is for those who can ask for it, and for a modem whose time repeats.
+JournaledModem Journaled(std::unique_ptr<WholeModem> pstModem, bool bCanBeAsked,
+                         std::shared_ptr<JournaledFiles> pstFiles) {
+    if (bCanBeAsked && pstModem->HowTimePasses().bStepped) {
+        return JournaledModem(std::move(pstModem), std::make_unique<Journal>(std::move(pstFiles)));
+    }
+    pstFiles->Forget();
+    return JournaledModem(std::move(pstModem));
 }
 
 // One line for one mistake, however often the client tries.
@@ -95,7 +106,8 @@ uint32_t Open() {
         stLibrary.u32Attempts = 0;
     }
     ++stLibrary.u32Attempts;
-    auto pstModem = std::make_unique<WholeModem>(ChosenScenario(strScenario));
+    const auto pstFiles = std::make_shared<JournaledFiles>();
+    auto pstModem = std::make_unique<WholeModem>(ChosenScenario(strScenario, pstFiles));
     if (!pstModem->OpensAt(stLibrary.u32Attempts)) {
         return WIMAX_NO_DEVICE;
     }
@@ -103,7 +115,8 @@ uint32_t Open() {
         stLibrary.pstControl->LeavePath();
     }
     std::unique_ptr<Control> pstControl = WantedControl();
-    std::shared_ptr<Device> pstDevice = Device::Start(std::move(pstModem));
+    std::shared_ptr<Device> pstDevice =
+        Device::Start(Journaled(std::move(pstModem), pstControl != nullptr, pstFiles));
     if (pstControl != nullptr) {
         pstControl->Serve(pstDevice);
     }

@@ -77,6 +77,16 @@ std::string LinkRow(WholeModem &stModem) {
         .AsObject();
 }
 
+std::string PlaceRow(WholeModem &stModem) {
+    const Route &stRoute = stModem.Air().TheRoute();
+    const Place stPlace = stRoute.At(stModem.Now());
+    return Row()
+        .Add("x", Decimal(stPlace.fX, 1))
+        .Add("y", Decimal(stPlace.fY, 1))
+        .Add("travelled", Decimal(stRoute.Travelled(stModem.Now()), 1))
+        .AsObject();
+}
+
 std::string FlowRows(WholeModem &stModem) {
     Row stFlows;
     for (const Connection &stConnection : stModem.TheSignalling().Connections()) {
@@ -150,8 +160,11 @@ std::string StateReport(WholeModem &stModem) {
              Decimal(static_cast<double>(stModem.Now()) / static_cast<double>(i64Second), 6))
         .Add("clock", stClock.bStepped ? "\"stepped\"" : "\"real\"")
         .Add("seed", Whole(stModem.Seed()))
-        .Add("link", LinkRow(stModem))
-        .Add("stations", StationReport(stModem))
+        .Add("link", LinkRow(stModem));
+    if (stModem.Air().HasPlaces()) {
+        stState.Add("place", PlaceRow(stModem));
+    }
+    stState.Add("stations", StationReport(stModem))
         .Add("flows", FlowRows(stModem))
         .Add("counters", CounterRow(stModem))
         .Add("faults", FaultRows(stModem));

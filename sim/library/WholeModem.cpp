@@ -59,6 +59,11 @@ void WholeModem::Restart() {
     }
 }
 
+void WholeModem::SetSeed(uint64_t u64Seed) {
+    Modem::SetSeed(u64Seed);
+    m_stFaults.SetSeed(u64Seed);
+}
+
 std::optional<int32_t> WholeModem::SendFailure(uint32_t u32Type, uint32_t u32SubType) {
     return m_stFaults.SendFailure(u32Type, u32SubType);
 }

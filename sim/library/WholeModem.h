@@ -19,6 +19,7 @@ class WholeModem : public Modem {
     explicit WholeModem(Scenario stScenario);
 
     void Restart() override;
+    void SetSeed(uint64_t u64Seed) override;
     Faults &TheFaults() { return m_stFaults; }
 
   private:

@@ -41,7 +41,7 @@ class Handovers : public Subsystem {
     uint32_t m_u32MostAttempts;
     double m_fRangingFailure; // probability for each attempt
 
-    Random m_stRandom;
+    Random &m_stRandom;
     Timer m_stLook;
     Timer m_stStep; // of the handover under way
     Station *m_pstCandidate = nullptr;

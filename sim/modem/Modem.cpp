@@ -28,14 +28,14 @@ bool Watches(uint32_t u32Type) {
 
 Modem::Modem(Scenario stScenario)
     : m_stScenario(std::move(stScenario)),
-      m_u64Seed(static_cast<uint64_t>(Root().Integer("seed", 0, INT64_MAX, 1))),
+      m_stChance(static_cast<uint64_t>(Root().Integer("seed", 0, INT64_MAX, 1))),
       m_stClockSettings(ReadClock(Root())), m_bPresent(Settings("device").Flag("present", true)),
       m_u32FailedOpens(
           static_cast<uint32_t>(Settings("device").Integer("failed-opens", 0, UINT32_MAX, 0))),
       m_iAnswerDelay(Settings("device").Seconds("answer-delay", 0, 1000, 0.02)),
-      m_stStateFile(Root()), m_stRadio(Root(), m_u64Seed),
-      m_stTraffic(Root(), m_u64Seed, m_stScheduler, m_stPresence), m_stOptions(Root()),
-      m_stSignalling(Root(), m_u64Seed, m_stScheduler, m_stRadio, m_stAttachment, m_stTraffic,
+      m_stStateFile(Root()), m_stRadio(Root(), Seed()),
+      m_stTraffic(Root(), m_stChance, m_stScheduler, m_stPresence), m_stOptions(Root()),
+      m_stSignalling(Root(), m_stChance, m_stScheduler, m_stRadio, m_stAttachment, m_stTraffic,
                      m_stPresence, m_stOptions, m_stAddress) {}
 
 void Modem::Know(Link &stLink, MIBStore &stMIBs, VendorRegionStore &stVendorRegion) {
@@ -63,6 +63,11 @@ ClockSettings Modem::ReadClock(const Section &stRoot) {
         stSettings.fTimeScale = stRoot.Number("time-scale", 0.001, 1e6, 1);
     }
     return stSettings;
+}
+
+void Modem::SetSeed(uint64_t u64Seed) {
+    m_stChance.SetSeed(u64Seed);
+    m_stRadio.SetSeed(u64Seed);
 }
 
 bool Modem::OpensAt(uint32_t u32Attempt) const {

@@ -96,6 +96,8 @@ class Modem {
     size_t Waiting() const { return m_astOutbox.size(); }
     const ClockSettings &HowTimePasses() const { return m_stClockSettings; }
     void SetTimeScale(double fTimeScale) { m_stClockSettings.fTimeScale = fTimeScale; }
+    // From now on all chance is that of another seed. What the modem was made with stays.
+    virtual void SetSeed(uint64_t u64Seed);
     // From now on, until a message of this kind is there to be taken: says so.
     void ListenFor(uint32_t u32Type, uint32_t u32SubType);
     bool Heard() const { return m_bHeard; }
@@ -141,8 +143,10 @@ class Modem {
     Section Settings(std::string_view strName) const { return m_stScenario.Root().Table(strName); }
     // The scenario outside all sections, for those that may stand several times.
     Section Root() const { return m_stScenario.Root(); }
-    uint64_t Seed() const { return m_u64Seed; }
-    Random RandomFor(std::string_view strPurpose) const { return {m_u64Seed, strPurpose}; }
+    Files &TheFiles() const { return Root().TheFiles(); }
+    const Scenario &TheScenario() const { return m_stScenario; }
+    uint64_t Seed() const { return m_stChance.Seed(); }
+    Random &RandomFor(const std::string &strPurpose) { return m_stChance.For(strPurpose); }
     Radio &Air() { return m_stRadio; }
     Presence &ThePresence() { return m_stPresence; }
     Traffic &UserTraffic() { return m_stTraffic; }
@@ -222,7 +226,7 @@ class Modem {
     const Row *RowOf(uint32_t u32Type, uint32_t u32SubType) const;
 
     Scenario m_stScenario;
-    uint64_t m_u64Seed;
+    Chance m_stChance;
     ClockSettings m_stClockSettings;
     bool m_bPresent;
     uint32_t m_u32FailedOpens;

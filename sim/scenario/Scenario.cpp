@@ -39,6 +39,9 @@ struct ScenarioValue {
 
 struct ScenarioDocument {
     ScenarioValue stRoot;
+    std::string strName;
+    std::string strText;
+    std::shared_ptr<Files> pstFiles;
 };
 
 namespace {
@@ -142,8 +145,8 @@ std::string PathBeside(const ScenarioValue &stPath) {
         .lexically_normal();
 }
 
-std::string ReadPresent(const std::string &strPath) {
-    std::optional<std::string> strText = ReadTextFile(strPath);
+std::string ReadPresent(Files &stFiles, const std::string &strPath) {
+    std::optional<std::string> strText = stFiles.Read(strPath);
     if (!strText) {
         throw ScenarioError(strPath, ScenarioError::u32WholeFile,
                             std::string("cannot be read: ") + std::strerror(ENOENT));
@@ -182,6 +185,8 @@ void Merge(ScenarioValue *pstUnder, ScenarioValue stOver) {
 // Reads a scenario with all that it includes.
 class Loader {
   public:
+    explicit Loader(Files &stFiles) : m_stFiles(stFiles) {}
+
     // NOLINTNEXTLINE(misc-no-recursion)
     ScenarioValue Load(std::string_view strText, const std::string &strName) {
         const auto pstrFile = std::make_shared<const std::string>(strName);
@@ -234,7 +239,7 @@ class Loader {
         }
         std::string strText;
         try {
-            strText = ReadPresent(strPath);
+            strText = ReadPresent(m_stFiles, strPath);
         } catch (const ScenarioError &stError) {
             throw ErrorIn(stPath, "\"include\" names " + Quoted(stPath.strText) + ", which " +
                                       stError.Reason());
@@ -242,6 +247,7 @@ class Loader {
         return Load(strText, strPath);
     }
 
+    Files &m_stFiles;
     std::vector<std::string> m_astrWithin; // the files that are being read
     uint32_t m_u32Files = 0;
 };
@@ -374,6 +380,8 @@ uint32_t Section::Choice(std::string_view strKey, std::span<const ScenarioWord> 
     Refuse(strKey, "must be one of " + strAllowed);
 }
 
+Files &Section::TheFiles() const { return *m_pstDocument->pstFiles; }
+
 std::vector<uint8_t> Section::Bytes(std::string_view strKey, size_t uMost) const {
     std::vector<uint8_t> aucBytes;
     if (!ReadBytes(Text(strKey, ""), &aucBytes)) {
@@ -439,22 +447,30 @@ Scenario::Scenario(Scenario &&) noexcept = default;
 Scenario &Scenario::operator=(Scenario &&) noexcept = default;
 Scenario::~Scenario() = default;
 
-Scenario Scenario::FromText(std::string_view strText, const std::string &strName) {
+Scenario Scenario::FromText(std::string_view strText, const std::string &strName,
+                            std::shared_ptr<Files> pstFiles) {
     auto pstDocument = std::make_unique<ScenarioDocument>();
-    pstDocument->stRoot = Loader().Load(strText, strName);
+    pstDocument->stRoot = Loader(*pstFiles).Load(strText, strName);
+    pstDocument->strName = strName;
+    pstDocument->strText = strText;
+    pstDocument->pstFiles = std::move(pstFiles);
     return Scenario(std::move(pstDocument));
 }
 
-Scenario Scenario::FromFile(const std::string &strPath) {
-    return FromText(ReadPresent(strPath), strPath);
+Scenario Scenario::FromFile(const std::string &strPath, std::shared_ptr<Files> pstFiles) {
+    Files stHost;
+    return FromText(ReadPresent(stHost, strPath), strPath, std::move(pstFiles));
 }
 
-Scenario Scenario::BuiltIn() { return FromText(pcDefaultScenario, "built-in scenario"); }
+Scenario Scenario::BuiltIn(std::shared_ptr<Files> pstFiles) {
+    return FromText(pcDefaultScenario, "built-in scenario", std::move(pstFiles));
+}
 
 Scenario Scenario::FromWords(const Words &astWords, const std::string &strName) {
     auto pstDocument = std::make_unique<ScenarioDocument>();
     pstDocument->stRoot.pstrFile = std::make_shared<const std::string>(strName);
     pstDocument->stRoot.eKind = Kind::Table;
+    pstDocument->pstFiles = std::make_shared<Files>();
     for (const auto &stWord : astWords) {
         const std::string &strKey = stWord.first;
         const auto &astItems = pstDocument->stRoot.astItems;
@@ -468,6 +484,10 @@ Scenario Scenario::FromWords(const Words &astWords, const std::string &strName) 
     }
     return Scenario(std::move(pstDocument));
 }
+
+const std::string &Scenario::Name() const { return m_pstDocument->strName; }
+
+const std::string &Scenario::Text() const { return m_pstDocument->strText; }
 
 Section Scenario::Root() const { return {m_pstDocument.get(), &m_pstDocument->stRoot}; }
 

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "scenario/Files.h"
 #include "scenario/TextFile.h"
 #include "time/ModemTime.h"
 
@@ -48,6 +49,8 @@ class Section {
                      std::optional<std::string_view> strDefault = std::nullopt) const;
     // A file's path, taken from the directory of the scenario file that names it.
     std::string Path(std::string_view strKey) const;
+    // What paths are paths of.
+    Files &TheFiles() const;
     // One of the words of a table.
     uint32_t Choice(std::string_view strKey, std::span<const ScenarioWord> astWords,
                     std::optional<uint32_t> u32Default = std::nullopt) const;
@@ -79,10 +82,13 @@ class Section {
 
 class Scenario {
   public:
-    // strName stands for the file in messages. Throws ScenarioError.
-    static Scenario FromText(std::string_view strText, const std::string &strName);
-    static Scenario FromFile(const std::string &strPath);
-    static Scenario BuiltIn();
+    // strName stands for the file in messages; what it names is looked for in pstFiles. Throws
+    // ScenarioError.
+    static Scenario FromText(std::string_view strText, const std::string &strName,
+                             std::shared_ptr<Files> pstFiles = std::make_shared<Files>());
+    static Scenario FromFile(const std::string &strPath,
+                             std::shared_ptr<Files> pstFiles = std::make_shared<Files>());
+    static Scenario BuiltIn(std::shared_ptr<Files> pstFiles = std::make_shared<Files>());
     // One table of keys and values, the values as bare words: each is whatever the reader of its
     // key asks for, if it can be that.
     using Words = std::vector<std::pair<std::string, std::string>>;
@@ -94,6 +100,9 @@ class Scenario {
     Scenario &operator=(const Scenario &) = delete;
     ~Scenario();
 
+    // The file itself, without those that it includes.
+    const std::string &Name() const;
+    const std::string &Text() const;
     // The file's outermost table.
     Section Root() const;
     // To be called when everything has been read.

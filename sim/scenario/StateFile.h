@@ -32,6 +32,7 @@ class StateFile {
     void ReadFrom(const std::string &strText);
     bool Write() const;
 
+    Files &m_stFiles;
     std::string m_strPath; // empty: none
     std::map<std::string, Values> m_astSections;
 };

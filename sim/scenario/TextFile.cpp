@@ -101,7 +101,7 @@ ScenarioError::ScenarioError(std::string_view strFile, uint32_t u32Line, std::st
     m_strText += ": " + m_strReason;
 }
 
-std::optional<std::string> ReadTextFile(const std::string &strPath) {
+std::optional<std::string> ReadTextFile(const std::string &strPath, size_t uMost) {
     const Descriptor stFile(strPath);
     if (stFile.Number() < 0 && errno == ENOENT) {
         return {};
@@ -119,8 +119,8 @@ std::optional<std::string> ReadTextFile(const std::string &strPath) {
     // Whatever its size was a moment ago.
     while ((iCount = read(stFile.Number(), acBlock.data(), acBlock.size())) > 0) {
         strText.append(acBlock.data(), static_cast<size_t>(iCount));
-        if (strText.size() > u32MostFileBytes) {
-            RefuseFile(strPath, "is longer than " + std::to_string(u32MostFileBytes) + " bytes");
+        if (strText.size() > uMost) {
+            RefuseFile(strPath, "is longer than " + std::to_string(uMost) + " bytes");
         }
     }
     if (iCount < 0) {

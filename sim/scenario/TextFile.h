@@ -29,8 +29,8 @@ class ScenarioError : public std::exception {
 };
 
 // A file's text, or nothing when there is no such file. Throws ScenarioError when it cannot be
-// read, is longer than u32MostFileBytes, or is no file that has an end (a directory, a device).
-inline constexpr uint32_t u32MostFileBytes = 4 * 1024 * 1024;
-std::optional<std::string> ReadTextFile(const std::string &strPath);
+// read, is longer than uMost bytes, or is no file that has an end (a directory, a device).
+inline constexpr size_t uMostFileBytes = size_t{4} * 1024 * 1024;
+std::optional<std::string> ReadTextFile(const std::string &strPath, size_t uMost = uMostFileBytes);
 
 #endif

@@ -39,6 +39,17 @@ uint32_t Random::Below(uint32_t u32Limit) {
 
 double Random::Uniform() { return ToUnit(Next()); }
 
+Random &Chance::For(const std::string &strPurpose) {
+    return m_astSequences.try_emplace(strPurpose, m_u64Seed, strPurpose).first->second;
+}
+
+void Chance::SetSeed(uint64_t u64Seed) {
+    m_u64Seed = u64Seed;
+    for (auto &[strPurpose, stSequence] : m_astSequences) {
+        stSequence = Random(u64Seed, strPurpose);
+    }
+}
+
 double SmoothNoise(uint64_t u64Seed, double fPosition) {
     const double fFloor = std::floor(fPosition);
     const auto u64Index = static_cast<uint64_t>(static_cast<int64_t>(fFloor));

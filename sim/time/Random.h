@@ -4,6 +4,8 @@
 #define RANDOM_H
 
 #include <cstdint>
+#include <map>
+#include <string>
 #include <string_view>
 
 class Random {
@@ -27,5 +29,21 @@ double SmoothNoise(uint64_t u64Seed, double fPosition);
 
 // A seed of its own for every purpose.
 uint64_t SeedFor(uint64_t u64Seed, std::string_view strPurpose);
+
+// All sequences of one seed.
+class Chance {
+  public:
+    explicit Chance(uint64_t u64Seed) : m_u64Seed(u64Seed) {}
+
+    uint64_t Seed() const { return m_u64Seed; }
+    // The sequence of a purpose. It stays where it is.
+    Random &For(const std::string &strPurpose);
+    // All sequences begin anew, from another seed.
+    void SetSeed(uint64_t u64Seed);
+
+  private:
+    uint64_t m_u64Seed;
+    std::map<std::string, Random> m_astSequences;
+};
 
 #endif

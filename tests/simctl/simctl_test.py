@@ -7,6 +7,7 @@ import pathlib
 import pty
 import select
 import signal
+import stat
 import subprocess
 import sys
 import tempfile
@@ -66,10 +67,10 @@ class ProgramTest(unittest.TestCase):
             client.kill()
         client.communicate()
 
-    def wait_for_menu(self, client):
-        """Until the client has opened the modem, registered, and asks for an option."""
+    def wait_for_menu(self, client, menus=1):
+        """Until the client has opened the modem, registered, and asks for so many options."""
         deadline, seen = time.monotonic() + PATIENCE, b""
-        while not seen.endswith(b"ENTER OPTION : "):
+        while not seen.endswith(b"ENTER OPTION : ") or seen.count(b"ENTER OPTION : ") < menus:
             left = deadline - time.monotonic()
             self.assertTrue(select.select([client.stdout], [], [], max(left, 0))[0], seen)
             seen += os.read(client.stdout.fileno(), 4096)
@@ -116,6 +117,44 @@ class Steering(ProgramTest):
         self.assertEqual(process.wait(PATIENCE), 0)
         os.close(ours)
         self.assertIn(b"simctl> ", shown)
+
+    def test_a_session_is_taken_up_in_another_process(self):
+        """What the second client hears after a load is what the first one hears after the save."""
+        saved = self.top / "saved"
+        first = self.start_client()
+        self.wait_for_menu(first)
+        # Synchronising: the answer is on its way when the modem is saved.
+        first.stdin.write(b"1\n2\n2587.5\n0\n10000\n")
+        first.stdin.flush()
+        self.wait_for_menu(first, 2)
+        self.assertEqual(self.simctl(self.socket, "seed", "77"), (0, "77\n", ""))
+        self.assertEqual(self.simctl(self.socket, "save", saved), (0, "", ""))
+        self.assertEqual(stat.filemode(saved.stat().st_mode), "-rw-------")
+        _, state, _ = self.simctl(self.socket, "state")
+        status, time_then, errors = self.simctl(self.socket, "until", "2/1")
+        self.assertEqual((status, errors), (0, ""))
+        output, _ = first.communicate(b"-1\n", PATIENCE)
+        report = output[output.index(b"~~~~~~~~~~ SYNC STATUS"):output.index(b"DCD change count")]
+
+        second = self.start_client(STEPPED.replace("seed = 5", "seed = 6"))
+        self.wait_for_menu(second)
+        status, loaded, errors = self.simctl(self.socket, "load", saved)
+        self.assertEqual((status, errors), (0, ""))
+        self.assertIn(f'"time":{loaded.strip()},', state)
+        self.assertEqual(self.simctl(self.socket, "state"), (0, state, ""))
+        self.assertEqual(self.simctl(self.socket, "until", "2/1"), (0, time_then, ""))
+        output, errors = second.communicate(b"-1\n", PATIENCE)
+        self.assertEqual((second.returncode, errors), (0, b""))
+        self.assertEqual(output.count(b"SYNC STATUS RESPONSE"), 1)
+        self.assertIn(report, output)
+
+    def test_a_file_that_is_no_saved_modem_is_refused(self):
+        self.wait_for_menu(self.start_client())
+        bad = self.top / "bad"
+        bad.write_text("qor020-journal 1\nscenario x\n")
+        self.assertEqual(self.simctl(self.socket, "load", bad),
+                         (1, "", f"simctl: error {bad}:3: the rest is missing\n"))
+        self.assertEqual(self.simctl(self.socket, "seed"), (0, "5\n", ""))
 
     def test_a_watcher_sees_the_state_until_the_modem_goes(self):
         client = self.start_client()

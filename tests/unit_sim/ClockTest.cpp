@@ -56,8 +56,8 @@ class Clock : public testing::Test {
     void Open(const std::string &strScenario) {
         Heard();
         g_pfnInCallback = nullptr;
-        m_pstDevice = Device::Start(
-            std::make_unique<WholeModem>(Scenario::FromText(strScenario, "clock.toml")));
+        m_pstDevice = Device::Start(JournaledModem(
+            std::make_unique<WholeModem>(Scenario::FromText(strScenario, "clock.toml"))));
         g_pstDevice = m_pstDevice.get();
     }
     void OpenAndRegister(const std::string &strScenario) {

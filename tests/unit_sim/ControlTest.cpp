@@ -15,9 +15,9 @@
 #include <unistd.h>
 
 #include "ModemBench.h"
+#include "SteeredDevice.h"
 #include "TestScenarios.h"
 #include "library/Control.h"
-#include "library/ControlCommands.h"
 
 namespace {
 
@@ -27,42 +27,17 @@ const std::string strStepped = "[clock]\nkind = \"stepped\"\n[device]\nanswer-de
 const std::string strStation = "[[station]]\nbsid = \"00120A010203\"\nfrequency = 2587500\n"
                                "bandwidth = 10000\npreamble = 3\nrssi = -58\ncinr = 28\n";
 
-std::mutex g_stMutex;
-std::vector<std::string> g_astrMessages;
-
-uint32_t Receive(uint32_t /*u32Context*/, const WiMAXMessage *pstMessage, uint32_t u32Length) {
-    const auto *pucBytes = reinterpret_cast<const uint8_t *>(pstMessage);
-    const std::lock_guard stLock(g_stMutex);
-    g_astrMessages.push_back(HexOf({pucBytes, pucBytes + std::min(u32Length, 8U)}));
-    return 0;
-}
-
-// The first eight bytes of each message since the last look.
-std::vector<std::string> Heard() {
-    const std::lock_guard stLock(g_stMutex);
-    return std::exchange(g_astrMessages, {});
-}
-
 using Texts = std::vector<std::string>;
 
 class Steering : public testing::Test {
   protected:
-    ~Steering() override {
-        if (m_pstDevice != nullptr) {
-            m_pstDevice->Stop();
-        }
-    }
     void Open(const std::string &strScenario) {
-        Heard();
-        m_pstDevice = Device::Start(
-            std::make_unique<WholeModem>(Scenario::FromText(strScenario, "steering.toml")));
-        m_pstDevice->SetCallback(Receive, 0);
+        m_pstSteered = std::make_unique<SteeredDevice>(strScenario);
+        m_pstSteered->Listen();
     }
-    std::string Say(const std::string &strCommand) { return AnswerTo(*m_pstDevice, strCommand); }
-    int32_t Send(const std::string &strMessage) {
-        std::vector<uint8_t> aucMessage = BytesOfHex(strMessage);
-        return m_pstDevice->Send(aucMessage.data(), static_cast<uint32_t>(aucMessage.size()));
-    }
+    std::string Say(const std::string &strCommand) { return m_pstSteered->Say(strCommand); }
+    int32_t Send(const std::string &strMessage) { return m_pstSteered->Send(strMessage); }
+    Texts Heard() { return m_pstSteered->Heard(); }
     // The part of the state behind a key, to the end of its object or list.
     std::string Part(const std::string &strKey, char cEnd) {
         const std::string strState = Say("state");
@@ -72,7 +47,7 @@ class Steering : public testing::Test {
                    : strState.substr(uStart, strState.find(cEnd, uStart) + 1 - uStart);
     }
 
-    std::shared_ptr<Device> m_pstDevice;
+    std::unique_ptr<SteeredDevice> m_pstSteered;
 };
 
 TEST_F(Steering, StateIsOneObject) {
@@ -100,6 +75,18 @@ TEST_F(Steering, StateShowsLinkAndFlows) {
               "\"flows\":[{\"sfid\":1,\"cid\":4096,\"direction\":\"uplink\","
               "\"scheduling-type\":6,\"packets\":9,\"bytes\":5560,\"grants\":50,\"queued\":440,"
               "\"lost\":0,\"late\":0,\"latency\":60.000,\"jitter\":0.000}]");
+}
+
+TEST_F(Steering, StateShowsWhereTheModemIsWhenStationsHavePlaces) {
+    Open(strStepped + "[[station]]\nbsid = \"00120A010203\"\nfrequency = 2587500\n"
+                      "bandwidth = 10000\npreamble = 3\nx = 1000\ny = 0\n"
+                      "[[way-point]]\nat = 1\nx = 10\ny = 20\n"
+                      "[[way-point]]\nat = 11\nx = 40\ny = 60\n");
+    EXPECT_EQ(Part("place", '}'), "\"place\":{\"x\":10.0,\"y\":20.0,\"travelled\":0.0}");
+    Say("advance 5.999");
+    EXPECT_EQ(Part("place", '}'), "\"place\":{\"x\":25.0,\"y\":40.0,\"travelled\":25.0}");
+    Say("move x=25 y=30");
+    EXPECT_EQ(Part("place", '}'), "\"place\":{\"x\":25.0,\"y\":30.0,\"travelled\":25.0}");
 }
 
 TEST_F(Steering, StationsAreThoseOfTheState) {
@@ -173,6 +160,49 @@ TEST_F(Steering, TheSteppedClockHasNoScale) {
     EXPECT_EQ(Say("seed"), "ok 1");
 }
 
+// From a command on, chance is that of its seed, whatever was before.
+TEST_F(Steering, ASeedThatIsSetIsTheSeedOfAllChanceFromNowOn) {
+    const std::string strChancy = strStepped + "[half-mini-card]\nexchanges = 0\n" + strStation +
+                                  "variation = 10\n[[fault]]\nkind = \"drop\"\nprobability = 0.5\n";
+    const auto Run = [&](const std::string &strScenario, const std::string &strSeed) {
+        Open(strScenario);
+        for (int i = 0; i < 20; ++i) {
+            Send("24 00 01 00");
+        }
+        Say("advance 1");
+        Heard();
+        if (!strSeed.empty()) {
+            EXPECT_EQ(Say("seed " + strSeed), "ok " + strSeed);
+        }
+        std::string strRun;
+        for (int i = 0; i < 40; ++i) {
+            Send("24 00 01 00");
+            Say("advance 1");
+            strRun += Heard().empty() ? "-" : "+";
+        }
+        return strRun + Part("rssi", ',') + Say("seed");
+    };
+    const std::string strNine = Run(strChancy, "9");
+    EXPECT_EQ(Run("seed = 9\n" + strChancy, "9"), strNine);
+    EXPECT_EQ(Run("seed = 77\n" + strChancy, "9"), strNine);
+    const std::string strTen = Run(strChancy, "10");
+    EXPECT_NE(strTen.substr(0, 40), strNine.substr(0, 40));
+    EXPECT_NE(strTen.substr(40, 13), strNine.substr(40, 13));
+    EXPECT_NE(Run("seed = 9\n" + strChancy, "").substr(0, 40), strNine.substr(0, 40));
+}
+
+TEST_F(Steering, TheSeedIsSetWithTheRealClockToo) {
+    Open("time-scale = 0.001\nseed = 7\n");
+    EXPECT_EQ(Say("seed 4"), "ok 4");
+    EXPECT_EQ(Say("seed"), "ok 4");
+    EXPECT_EQ(Part("seed", ','), "\"seed\":4,");
+    EXPECT_EQ(Say("seed -1"), "error \"seed\" must be a whole number from 0 to "
+                              "9223372036854775807");
+    EXPECT_EQ(Say("seed 5 6"), "error nothing is known of \"6\" here");
+    EXPECT_EQ(Say("seed now=5"), "error \"now\" is not known here");
+    EXPECT_EQ(Say("seed"), "ok 4");
+}
+
 TEST_F(Steering, FaultsAreAddedAndSwitched) {
     Open(strStepped + strStation + "[[fault]]\nkind = \"drop\"\ntype = 36\n");
     EXPECT_EQ(Send("24 00 01 00"), 0);
@@ -203,7 +233,8 @@ TEST_F(Steering, HelpNamesEveryCommandAndEvent) {
     EXPECT_EQ(
         Say("help"),
         "ok state; stations; advance SECONDS; until TYPE/SUBTYPE|idle [limit=SECONDS]; "
-        "time-scale [SCALE]; seed; fault KIND [KEY=VALUE]...; fault on|off NUMBER|all; help; "
+        "time-scale [SCALE]; seed [SEED]; save FILE; load FILE; fault KIND [KEY=VALUE]...; fault "
+        "on|off NUMBER|all; help; "
         "EVENT [KEY=VALUE]..., EVENT one of fade move vanish appear link-loss dreg reset paging "
         "complete-wake-up firmware-shutdown half-mini-card-wake-up half-mini-card-shutdown "
         "device-unload ip-filter-status request message flow-added flow-changed flow-deleted "
@@ -270,7 +301,7 @@ class ControlSocket : public Steering {
     void Listen(const std::string &strScenario) {
         Open(strScenario);
         m_pstControl = std::make_unique<Control>(m_strPath);
-        m_pstControl->Serve(m_pstDevice);
+        m_pstControl->Serve(m_pstSteered->TheDevice());
     }
     // What is said against a socket at the path.
     std::string ReasonAgainst(const std::string &strPath) {
@@ -472,7 +503,7 @@ TEST_F(ControlSocket, EndsWhileACommandIsUnderWay) {
     stPeer.Write("advance 1000000000\n");
     std::this_thread::sleep_for(50ms);
     const auto stBegan = std::chrono::steady_clock::now();
-    m_pstDevice->Stop();
+    m_pstSteered->TheDevice()->Stop();
     m_pstControl.reset();
     EXPECT_LT(std::chrono::steady_clock::now() - stBegan, 60s);
 }

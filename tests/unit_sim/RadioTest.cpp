@@ -126,6 +126,27 @@ TEST(Radio, APlainLevelIsWhatIsReceivedAndNoiseIsThatOfTheBandwidth) {
     EXPECT_EQ(MeasuredIn(strPlain + "cinr = 12.5\n").fCINR, 12.5);
 }
 
+// Levels go on rising, the CINR does not, with either reuse and with any antenna.
+TEST(Radio, NoCINRIsAboveWhatAReceiverCanTell) {
+    EXPECT_NEAR(MeasuredIn(StationAt(1, 160, 3)).fCINR, 39.46, 0.01);
+    const Measurement stNear = MeasuredIn(StationAt(1, 30, 3));
+    EXPECT_GT(stNear.fRSSI, -40);
+    EXPECT_EQ(stNear.fCINR, 40);
+    const std::string strStrong = "[[station]]\nbsid = \"00 12 0A 00 00 01\"\nfrequency = "
+                                  "2587500\nbandwidth = 10000\npreamble = 3\nrssi = -30\n";
+    WholeModem stModem(Scenario::FromText(strStrong + "cinr = 38\n", ""));
+    Radio &stAir = stModem.Air();
+    const Station &stStation = stAir.Stations().front();
+    EXPECT_EQ(stAir.Measure(stStation, 0).fCINR, 38);
+    EXPECT_EQ(stAir.Measure(stStation, 0, 1.5).fCINR, 39.5);
+    EXPECT_EQ(stAir.Measure(stStation, 0, 3).fCINR, 40);
+    EXPECT_EQ(stAir.Measure(stStation, 0, 3).fRSSI, -27);
+    EXPECT_EQ(stAir.ReuseOneCINR(stStation, 0), 38);
+    Radio::Fade(stAir.Stations().front(), -10, 0, 0);
+    EXPECT_EQ(stAir.ReuseOneCINR(stStation, 0), 40);
+    EXPECT_EQ(stAir.Measure(stStation, 0).fRSSI, -20);
+}
+
 // 300 m from one station and 600 m from another on the same channel, which is received
 // 37.6 * log10(2) = 11.32 dB weaker: -79.13 dBm beside noise of -97 dBm.
 TEST(Radio, ReuseOneSeesTheOtherCellsAndReuseThreeTheSegment) {
