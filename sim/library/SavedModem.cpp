@@ -33,9 +33,9 @@ std::string_view TakeWord(std::string_view *pstrText) {
 // Asks a modem again what the lines of a journal say.
 class Player {
   public:
-    Player(std::string_view strText, const std::string &strName,
-           const std::function<bool()> &pfnGoesOn)
-        : m_strText(strText), m_strRest(strText), m_strName(strName), m_pfnGoesOn(pfnGoesOn) {}
+    Player(std::string_view strText, std::string strName, const std::function<bool()> &pfnGoesOn)
+        : m_strText(strText), m_strRest(strText), m_strName(std::move(strName)),
+          m_pfnGoesOn(pfnGoesOn) {}
 
     JournaledModem Play() {
         ReadHead();

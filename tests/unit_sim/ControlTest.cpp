@@ -352,7 +352,7 @@ class Peer {
             }
             m_strReceived.append(acBlock, static_cast<size_t>(iCount));
         }
-        const std::string strLine = m_strReceived.substr(0, uEnd);
+        std::string strLine = m_strReceived.substr(0, uEnd);
         m_strReceived.erase(0, uEnd + 1);
         return strLine;
     }

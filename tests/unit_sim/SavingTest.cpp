@@ -521,7 +521,8 @@ TEST_F(Refused, WhatIsNoFileOrTooLongIsNotRead) {
               "error /dev/zero: cannot be read: it is not a regular file");
     EXPECT_EQ(m_stDevice.Say("load " + Path("nothing")),
               "error " + Path("nothing") + ": is not there");
-    WriteAll(Path("long"), std::string(33554433, '\n'));
+    WriteAll(Path("long"), "");
+    std::filesystem::resize_file(Path("long"), 33554433);
     EXPECT_EQ(m_stDevice.Say("load " + Path("long")),
               "error " + Path("long") + ": is longer than 33554432 bytes");
     WriteAll(Path("long"), "qor020-journal 1\nscenario x\n" + std::string(1000000, '\n'));
