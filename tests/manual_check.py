@@ -179,6 +179,7 @@ class Fish(unittest.TestCase):
         self.assertEqual(self.offered("simctl socket "), fish_list("commands") | fish_list("events"))
         self.assertEqual(self.offered("simctl socket fault "), fish_list("faults"))
         self.assertEqual(self.offered("simctl socket until "), {"idle"})
+        self.assertEqual(self.offered(f"simctl socket save {ROOT}/READ"), {f"{ROOT}/README.md"})
         self.assertEqual(self.offered("simctl --watch socket "), set())
         self.assertNotIn("--watch", self.offered("simctl socket --"))
 
