@@ -71,6 +71,14 @@ TEST_F(ReportTest, TextsOfEveryLengthAroundTheNumbers) {
                   PutNumber("1234567890123456%d12345678901234567890123456789012345678901", 5);
               }),
               "1234567890123456512345678901234567890123456789012345678901");
+    EXPECT_EQ(PrintedBy([] {
+                  PutNumber("0123456789abcdef%d0123456789abcdef", 12345);
+                  PutNumber("0123456789abcdef0123456789abcdef%x0123456789abcdef0123456789abcdef",
+                            0x12345);
+                  PutText("|");
+              }),
+              "0123456789abcdef123450123456789abcdef"
+              "0123456789abcdef0123456789abcdef123450123456789abcdef0123456789abcdef|");
 }
 
 TEST_F(ReportTest, LinesOfAnyLength) {
@@ -184,6 +192,22 @@ TEST_F(ReportTest, ElementsAsFarAsTheViewHasThem) {
     EXPECT_EQ(Printed({}, stBytesField, 4), "");
 }
 
+TEST_F(ReportTest, ElementsWithTextAroundThem) {
+    constexpr Field stBytesField{1, FieldType::U8};
+    EXPECT_EQ(PrintedBy([&] { PutElements("\nbyte 0x%x,", stReportBytes, stBytesField, 2); }),
+              "\nbyte 0xff,\nbyte 0x80,");
+    EXPECT_EQ(PrintedBy([&] {
+                  PutElements("%X", stReportBytes, {2, FieldType::I16}, 2);
+              }),
+              "FFFFFF80FFFFFFFF");
+    EXPECT_EQ(PrintedBy([&] {
+                  PutElements("0123456789abcdef0123456789abcde:%u=0123456789abcde", stReportBytes,
+                              stBytesField, 2);
+              }),
+              "0123456789abcdef0123456789abcde:255=0123456789abcde"
+              "0123456789abcdef0123456789abcde:128=0123456789abcde");
+}
+
 TEST_F(ReportTest, ElementsThatFillMoreThanABuffer) {
     Record<20000> stRecord;
     std::string strExpected;
@@ -216,6 +240,10 @@ TEST_F(ReportTest, ARowTakesItsConversionsFromFieldAfterField) {
     EXPECT_EQ(PrintedBy([&] { PutRow(stReportBytes, stRow); }), "\nID :0A FF 80");
     EXPECT_EQ(PrintedBy([&] { PutRow(stReportBytes, stRow, 1); }), "\nID :FF 80 FF");
     EXPECT_EQ(PrintedBy([&] { PutRow(stReportBytes, stRow, 7); }), "\nID :FE 00 00");
+    constexpr ReportRow stWide{"%02x--%02X", {0, FieldType::U16}};
+    EXPECT_EQ(PrintedBy([&] { PutRow(stReportBytes, stWide, 4); }), "ffff--FE01");
+    constexpr ReportRow stBothCases{"%02x--%02X.", {2, FieldType::U8}};
+    EXPECT_EQ(PrintedBy([&] { PutRow(stReportBytes, stBothCases); }), "80--FF.");
 }
 
 TEST_F(ReportTest, SignedFieldsPrintSigned) {
