@@ -550,15 +550,22 @@ TEST_F(PipeTest, ASignalFreesAWriterThatNobodyReads) {
 }
 
 TEST_F(PipeTest, ClosingWaitsForAReportUnderWay) {
-    ASSERT_TRUE(BeginReport());
+    std::atomic<bool> bBegun{false};
     std::atomic<bool> bWritten{false};
     std::thread Library([&] {
+        EXPECT_TRUE(BeginReport());
+        bBegun = true;
         poll(nullptr, 0, 50);
-        PutText("the last report");
-        FlushOutput();
+        PutText("the last ");
+        FlushOutput(); // and the report goes on
+        poll(nullptr, 0, 50);
+        PutText("report");
         bWritten = true;
         EndReport();
     });
+    while (!bBegun) {
+        poll(nullptr, 0, 1);
+    }
     CloseOutput();
     EXPECT_TRUE(bWritten);
     EXPECT_FALSE(BeginReport());
@@ -570,10 +577,42 @@ TEST_F(PipeTest, ClosingWaitsForAReportUnderWay) {
     EXPECT_EQ(poll(&stPoll, 1, 0), 0);
 }
 
+// As where a library calls back from within a call.
+TEST_F(PipeTest, AReportWithinAReportEndsBeforeIt) {
+    std::thread Library([] {
+        EXPECT_TRUE(BeginReport());
+        PutText("the outer one begins, ");
+        EXPECT_TRUE(BeginReport());
+        PutText("the inner one, ");
+        EndReport();
+        PutText("the outer one ends");
+        EndReport();
+    });
+    Library.join();
+    EXPECT_EQ(Read(55), "the outer one begins, the inner one, the outer one ends");
+}
+
 TEST_F(PipeTest, ClosingDoesNotWaitForeverForAReportUnderWay) {
-    ASSERT_TRUE(BeginReport());
+    std::atomic<bool> bBegun{false};
+    std::atomic<bool> bClosed{false};
+    std::thread Library([&] {
+        EXPECT_TRUE(BeginReport());
+        bBegun = true;
+        while (!bClosed) {
+            poll(nullptr, 0, 1);
+        }
+        PutText("too late");
+        EndReport();
+    });
+    while (!bBegun) {
+        poll(nullptr, 0, 1);
+    }
     CloseOutput();
     EXPECT_EQ(TimeLeft(), 0);
+    bClosed = true;
+    Library.join();
+    pollfd stPoll{iReader, POLLIN, 0};
+    EXPECT_EQ(poll(&stPoll, 1, 0), 0);
 }
 
 TEST_F(PipeTest, AReaderThatGoesAwayEndsAWaitForAKey) {
