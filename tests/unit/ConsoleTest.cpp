@@ -513,7 +513,7 @@ TEST_F(PipeTest, TheMenusHaveABufferWhateverReportsAreUnderWay) {
     std::atomic<int> iUnderWay{0};
     std::atomic<bool> bMenuDone{false};
     std::vector<std::thread> Threads;
-    for (int i = 0; i < 7; ++i) {
+    for (int i = 0; i < 15; ++i) {
         Threads.emplace_back([&] {
             PutText("a");
             ++iUnderWay;
@@ -523,7 +523,7 @@ TEST_F(PipeTest, TheMenusHaveABufferWhateverReportsAreUnderWay) {
             FlushOutput();
         });
     }
-    while (iUnderWay < 7) {
+    while (iUnderWay < 15) {
         poll(nullptr, 0, 1);
     }
     PutText("menu");
@@ -532,7 +532,19 @@ TEST_F(PipeTest, TheMenusHaveABufferWhateverReportsAreUnderWay) {
     for (std::thread &Thread : Threads) {
         Thread.join();
     }
-    EXPECT_EQ(Read(11), "menuaaaaaaa");
+    EXPECT_EQ(Read(19), "menu" + std::string(15, 'a'));
+}
+
+TEST_F(PipeTest, LeavingFreesAWriterThatNobodyReads) {
+    std::thread Writer([] {
+        PutMany('a', uLongReport);
+        FlushOutput();
+    });
+    Read(1);
+    BeginLeaving();
+    Writer.join();
+    EXPECT_EQ(TimeLeft(), 0);
+    EXPECT_EQ(EndStatus(), 0);
 }
 
 TEST_F(PipeTest, ASignalFreesAWriterThatNobodyReads) {
@@ -673,6 +685,36 @@ TEST_F(ClientTest, LackOfMemoryInTheMenusClosesTheDevice) {
     EXPECT_EQ(RunClient([] { throw std::bad_alloc(); }), 1);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "unit_tests: out of memory\n");
     EXPECT_EQ(FakeDevice::Calls().back(), "CloseWiMAXDevice");
+}
+
+TEST_F(ClientTest, LackOfMemoryAtTheEndIsNotSaid) {
+    EndClient(143);
+    testing::internal::CaptureStderr();
+    EndWithoutMemory();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(EndStatus(), 143);
+}
+
+TEST_F(ClientTest, WhoPrintsWithoutEndEndsWhenNobodyReads) {
+    EndIfOutputClosed();
+    EndClient(141);
+    EXPECT_THROW(EndIfOutputClosed(), ClientEnd);
+}
+
+// As from a terminal that hangs up and from the shell on it. In a process of its
+// own.
+TEST_F(ClientTest, TwoSignalsAtOnceEndAClientThatHangs) {
+    EXPECT_EXIT(
+        {
+            std::signal(SIGHUP, SIG_DFL);
+            OpenConsole();
+            raise(SIGHUP);
+            raise(SIGHUP);
+            for (;;) {
+                pause();
+            }
+        },
+        testing::ExitedWithCode(129), "");
 }
 
 TEST_F(ClientTest, ASignalInTheMenusClosesTheDevice) {

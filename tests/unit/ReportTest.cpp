@@ -111,6 +111,27 @@ TEST_F(ReportTest, TextsThatCannotBeTakenApart) {
     EXPECT_FALSE(IsText(std::string(NumberText::MostText + 1, 'a')));
 }
 
+TEST_F(ReportTest, TextsAreOfTheFormThatTheirNumbersHave) {
+    const auto FormOfText = [](const char *pcText) {
+        NumberText stText;
+        EXPECT_TRUE(TakeApart(pcText, &stText));
+        return stText.eForm;
+    };
+    EXPECT_EQ(FormOfText("no number"), TextForm::Plain);
+    EXPECT_EQ(FormOfText("%d dB"), TextForm::Decimal);
+    EXPECT_EQ(FormOfText("%u"), TextForm::Decimal);
+    EXPECT_EQ(FormOfText("0x%x"), TextForm::Hex);
+    EXPECT_EQ(FormOfText("0x%X"), TextForm::Hex);
+    EXPECT_EQ(FormOfText("%02x"), TextForm::Pairs);
+    EXPECT_EQ(FormOfText("%02X:%02X"), TextForm::Pairs);
+    EXPECT_EQ(FormOfText("%02X:%2X"), TextForm::Other);
+    EXPECT_EQ(FormOfText("%02X:%03X"), TextForm::Other);
+    EXPECT_EQ(FormOfText("%02d"), TextForm::Other);
+    EXPECT_EQ(FormOfText("%5d"), TextForm::Other);
+    EXPECT_EQ(FormOfText("%f"), TextForm::Other);
+    EXPECT_EQ(FormOfText("%d %d"), TextForm::Other);
+}
+
 TEST_F(ReportTest, DivisorsThatGiveExactDecimals) {
     for (const uint32_t u32Divisor : {2U, 4U, 5U, 8U, 10U, 16U, 512U, 65536U, 524288U, 1000000U}) {
         EXPECT_TRUE(HasExactDecimals(u32Divisor)) << u32Divisor;
