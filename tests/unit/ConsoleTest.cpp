@@ -699,6 +699,10 @@ TEST_F(ClientTest, WhoPrintsWithoutEndEndsWhenNobodyReads) {
     EndIfOutputClosed();
     EndClient(141);
     EXPECT_THROW(EndIfOutputClosed(), ClientEnd);
+    OpenConsole();
+    EndClient(143);
+    EndLastReport(); // nothing can be written from here on
+    EXPECT_THROW(EndIfOutputClosed(), ClientEnd);
 }
 
 // As from a terminal that hangs up and from the shell on it. In a process of its
