@@ -18,7 +18,8 @@ find "$build" -name '*.gcda' -delete
 failed=0
 "$build/tests/unit/unit_tests" --gtest_brief=1 || failed=1
 # Most sessions wait for something most of the time, so more of them than processors run.
-ctest --preset coverage -R '^(sessions|storm)/' -j $((jobs * 4)) --quiet || failed=1
+# Another user's client may not write the counters.
+ctest --preset coverage -R '^(sessions|storm)/' -E another_user_owns -j $((jobs * 4)) --quiet || failed=1
 
 tests/coverage_report.py "$build" || failed=1
 exit $failed

@@ -202,7 +202,7 @@ void PutConfigResponse(ByteView stPayload) {
 // A value of every scanned frame behind one title.
 struct FrameRow {
     std::string_view strTitle;
-    TextWith<1> stValue;
+    ElementText stValue;
     Field stFirst;
 };
 

@@ -1,5 +1,7 @@
 #include "Dispatcher.h"
 
+#include <array>
+
 #include <pthread.h>
 
 #include "AntennaSwitching.h"
@@ -80,13 +82,17 @@ constexpr DecoderRow astDecoders[] = {
     {TYPE_HALF_MINI_CARD, ProcessHalfMiniCardResponse},
 };
 
-Decoder DecoderOf(uint32_t u32Type) {
+// The same by type.
+constexpr auto apfnDecoders = [] {
+    std::array<Decoder, 64> apfnTable{};
     for (const DecoderRow &stRow : astDecoders) {
-        if (stRow.u32Type == u32Type) {
-            return stRow.pfnDecode;
-        }
+        apfnTable[stRow.u32Type] = stRow.pfnDecode;
     }
-    return nullptr;
+    return apfnTable;
+}();
+
+Decoder DecoderOf(uint32_t u32Type) {
+    return u32Type < apfnDecoders.size() ? apfnDecoders[u32Type] : nullptr;
 }
 
 uint32_t Decode(const WiMAXMessage *pstMessage, uint32_t u32Length) {
@@ -124,7 +130,6 @@ uint32_t TVLCallback(uint32_t /*u32Context*/, const WiMAXMessage *pstMessage, ui
         } catch (...) { // the library is no place for it; decoders throw for nothing else
             EndWithoutMemory();
         }
-        FlushOutput();
         EndReport();
     }
     pthread_setcancelstate(iCancelStateBefore, nullptr);

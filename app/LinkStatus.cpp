@@ -18,6 +18,7 @@ constexpr uint32_t u32HalfMiniCardPause = 1000000; // microseconds
 
 constexpr ReportRow stStationBSID = {"\nBS ID  :%02X %02X %02X %02X %02X %02X",
                                      BaseStation::aucBSID};
+constexpr TextWith<1> stStationNAPID = "\nNAPID  :%d";
 constexpr TextWith<1> stStationHeading = "\nBASE STATION : %d\n-------------------\n";
 constexpr ReportRow stStationsFound = {"\n%d BASE STATIONS FOUND.\n", StationList::u32NumStations};
 
@@ -169,24 +170,25 @@ void PutSearchResponse(ByteView stPayload) {
         PutNumber(stStationHeading, i + 1);
         PutRow(stStation, stStationBSID);
         PutMapKind(stStation, BaseStation::u8CompressedMap);
-        PutNumber("\nNAPID  :%d", NAPIDOf(stStation));
+        PutNumber(stStationNAPID, NAPIDOf(stStation));
         PutRows(stStation, astStationRows);
     }
     if (u32Stations != 0) {
         g_u32NAPID = NAPIDOf(StationAt(stPayload, u32Stations - 1));
     }
-    g_BSINFO.Store(0, stPayload.From(StationList::astStations, u32Stations * BaseStation::Size));
+    g_BSINFO.Store(stPayload.From(StationList::astStations, u32Stations * BaseStation::Size));
     g_u32NumberOfBaseStations = u32Stations;
     PutClosingLine(pcBanner);
 }
 
 void PutNSPEntry(ByteView stEntry) {
     using namespace NSPDiscovery;
+    static constexpr ReportRow stID = {"\nNSP ID is : %d", NSPEntry::u32ID};
     // Whatever its length says, a name ends with its entry.
     const ByteView stName = stEntry.From(NSPEntry::aucName, Get(stEntry, NSPEntry::u32NameLength));
     PutText("\nNSP Name is : ");
     PutString(stName);
-    PutRow(stEntry, {"\nNSP ID is : %d", NSPEntry::u32ID});
+    PutRow(stEntry, stID);
 }
 
 void PutDiscoveryResponse(ByteView stPayload) {
@@ -207,7 +209,7 @@ void PutDiscoveryResponse(ByteView stPayload) {
         PutNumbers("\nNSPLIST Entry %u of total %d", au32Entry);
         PutNSPEntry(stPayload.From(astNSPs + i * NSPEntry::Size, NSPEntry::Size));
     }
-    g_BSNSPLIST.Store(0, stPayload.From(0, Size));
+    g_BSNSPLIST.Store(stPayload.From(0, Size));
 }
 
 void PutLowPowerScanResponse(ByteView stPayload) {

@@ -140,9 +140,10 @@ constexpr ReportRow astCIDRows[] = {
 constexpr LogForm stCIDForm = {strShortUnderline, CIDLogEntry::Size,
                                [](ByteView stEntry) { PutRows(stEntry, astCIDRows); }};
 
-constexpr LogForm stCQICHForm = {strShortUnderline, CQICHLogEntry::Size, [](ByteView stEntry) {
-                                     PutRow(stEntry, {"\nCQICH : %d\n", CQICHLogEntry::u32Value});
-                                 }};
+constexpr ReportRow stCQICHRow = {"\nCQICH : %d\n", CQICHLogEntry::u32Value};
+
+constexpr LogForm stCQICHForm = {strShortUnderline, CQICHLogEntry::Size,
+                                 [](ByteView stEntry) { PutRow(stEntry, stCQICHRow); }};
 
 // A log whose heading depends on the kind.
 void PutLogOfKind(const LogForm &stForm, std::string_view strHeading, std::string_view strUnknown,

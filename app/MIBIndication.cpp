@@ -106,12 +106,13 @@ constexpr CounterGroup astULGroups[] = {
 
 void PutCounterGroups(ByteView stZone, std::span<const CounterGroup> astGroups) {
     using namespace MIBCounterGroup;
+    static constexpr TextWith<1> stCounter = ": [%d]\n";
     for (const CounterGroup &stGroup : astGroups) {
         PutText(stGroup.strHeading);
         for (uint32_t i = 0; i < Count; ++i) {
             PutText(stGroup.strPrefix);
             PutText(astrSchemes[i]);
-            PutNumber(": [%d]\n",
+            PutNumber(stCounter,
                       Get(stZone, s32First, stGroup.u32Offset + i * WidthOf(s32First.eType)));
         }
     }
@@ -151,18 +152,20 @@ void PutZoneStatistics(const MIBAnswer &stAnswer) {
 
 void PutActiveSFIDs(const MIBAnswer &stAnswer) {
     using namespace MIBActiveSFIDs;
+    static constexpr ReportRow stSFID = {"\n    SFID   : %d", u32SFID};
     PutText("\nList of active SFIDs :");
     const uint32_t u32Count = RecordsPresent(stAnswer.stLayout, astEntries, EntrySize,
                                              Get(stAnswer.stLayout, MIBActiveSFIDs::u32Count));
     for (uint32_t i = 0; i < u32Count; ++i) {
         const ByteView stEntry = stAnswer.stLayout.From(astEntries + i * EntrySize, EntrySize);
-        PutRow(stEntry, {"\n    SFID   : %d", u32SFID});
+        PutRow(stEntry, stSFID);
         AddSFID(Get(stEntry, u32SFID));
     }
 }
 
 void PutMRUTable(const MIBAnswer &stAnswer) {
     using namespace MIBMRUEntry;
+    static constexpr TextWith<3> stFrequency = "\n Freq %d of Index [%d] - [%d]\n";
     const uint32_t u32Count = stAnswer.u32DataLength / Size;
     PutNumber("\n\n Total MRU Entries : [%d]\n", u32Count);
     for (uint32_t i = 0; i < RecordsPresent(stAnswer.stLayout, 0, Size, u32Count); ++i) {
@@ -172,7 +175,7 @@ void PutMRUTable(const MIBAnswer &stAnswer) {
         for (uint32_t k = 0; k < NumFrequencies; ++k) {
             const uint32_t au32Frequency[] = {
                 k, u32Index, Get(stEntry, au32Frequencies, k * WidthOf(au32Frequencies.eType))};
-            PutNumbers("\n Freq %d of Index [%d] - [%d]\n", au32Frequency);
+            PutNumbers(stFrequency, au32Frequency);
         }
         const uint32_t au32Bandwidth[] = {u32Index, Get(stEntry, u32Bandwidth)};
         PutNumbers("\n Bandwidth of Index [%d] - [%d] MHz\n", au32Bandwidth);
@@ -195,27 +198,28 @@ void PutNeighbours(const MIBAnswer &stAnswer, uint32_t u32EntrySize, const Repor
 
 void PutNeighbour(ByteView stEntry) {
     using namespace MIBNeighbour;
-    constexpr ReportRow astChannelRows[] = {
+    static constexpr ReportRow astChannelRows[] = {
         {"    Preamble         : %d\n", u32Preamble},
         {"    ChannelBandwidth : %d Mhz\n", u32ChannelBandwidth, 1000000},
         {"    Centerfreq       : %d MHz\n", u32CenterFrequency, 8},
     };
-    constexpr ReportRow astSignalRows[] = {
+    static constexpr ReportRow astSignalRows[] = {
         {"    RSSI             : %d dBm\n", s32RSSI, 4},
         {"    CINR             : %d dB\n", u32CINR},
     };
+    static constexpr TextWith<6> stBSID = "    Bsid             : %02x %02x %02x %02x %02x %02x\n";
     uint32_t au32BSID[BSIDSize];
     for (uint32_t i = 0; i < BSIDSize; ++i) {
         au32BSID[i] = Get(stEntry, aucBSID, BSIDSize - 1 - i);
     }
     PutRows(stEntry, astChannelRows);
-    PutNumbers("    Bsid             : %02x %02x %02x %02x %02x %02x\n", au32BSID);
+    PutNumbers(stBSID, au32BSID);
     PutRows(stEntry, astSignalRows);
 }
 
 void PutMeasuredNeighbour(ByteView stEntry) {
     using namespace MIBMeasuredNeighbour;
-    constexpr ReportRow astRows[] = {
+    static constexpr ReportRow astRows[] = {
         {"\tFrequency (MHz) : %f\n", u32Frequency, 8},
         {"\tPreambleId      : %d\n", u32PreambleID},
         {"\tBandwidth (MHz) : %f\n", u32Bandwidth, 1000000},
@@ -249,7 +253,7 @@ void PutTriggerStatus(const MIBAnswer &stAnswer) {
         std::string_view strText;
         Field stStatus;
     };
-    constexpr Trigger astTriggers[] = {
+    static constexpr Trigger astTriggers[] = {
         {"Trigger Status for Serving BS \t : ", u8ServingBS},
         {"Trigger Status for IntraFA Group : ", u8IntraFA},
         {"Trigger Status for InterFA Group : ", u8InterFA},
@@ -272,7 +276,7 @@ void PutTriggerStatus(const MIBAnswer &stAnswer) {
 
 void PutControlMessagesDropped(const MIBAnswer &stAnswer) {
     using namespace MIBControlMessagesDropped;
-    constexpr TextWith<1> astTexts[] = {
+    static constexpr TextWith<1> astTexts[] = {
         "cm_responses                            : %d\n",
         "cm_control_newdsx_multiclassifier_resp  : %d\n",
         "link_control_resp                       : %d\n",
@@ -381,14 +385,18 @@ const AttributeReport *ReportOf(uint32_t u32AttributeID) {
 
 void PutMIBValue(const MIBAnswer &stAnswer) {
     constexpr Field stWord{0, FieldType::I32};
+    static constexpr ReportRow stWordRow = {" UINT eq : %d", stWord};
     PutEachByte(" 0x%02x", stAnswer.stValue);
     if (stAnswer.u32DataLength == WidthOf(stWord.eType)) {
-        PutRow(stAnswer.stValue, {" UINT eq : %d", stWord});
+        PutRow(stAnswer.stValue, stWordRow);
     }
     PutText("\n");
 }
 
-void PutOID(const MIBAnswer &stAnswer) { PutNumber("\n MIB OID - %d : ", stAnswer.u32AttributeID); }
+void PutOID(const MIBAnswer &stAnswer) {
+    static constexpr TextWith<1> stOID = "\n MIB OID - %d : ";
+    PutNumber(stOID, stAnswer.u32AttributeID);
+}
 
 // A status other than success, of a single get or set.
 void PutSingleError(const MIBAnswer &stAnswer) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 
 #include <poll.h>
 #include <unistd.h>
@@ -19,9 +20,10 @@ constinit thread_local OutputBuffer *gpstOutput = nullptr;
 namespace {
 
 // The menus have a buffer of their own; reports of more threads than have one at
-// a time wait for the end of another.
+// a time wait for the end of another. Whatever prints a report has taken one
+// until its end, so that nothing else has to be counted.
 OutputBuffer gstMenuBuffer;
-OutputBuffer gastReportBuffers[7];
+OutputBuffer gastReportBuffers[15];
 constinit thread_local bool gbMenuThread = false;
 
 // Turns at the output, in the order of asking.
@@ -31,8 +33,6 @@ std::atomic<uint32_t> gu32Turn{0};
 // The exit status when nobody reads the output.
 constexpr int iOutputGone = 128 + SIGPIPE;
 
-// Reports of the library's threads under way.
-std::atomic<uint32_t> gu32Reports{0};
 std::atomic<bool> gbClosed{false};
 
 void WaitAMillisecond() { poll(nullptr, 0, 1); }
@@ -43,12 +43,24 @@ OutputBuffer *TakeBuffer() {
     }
     for (;;) {
         for (OutputBuffer &stBuffer : gastReportBuffers) {
-            if (!stBuffer.Taken.test_and_set(std::memory_order_acquire)) {
+            // In one order with the look at gbClosed behind it, and with the close.
+            if (!stBuffer.Taken.test_and_set()) {
                 return &stBuffer;
             }
         }
         WaitAMillisecond();
     }
+}
+
+void LeaveBuffer() {
+    OutputBuffer *pstBuffer = gpstOutput;
+    gpstOutput = nullptr;
+    pstBuffer->Taken.clear(std::memory_order_release);
+}
+
+bool IsReportUnderWay() {
+    return std::any_of(std::begin(gastReportBuffers), std::end(gastReportBuffers),
+                       [](const OutputBuffer &stBuffer) { return stBuffer.Taken.test(); });
 }
 
 // False when the client ends before it is this thread's turn; nobody gets one
@@ -165,7 +177,10 @@ void FlushOutput() {
         if (gpstOutput->uUsed != 0) {
             WritePending(gpstOutput);
         }
-        DropPendingOutput();
+        LeaveOutput(gpstOutput);
+        if (gpstOutput->u32Reports == 0) {
+            LeaveBuffer();
+        }
     }
 }
 
@@ -177,12 +192,11 @@ std::string_view PendingOutput() {
 }
 
 void DropPendingOutput() {
-    OutputBuffer *pstBuffer = gpstOutput;
-    if (pstBuffer != nullptr) {
-        LeaveOutput(pstBuffer);
-        pstBuffer->uUsed = 0;
-        gpstOutput = nullptr;
-        pstBuffer->Taken.clear(std::memory_order_release);
+    if (gpstOutput != nullptr) {
+        LeaveOutput(gpstOutput);
+        gpstOutput->uUsed = 0;
+        gpstOutput->u32Reports = 0;
+        LeaveBuffer();
     }
 }
 
@@ -205,20 +219,26 @@ void EndIfOutputClosed() {
 }
 
 bool BeginReport() {
-    ++gu32Reports;
+    if (gpstOutput == nullptr) {
+        gpstOutput = TakeBuffer();
+    }
     if (gbClosed) {
-        --gu32Reports;
+        FlushOutput();
         return false;
     }
+    ++gpstOutput->u32Reports;
     return true;
 }
 
-void EndReport() { --gu32Reports; }
+void EndReport() {
+    --gpstOutput->u32Reports;
+    FlushOutput();
+}
 
 void CloseOutput() {
     LimitLastReport();
     gbClosed = true;
-    while (gu32Reports != 0 && TimeLeft() != 0) {
+    while (IsReportUnderWay() && TimeLeft() != 0) {
         WaitAMillisecond();
     }
     EndLastReport();
@@ -229,6 +249,5 @@ void OpenOutput() {
     gbMenuThread = true;
     gu32NextTurn = 0;
     gu32Turn = 0;
-    gu32Reports = 0;
     gbClosed = false;
 }

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
@@ -16,10 +17,14 @@ struct OutputBuffer {
     char acText[Size];
     size_t uUsed = 0;
     bool bHasOutput = false; // a part of the report is written already
+    // Those of its thread under way: more than one where the library calls back
+    // from within a call.
+    uint32_t u32Reports = 0;
     std::atomic_flag Taken;
 };
 
-// The buffer of this thread while it has put anything and not flushed it.
+// The buffer of this thread while it has put anything and not flushed it, or a
+// report is under way.
 extern constinit thread_local OutputBuffer *gpstOutput;
 
 // How much room can be asked for at once.
@@ -84,8 +89,8 @@ void LookAtOutput();
 // without end.
 void EndIfOutputClosed();
 
-// For reports of the library's threads: false when the client has closed its
-// output, and nothing may be printed any more.
+// Around a report, on the thread that prints it: false when the client has
+// closed its output, and nothing may be printed any more. EndReport flushes.
 bool BeginReport();
 void EndReport();
 // Waits, not long, for the reports under way and lets nothing through any more.

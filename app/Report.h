@@ -41,8 +41,14 @@ struct ReportRow {
                             : u32Divisor == 0 || u32Divisor > INT32_MAX) {
             throw "no divisor for this number";
         }
+        if (u32Divisor != 1 ||
+            (stText.eForm == TextForm::Pairs && stField.eType != FieldType::U8)) {
+            stText.eForm = TextForm::Other;
+        }
     }
 };
+
+static_assert(sizeof(ReportRow) == sizeof(NumberText) + sizeof(Field) + sizeof(uint32_t));
 
 // Prints one row, or all of them; u32Base is where the record begins in the view.
 void PutRow(ByteView stView, const ReportRow &stRow, uint32_t u32Base = 0);
@@ -62,7 +68,7 @@ void PutNumbers(const std::type_identity_t<TextWith<u32Count>> &stText,
 void PutReal(double dValue);
 // Every element of an array by the same text: u32Count of them from stFirst on,
 // as far as the view has them.
-void PutElements(const TextWith<1> &stText, ByteView stView, Field stFirst, uint32_t u32Count);
+void PutElements(const ElementText &stText, ByteView stView, Field stFirst, uint32_t u32Count);
 // The text that the bytes hold: it ends at a zero byte or with them.
 void PutString(ByteView stBytes);
 

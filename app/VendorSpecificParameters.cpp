@@ -51,7 +51,7 @@ void KeepATRLock(ByteView stRecord) {
     const uint32_t u32Lock = VendorRegion::ATRLock.u16Offset;
     const uint32_t u32First = Get(stRecord, VendorParameter::u16Offset);
     if (u32First <= u32Lock) {
-        gaucRespATRLock.Store(0, DataOf(stRecord).From(u32Lock - u32First));
+        gaucRespATRLock.Store(DataOf(stRecord).From(u32Lock - u32First));
     }
 }
 

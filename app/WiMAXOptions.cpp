@@ -238,6 +238,7 @@ int32_t GetAllOptions() {
 uint32_t PutAllOptions(ByteView stPayload, std::string_view strBanner,
                        std::string_view strHeading) {
     using namespace WiMAXOptions;
+    static constexpr TextWith<1> stPayloadText = "  Payload: %d";
     PutLine(strBanner);
     if (Get(stPayload, u32Status) != 0) {
         PutRow(stPayload, {"\n Response status as %d, Status not equal to zero", u32Status});
@@ -250,7 +251,7 @@ uint32_t PutAllOptions(ByteView stPayload, std::string_view strBanner,
     for (uint32_t i = 0; i < Count; ++i) {
         PutText(astrOptionTexts[i]);
         PutText((u32Specifier >> i & 1) != 0 ? "SET" : "RESET");
-        PutNumber("  Payload: %d", Get(stPayload, au32Values, i * WidthOf(au32Values.eType)));
+        PutNumber(stPayloadText, Get(stPayload, au32Values, i * WidthOf(au32Values.eType)));
     }
     PutText("\n");
     return 1;

@@ -159,7 +159,7 @@ void DumpFields(ByteView stPayload, std::span<const DumpedField> astFields) {
 // The bytes of a table that an indication fills.
 template <uint32_t u32Size>
 void Keep(SharedBytes<u32Size> &stTable, ByteView stPayload, uint32_t u32Offset) {
-    stTable.Store(0, stPayload.From(u32Offset, u32Size));
+    stTable.Store(stPayload.From(u32Offset, u32Size));
 }
 
 void PutParameterIndication(ByteView stPayload) {

@@ -34,8 +34,8 @@ class AuthenticationTest : public ConsoleTest {
         ConsoleTest::SetUp();
         const Bytes aucPseudonym = Message("ee*23");
         const Bytes aucSQNMS = Message("dd*192");
-        gaucRespSEC_SNYMID_ID.Store(0, {aucPseudonym.data(), 23});
-        gaucRespSEC_SQNMS_ID.Store(0, {aucSQNMS.data(), 192});
+        gaucRespSEC_SNYMID_ID.Store({aucPseudonym.data(), 23});
+        gaucRespSEC_SQNMS_ID.Store({aucSQNMS.data(), 192});
     }
 
     static std::string Pseudonym() {

@@ -513,7 +513,7 @@ TEST_F(PipeTest, TheMenusHaveABufferWhateverReportsAreUnderWay) {
     std::atomic<int> iUnderWay{0};
     std::atomic<bool> bMenuDone{false};
     std::vector<std::thread> Threads;
-    for (int i = 0; i < 7; ++i) {
+    for (int i = 0; i < 15; ++i) {
         Threads.emplace_back([&] {
             PutText("a");
             ++iUnderWay;
@@ -523,7 +523,7 @@ TEST_F(PipeTest, TheMenusHaveABufferWhateverReportsAreUnderWay) {
             FlushOutput();
         });
     }
-    while (iUnderWay < 7) {
+    while (iUnderWay < 15) {
         poll(nullptr, 0, 1);
     }
     PutText("menu");
@@ -532,7 +532,19 @@ TEST_F(PipeTest, TheMenusHaveABufferWhateverReportsAreUnderWay) {
     for (std::thread &Thread : Threads) {
         Thread.join();
     }
-    EXPECT_EQ(Read(11), "menuaaaaaaa");
+    EXPECT_EQ(Read(19), "menu" + std::string(15, 'a'));
+}
+
+TEST_F(PipeTest, LeavingFreesAWriterThatNobodyReads) {
+    std::thread Writer([] {
+        PutMany('a', uLongReport);
+        FlushOutput();
+    });
+    Read(1);
+    BeginLeaving();
+    Writer.join();
+    EXPECT_EQ(TimeLeft(), 0);
+    EXPECT_EQ(EndStatus(), 0);
 }
 
 TEST_F(PipeTest, ASignalFreesAWriterThatNobodyReads) {
@@ -550,15 +562,22 @@ TEST_F(PipeTest, ASignalFreesAWriterThatNobodyReads) {
 }
 
 TEST_F(PipeTest, ClosingWaitsForAReportUnderWay) {
-    ASSERT_TRUE(BeginReport());
+    std::atomic<bool> bBegun{false};
     std::atomic<bool> bWritten{false};
     std::thread Library([&] {
+        EXPECT_TRUE(BeginReport());
+        bBegun = true;
         poll(nullptr, 0, 50);
-        PutText("the last report");
-        FlushOutput();
+        PutText("the last ");
+        FlushOutput(); // and the report goes on
+        poll(nullptr, 0, 50);
+        PutText("report");
         bWritten = true;
         EndReport();
     });
+    while (!bBegun) {
+        poll(nullptr, 0, 1);
+    }
     CloseOutput();
     EXPECT_TRUE(bWritten);
     EXPECT_FALSE(BeginReport());
@@ -570,10 +589,42 @@ TEST_F(PipeTest, ClosingWaitsForAReportUnderWay) {
     EXPECT_EQ(poll(&stPoll, 1, 0), 0);
 }
 
+// As where a library calls back from within a call.
+TEST_F(PipeTest, AReportWithinAReportEndsBeforeIt) {
+    std::thread Library([] {
+        EXPECT_TRUE(BeginReport());
+        PutText("the outer one begins, ");
+        EXPECT_TRUE(BeginReport());
+        PutText("the inner one, ");
+        EndReport();
+        PutText("the outer one ends");
+        EndReport();
+    });
+    Library.join();
+    EXPECT_EQ(Read(55), "the outer one begins, the inner one, the outer one ends");
+}
+
 TEST_F(PipeTest, ClosingDoesNotWaitForeverForAReportUnderWay) {
-    ASSERT_TRUE(BeginReport());
+    std::atomic<bool> bBegun{false};
+    std::atomic<bool> bClosed{false};
+    std::thread Library([&] {
+        EXPECT_TRUE(BeginReport());
+        bBegun = true;
+        while (!bClosed) {
+            poll(nullptr, 0, 1);
+        }
+        PutText("too late");
+        EndReport();
+    });
+    while (!bBegun) {
+        poll(nullptr, 0, 1);
+    }
     CloseOutput();
     EXPECT_EQ(TimeLeft(), 0);
+    bClosed = true;
+    Library.join();
+    pollfd stPoll{iReader, POLLIN, 0};
+    EXPECT_EQ(poll(&stPoll, 1, 0), 0);
 }
 
 TEST_F(PipeTest, AReaderThatGoesAwayEndsAWaitForAKey) {
@@ -634,6 +685,40 @@ TEST_F(ClientTest, LackOfMemoryInTheMenusClosesTheDevice) {
     EXPECT_EQ(RunClient([] { throw std::bad_alloc(); }), 1);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "unit_tests: out of memory\n");
     EXPECT_EQ(FakeDevice::Calls().back(), "CloseWiMAXDevice");
+}
+
+TEST_F(ClientTest, LackOfMemoryAtTheEndIsNotSaid) {
+    EndClient(143);
+    testing::internal::CaptureStderr();
+    EndWithoutMemory();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(EndStatus(), 143);
+}
+
+TEST_F(ClientTest, WhoPrintsWithoutEndEndsWhenNobodyReads) {
+    EndIfOutputClosed();
+    EndClient(141);
+    EXPECT_THROW(EndIfOutputClosed(), ClientEnd);
+    OpenConsole();
+    EndClient(143);
+    EndLastReport(); // nothing can be written from here on
+    EXPECT_THROW(EndIfOutputClosed(), ClientEnd);
+}
+
+// As from a terminal that hangs up and from the shell on it. In a process of its
+// own.
+TEST_F(ClientTest, TwoSignalsAtOnceEndAClientThatHangs) {
+    EXPECT_EXIT(
+        {
+            std::signal(SIGHUP, SIG_DFL);
+            OpenConsole();
+            raise(SIGHUP);
+            raise(SIGHUP);
+            for (;;) {
+                pause();
+            }
+        },
+        testing::ExitedWithCode(129), "");
 }
 
 TEST_F(ClientTest, ASignalInTheMenusClosesTheDevice) {

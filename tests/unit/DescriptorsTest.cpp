@@ -1,6 +1,7 @@
 #include "Descriptors.h"
 
 #include <array>
+#include <cstdlib>
 #include <string>
 
 #include <fcntl.h>
@@ -84,5 +85,20 @@ TEST_P(MissingDescriptorTest, IsTheNullDevice) {
 
 INSTANTIATE_TEST_SUITE_P(Standard, MissingDescriptorTest,
                          testing::Values(STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO));
+
+// Opened once more, it would be another terminal. In a process of its own.
+TEST(DescriptorsTest, TheMasterOfATerminalIsWrittenByItsOwnDescriptor) {
+    EXPECT_EXIT(
+        {
+            dup2(posix_openpt(O_RDWR | O_NOCTTY), STDOUT_FILENO);
+            OpenDescriptors();
+            const bool bOwn = OutputDescriptor() == STDOUT_FILENO;
+            const bool bWaits = (fcntl(STDOUT_FILENO, F_GETFL) & O_NONBLOCK) == 0;
+            RestoreDescriptors();
+            const bool bWaitsAgain = (fcntl(STDOUT_FILENO, F_GETFL) & O_NONBLOCK) == 0;
+            std::exit(bOwn && !bWaits && bWaitsAgain ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
 
 } // namespace

@@ -1,10 +1,12 @@
 #include "Dispatcher.h"
 
+#include <new>
 #include <set>
 #include <thread>
 
 #include <pthread.h>
 
+#include "Ending.h"
 #include "Message.h"
 #include "TestConsole.h"
 
@@ -136,6 +138,14 @@ TEST_F(DispatcherTest, AWrongLengthChangesNothing) {
             EXPECT_EQ(Printed(), stMessage.strPrinted) << u32Length;
         }
     }
+}
+
+TEST_F(DispatcherTest, LackOfMemoryInADecoderEndsTheClientAndReachesNoLibrary) {
+    FakeDevice::OnSend([](size_t, auto) { throw std::bad_alloc(); });
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(FakeDevice::Deliver(Message("36/2")), 0U);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "unit_tests: out of memory\n");
+    EXPECT_EQ(EndStatus(), 1);
 }
 
 TEST_F(DispatcherTest, ReportsReachTheOutputWhenTheCallbackReturns) {

@@ -50,9 +50,9 @@ class EEPROMTestTest : public ConsoleTest {
         ConsoleTest::SetUp();
         giNextRandom = 0;
         giSeeded = 0;
-        gaucRespSEC_SNYMID_ID.Store(0, Record<23>{}.View());
-        gaucRespSEC_SQNMS_ID.Store(0, Record<192>{}.View());
-        gaucRespATRLock.Store(0, Record<2>{}.View());
+        gaucRespSEC_SNYMID_ID.Store(Record<23>{}.View());
+        gaucRespSEC_SQNMS_ID.Store(Record<192>{}.View());
+        gaucRespATRLock.Store(Record<2>{}.View());
         ASSERT_NE(getcwd(acBefore.data(), acBefore.size()), nullptr);
         ASSERT_NE(mkdtemp(acDirectory), nullptr);
         ASSERT_EQ(chdir(acDirectory), 0);

@@ -49,6 +49,14 @@ TEST_F(InputTest, AnOptionTakesItsWholeWordAndNoMore) {
     EXPECT_EQ(Unread(), "\n");
 }
 
+TEST_F(InputTest, AWordWithAZeroByteEndsWithTheInput) {
+    using namespace std::literals;
+    Type("12\0ab"sv);
+    EndInput();
+    EXPECT_EQ(ReadOption(), 12);
+    EXPECT_EQ(Unread(), "");
+}
+
 TEST_F(InputTest, AZeroByteEndsTheNumberButNotTheWord) {
     Type(std::string_view("12\0"
                           "34 5\n",

@@ -71,6 +71,14 @@ TEST_F(ReportTest, TextsOfEveryLengthAroundTheNumbers) {
                   PutNumber("1234567890123456%d12345678901234567890123456789012345678901", 5);
               }),
               "1234567890123456512345678901234567890123456789012345678901");
+    EXPECT_EQ(PrintedBy([] {
+                  PutNumber("0123456789abcdef%d0123456789abcdef", 12345);
+                  PutNumber("0123456789abcdef0123456789abcdef%x0123456789abcdef0123456789abcdef",
+                            0x12345);
+                  PutText("|");
+              }),
+              "0123456789abcdef123450123456789abcdef"
+              "0123456789abcdef0123456789abcdef123450123456789abcdef0123456789abcdef|");
 }
 
 TEST_F(ReportTest, LinesOfAnyLength) {
@@ -101,6 +109,27 @@ TEST_F(ReportTest, TextsThatCannotBeTakenApart) {
     EXPECT_FALSE(IsText("%.3f"));
     EXPECT_TRUE(IsText(std::string(NumberText::MostText, 'a')));
     EXPECT_FALSE(IsText(std::string(NumberText::MostText + 1, 'a')));
+}
+
+TEST_F(ReportTest, TextsAreOfTheFormThatTheirNumbersHave) {
+    const auto FormOfText = [](const char *pcText) {
+        NumberText stText;
+        EXPECT_TRUE(TakeApart(pcText, &stText));
+        return stText.eForm;
+    };
+    EXPECT_EQ(FormOfText("no number"), TextForm::Plain);
+    EXPECT_EQ(FormOfText("%d dB"), TextForm::Decimal);
+    EXPECT_EQ(FormOfText("%u"), TextForm::Decimal);
+    EXPECT_EQ(FormOfText("0x%x"), TextForm::Hex);
+    EXPECT_EQ(FormOfText("0x%X"), TextForm::Hex);
+    EXPECT_EQ(FormOfText("%02x"), TextForm::Pairs);
+    EXPECT_EQ(FormOfText("%02X:%02X"), TextForm::Pairs);
+    EXPECT_EQ(FormOfText("%02X:%2X"), TextForm::Other);
+    EXPECT_EQ(FormOfText("%02X:%03X"), TextForm::Other);
+    EXPECT_EQ(FormOfText("%02d"), TextForm::Other);
+    EXPECT_EQ(FormOfText("%5d"), TextForm::Other);
+    EXPECT_EQ(FormOfText("%f"), TextForm::Other);
+    EXPECT_EQ(FormOfText("%d %d"), TextForm::Other);
 }
 
 TEST_F(ReportTest, DivisorsThatGiveExactDecimals) {
@@ -184,6 +213,22 @@ TEST_F(ReportTest, ElementsAsFarAsTheViewHasThem) {
     EXPECT_EQ(Printed({}, stBytesField, 4), "");
 }
 
+TEST_F(ReportTest, ElementsWithTextAroundThem) {
+    constexpr Field stBytesField{1, FieldType::U8};
+    EXPECT_EQ(PrintedBy([&] { PutElements("\nbyte 0x%x,", stReportBytes, stBytesField, 2); }),
+              "\nbyte 0xff,\nbyte 0x80,");
+    EXPECT_EQ(PrintedBy([&] {
+                  PutElements("%X", stReportBytes, {2, FieldType::I16}, 2);
+              }),
+              "FFFFFF80FFFFFFFF");
+    EXPECT_EQ(PrintedBy([&] {
+                  PutElements("0123456789abcdef0123456789abcde:%u=0123456789abcde", stReportBytes,
+                              stBytesField, 2);
+              }),
+              "0123456789abcdef0123456789abcde:255=0123456789abcde"
+              "0123456789abcdef0123456789abcde:128=0123456789abcde");
+}
+
 TEST_F(ReportTest, ElementsThatFillMoreThanABuffer) {
     Record<20000> stRecord;
     std::string strExpected;
@@ -216,6 +261,10 @@ TEST_F(ReportTest, ARowTakesItsConversionsFromFieldAfterField) {
     EXPECT_EQ(PrintedBy([&] { PutRow(stReportBytes, stRow); }), "\nID :0A FF 80");
     EXPECT_EQ(PrintedBy([&] { PutRow(stReportBytes, stRow, 1); }), "\nID :FF 80 FF");
     EXPECT_EQ(PrintedBy([&] { PutRow(stReportBytes, stRow, 7); }), "\nID :FE 00 00");
+    constexpr ReportRow stWide{"%02x--%02X", {0, FieldType::U16}};
+    EXPECT_EQ(PrintedBy([&] { PutRow(stReportBytes, stWide, 4); }), "ffff--FE01");
+    constexpr ReportRow stBothCases{"%02x--%02X.", {2, FieldType::U8}};
+    EXPECT_EQ(PrintedBy([&] { PutRow(stReportBytes, stBothCases); }), "80--FF.");
 }
 
 TEST_F(ReportTest, SignedFieldsPrintSigned) {

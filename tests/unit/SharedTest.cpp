@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr uint32_t u32Size = 402; // not a multiple of four
+constexpr uint32_t u32Size = 402; // not a multiple of a word
 using Table = SharedBytes<u32Size>;
 
 Record<u32Size> Filled(uint8_t u8Value) {
@@ -32,19 +32,23 @@ bool IsOfOneWrite(const Record<u32Size> &stRecord) {
         stRecord.aucBytes, [&stRecord](uint8_t u8Byte) { return u8Byte == stRecord.aucBytes[0]; });
 }
 
-TEST(SharedTest, APartIsStoredAtItsPlaceAndWhatDoesNotFitIsDropped) {
+TEST(SharedTest, APartIsStoredInFrontAndWhatDoesNotFitIsDropped) {
     Table stTable;
-    const uint8_t aucBytes[] = {1, 2, 3, 4, 5, 6};
-    stTable.Store(4, {aucBytes, 5});
-    stTable.Store(400, {aucBytes, 6});
-    stTable.Store(404, {aucBytes, 6});
-    const Record<u32Size> stRecord = stTable.Load();
-    EXPECT_EQ(stRecord.aucBytes[3], 0);
-    EXPECT_EQ(stRecord.aucBytes[4], 1);
-    EXPECT_EQ(stRecord.aucBytes[8], 5);
-    EXPECT_EQ(stRecord.aucBytes[9], 0);
-    EXPECT_EQ(stRecord.aucBytes[400], 1);
-    EXPECT_EQ(stRecord.aucBytes[401], 2);
+    stTable.Store(Filled(7).View());
+    uint8_t aucBytes[u32Size + 8];
+    std::memset(aucBytes, 1, sizeof aucBytes);
+    stTable.Store({aucBytes, 13});
+    Record<u32Size> stRecord = stTable.Load();
+    EXPECT_EQ(stRecord.aucBytes[0], 1);
+    EXPECT_EQ(stRecord.aucBytes[12], 1);
+    EXPECT_EQ(stRecord.aucBytes[13], 7);
+    EXPECT_EQ(stRecord.aucBytes[401], 7);
+    stTable.Store({});
+    EXPECT_EQ(stTable.Load().aucBytes[0], 1);
+    stTable.Store({aucBytes, sizeof aucBytes});
+    stRecord = stTable.Load();
+    EXPECT_EQ(stRecord.aucBytes[401], 1);
+    EXPECT_TRUE(IsOfOneWrite(stRecord));
 }
 
 TEST(SharedTest, AReaderSeesWholeWritesOfSeveralThreads) {
@@ -55,7 +59,7 @@ TEST(SharedTest, AReaderSeesWholeWritesOfSeveralThreads) {
         Writers.emplace_back([&stTable, &bStop, u8Writer] {
             const Record<u32Size> stRecord = Filled(u8Writer);
             while (!bStop) {
-                stTable.Store(0, stRecord.View());
+                stTable.Store(stRecord.View());
             }
         });
     }
@@ -128,13 +132,13 @@ TEST(SharedTest, AThreadStoppedInTheMiddleOfItsWriteLeavesNothingTorn) {
     ForbiddenPage::Forbid();
 
     Table stTable;
-    std::thread Slow([&] { stTable.Store(0, {pucBytes, u32Size}); });
+    std::thread Slow([&] { stTable.Store({pucBytes, u32Size}); });
     std::thread Quick([&] {
         const Record<u32Size> stOwn = Filled(2);
         while (!gbStopped) {
             std::this_thread::yield();
         }
-        stTable.Store(0, stOwn.View());
+        stTable.Store(stOwn.View());
         gbOtherDone = true;
     });
     Slow.join();
@@ -148,10 +152,10 @@ Table *gpstWrittenMeanwhile = nullptr;
 TEST(SharedTest, AReaderStoppedInTheMiddleLooksAgainWhenSomebodyHasWritten) {
     const ForbiddenPage stPage([] {
         mprotect(ForbiddenPage::pucBegin, 1, PROT_READ | PROT_WRITE);
-        gpstWrittenMeanwhile->Store(0, Filled(2).View());
+        gpstWrittenMeanwhile->Store(Filled(2).View());
     });
-    gpstWrittenMeanwhile = new (ForbiddenPage::pucBegin - sizeof(Table) / 8 * 4) Table;
-    gpstWrittenMeanwhile->Store(0, Filled(1).View());
+    gpstWrittenMeanwhile = new (ForbiddenPage::pucBegin - sizeof(Table) / 16 * 8) Table;
+    gpstWrittenMeanwhile->Store(Filled(1).View());
     ForbiddenPage::Forbid();
     const Record<u32Size> stRead = gpstWrittenMeanwhile->Load();
     EXPECT_EQ(stRead.aucBytes[0], 2);
@@ -166,15 +170,15 @@ TEST(SharedTest, NothingBeyondTheEndIsTouched) {
     auto *pstLast = new (ForbiddenPage::pucBegin - sizeof(WholeWords)) WholeWords;
     uint8_t *pucLast = ForbiddenPage::pucBegin - 400;
     ForbiddenPage::Forbid();
-    pstLast->Store(0, Filled(3).View().From(0, 400));
+    pstLast->Store(Filled(3).View().From(0, 400));
     EXPECT_EQ(pstLast->Load().aucBytes[399], 3);
     EXPECT_FALSE(gbBeyondTheEnd);
 
     std::memset(pucLast, 4, 400);
     Table stTable;
-    stTable.Store(0, {pucLast, 400});
+    stTable.Store({pucLast, 400});
     EXPECT_EQ(stTable.Load().aucBytes[399], 4);
-    stTable.Store(0, {pucLast + 1, 399});
+    stTable.Store({pucLast + 1, 399});
     EXPECT_EQ(stTable.Load().aucBytes[398], 4);
     EXPECT_FALSE(gbBeyondTheEnd);
 }

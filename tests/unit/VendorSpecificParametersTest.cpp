@@ -22,7 +22,7 @@ class VendorSpecificTest : public ConsoleTest {
     void SetUp() override {
         ConsoleTest::SetUp();
         constexpr uint8_t aucUnknown[] = {0xEE, 0xEE};
-        gaucRespATRLock.Store(0, {aucUnknown, 2});
+        gaucRespATRLock.Store({aucUnknown, 2});
     }
 
     static std::vector<int> ATRLock() {
