@@ -324,36 +324,33 @@ BitWriter NBRADVBody(const Station &stStation, std::span<const Station *const> a
     return stBody;
 }
 
-BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame, const BurstProfile &stProfile) {
+namespace {
+
+// What of a DL-MAP names the bursts: one with the broadcast messages, said twice for the edge of
+// the cell; one with the rest, in the slots of two symbols that are left.
+constexpr uint32_t u32DownlinkIEs = 2;
+void PutDownlinkIEs(BitWriter &stBody, const FrameLayout &stLayout, const BurstProfile &stProfile) {
     constexpr uint32_t u32First = 1; // the symbol behind the preamble
     constexpr uint32_t u32Broadcast = 4;
-    const FrameLayout stLayout = LayoutOf(stStation.u32Bandwidth);
-    BitWriter stBody;
-    stBody.U8(u32FrameDurationCode).U24(u32Frame);
-    stBody.U8(stStation.u32DCDChangeCount);
-    stBody.Bytes(ViewOf(stStation.aucBSID));
-    stBody.U8(stLayout.u32DownlinkSymbols);
     const auto PutBurst = [&](const BurstProfile &stOf, uint32_t u32Offset, uint32_t u32Symbols,
                               uint32_t u32SubChannels) {
         stBody.Bits(stOf.DIUC(), 4).Bits(u32Offset, 8).Bits(0, 6); // from the first subchannel
         stBody.Bits(0, 3);                                         // not louder than the rest
         stBody.Bits(u32Symbols, 7).Bits(u32SubChannels, 6).Bits(stOf.u32Repeats, 2);
     };
-    // A burst with the broadcast messages, said twice for the edge of the cell; one with the rest,
-    // in the slots of two symbols that are left.
     const uint32_t u32Rest = (stLayout.u32DownlinkSymbols - u32First - u32Broadcast) / 2 * 2;
     PutBurst(stBroadcastProfile, u32First, u32Broadcast, 10);
     PutBurst(stProfile, u32First + u32Broadcast, u32Rest, stLayout.u32DownlinkSubChannels);
-    return stBody.Pad();
+    stBody.Pad();
 }
 
-BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants) {
+// From the UCD's change count on.
+void PutUplink(BitWriter &stBody, const Station &stStation, const Grants &stGrants) {
     constexpr uint32_t u32RangingRegion = 12;
     constexpr uint32_t u32CDMAAllocation = 14;
     constexpr uint32_t u32MostSlots = 1023;
     const FrameLayout stLayout = LayoutOf(stStation.u32Bandwidth);
-    BitWriter stBody;
-    stBody.U8(0).U8(stStation.u32DCDChangeCount);
+    stBody.U8(stStation.u32DCDChangeCount);
     stBody.U32(stLayout.UplinkStart()).U8(stLayout.u32UplinkSymbols);
     if (stGrants.stData) {
         const BurstProfile &stProfile = stGrants.stData->stProfile;
@@ -367,16 +364,75 @@ BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants) {
         stBody.Bits(u32Method == 0 ? 0 : 2, 8).Bits(0, 7).Bits(u32Method == 0 ? 2 : 1, 7);
         stBody.Bits(6, 7).Bits(u32Method, 2).Bits(0, 1);
     }
-    if (stGrants.stCDMA) {
-        const RangingSignal &stSignal = *stGrants.stCDMA;
+    for (const RangingSignal &stSignal : stGrants.astCodes) {
+        // Six slots of the most robust profile have room for a RNG-REQ; a request for bandwidth is
+        // a bare header.
+        const bool bRequest = stSignal.u32Code >= RangingCodes::BandwidthRequest.u32First &&
+                              stSignal.u32Code < RangingCodes::Handover.u32First;
         stBody.U16(WellKnownCID::InitialRanging).Bits(u32CDMAAllocation, 4);
-        stBody.Bits(6, 6).Bits(1, 4).Bits(0, 2).Bits(stSignal.u32Frame, 4);
+        stBody.Bits(bRequest ? 1 : 6, 6).Bits(1, 4).Bits(0, 2).Bits(stSignal.u32Frame, 4);
         stBody.U8(stSignal.u32Code)
             .U8(stSignal.u32Symbol)
             .Bits(stSignal.u32SubChannel, 7)
-            .Bits(0, 1);
+            .Bits(bRequest ? 1 : 0, 1); // what it is for
     }
-    return stBody.Pad();
+    stBody.Pad();
+}
+
+// What is left of the bytes, the highest bit first, divided by the polynomial of so many bits.
+uint32_t Remainder(ByteView stBytes, uint32_t u32Bits, uint32_t u32Polynomial, uint32_t u32Start) {
+    const uint32_t u32HighestBit = 1U << (u32Bits - 1);
+    uint32_t u32Left = u32Start;
+    for (uint32_t i = 0; i < stBytes.u32Length; ++i) {
+        u32Left ^= uint32_t{stBytes.At(i)} << (u32Bits - 8);
+        for (uint32_t j = 0; j < 8; ++j) {
+            u32Left = (u32Left & u32HighestBit) != 0 ? u32Left << 1 ^ u32Polynomial : u32Left << 1;
+        }
+    }
+    return u32Left;
+}
+
+} // namespace
+
+BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame, const BurstProfile &stProfile) {
+    const FrameLayout stLayout = LayoutOf(stStation.u32Bandwidth);
+    BitWriter stBody;
+    stBody.U8(u32FrameDurationCode).U24(u32Frame);
+    stBody.U8(stStation.u32DCDChangeCount);
+    stBody.Bytes(ViewOf(stStation.aucBSID));
+    stBody.U8(stLayout.u32DownlinkSymbols);
+    PutDownlinkIEs(stBody, stLayout, stProfile);
+    return stBody;
+}
+
+BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants) {
+    BitWriter stBody;
+    stBody.U8(0);
+    PutUplink(stBody, stStation, stGrants);
+    return stBody;
+}
+
+BitWriter CompressedMaps(const Station &stStation, uint32_t u32Frame, const BurstProfile &stProfile,
+                         const Grants &stGrants) {
+    constexpr uint32_t u32Compressed = 6;
+    constexpr uint32_t u32UplinkAppended = 1;
+    constexpr uint32_t u32LengthField = 2; // with what stands before it
+    constexpr uint32_t u32ChecksumBits = 32;
+    constexpr uint32_t u32Polynomial = 0x04C11DB7;
+    const FrameLayout stLayout = LayoutOf(stStation.u32Bandwidth);
+    BitWriter stContent;
+    stContent.U8(u32FrameDurationCode).U24(u32Frame);
+    stContent.U8(stStation.u32DCDChangeCount);
+    // Of the station's ID the last byte of the operator's half, and the last one.
+    stContent.U8(stStation.aucBSID[2]).U8(stStation.aucBSID[5]);
+    stContent.U8(stLayout.u32DownlinkSymbols).U8(u32DownlinkIEs);
+    PutDownlinkIEs(stContent, stLayout, stProfile);
+    PutUplink(stContent, stStation, stGrants);
+    BitWriter stMaps;
+    stMaps.Bits(u32Compressed, 3).Bits(u32UplinkAppended, 1).Bits(0, 1);
+    stMaps.Bits(u32LengthField + stContent.View().u32Length + u32ChecksumBits / 8, 11);
+    stMaps.Bytes(stContent.View());
+    return stMaps.U32(~Remainder(stMaps.View(), u32ChecksumBits, u32Polynomial, UINT32_MAX));
 }
 
 BitWriter RNGREQBody(RangingPurpose ePurpose, const MACAddressBytes &aucMAC,
@@ -609,16 +665,8 @@ BitWriter DREGCMDBody(const Station &stStation, uint32_t u32Action, uint32_t u32
 }
 
 uint32_t MACAddressHash(const MACAddressBytes &aucMAC) {
-    constexpr uint32_t u32Polynomial = 0x864CFB;
-    constexpr uint32_t u32HighestBit = 0x800000;
-    uint32_t u32Hash = 0;
-    for (const uint8_t u8Byte : aucMAC) {
-        u32Hash ^= uint32_t{u8Byte} << 16;
-        for (uint32_t i = 0; i < 8; ++i) {
-            u32Hash = (u32Hash & u32HighestBit) != 0 ? u32Hash << 1 ^ u32Polynomial : u32Hash << 1;
-        }
-    }
-    return u32Hash & 0xFFFFFF;
+    constexpr uint32_t u32Bits = 24;
+    return Remainder(ViewOf(aucMAC), u32Bits, 0x864CFB, 0) & 0xFFFFFF;
 }
 
 BitWriter PAGADVBody(const Station &stStation, const MACAddressBytes *pstPaged) {

@@ -103,11 +103,15 @@ struct DataGrant {
     uint32_t u32Slots;
 };
 struct Grants {
-    std::optional<RangingSignal> stCDMA; // an allocation in answer to a ranging code
+    std::vector<RangingSignal> astCodes; // that are answered with an allocation
     std::optional<DataGrant> stData;
 };
 BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame, const BurstProfile &stProfile);
 BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants);
+// Both in one, with a checksum. It is no management message and has no type: its first bits, 110,
+// tell it from a DL-MAP.
+BitWriter CompressedMaps(const Station &stStation, uint32_t u32Frame, const BurstProfile &stProfile,
+                         const Grants &stGrants);
 
 // Ranging.
 enum class RangingPurpose : uint8_t { Entry, Handover, IdleReentry, LocationUpdate, PowerDown };

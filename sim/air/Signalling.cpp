@@ -227,7 +227,7 @@ void Signalling::Follow(const LinkChange &stChange) {
                  DCDBody(*pstServing, m_stAir.Thresholds()));
         SayLater(MessageCode::UCD, bDown, WellKnownCID::FragmentableBroadcast,
                  UCDBody(*pstServing));
-        SayLater(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast, ULMAPBody(*pstServing, {}));
+        Later([this, pstServing] { SayULMAP(*pstServing, nullptr); });
     } else if (stChange.eAfter == Entering) {
         BeginStage(Ranging);
     } else if (stChange.eAfter == EnteringIdle) {
@@ -402,10 +402,7 @@ void Signalling::Range(const Station &stStation, RangingPurpose ePurpose) {
         Later([this, &stGroup] { SendCode(stGroup, RangingKind::Initial); });
     }
     Later([this, &stStation] { AnswerCode(stStation, RangingStatus::Success); });
-    Later([this, &stStation] {
-        Say(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast,
-            ULMAPBody(stStation, {m_stSignal, std::nullopt}));
-    });
+    Later([this, &stStation] { SayULMAP(stStation, &m_stSignal); });
     // The station that the modem comes from still knows its keys.
     const Station *pstFormer =
         ePurpose == RangingPurpose::Handover ? m_stAt.pstServing : m_pstFormer;
@@ -635,18 +632,54 @@ void Signalling::Broadcast(Timer &stTimer, ModemTime iPeriod, void (Signalling::
 void Signalling::SayMaps() {
     const Station &stStation = *m_stAt.pstServing;
     SayDLMAP(stStation);
+    if (!stStation.bCompressedMap) {
+        SayULMAP(stStation, nullptr);
+    }
+}
+
+void Signalling::SayDLMAP(const Station &stStation) {
+    if (stStation.bCompressedMap) {
+        SayCompressedMaps(stStation, GrantsNow(stStation, nullptr));
+    } else {
+        Say(MessageCode::DLMAP, bDown, WellKnownCID::Broadcast,
+            DLMAPBody(stStation, Frame(), ProfileAt(CINROf(stStation))));
+    }
+}
+
+void Signalling::SayULMAP(const Station &stStation, const RangingSignal *pstAnswered) {
+    const Grants stGrants = GrantsNow(stStation, pstAnswered);
+    if (stStation.bCompressedMap) {
+        SayCompressedMaps(stStation, stGrants);
+    } else {
+        Say(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast, ULMAPBody(stStation, stGrants));
+    }
+}
+
+// They have no code of their own.
+void Signalling::SayCompressedMaps(const Station &stStation, const Grants &stGrants) {
+    Say(MessageCode::DLMAP, bDown, WellKnownCID::Broadcast,
+        CompressedMaps(stStation, Frame(), ProfileAt(CINROf(stStation)), stGrants));
+}
+
+Grants Signalling::GrantsNow(const Station &stStation, const RangingSignal *pstAnswered) const {
     Grants stGrants;
+    if (pstAnswered != nullptr) {
+        stGrants.astCodes.push_back(*pstAnswered);
+    }
+    if (&stStation != m_stAt.pstServing) {
+        return stGrants; // of the target of a handover: the traffic is with the serving one
+    }
+    for (const RangingSignal &stSignal : m_stTraffic.LatestRequests()) {
+        if (((stSignal.u32Frame + 1) & u32FrameNumberMask) == Frame()) {
+            stGrants.astCodes.push_back(stSignal);
+        }
+    }
     const uint32_t u32Granted = m_stTraffic.Granted(Frame());
     if (u32Granted != 0) {
         stGrants.stData = {m_u32BasicCID, ProfileAt(CINROf(stStation) - fUplinkLoss),
                            u32Granted / u32SlotBytes};
     }
-    Say(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast, ULMAPBody(stStation, stGrants));
-}
-
-void Signalling::SayDLMAP(const Station &stStation) {
-    Say(MessageCode::DLMAP, bDown, WellKnownCID::Broadcast,
-        DLMAPBody(stStation, Frame(), ProfileAt(CINROf(stStation))));
+    return stGrants;
 }
 
 double Signalling::CINROf(const Station &stStation) const {

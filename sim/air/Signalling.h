@@ -180,7 +180,12 @@ class Signalling {
 
     void Broadcast(Timer &stTimer, ModemTime iPeriod, void (Signalling::*pfnSay)());
     void SayMaps();
+    // Of a station with compressed maps either says both.
     void SayDLMAP(const Station &stStation);
+    void SayULMAP(const Station &stStation, const RangingSignal *pstAnswered);
+    void SayCompressedMaps(const Station &stStation, const Grants &stGrants);
+    // What the uplink of the present frame is granted for, with the code that is answered in it.
+    Grants GrantsNow(const Station &stStation, const RangingSignal *pstAnswered) const;
     double CINROf(const Station &stStation) const;
     void SayDescriptors();
     void SayNeighbours();

@@ -129,6 +129,38 @@ TEST(AirInterface, ASATEKRequestListsTheSuites) {
               "19 09 01 01 02 02 01 02 03 01 02");
 }
 
+// 8.4.5.4: the grant (20 slots at UIUC 8), the two regions for ranging; 8.4.5.4.3: an allocation
+// for each code that is answered: six slots for a RNG-REQ, one that is there for a bandwidth
+// request (the last bit), both at UIUC 1, with the frame's last four bits, code, symbol and
+// subchannel.
+TEST(AirInterface, AnULMAPAnswersCodesWithAllocations) {
+    const Station stStation = StationAt(2587500, 10000);
+    const Grants stGrants{{{5, 60, 3, 1}, {0x35, 100, 4, 2}}, {{0x11, ProfileAt(28), 20}}};
+    EXPECT_EQ(HexOf(ULMAPBody(stStation, stGrants)),
+              "00 05 00 00 21 C8 12 00 11 80 50 FF FF C0 00 00 83 0F FF FC 02 00 04 34 "
+              "00 00 E1 84 53 C0 10 60 00 0E 04 45 64 02 09");
+    const Grants stNone;
+    EXPECT_EQ(HexOf(ULMAPBody(stStation, stNone)),
+              "00 05 00 00 21 C8 12 FF FF C0 00 00 83 0F FF FC 02 00 04 34");
+}
+
+// 8.4.5.6.1: bits 110, an UL-MAP appended, the length of all; frame duration and number, DCD count,
+// the last bytes of both halves of the station's ID, 29 symbols, two bursts; 8.4.5.6.2: UCD count,
+// start of the uplink, 18 symbols, grants and regions as in an UL-MAP; 6.3.3.5.2.2: the checksum,
+// which stock tshark finds right, too.
+TEST(AirInterface, CompressedMapsAreBothMapsInOne) {
+    const Station stStation = StationAt(2587500, 10000);
+    const std::string strDownlink =
+        "04 00 04 D2 05 0A 03 1D 02 00 10 00 42 97 05 00 18 78 05 00 00 21 C8 12 ";
+    EXPECT_EQ(HexOf(CompressedMaps(stStation, 1234, ProfileAt(28), {})),
+              "D0 2B " + strDownlink + "FF FF C0 00 00 83 0F FF FC 02 00 04 34 BE A5 03 CE");
+    const Grants stGrants{{{5, 60, 3, 1}, {0x35, 100, 4, 2}}, {{0x11, ProfileAt(28), 20}}};
+    EXPECT_EQ(HexOf(CompressedMaps(stStation, 1234, ProfileAt(28), stGrants)),
+              "D0 3E " + strDownlink +
+                  "00 11 80 50 FF FF C0 00 00 83 0F FF FC 02 00 04 34 "
+                  "00 00 E1 84 53 C0 10 60 00 0E 04 45 64 02 09 B2 F2 05 17");
+}
+
 TEST(PhysicalLayer, AFrameIsFilledToItsEndAtAnyBandwidth) {
     for (const uint32_t u32Bandwidth :
          {0U, 3U, 1250U, 1750U, 2000U, 2750U, 6000U, 9000U, 20000U, 4294967295U}) {

@@ -85,7 +85,7 @@ TEST(Trace, RequestsHaveNoPayload) {
 }
 
 TEST(Trace, MapsSayTheFrameAndTheStation) {
-    ModemBench stBench(strStations +
+    ModemBench stBench(WithOrdinaryMaps(strStations) +
                        "[start]\nstate = \"synchronised\"\nstation = \"00120A010203\"\n"
                        "[trace]\non = true\n[signalling]\nmap-period = 0.1\n");
     stBench.RunUntil(0.15);
@@ -97,6 +97,34 @@ TEST(Trace, MapsSayTheFrameAndTheStation) {
                     "04 00 00 14 05 00 12 0A 01 02 03 1D 00 10 00 42 97 05 00 18 78",
                     "0.10 21/1: 00 14 00 00 00 03 00 00 00 14 00 00 00 FF FF 00 00 00 "
                     "00 05 00 00 21 C8 12 FF FF C0 00 00 83 0F FF FC 02 00 04 34"}));
+}
+
+TEST(Trace, CompressedMapsAreOneRecordWithoutAType) {
+    ModemBench stBench(strStations +
+                       "[start]\nstate = \"synchronised\"\nstation = \"00120A010203\"\n"
+                       "[trace]\non = true\n[signalling]\nmap-period = 0.1\n");
+    stBench.RunUntil(0.15);
+    // As above: the code of a DL-MAP, 43 bytes with the uplink's part and the checksum.
+    EXPECT_EQ(stBench.TimedMessages(),
+              Told({"0.10 21/1: 00 14 00 00 00 02 00 00 00 2B 00 00 00 FF FF 00 00 00 "
+                    "D0 2B 04 00 00 14 05 0A 03 1D 02 00 10 00 42 97 05 00 18 78 "
+                    "05 00 00 21 C8 12 FF FF C0 00 00 83 0F FF FC 02 00 04 34 DE D1 60 3A"}));
+}
+
+TEST(Trace, AStationWithCompressedMapsIsEnteredByThem) {
+    ModemBench stBench(strStations + strQuiet + "[trace]\non = true\n");
+    EXPECT_EQ(stBench.Send(2, 1, strSync), 0);
+    stBench.RunUntil(1);
+    EXPECT_EQ(stBench.Send(2, 2, "00*4"), 0);
+    stBench.RunUntil(4);
+    const std::vector<Traced> astTraced = TracedBy(stBench);
+    EXPECT_EQ(Talk(astTraced).substr(0, 36), "2v 1v 0v 2v 5v 5v 2v 4^ 5v 26^ 27v 9");
+    // The third one, of frame 204, ends with the allocation for the RNG-REQ (CID 0, UIUC 14, six
+    // slots at UIUC 1, the frame of the code, 10, the code, 58, on symbol 0 and subchannel 1) and
+    // the checksum.
+    EXPECT_EQ(HexOf(astTraced[6].aucBody),
+              "D0 33 04 00 00 CC 05 0A 03 1D 02 00 10 00 42 97 05 00 18 78 05 00 00 21 C8 12 "
+              "FF FF C0 00 00 83 0F FF FC 02 00 04 34 00 00 E1 84 A3 A0 00 20 67 8D EF 8E");
 }
 
 TEST(Trace, AScenarioSetsTheRate) {
@@ -114,7 +142,7 @@ TEST(Trace, AScenarioSetsTheRate) {
 }
 
 TEST(Trace, NetworkEntryIsSaidFromTheFirstMapToTheTrafficKeys) {
-    ModemBench stBench(strStations + strQuiet + "[trace]\non = true\n");
+    ModemBench stBench(WithOrdinaryMaps(strStations) + strQuiet + "[trace]\non = true\n");
     EXPECT_EQ(stBench.Send(2, 1, strSync), 0);
     stBench.RunUntil(1);
     EXPECT_EQ(stBench.Send(2, 2, "00*4"), 0);
@@ -151,7 +179,7 @@ TEST(Trace, FailingEntriesEndWithTheStationsRefusal) {
         {"satek-failure", "6^! 7v! 9^! 10v!"},
     };
     for (const auto &[strEntry, strEnd] : astCases) {
-        std::string strScenario = strStations + strQuiet + "[trace]\non = true\n";
+        std::string strScenario = WithOrdinaryMaps(strStations) + strQuiet + "[trace]\non = true\n";
         strScenario.insert(strScenario.find("rssi"), "entry = \"" + strEntry + "\"\n");
         ModemBench stBench(strScenario);
         EXPECT_EQ(stBench.Send(2, 1, strSync), 0);
@@ -165,7 +193,7 @@ TEST(Trace, FailingEntriesEndWithTheStationsRefusal) {
 }
 
 TEST(Trace, IdleModeIsAskedForPagedAndLeft) {
-    ModemBench stBench(strLinkUp + strQuiet +
+    ModemBench stBench(WithOrdinaryMaps(strLinkUp) + strQuiet +
                        "[trace]\non = true\n[[event]]\nat = 4.5\nkind = \"paging\"\n");
     EXPECT_EQ(stBench.Send(19, 1), 0);
     stBench.RunUntil(7);
@@ -282,7 +310,7 @@ std::string Order(ModemBench &stBench) {
 }
 
 TEST(Trace, TheHostHearsOfThingsAfterTheyHappenedOnTheAir) {
-    ModemBench stEntry(strStations + strQuiet + "[trace]\non = true\n");
+    ModemBench stEntry(WithOrdinaryMaps(strStations) + strQuiet + "[trace]\non = true\n");
     EXPECT_EQ(stEntry.Send(2, 1, strSync), 0);
     stEntry.RunUntil(1);
     EXPECT_EQ(Order(stEntry), "2 1 0 3 (2/1)");
