@@ -8,7 +8,6 @@
 #include "air/Capabilities.h"
 #include "air/Decibels.h"
 #include "air/Traffic.h"
-#include "time/ModemTime.h"
 #include "time/Random.h"
 
 namespace {
@@ -719,15 +718,14 @@ void PutLevels(BitWriter &stTo, const Measurement &stLevels) {
     stTo.U8(MobilityCINR(stLevels.fCINR)).U8(MobilityRSSI(stLevels.fRSSI));
 }
 
-// A scan takes so many frames, once.
-constexpr uint32_t u32ScanFrames = 4;
-constexpr uint32_t u32ScanStart = 2; // frames from now
 constexpr uint32_t u32Interleaving = 0;
-constexpr uint32_t u32Iterations = 1;
 
-// None by its place in the neighbour advertisement, one by its ID, without association.
-void PutScanned(BitWriter &stTo, const Station &stNeighbour) {
-    stTo.U8(0).U8(1).Bytes(ViewOf(stNeighbour.aucBSID)).Bits(0, 3);
+// None by its place in the neighbour advertisement, one or none by its ID, without association.
+void PutScanned(BitWriter &stTo, const Station *pstNeighbour) {
+    stTo.U8(0).U8(pstNeighbour != nullptr ? 1 : 0);
+    if (pstNeighbour != nullptr) {
+        stTo.Bytes(ViewOf(pstNeighbour->aucBSID)).Bits(0, 3);
+    }
 }
 
 // Recommended, with resources kept: one station, and when to range there.
@@ -749,24 +747,37 @@ void PutRecommendation(BitWriter &stTo, const Station &stServing, const Station 
 
 } // namespace
 
-BitWriter SCNREQBody(const Station &stNeighbour) {
+ScanTimes ScanTimesOf(ModemTime iTime) {
+    constexpr ModemTime iMost = UINT8_MAX;
+    const ModemTime iFrames = std::max<ModemTime>((iTime + i64Frame - 1) / i64Frame, 1);
+    const ModemTime iIterations = std::min((iFrames + iMost - 1) / iMost, iMost);
+    const ModemTime iEach = std::min((iFrames + iIterations - 1) / iIterations, iMost);
+    return {static_cast<uint32_t>(iEach), static_cast<uint32_t>(iIterations)};
+}
+
+BitWriter SCNREQBody(const ScanTimes &stTimes, const Station *pstNeighbour) {
     BitWriter stBody;
-    stBody.U8(u32ScanFrames).U8(u32Interleaving).U8(u32Iterations);
-    PutScanned(stBody, stNeighbour);
+    stBody.U8(stTimes.u32Frames).U8(u32Interleaving).U8(stTimes.u32Iterations);
+    PutScanned(stBody, pstNeighbour);
     return stBody.Pad();
 }
 
-BitWriter SCNRSPBody(const Station &stNeighbour) {
+BitWriter SCNRSPBody(const ScanTimes &stTimes, const Station *pstNeighbour) {
     constexpr uint32_t u32ReportOnce = 3;
     BitWriter stBody;
-    stBody.U8(u32ScanFrames).Bits(u32ReportOnce, 2).Bits(0, 6).U8(0).U8(u32CINRAndRSSI);
-    stBody.Bits(u32ScanStart, 4).Bits(0, 1).U8(u32Interleaving).U8(u32Iterations).Bits(0, 3);
-    PutScanned(stBody, stNeighbour);
+    stBody.U8(stTimes.u32Frames).Bits(u32ReportOnce, 2).Bits(0, 6).U8(0).U8(u32CINRAndRSSI);
+    stBody.Bits(u32FramesToScan, 4)
+        .Bits(0, 1)
+        .U8(u32Interleaving)
+        .U8(stTimes.u32Iterations)
+        .Bits(0, 3);
+    PutScanned(stBody, pstNeighbour);
     return stBody.Pad();
 }
 
-BitWriter SCNREPBody(const Station &stNeighbour, const Measurement &stThere,
-                     const Measurement &stHere) {
+BitWriter SCNREPBody(std::span<const Seen> astSeen, const Measurement &stHere) {
+    constexpr size_t uMost = UINT8_MAX;
+    const auto astFirst = astSeen.first(std::min(astSeen.size(), uMost));
     BitWriter stBody;
     stBody
         .Bits(0, 1) // by event
@@ -777,8 +788,11 @@ BitWriter SCNREPBody(const Station &stNeighbour, const Measurement &stThere,
         .Bits(0, 4) // the temporary ID of the only one
         .Bits(0, 4);
     PutLevels(stBody, stHere);
-    stBody.U8(0).U8(1).Bytes(ViewOf(stNeighbour.aucBSID));
-    PutLevels(stBody, stThere);
+    stBody.U8(0).U8(static_cast<uint32_t>(astFirst.size()));
+    for (const Seen &stSeen : astFirst) {
+        stBody.Bytes(ViewOf(stSeen.pstStation->aucBSID));
+        PutLevels(stBody, stSeen.stLevels);
+    }
     return stBody;
 }
 

@@ -767,16 +767,28 @@ void Signalling::SayLocationUpdated(const Station &stStation) {
              RNGRSPBody(m_aucAddress, stStation, PagingCycle()), Protection::Tuple);
 }
 
-void Signalling::Scanned(const Station &stNeighbour) {
-    SayLater(MessageCode::SCNREQ, bUp, m_u32BasicCID, SCNREQBody(stNeighbour), Protection::Tuple);
-    SayLater(MessageCode::SCNRSP, bDown, m_u32BasicCID, SCNRSPBody(stNeighbour), Protection::Tuple);
-    Later([this, &stNeighbour] {
-        if (m_stAt.eState == LinkUp) {
-            Say(MessageCode::SCNREP, bUp, m_u32PrimaryCID,
-                SCNREPBody(stNeighbour, m_stAir.Measure(stNeighbour, m_stClock.Now()),
-                           m_stAir.Measure(*m_stAt.pstServing, m_stClock.Now())),
-                Protection::Tuple);
+void Signalling::ScanAsked(ModemTime iTime, const Station *pstNeighbour) {
+    const ScanTimes stTimes = ScanTimesOf(iTime);
+    SayLater(MessageCode::SCNREQ, bUp, m_u32BasicCID, SCNREQBody(stTimes, pstNeighbour),
+             Protection::Tuple);
+    SayLater(MessageCode::SCNRSP, bDown, m_u32BasicCID, SCNRSPBody(stTimes, pstNeighbour),
+             Protection::Tuple);
+}
+
+void Signalling::ScanReported(const std::vector<const Station *> &apstSeen) {
+    Later([this, apstSeen] {
+        if (m_stAt.eState != LinkUp) {
+            return;
         }
+        const Station &stServing = *m_stAt.pstServing;
+        std::vector<Seen> astSeen;
+        for (const Station *pstStation : apstSeen) {
+            if (pstStation != &stServing && pstStation->NAPID() == stServing.NAPID()) {
+                astSeen.push_back({pstStation, m_stAir.Measure(*pstStation, m_stClock.Now())});
+            }
+        }
+        Say(MessageCode::SCNREP, bUp, m_u32PrimaryCID,
+            SCNREPBody(astSeen, m_stAir.Measure(stServing, m_stClock.Now())), Protection::Tuple);
     });
 }
 

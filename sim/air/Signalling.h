@@ -111,8 +111,10 @@ class Signalling {
     void GoesFromIdle();
     // A handover: towards the target, one more ranging attempt there, its end.
     void HandoverBegins(const Station &stTarget, bool bOrdered);
-    // The modem looks closer at a neighbour.
-    void Scanned(const Station &stNeighbour);
+    // The modem wants to look at a neighbour, or (null) at whatever there is, for so long; it has
+    // seen these. Of other networks the station is not told.
+    void ScanAsked(ModemTime iTime, const Station *pstNeighbour);
+    void ScanReported(const std::vector<const Station *> &apstSeen);
     void HandoverRangingRepeated();
     void HandoverEnds(bool bSuccess);
     // A power saving class as it was asked for and granted: a PSCDefinition record.

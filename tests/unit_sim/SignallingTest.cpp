@@ -389,6 +389,66 @@ TEST(Trace, ShortPeriodsHoldNoDialogueUp) {
     EXPECT_NE(strOrder.find("(2/2)"), std::string::npos);
 }
 
+// Of a message with a digest, which takes 15 bytes, what stands before it, and the frame.
+std::string Unprotected(const Traced &stOne) {
+    return std::to_string(stOne.u32Frame) + ": " +
+           HexOf({stOne.aucBody.begin(), stOne.aucBody.end() - 15});
+}
+
+TEST(Trace, ASearchWithTheLinkUpIsAskedForAndReported) {
+    ModemBench stBench(strLinkUp + strQuiet + "[trace]\non = true\n");
+    // 2587500 and 2600000 kHz, 10 MHz: 0.1 s.
+    EXPECT_EQ(stBench.Send(1, 1,
+                           "00*4 02 00*3 01 00*3 10 27 00*14 00*12 02 00*3 6C 7B 27 00 "
+                           "40 AC 27 00 00*92"),
+              0);
+    stBench.RunUntil(1);
+    const std::vector<Traced> astTraced = TracedBy(stBench);
+    ASSERT_EQ(Talk(astTraced), "54^! 55v! 60^!");
+    // 20 frames once, from the second frame behind the answer on; then the neighbour at -71.25 dBm
+    // and 16 dB beside the station at -58 dBm and 28 dB.
+    EXPECT_EQ(Unprotected(astTraced[0]), "0: 14 00 01 00 00");
+    EXPECT_EQ(Unprotected(astTraced[1]), "1: 14 C0 00 03 20 00 08 00 00");
+    EXPECT_EQ(Unprotected(astTraced[2]), "20: 08 03 00 38 B7 00 01 00 12 0A 01 02 04 20 82");
+}
+
+TEST(Trace, ASearchOfProvidersIsAskedForAndReported) {
+    ModemBench stBench(strLinkUp + strQuiet + "[trace]\non = true\n");
+    EXPECT_EQ(stBench.Send(1, 4, "00*340"), 0);
+    stBench.RunUntil(5);
+    const std::vector<Traced> astTraced = TracedBy(stBench);
+    ASSERT_EQ(Talk(astTraced), "54^! 55v! 60^!");
+    // Four stations, half a second each: 400 frames.
+    EXPECT_EQ(Unprotected(astTraced[0]), "0: C8 00 02 00 00");
+    EXPECT_EQ(Unprotected(astTraced[2]), "400: 08 03 00 38 B7 00 01 00 12 0A 01 02 04 20 82");
+}
+
+TEST(Trace, ASearchWithoutALinkIsNobodysBusiness) {
+    for (const char *pcState : {"unsynchronised", "synchronised", "idle"}) {
+        ModemBench stBench(
+            strStations + strQuiet + "[trace]\non = true\n[start]\nstate = \"" + pcState + "\"\n" +
+            (pcState == std::string("unsynchronised") ? "" : "station = \"00120A010203\"\n"));
+        EXPECT_EQ(stBench.Send(1, 1,
+                               "00*4 02 00*3 01 00*3 10 27 00*14 00*12 01 00*3 6C 7B 27 00 "
+                               "00*96"),
+                  0);
+        stBench.RunUntil(0.5);
+        EXPECT_EQ(Talk(TracedBy(stBench)), "") << pcState;
+    }
+}
+
+TEST(Trace, ASearchThatEndsWithTheLinkIsNotReported) {
+    ModemBench stBench(strLinkUp + strQuiet +
+                       "[recovery]\non = false\n[trace]\non = true\n[[event]]\nat = 0.05\n"
+                       "kind = \"link-loss\"\n");
+    EXPECT_EQ(stBench.Send(1, 1,
+                           "00*4 02 00*3 01 00*3 10 27 00*14 00*12 02 00*3 6C 7B 27 00 "
+                           "40 AC 27 00 00*92"),
+              0);
+    stBench.RunUntil(1);
+    EXPECT_EQ(Talk(TracedBy(stBench)), "54^! 55v!");
+}
+
 TEST(Trace, ABetterNeighbourIsScannedFirst) {
     ModemBench stBench(strLinkUp + strQuiet +
                        "[trace]\non = true\n[[event]]\nat = 1.2\nkind = \"fade\"\n"

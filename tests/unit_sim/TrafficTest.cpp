@@ -611,16 +611,16 @@ TEST(Presence, GrantsAreNotGivenToAModemThatSleeps) {
 TEST(Presence, ASearchTakesTheFramesThatItLasts) {
     ModemBench stBench(strBusy);
     stBench.RunUntil(1);
-    // Six pairs of 50 ms: 60 frames.
+    // Six pairs of 50 ms: 60 frames, less two until the station has it begin.
     EXPECT_EQ(stBench.Send(1, 1,
                            "00*4 02 00 00 00 02 00 00 00 10 27 00 00 88 13 00 00 00*8 00*12"
                            " 03 00 00 00 6C 7B 27 00 40 AC 27 00 90 6F 28 00 00*88"),
               0);
     const Counts stCounts = Between(stBench, 1, 2);
-    EXPECT_EQ(stCounts.u64Frames, 140U);
-    EXPECT_EQ(stCounts.u64Bursts, 140U);
+    EXPECT_EQ(stCounts.u64Frames, 142U);
+    EXPECT_EQ(stCounts.u64Bursts, 142U);
     EXPECT_EQ(stCounts.u64PDUs, 200U);
-    EXPECT_EQ(stCounts.u64CQICH, 18U); // 7 of 25 fall into frames 201 to 260
+    EXPECT_EQ(stCounts.u64CQICH, 18U); // 7 of 25 fall into frames 203 to 260
 }
 
 TEST(Presence, WhatTheQueueDoesNotHoldMeanwhileIsLost) {
@@ -631,10 +631,10 @@ TEST(Presence, WhatTheQueueDoesNotHoldMeanwhileIsLost) {
                            " 03 00 00 00 6C 7B 27 00 40 AC 27 00 90 6F 28 00 00*88"),
               0);
     stBench.RunUntil(2);
-    // 32 packets of 2000 bytes wait; from frame 233 on they are lost, up to 261, in which the
+    // 32 packets of 2000 bytes wait; from frame 235 on they are lost, up to 261, in which the
     // queue begins to go.
-    EXPECT_EQ(ReportOf(stBench, 1).u64Lost, 29U);
-    EXPECT_EQ(ReportOf(stBench, 1).u64Packets, 371U);
+    EXPECT_EQ(ReportOf(stBench, 1).u64Lost, 27U);
+    EXPECT_EQ(ReportOf(stBench, 1).u64Packets, 373U);
 }
 
 TEST(Presence, AnAntennaScanTakesItsFrames) {
