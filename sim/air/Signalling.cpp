@@ -78,6 +78,7 @@ void Signalling::Start() {
     m_stStep.Stop();
     m_pstTarget = nullptr;
     m_bToldToIdle = false;
+    m_au32MapFrame = {UINT32_MAX, UINT32_MAX};
     m_astConnections.clear();
     m_iPower = 0;
     m_iOpenLoopPower = 0;
@@ -104,8 +105,8 @@ void Signalling::WantBroadcasts(bool bWanted) {
 
 // One after the other.
 
-void Signalling::Later(Step pfnStep) {
-    m_apfnSteps.push_back(std::move(pfnStep));
+void Signalling::Later(Step pfnStep, Map eMap) {
+    m_astSteps.push_back({std::move(pfnStep), eMap});
     ++m_u64Steps;
     if (!m_stStep.Running()) {
         const ModemTime iWait = m_iLastStep + i64Frame - m_stClock.Now();
@@ -114,14 +115,14 @@ void Signalling::Later(Step pfnStep) {
 }
 
 void Signalling::DropSteps() {
-    m_apfnSteps.clear();
+    m_astSteps.clear();
     m_bRangingWaits = m_bReportWaits = false;
 }
 
 // Whether the first so many steps have been taken. A message that is said again is a step that
 // has come back.
 bool Signalling::Said(uint64_t u64Steps) const {
-    return m_u64Steps - m_apfnSteps.size() >= u64Steps;
+    return m_u64Steps - m_astSteps.size() >= u64Steps;
 }
 
 void Signalling::OnceSaid(Step pfnAction) {
@@ -137,7 +138,7 @@ void Signalling::LookWhenSaid(uint64_t u64Steps) {
     // The last of them is taken then, unless some have to be taken again.
     ModemTime iWait = 0;
     if (!Said(u64Steps)) {
-        const uint64_t u64Before = u64Steps - (m_u64Steps - m_apfnSteps.size()) - 1;
+        const uint64_t u64Before = u64Steps - (m_u64Steps - m_astSteps.size()) - 1;
         iWait = std::max<ModemTime>(m_iLastStep + i64Frame - m_stClock.Now(), 0) +
                 static_cast<ModemTime>(u64Before) * i64Frame;
     }
@@ -158,14 +159,14 @@ void Signalling::LookWhenSaid(uint64_t u64Steps) {
 }
 
 void Signalling::NextStep() {
-    if (m_apfnSteps.empty()) {
+    if (m_astSteps.empty()) {
         return;
     }
-    const Step pfnStep = std::move(m_apfnSteps.front());
-    m_apfnSteps.pop_front();
+    const Step pfnStep = std::move(m_astSteps.front().pfnStep);
+    m_astSteps.pop_front();
     m_iLastStep = m_stClock.Now();
     pfnStep();
-    if (!m_apfnSteps.empty()) {
+    if (!m_astSteps.empty()) {
         m_stStep.Start(i64Frame, [this] { NextStep(); });
     }
 }
@@ -196,9 +197,10 @@ void Signalling::Say(uint32_t u32Code, bool bUplink, uint32_t u32CID, BitWriter 
     }
     if (eProtection != Protection::None && !bGood) {
         // The modem drops it, and the station says it again.
-        m_apfnSteps.push_front([this, u32Code, bUplink, u32CID, stBare, eProtection] {
+        Step pfnAgain = [this, u32Code, bUplink, u32CID, stBare, eProtection] {
             Say(u32Code, bUplink, u32CID, stBare, eProtection);
-        });
+        };
+        m_astSteps.push_front({std::move(pfnAgain), Map::None});
     }
 }
 
@@ -222,12 +224,12 @@ void Signalling::Follow(const LinkChange &stChange) {
     }
     const Station *pstServing = m_stAt.pstServing;
     if (stChange.eBefore == Synchronising && stChange.eAfter == Synchronised) {
-        Later([this, pstServing] { SayDLMAP(*pstServing); });
+        Later([this, pstServing] { SayDLMAP(*pstServing); }, Map::Downlink);
         SayLater(MessageCode::DCD, bDown, WellKnownCID::FragmentableBroadcast,
                  DCDBody(*pstServing, m_stAir.Thresholds()));
         SayLater(MessageCode::UCD, bDown, WellKnownCID::FragmentableBroadcast,
                  UCDBody(*pstServing));
-        Later([this, pstServing] { SayULMAP(*pstServing, nullptr); });
+        Later([this, pstServing] { SayULMAP(*pstServing, nullptr); }, Map::Uplink);
     } else if (stChange.eAfter == Entering) {
         BeginStage(Ranging);
     } else if (stChange.eAfter == EnteringIdle) {
@@ -402,7 +404,7 @@ void Signalling::Range(const Station &stStation, RangingPurpose ePurpose) {
         Later([this, &stGroup] { SendCode(stGroup, RangingKind::Initial); });
     }
     Later([this, &stStation] { AnswerCode(stStation, RangingStatus::Success); });
-    Later([this, &stStation] { SayULMAP(stStation, &m_stSignal); });
+    Later([this, &stStation] { SayULMAP(stStation, &m_stSignal); }, Map::Uplink);
     // The station that the modem comes from still knows its keys.
     const Station *pstFormer =
         ePurpose == RangingPurpose::Handover ? m_stAt.pstServing : m_pstFormer;
@@ -631,13 +633,27 @@ void Signalling::Broadcast(Timer &stTimer, ModemTime iPeriod, void (Signalling::
 
 void Signalling::SayMaps() {
     const Station &stStation = *m_stAt.pstServing;
-    SayDLMAP(stStation);
-    if (!stStation.bCompressedMap) {
+    const bool bBoth = stStation.bCompressedMap;
+    const bool bDownlink = IsSaid(Map::Downlink) || (bBoth && IsSaid(Map::Uplink));
+    if (!bDownlink) {
+        SayDLMAP(stStation);
+    }
+    if (!bBoth && !IsSaid(Map::Uplink)) {
         SayULMAP(stStation, nullptr);
     }
 }
 
+bool Signalling::IsSaid(Map eMap) const {
+    if (m_au32MapFrame[static_cast<size_t>(eMap)] == Frame()) {
+        return true;
+    }
+    const ModemTime iNext = std::max(m_iLastStep + i64Frame, m_stClock.Now());
+    return !m_astSteps.empty() && m_astSteps.front().eMap == eMap &&
+           iNext / i64Frame == m_stClock.Now() / i64Frame;
+}
+
 void Signalling::SayDLMAP(const Station &stStation) {
+    m_au32MapFrame[static_cast<size_t>(Map::Downlink)] = Frame();
     if (stStation.bCompressedMap) {
         SayCompressedMaps(stStation, GrantsNow(stStation, nullptr));
     } else {
@@ -647,6 +663,7 @@ void Signalling::SayDLMAP(const Station &stStation) {
 }
 
 void Signalling::SayULMAP(const Station &stStation, const RangingSignal *pstAnswered) {
+    m_au32MapFrame[static_cast<size_t>(Map::Uplink)] = Frame();
     const Grants stGrants = GrantsNow(stStation, pstAnswered);
     if (stStation.bCompressedMap) {
         SayCompressedMaps(stStation, stGrants);

@@ -8,6 +8,7 @@
 #ifndef SIGNALLING_H
 #define SIGNALLING_H
 
+#include <array>
 #include <deque>
 #include <functional>
 #include <vector>
@@ -139,8 +140,10 @@ class Signalling {
     static constexpr bool bUp = true;
     static constexpr bool bDown = false;
 
-    // Puts a step of a dialogue behind those that wait.
-    void Later(Step pfnStep);
+    // Maps, which a frame has once, whoever has them said.
+    enum class Map : uint8_t { Downlink, Uplink, None };
+    // Puts a step of a dialogue behind those that wait; with the map that it says.
+    void Later(Step pfnStep, Map eMap = Map::None);
     void NextStep();
     bool Said(uint64_t u64Steps) const;
     void LookWhenSaid(uint64_t u64Steps);
@@ -182,6 +185,8 @@ class Signalling {
 
     void Broadcast(Timer &stTimer, ModemTime iPeriod, void (Signalling::*pfnSay)());
     void SayMaps();
+    // Whether a dialogue has said the map in this frame, or will.
+    bool IsSaid(Map eMap) const;
     // Of a station with compressed maps either says both.
     void SayDLMAP(const Station &stStation);
     void SayULMAP(const Station &stStation, const RangingSignal *pstAnswered);
@@ -219,8 +224,13 @@ class Signalling {
     bool m_bBroadcastsWanted = false;
     bool m_bRangingWaits = false;
     bool m_bReportWaits = false;
-    std::deque<Step> m_apfnSteps;
-    uint64_t m_u64Steps = 0; // planned so far
+    struct Planned {
+        Step pfnStep;
+        Map eMap;
+    };
+    std::deque<Planned> m_astSteps;
+    std::array<uint32_t, 2> m_au32MapFrame{UINT32_MAX, UINT32_MAX}; // in which a map was said last
+    uint64_t m_u64Steps = 0;                                        // planned so far
     struct Waiting {
         uint64_t u64Steps;
         Step pfnAction;

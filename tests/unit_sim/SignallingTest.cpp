@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 
 #include "DiagnosticRecords.h"
 #include "ModemBench.h"
@@ -127,11 +128,39 @@ TEST(Trace, AStationWithCompressedMapsIsEnteredByThem) {
               "FF FF C0 00 00 83 0F FF FC 02 00 04 34 00 00 E1 84 A3 A0 00 20 67 8D EF 8E");
 }
 
+TEST(Trace, AFrameHasEachMapOnce) {
+    // With maps in every frame: a search for the station, an entry and a way through idle mode.
+    for (const std::string &strScenario : {WithOrdinaryMaps(strStations), strStations}) {
+        ModemBench stBench(strScenario + "[trace]\non = true\n[signalling]\nmap-period = 0.005\n" +
+                           "[[event]]\nat = 5.0023\nkind = \"paging\"\n");
+        EXPECT_EQ(stBench.Send(2, 1, strSync), 0);
+        stBench.RunUntil(1.0017);
+        EXPECT_EQ(stBench.Send(2, 2, "00*4"), 0);
+        stBench.RunUntil(4);
+        EXPECT_EQ(stBench.Send(19, 1), 0);
+        stBench.RunUntil(7);
+        std::map<std::pair<uint32_t, uint32_t>, uint32_t> au32Maps;
+        uint32_t u32Allocations = 0;
+        for (const Traced &stOne : TracedBy(stBench)) {
+            if (stOne.u32Code == 2 || stOne.u32Code == 3) {
+                EXPECT_EQ(++au32Maps[std::pair(stOne.u32Frame, stOne.u32Code)], 1U)
+                    << stOne.u32Code << " in frame " << stOne.u32Frame;
+                const size_t uAlone = stOne.u32Code == 3 ? 20 : 43;
+                u32Allocations += stOne.aucBody.size() > uAlone ? 1 : 0;
+            }
+        }
+        EXPECT_GT(au32Maps.size(), 600U);
+        // The entry's, and that of the way out of idle mode.
+        EXPECT_EQ(u32Allocations, 2U);
+    }
+}
+
 TEST(Trace, AScenarioSetsTheRate) {
     for (const auto &[strPeriod, uMaps] :
          {std::pair<std::string, size_t>{"0.005", 200}, {"0.5", 2}}) {
-        ModemBench stBench(strLinkUp +
-                           "[trace]\non = true\n[signalling]\nmap-period = " + strPeriod + "\n");
+        std::string strScenario = strLinkUp;
+        strScenario.append("[trace]\non = true\n[signalling]\nmap-period = ").append(strPeriod);
+        ModemBench stBench(strScenario);
         stBench.RunUntil(1.002);
         const std::vector<Traced> astTraced = TracedBy(stBench);
         EXPECT_EQ(std::count_if(astTraced.begin(), astTraced.end(),
@@ -233,8 +262,9 @@ TEST(Trace, AnEndOfTheLinkIsSaid) {
           {"\"dreg\"\naction = 0", "29v!"},
           {"\"dreg\"\naction = 3", "29v!"},
           {"\"link-loss\"", ""}}) {
-        ModemBench stOther(strLinkUp + strQuiet +
-                           "[trace]\non = true\n[[event]]\nat = 1\nkind = " + strEvent + "\n");
+        std::string strScenario = strLinkUp + strQuiet;
+        strScenario.append("[trace]\non = true\n[[event]]\nat = 1\nkind = ").append(strEvent);
+        ModemBench stOther(strScenario);
         stOther.RunUntil(3);
         EXPECT_EQ(Talk(TracedBy(stOther)), strTalk) << strEvent;
     }
