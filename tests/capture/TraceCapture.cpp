@@ -1,6 +1,7 @@
 // Writes the management messages of a modem's life to a capture file: network entry,
 // sleep, service flows, idle mode and paging, a handover, deregistration; entries that fail; and
 // one at a station with compressed maps. Arguments: the file.
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -127,7 +128,7 @@ class TracedModem {
     void Run(double fSeconds) { RunUntil(static_cast<double>(m_stModem.Now()) / 1e6 + fSeconds); }
 
     void RunUntil(double fSeconds) {
-        const auto iEnd = static_cast<ModemTime>(fSeconds * 1e6 + 0.5);
+        const auto iEnd = static_cast<ModemTime>(std::llround(fSeconds * 1e6));
         for (auto iDue = m_stModem.NextDue(); iDue && *iDue <= iEnd; iDue = m_stModem.NextDue()) {
             m_stModem.AdvanceTo(*iDue);
             for (MessageBytes aucMessage; m_stModem.TakeMessage(&aucMessage);) {
