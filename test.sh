@@ -221,7 +221,7 @@ section_armhf() { test_machine armhf arm arm-linux-gnueabihf; }
 section_mips() { test_machine mips mips mips-linux-gnu; }
 section_s390x() { test_machine s390x s390x s390x-linux-gnu; }
 
-run_benchmarks() { (cd build/release && ./bench_start && ./bench_reports && ./bench_modem && ./bench_recording); }
+run_benchmarks() { (cd build/release && ./bench_start && ./bench_reports && ./bench_modem && ./bench_device && ./bench_recording); }
 
 section_benchmarks() {
     [ -x build/release/bench_start ] || { check configure release ON && check build release; } || return

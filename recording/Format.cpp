@@ -34,7 +34,9 @@ constexpr uint16_t Direction = 35;
 // Filled with zeroes to a multiple of four bytes.
 constexpr std::string_view strOurDecoder("qor020\0\0", 8);
 constexpr std::string_view strManagementDecoder = "wmx_mac_mgmt_msg_decoder";
-static_assert(strOurDecoder.size() % 4 == 0 && strManagementDecoder.size() % 4 == 0);
+constexpr std::string_view strBurstDecoder("wimax_pdu_burst_handler\0", 24);
+static_assert(strOurDecoder.size() % 4 == 0 && strManagementDecoder.size() % 4 == 0 &&
+              strBurstDecoder.size() % 4 == 0);
 
 // An event, behind the tags.
 namespace EventLayout {
@@ -164,6 +166,14 @@ bool ReadTags(ByteView stData, Tags *pstTags) {
     return false;
 }
 
+// They are traced as a DL-MAP is, and have no type to begin with; their first bits would be no
+// duration of a frame.
+bool AreCompressedMaps(const ManagementMessage &stManagement) {
+    constexpr uint8_t u8DLMAP = 2;
+    return stManagement.u8Code == u8DLMAP && !stManagement.bFromStation &&
+           stManagement.stBody.At(0) >> 5 == 6;
+}
+
 } // namespace
 
 bool IsReceived(EventKind eKind) {
@@ -184,7 +194,7 @@ bool IsReceived(EventKind eKind) {
 PacketKind ReadPacket(ByteView stData, Event *pstEvent) {
     Tags stTags;
     const bool bWhole = ReadTags(stData, &stTags);
-    if (stTags.strDecoder == strManagementDecoder) {
+    if (stTags.strDecoder == strManagementDecoder || stTags.strDecoder == strBurstDecoder) {
         return PacketKind::Management;
     }
     if (stTags.strDecoder != TextOf({reinterpret_cast<const uint8_t *>(strOurDecoder.data()),
@@ -258,8 +268,11 @@ bool ManagementMessageOf(ByteView stMessage, ManagementMessage *pstManagement) {
 void WriteManagementMessage(int64_t i64Time, const ManagementMessage &stManagement,
                             Packet *pstPacket) {
     Writer stWriter{pstPacket->aucHead + u32PacketBlockHead};
-    WriteTags(stWriter, strManagementDecoder, !stManagement.bFromStation);
-    stWriter.Little(stManagement.u8Code, 1);
+    const bool bMaps = AreCompressedMaps(stManagement);
+    WriteTags(stWriter, bMaps ? strBurstDecoder : strManagementDecoder, !stManagement.bFromStation);
+    if (!bMaps) {
+        stWriter.Little(stManagement.u8Code, 1);
+    }
     Enclose(i64Time, stManagement.stBody, stWriter, pstPacket);
 }
 

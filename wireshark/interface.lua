@@ -535,6 +535,7 @@ end
 
 -- Hands the management message in a traced message to its own dissector.
 local management = Dissector.get("wmx_mac_mgmt_msg_decoder")
+local burst = Dissector.get("wimax_pdu_burst_handler")
 local TRACE
 do
     local trace = LAYOUTS.TraceRecord
@@ -551,8 +552,14 @@ local function show_management(event, pinfo, root)
     if payload.length < TRACE.body.at or code > 255 or length < 0 then
         return
     end
-    local message = ByteArray.new(string.format("%02x", code))
     local body = part_of(payload, TRACE.body.at, length)
+    -- Compressed maps are traced as a DL-MAP and have no type.
+    local first = body.length > 0 and range_of(part_of(body, 0, 1)):uint() or 0
+    if code == 2 and number_at(payload, TRACE.direction) == 0 and first >= 0xC0 and first < 0xE0 then
+        call(burst, range_of(body):bytes():tvb("Compressed maps"), pinfo, root)
+        return
+    end
+    local message = ByteArray.new(string.format("%02x", code))
     if body.length > 0 then
         message:append(range_of(body):bytes())
     end

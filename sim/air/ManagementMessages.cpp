@@ -8,7 +8,6 @@
 #include "air/Capabilities.h"
 #include "air/Decibels.h"
 #include "air/Traffic.h"
-#include "time/ModemTime.h"
 #include "time/Random.h"
 
 namespace {
@@ -324,36 +323,33 @@ BitWriter NBRADVBody(const Station &stStation, std::span<const Station *const> a
     return stBody;
 }
 
-BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame, const BurstProfile &stProfile) {
+namespace {
+
+// What of a DL-MAP names the bursts: one with the broadcast messages, said twice for the edge of
+// the cell; one with the rest, in the slots of two symbols that are left.
+constexpr uint32_t u32DownlinkIEs = 2;
+void PutDownlinkIEs(BitWriter &stBody, const FrameLayout &stLayout, const BurstProfile &stProfile) {
     constexpr uint32_t u32First = 1; // the symbol behind the preamble
     constexpr uint32_t u32Broadcast = 4;
-    const FrameLayout stLayout = LayoutOf(stStation.u32Bandwidth);
-    BitWriter stBody;
-    stBody.U8(u32FrameDurationCode).U24(u32Frame);
-    stBody.U8(stStation.u32DCDChangeCount);
-    stBody.Bytes(ViewOf(stStation.aucBSID));
-    stBody.U8(stLayout.u32DownlinkSymbols);
     const auto PutBurst = [&](const BurstProfile &stOf, uint32_t u32Offset, uint32_t u32Symbols,
                               uint32_t u32SubChannels) {
         stBody.Bits(stOf.DIUC(), 4).Bits(u32Offset, 8).Bits(0, 6); // from the first subchannel
         stBody.Bits(0, 3);                                         // not louder than the rest
         stBody.Bits(u32Symbols, 7).Bits(u32SubChannels, 6).Bits(stOf.u32Repeats, 2);
     };
-    // A burst with the broadcast messages, said twice for the edge of the cell; one with the rest,
-    // in the slots of two symbols that are left.
     const uint32_t u32Rest = (stLayout.u32DownlinkSymbols - u32First - u32Broadcast) / 2 * 2;
     PutBurst(stBroadcastProfile, u32First, u32Broadcast, 10);
     PutBurst(stProfile, u32First + u32Broadcast, u32Rest, stLayout.u32DownlinkSubChannels);
-    return stBody.Pad();
+    stBody.Pad();
 }
 
-BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants) {
+// From the UCD's change count on.
+void PutUplink(BitWriter &stBody, const Station &stStation, const Grants &stGrants) {
     constexpr uint32_t u32RangingRegion = 12;
     constexpr uint32_t u32CDMAAllocation = 14;
     constexpr uint32_t u32MostSlots = 1023;
     const FrameLayout stLayout = LayoutOf(stStation.u32Bandwidth);
-    BitWriter stBody;
-    stBody.U8(0).U8(stStation.u32DCDChangeCount);
+    stBody.U8(stStation.u32DCDChangeCount);
     stBody.U32(stLayout.UplinkStart()).U8(stLayout.u32UplinkSymbols);
     if (stGrants.stData) {
         const BurstProfile &stProfile = stGrants.stData->stProfile;
@@ -367,16 +363,75 @@ BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants) {
         stBody.Bits(u32Method == 0 ? 0 : 2, 8).Bits(0, 7).Bits(u32Method == 0 ? 2 : 1, 7);
         stBody.Bits(6, 7).Bits(u32Method, 2).Bits(0, 1);
     }
-    if (stGrants.stCDMA) {
-        const RangingSignal &stSignal = *stGrants.stCDMA;
+    for (const RangingSignal &stSignal : stGrants.astCodes) {
+        // Six slots of the most robust profile have room for a RNG-REQ; a request for bandwidth is
+        // a bare header.
+        const bool bRequest = stSignal.u32Code >= RangingCodes::BandwidthRequest.u32First &&
+                              stSignal.u32Code < RangingCodes::Handover.u32First;
         stBody.U16(WellKnownCID::InitialRanging).Bits(u32CDMAAllocation, 4);
-        stBody.Bits(6, 6).Bits(1, 4).Bits(0, 2).Bits(stSignal.u32Frame, 4);
+        stBody.Bits(bRequest ? 1 : 6, 6).Bits(1, 4).Bits(0, 2).Bits(stSignal.u32Frame, 4);
         stBody.U8(stSignal.u32Code)
             .U8(stSignal.u32Symbol)
             .Bits(stSignal.u32SubChannel, 7)
-            .Bits(0, 1);
+            .Bits(bRequest ? 1 : 0, 1); // what it is for
     }
-    return stBody.Pad();
+    stBody.Pad();
+}
+
+// What is left of the bytes, the highest bit first, divided by the polynomial of so many bits.
+uint32_t Remainder(ByteView stBytes, uint32_t u32Bits, uint32_t u32Polynomial, uint32_t u32Start) {
+    const uint32_t u32HighestBit = 1U << (u32Bits - 1);
+    uint32_t u32Left = u32Start;
+    for (uint32_t i = 0; i < stBytes.u32Length; ++i) {
+        u32Left ^= uint32_t{stBytes.At(i)} << (u32Bits - 8);
+        for (uint32_t j = 0; j < 8; ++j) {
+            u32Left = (u32Left & u32HighestBit) != 0 ? u32Left << 1 ^ u32Polynomial : u32Left << 1;
+        }
+    }
+    return u32Left;
+}
+
+} // namespace
+
+BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame, const BurstProfile &stProfile) {
+    const FrameLayout stLayout = LayoutOf(stStation.u32Bandwidth);
+    BitWriter stBody;
+    stBody.U8(u32FrameDurationCode).U24(u32Frame);
+    stBody.U8(stStation.u32DCDChangeCount);
+    stBody.Bytes(ViewOf(stStation.aucBSID));
+    stBody.U8(stLayout.u32DownlinkSymbols);
+    PutDownlinkIEs(stBody, stLayout, stProfile);
+    return stBody;
+}
+
+BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants) {
+    BitWriter stBody;
+    stBody.U8(0);
+    PutUplink(stBody, stStation, stGrants);
+    return stBody;
+}
+
+BitWriter CompressedMaps(const Station &stStation, uint32_t u32Frame, const BurstProfile &stProfile,
+                         const Grants &stGrants) {
+    constexpr uint32_t u32Compressed = 6;
+    constexpr uint32_t u32UplinkAppended = 1;
+    constexpr uint32_t u32LengthField = 2; // with what stands before it
+    constexpr uint32_t u32ChecksumBits = 32;
+    constexpr uint32_t u32Polynomial = 0x04C11DB7;
+    const FrameLayout stLayout = LayoutOf(stStation.u32Bandwidth);
+    BitWriter stContent;
+    stContent.U8(u32FrameDurationCode).U24(u32Frame);
+    stContent.U8(stStation.u32DCDChangeCount);
+    // Of the station's ID the last byte of the operator's half, and the last one.
+    stContent.U8(stStation.aucBSID[2]).U8(stStation.aucBSID[5]);
+    stContent.U8(stLayout.u32DownlinkSymbols).U8(u32DownlinkIEs);
+    PutDownlinkIEs(stContent, stLayout, stProfile);
+    PutUplink(stContent, stStation, stGrants);
+    BitWriter stMaps;
+    stMaps.Bits(u32Compressed, 3).Bits(u32UplinkAppended, 1).Bits(0, 1);
+    stMaps.Bits(u32LengthField + stContent.View().u32Length + u32ChecksumBits / 8, 11);
+    stMaps.Bytes(stContent.View());
+    return stMaps.U32(~Remainder(stMaps.View(), u32ChecksumBits, u32Polynomial, UINT32_MAX));
 }
 
 BitWriter RNGREQBody(RangingPurpose ePurpose, const MACAddressBytes &aucMAC,
@@ -609,16 +664,8 @@ BitWriter DREGCMDBody(const Station &stStation, uint32_t u32Action, uint32_t u32
 }
 
 uint32_t MACAddressHash(const MACAddressBytes &aucMAC) {
-    constexpr uint32_t u32Polynomial = 0x864CFB;
-    constexpr uint32_t u32HighestBit = 0x800000;
-    uint32_t u32Hash = 0;
-    for (const uint8_t u8Byte : aucMAC) {
-        u32Hash ^= uint32_t{u8Byte} << 16;
-        for (uint32_t i = 0; i < 8; ++i) {
-            u32Hash = (u32Hash & u32HighestBit) != 0 ? u32Hash << 1 ^ u32Polynomial : u32Hash << 1;
-        }
-    }
-    return u32Hash & 0xFFFFFF;
+    constexpr uint32_t u32Bits = 24;
+    return Remainder(ViewOf(aucMAC), u32Bits, 0x864CFB, 0) & 0xFFFFFF;
 }
 
 BitWriter PAGADVBody(const Station &stStation, const MACAddressBytes *pstPaged) {
@@ -671,15 +718,14 @@ void PutLevels(BitWriter &stTo, const Measurement &stLevels) {
     stTo.U8(MobilityCINR(stLevels.fCINR)).U8(MobilityRSSI(stLevels.fRSSI));
 }
 
-// A scan takes so many frames, once.
-constexpr uint32_t u32ScanFrames = 4;
-constexpr uint32_t u32ScanStart = 2; // frames from now
 constexpr uint32_t u32Interleaving = 0;
-constexpr uint32_t u32Iterations = 1;
 
-// None by its place in the neighbour advertisement, one by its ID, without association.
-void PutScanned(BitWriter &stTo, const Station &stNeighbour) {
-    stTo.U8(0).U8(1).Bytes(ViewOf(stNeighbour.aucBSID)).Bits(0, 3);
+// None by its place in the neighbour advertisement, one or none by its ID, without association.
+void PutScanned(BitWriter &stTo, const Station *pstNeighbour) {
+    stTo.U8(0).U8(pstNeighbour != nullptr ? 1 : 0);
+    if (pstNeighbour != nullptr) {
+        stTo.Bytes(ViewOf(pstNeighbour->aucBSID)).Bits(0, 3);
+    }
 }
 
 // Recommended, with resources kept: one station, and when to range there.
@@ -701,24 +747,37 @@ void PutRecommendation(BitWriter &stTo, const Station &stServing, const Station 
 
 } // namespace
 
-BitWriter SCNREQBody(const Station &stNeighbour) {
+ScanTimes ScanTimesOf(ModemTime iTime) {
+    constexpr ModemTime iMost = UINT8_MAX;
+    const ModemTime iFrames = std::max<ModemTime>((iTime + i64Frame - 1) / i64Frame, 1);
+    const ModemTime iIterations = std::min((iFrames + iMost - 1) / iMost, iMost);
+    const ModemTime iEach = std::min((iFrames + iIterations - 1) / iIterations, iMost);
+    return {static_cast<uint32_t>(iEach), static_cast<uint32_t>(iIterations)};
+}
+
+BitWriter SCNREQBody(const ScanTimes &stTimes, const Station *pstNeighbour) {
     BitWriter stBody;
-    stBody.U8(u32ScanFrames).U8(u32Interleaving).U8(u32Iterations);
-    PutScanned(stBody, stNeighbour);
+    stBody.U8(stTimes.u32Frames).U8(u32Interleaving).U8(stTimes.u32Iterations);
+    PutScanned(stBody, pstNeighbour);
     return stBody.Pad();
 }
 
-BitWriter SCNRSPBody(const Station &stNeighbour) {
+BitWriter SCNRSPBody(const ScanTimes &stTimes, const Station *pstNeighbour) {
     constexpr uint32_t u32ReportOnce = 3;
     BitWriter stBody;
-    stBody.U8(u32ScanFrames).Bits(u32ReportOnce, 2).Bits(0, 6).U8(0).U8(u32CINRAndRSSI);
-    stBody.Bits(u32ScanStart, 4).Bits(0, 1).U8(u32Interleaving).U8(u32Iterations).Bits(0, 3);
-    PutScanned(stBody, stNeighbour);
+    stBody.U8(stTimes.u32Frames).Bits(u32ReportOnce, 2).Bits(0, 6).U8(0).U8(u32CINRAndRSSI);
+    stBody.Bits(u32FramesToScan, 4)
+        .Bits(0, 1)
+        .U8(u32Interleaving)
+        .U8(stTimes.u32Iterations)
+        .Bits(0, 3);
+    PutScanned(stBody, pstNeighbour);
     return stBody.Pad();
 }
 
-BitWriter SCNREPBody(const Station &stNeighbour, const Measurement &stThere,
-                     const Measurement &stHere) {
+BitWriter SCNREPBody(std::span<const Seen> astSeen, const Measurement &stHere) {
+    constexpr size_t uMost = UINT8_MAX;
+    const auto astFirst = astSeen.first(std::min(astSeen.size(), uMost));
     BitWriter stBody;
     stBody
         .Bits(0, 1) // by event
@@ -729,8 +788,11 @@ BitWriter SCNREPBody(const Station &stNeighbour, const Measurement &stThere,
         .Bits(0, 4) // the temporary ID of the only one
         .Bits(0, 4);
     PutLevels(stBody, stHere);
-    stBody.U8(0).U8(1).Bytes(ViewOf(stNeighbour.aucBSID));
-    PutLevels(stBody, stThere);
+    stBody.U8(0).U8(static_cast<uint32_t>(astFirst.size()));
+    for (const Seen &stSeen : astFirst) {
+        stBody.Bytes(ViewOf(stSeen.pstStation->aucBSID));
+        PutLevels(stBody, stSeen.stLevels);
+    }
     return stBody;
 }
 

@@ -11,6 +11,7 @@
 #include "air/BitWriter.h"
 #include "air/PhysicalLayer.h"
 #include "air/Radio.h"
+#include "time/ModemTime.h"
 
 namespace MessageCode {
 enum : uint32_t {
@@ -103,11 +104,15 @@ struct DataGrant {
     uint32_t u32Slots;
 };
 struct Grants {
-    std::optional<RangingSignal> stCDMA; // an allocation in answer to a ranging code
+    std::vector<RangingSignal> astCodes; // that are answered with an allocation
     std::optional<DataGrant> stData;
 };
 BitWriter DLMAPBody(const Station &stStation, uint32_t u32Frame, const BurstProfile &stProfile);
 BitWriter ULMAPBody(const Station &stStation, const Grants &stGrants);
+// Both in one, with a checksum. It is no management message and has no type: its first bits, 110,
+// tell it from a DL-MAP.
+BitWriter CompressedMaps(const Station &stStation, uint32_t u32Frame, const BurstProfile &stProfile,
+                         const Grants &stGrants);
 
 // Ranging.
 enum class RangingPurpose : uint8_t { Entry, Handover, IdleReentry, LocationUpdate, PowerDown };
@@ -191,11 +196,25 @@ uint32_t CINRCode(double fCINR);
 BitWriter REPREQBody();
 BitWriter REPRSPBody(const Measurement &stMeasurement, const Deviation &stDeviation);
 
-// Looking at a neighbour: asked for, allowed, reported.
-BitWriter SCNREQBody(const Station &stNeighbour);
-BitWriter SCNRSPBody(const Station &stNeighbour);
-BitWriter SCNREPBody(const Station &stNeighbour, const Measurement &stThere,
-                     const Measurement &stHere);
+// Looking at other stations: asked for, allowed, reported. So many frames at a time, so many times,
+// one behind the other.
+struct ScanTimes {
+    uint32_t u32Frames;
+    uint32_t u32Iterations;
+};
+// What a scan of this time is asked for with: at most 255 frames, 255 times.
+ScanTimes ScanTimesOf(ModemTime iTime);
+// From the station's answer to the first frame of the scan.
+inline constexpr uint32_t u32FramesToScan = 2;
+// Null: no station in particular.
+BitWriter SCNREQBody(const ScanTimes &stTimes, const Station *pstNeighbour);
+BitWriter SCNRSPBody(const ScanTimes &stTimes, const Station *pstNeighbour);
+struct Seen {
+    const Station *pstStation;
+    Measurement stLevels;
+};
+// Reports at most 255 stations.
+BitWriter SCNREPBody(std::span<const Seen> astSeen, const Measurement &stHere);
 
 // Handover: as the modem asks for it, or as the station orders it.
 BitWriter BSHOREQBody(const Station &stServing, const Station &stTarget);

@@ -10,7 +10,7 @@
 
 #include "time/ModemTime.h"
 
-enum class Absence : uint8_t { Sleep, Scan, Search, Handover, Kinds };
+enum class Absence : uint8_t { Sleep, Scan, Search, Neighbour, Handover, Kinds };
 
 class Presence {
   public:

@@ -78,6 +78,7 @@ void Signalling::Start() {
     m_stStep.Stop();
     m_pstTarget = nullptr;
     m_bToldToIdle = false;
+    m_au32MapFrame = {UINT32_MAX, UINT32_MAX};
     m_astConnections.clear();
     m_iPower = 0;
     m_iOpenLoopPower = 0;
@@ -104,8 +105,8 @@ void Signalling::WantBroadcasts(bool bWanted) {
 
 // One after the other.
 
-void Signalling::Later(Step pfnStep) {
-    m_apfnSteps.push_back(std::move(pfnStep));
+void Signalling::Later(Step pfnStep, Map eMap) {
+    m_astSteps.push_back({std::move(pfnStep), eMap});
     ++m_u64Steps;
     if (!m_stStep.Running()) {
         const ModemTime iWait = m_iLastStep + i64Frame - m_stClock.Now();
@@ -114,14 +115,14 @@ void Signalling::Later(Step pfnStep) {
 }
 
 void Signalling::DropSteps() {
-    m_apfnSteps.clear();
+    m_astSteps.clear();
     m_bRangingWaits = m_bReportWaits = false;
 }
 
 // Whether the first so many steps have been taken. A message that is said again is a step that
 // has come back.
 bool Signalling::Said(uint64_t u64Steps) const {
-    return m_u64Steps - m_apfnSteps.size() >= u64Steps;
+    return m_u64Steps - m_astSteps.size() >= u64Steps;
 }
 
 void Signalling::OnceSaid(Step pfnAction) {
@@ -137,7 +138,7 @@ void Signalling::LookWhenSaid(uint64_t u64Steps) {
     // The last of them is taken then, unless some have to be taken again.
     ModemTime iWait = 0;
     if (!Said(u64Steps)) {
-        const uint64_t u64Before = u64Steps - (m_u64Steps - m_apfnSteps.size()) - 1;
+        const uint64_t u64Before = u64Steps - (m_u64Steps - m_astSteps.size()) - 1;
         iWait = std::max<ModemTime>(m_iLastStep + i64Frame - m_stClock.Now(), 0) +
                 static_cast<ModemTime>(u64Before) * i64Frame;
     }
@@ -158,14 +159,14 @@ void Signalling::LookWhenSaid(uint64_t u64Steps) {
 }
 
 void Signalling::NextStep() {
-    if (m_apfnSteps.empty()) {
+    if (m_astSteps.empty()) {
         return;
     }
-    const Step pfnStep = std::move(m_apfnSteps.front());
-    m_apfnSteps.pop_front();
+    const Step pfnStep = std::move(m_astSteps.front().pfnStep);
+    m_astSteps.pop_front();
     m_iLastStep = m_stClock.Now();
     pfnStep();
-    if (!m_apfnSteps.empty()) {
+    if (!m_astSteps.empty()) {
         m_stStep.Start(i64Frame, [this] { NextStep(); });
     }
 }
@@ -196,9 +197,10 @@ void Signalling::Say(uint32_t u32Code, bool bUplink, uint32_t u32CID, BitWriter 
     }
     if (eProtection != Protection::None && !bGood) {
         // The modem drops it, and the station says it again.
-        m_apfnSteps.push_front([this, u32Code, bUplink, u32CID, stBare, eProtection] {
+        Step pfnAgain = [this, u32Code, bUplink, u32CID, stBare, eProtection] {
             Say(u32Code, bUplink, u32CID, stBare, eProtection);
-        });
+        };
+        m_astSteps.push_front({std::move(pfnAgain), Map::None});
     }
 }
 
@@ -222,12 +224,12 @@ void Signalling::Follow(const LinkChange &stChange) {
     }
     const Station *pstServing = m_stAt.pstServing;
     if (stChange.eBefore == Synchronising && stChange.eAfter == Synchronised) {
-        Later([this, pstServing] { SayDLMAP(*pstServing); });
+        Later([this, pstServing] { SayDLMAP(*pstServing); }, Map::Downlink);
         SayLater(MessageCode::DCD, bDown, WellKnownCID::FragmentableBroadcast,
                  DCDBody(*pstServing, m_stAir.Thresholds()));
         SayLater(MessageCode::UCD, bDown, WellKnownCID::FragmentableBroadcast,
                  UCDBody(*pstServing));
-        SayLater(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast, ULMAPBody(*pstServing, {}));
+        Later([this, pstServing] { SayULMAP(*pstServing, nullptr); }, Map::Uplink);
     } else if (stChange.eAfter == Entering) {
         BeginStage(Ranging);
     } else if (stChange.eAfter == EnteringIdle) {
@@ -402,10 +404,7 @@ void Signalling::Range(const Station &stStation, RangingPurpose ePurpose) {
         Later([this, &stGroup] { SendCode(stGroup, RangingKind::Initial); });
     }
     Later([this, &stStation] { AnswerCode(stStation, RangingStatus::Success); });
-    Later([this, &stStation] {
-        Say(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast,
-            ULMAPBody(stStation, {m_stSignal, std::nullopt}));
-    });
+    Later([this, &stStation] { SayULMAP(stStation, &m_stSignal); }, Map::Uplink);
     // The station that the modem comes from still knows its keys.
     const Station *pstFormer =
         ePurpose == RangingPurpose::Handover ? m_stAt.pstServing : m_pstFormer;
@@ -634,19 +633,70 @@ void Signalling::Broadcast(Timer &stTimer, ModemTime iPeriod, void (Signalling::
 
 void Signalling::SayMaps() {
     const Station &stStation = *m_stAt.pstServing;
-    SayDLMAP(stStation);
+    const bool bBoth = stStation.bCompressedMap;
+    const bool bDownlink = IsSaid(Map::Downlink) || (bBoth && IsSaid(Map::Uplink));
+    if (!bDownlink) {
+        SayDLMAP(stStation);
+    }
+    if (!bBoth && !IsSaid(Map::Uplink)) {
+        SayULMAP(stStation, nullptr);
+    }
+}
+
+bool Signalling::IsSaid(Map eMap) const {
+    if (m_au32MapFrame[static_cast<size_t>(eMap)] == Frame()) {
+        return true;
+    }
+    const ModemTime iNext = std::max(m_iLastStep + i64Frame, m_stClock.Now());
+    return !m_astSteps.empty() && m_astSteps.front().eMap == eMap &&
+           iNext / i64Frame == m_stClock.Now() / i64Frame;
+}
+
+void Signalling::SayDLMAP(const Station &stStation) {
+    m_au32MapFrame[static_cast<size_t>(Map::Downlink)] = Frame();
+    if (stStation.bCompressedMap) {
+        SayCompressedMaps(stStation, GrantsNow(stStation, nullptr));
+    } else {
+        Say(MessageCode::DLMAP, bDown, WellKnownCID::Broadcast,
+            DLMAPBody(stStation, Frame(), ProfileAt(CINROf(stStation))));
+    }
+}
+
+void Signalling::SayULMAP(const Station &stStation, const RangingSignal *pstAnswered) {
+    m_au32MapFrame[static_cast<size_t>(Map::Uplink)] = Frame();
+    const Grants stGrants = GrantsNow(stStation, pstAnswered);
+    if (stStation.bCompressedMap) {
+        SayCompressedMaps(stStation, stGrants);
+    } else {
+        Say(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast, ULMAPBody(stStation, stGrants));
+    }
+}
+
+// They have no code of their own.
+void Signalling::SayCompressedMaps(const Station &stStation, const Grants &stGrants) {
+    Say(MessageCode::DLMAP, bDown, WellKnownCID::Broadcast,
+        CompressedMaps(stStation, Frame(), ProfileAt(CINROf(stStation)), stGrants));
+}
+
+Grants Signalling::GrantsNow(const Station &stStation, const RangingSignal *pstAnswered) const {
     Grants stGrants;
+    if (pstAnswered != nullptr) {
+        stGrants.astCodes.push_back(*pstAnswered);
+    }
+    if (&stStation != m_stAt.pstServing) {
+        return stGrants; // of the target of a handover: the traffic is with the serving one
+    }
+    for (const RangingSignal &stSignal : m_stTraffic.LatestRequests()) {
+        if (((stSignal.u32Frame + 1) & u32FrameNumberMask) == Frame()) {
+            stGrants.astCodes.push_back(stSignal);
+        }
+    }
     const uint32_t u32Granted = m_stTraffic.Granted(Frame());
     if (u32Granted != 0) {
         stGrants.stData = {m_u32BasicCID, ProfileAt(CINROf(stStation) - fUplinkLoss),
                            u32Granted / u32SlotBytes};
     }
-    Say(MessageCode::ULMAP, bDown, WellKnownCID::Broadcast, ULMAPBody(stStation, stGrants));
-}
-
-void Signalling::SayDLMAP(const Station &stStation) {
-    Say(MessageCode::DLMAP, bDown, WellKnownCID::Broadcast,
-        DLMAPBody(stStation, Frame(), ProfileAt(CINROf(stStation))));
+    return stGrants;
 }
 
 double Signalling::CINROf(const Station &stStation) const {
@@ -734,16 +784,28 @@ void Signalling::SayLocationUpdated(const Station &stStation) {
              RNGRSPBody(m_aucAddress, stStation, PagingCycle()), Protection::Tuple);
 }
 
-void Signalling::Scanned(const Station &stNeighbour) {
-    SayLater(MessageCode::SCNREQ, bUp, m_u32BasicCID, SCNREQBody(stNeighbour), Protection::Tuple);
-    SayLater(MessageCode::SCNRSP, bDown, m_u32BasicCID, SCNRSPBody(stNeighbour), Protection::Tuple);
-    Later([this, &stNeighbour] {
-        if (m_stAt.eState == LinkUp) {
-            Say(MessageCode::SCNREP, bUp, m_u32PrimaryCID,
-                SCNREPBody(stNeighbour, m_stAir.Measure(stNeighbour, m_stClock.Now()),
-                           m_stAir.Measure(*m_stAt.pstServing, m_stClock.Now())),
-                Protection::Tuple);
+void Signalling::ScanAsked(ModemTime iTime, const Station *pstNeighbour) {
+    const ScanTimes stTimes = ScanTimesOf(iTime);
+    SayLater(MessageCode::SCNREQ, bUp, m_u32BasicCID, SCNREQBody(stTimes, pstNeighbour),
+             Protection::Tuple);
+    SayLater(MessageCode::SCNRSP, bDown, m_u32BasicCID, SCNRSPBody(stTimes, pstNeighbour),
+             Protection::Tuple);
+}
+
+void Signalling::ScanReported(const std::vector<const Station *> &apstSeen) {
+    Later([this, apstSeen] {
+        if (m_stAt.eState != LinkUp) {
+            return;
         }
+        const Station &stServing = *m_stAt.pstServing;
+        std::vector<Seen> astSeen;
+        for (const Station *pstStation : apstSeen) {
+            if (pstStation != &stServing && pstStation->NAPID() == stServing.NAPID()) {
+                astSeen.push_back({pstStation, m_stAir.Measure(*pstStation, m_stClock.Now())});
+            }
+        }
+        Say(MessageCode::SCNREP, bUp, m_u32PrimaryCID,
+            SCNREPBody(astSeen, m_stAir.Measure(stServing, m_stClock.Now())), Protection::Tuple);
     });
 }
 

@@ -8,6 +8,7 @@
 #ifndef SIGNALLING_H
 #define SIGNALLING_H
 
+#include <array>
 #include <deque>
 #include <functional>
 #include <vector>
@@ -111,8 +112,10 @@ class Signalling {
     void GoesFromIdle();
     // A handover: towards the target, one more ranging attempt there, its end.
     void HandoverBegins(const Station &stTarget, bool bOrdered);
-    // The modem looks closer at a neighbour.
-    void Scanned(const Station &stNeighbour);
+    // The modem wants to look at a neighbour, or (null) at whatever there is, for so long; it has
+    // seen these. Of other networks the station is not told.
+    void ScanAsked(ModemTime iTime, const Station *pstNeighbour);
+    void ScanReported(const std::vector<const Station *> &apstSeen);
     void HandoverRangingRepeated();
     void HandoverEnds(bool bSuccess);
     // A power saving class as it was asked for and granted: a PSCDefinition record.
@@ -137,8 +140,10 @@ class Signalling {
     static constexpr bool bUp = true;
     static constexpr bool bDown = false;
 
-    // Puts a step of a dialogue behind those that wait.
-    void Later(Step pfnStep);
+    // Maps, which a frame has once, whoever has them said.
+    enum class Map : uint8_t { Downlink, Uplink, None };
+    // Puts a step of a dialogue behind those that wait; with the map that it says.
+    void Later(Step pfnStep, Map eMap = Map::None);
     void NextStep();
     bool Said(uint64_t u64Steps) const;
     void LookWhenSaid(uint64_t u64Steps);
@@ -180,7 +185,14 @@ class Signalling {
 
     void Broadcast(Timer &stTimer, ModemTime iPeriod, void (Signalling::*pfnSay)());
     void SayMaps();
+    // Whether a dialogue has said the map in this frame, or will.
+    bool IsSaid(Map eMap) const;
+    // Of a station with compressed maps either says both.
     void SayDLMAP(const Station &stStation);
+    void SayULMAP(const Station &stStation, const RangingSignal *pstAnswered);
+    void SayCompressedMaps(const Station &stStation, const Grants &stGrants);
+    // What the uplink of the present frame is granted for, with the code that is answered in it.
+    Grants GrantsNow(const Station &stStation, const RangingSignal *pstAnswered) const;
     double CINROf(const Station &stStation) const;
     void SayDescriptors();
     void SayNeighbours();
@@ -212,8 +224,13 @@ class Signalling {
     bool m_bBroadcastsWanted = false;
     bool m_bRangingWaits = false;
     bool m_bReportWaits = false;
-    std::deque<Step> m_apfnSteps;
-    uint64_t m_u64Steps = 0; // planned so far
+    struct Planned {
+        Step pfnStep;
+        Map eMap;
+    };
+    std::deque<Planned> m_astSteps;
+    std::array<uint32_t, 2> m_au32MapFrame{UINT32_MAX, UINT32_MAX}; // in which a map was said last
+    uint64_t m_u64Steps = 0;                                        // planned so far
     struct Waiting {
         uint64_t u64Steps;
         Step pfnAction;

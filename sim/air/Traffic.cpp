@@ -98,6 +98,7 @@ void Traffic::Reset() {
         stChannel.u64Turn = 0;
     }
     m_u32Granted = 0;
+    m_astRequests.clear();
     m_stTotals = {};
 }
 
@@ -364,9 +365,14 @@ void Traffic::AskForBandwidth(Flow &stFlow, uint64_t u64Frame) {
     if (!bPolled) {
         const CodeGroup &stGroup = RangingCodes::BandwidthRequest;
         const uint32_t u32Code = stGroup.u32First + m_stRandom.Below(stGroup.u32Count);
-        const RangingSignal stSignal{static_cast<uint32_t>(u64Frame) & u32FrameNumberMask, u32Code,
+        const uint32_t u32Frame = static_cast<uint32_t>(u64Frame) & u32FrameNumberMask;
+        const RangingSignal stSignal{u32Frame, u32Code,
                                      m_stRandom.Below(RangingCodes::u32SubChannels),
                                      RangingCodes::u32LateSymbol};
+        std::erase_if(m_astRequests, [u32Frame](const RangingSignal &stOne) {
+            return ((u32Frame - stOne.u32Frame) & u32FrameNumberMask) > 1;
+        });
+        m_astRequests.push_back(stSignal);
         for (const auto &pfnObserver : m_apfnOnRequest) {
             pfnObserver(stSignal);
         }

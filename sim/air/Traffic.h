@@ -122,6 +122,9 @@ class Traffic {
     uint32_t Granted(uint32_t u32Frame) const {
         return u32Frame == m_u32GrantFrame ? m_u32Granted : 0;
     }
+    // The codes that have asked for bandwidth in the last frame with such, and in the one before
+    // it. The station answers in the next frame, with room for the request itself.
+    const std::vector<RangingSignal> &LatestRequests() const { return m_astRequests; }
     // Whether it holds the modem off from idle mode.
     bool KeepsAwake() const { return m_bKeepsAwake; }
     void Reset();
@@ -222,6 +225,7 @@ class Traffic {
     uint64_t m_u64FilledFrame = 0;
     uint32_t m_u32GrantFrame = 0;
     uint32_t m_u32Granted = 0;
+    std::vector<RangingSignal> m_astRequests;
     TrafficTotals m_stTotals;
     Timer m_stFrame;
 };

@@ -9,8 +9,11 @@ namespace {
 constexpr std::chrono::seconds stLongestWait(3);
 // A sender that waits for its answer waits no longer than this.
 constexpr std::chrono::seconds stLongestHold(1);
-// A call with the stepped clock waits no longer for callbacks that its messages are in.
-constexpr std::chrono::seconds stLongestCall(10);
+// A call with the stepped clock waits no longer for callbacks that its messages are in: so many
+// looks at whether they have returned. Not a time: a process that stands still for a while, because
+// it was stopped or the machine was, has not looked, and its callbacks could not return.
+constexpr std::chrono::milliseconds stLook(100);
+constexpr uint32_t u32MostLooks = 100;
 // The modem lives at most so long at a time, and until so many messages wait: then those are
 // delivered, and whoever wants to send something has a turn.
 constexpr std::chrono::microseconds stLongestSlice(200);
@@ -60,8 +63,10 @@ void Device::Leave(std::unique_lock<std::mutex> &stLock) {
     m_bThreadRests = false;
     m_stWork.notify_one();
     if (Stepped() && !InOwnThread()) {
-        m_stDelivered.wait_for(stLock, stLongestCall,
-                               [this] { return m_bStopping || m_bThreadRests; });
+        const auto Done = [this] { return m_bStopping || m_bThreadRests; };
+        uint32_t u32Looks = 0;
+        while (!m_stDelivered.wait_for(stLock, stLook, Done) && ++u32Looks < u32MostLooks) {
+        }
     }
 }
 

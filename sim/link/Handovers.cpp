@@ -5,10 +5,13 @@
 
 #include "MobilityRecords.h"
 #include "air/Signalling.h"
+#include "link/Excursion.h"
 #include "link/Link.h"
 #include "link/LinkSubsystems.h"
 
 namespace {
+
+constexpr uint32_t u32ScanFrames = 4;
 
 class Handovers : public Subsystem {
   public:
@@ -42,6 +45,7 @@ class Handovers : public Subsystem {
     double m_fRangingFailure; // probability for each attempt
 
     Random &m_stRandom;
+    Excursion m_stScan; // of a station that may be better
     Timer m_stLook;
     Timer m_stStep; // of the handover under way
     Station *m_pstCandidate = nullptr;
@@ -55,7 +59,7 @@ class Handovers : public Subsystem {
 
 Handovers::Handovers(Modem &stModem)
     : m_stModem(stModem), m_stLink(stModem.TheLink()), m_stRandom(stModem.RandomFor("handover")),
-      m_stLook(stModem.Clock()), m_stStep(stModem.Clock()) {
+      m_stScan(stModem, Absence::Neighbour), m_stLook(stModem.Clock()), m_stStep(stModem.Clock()) {
     const Section stSettings = stModem.Settings("handover");
     m_iLookPeriod = stSettings.Seconds("look-period", 0, 1000, 0.5);
     m_iTime = stSettings.Seconds("time", 0, 1000, 0.05);
@@ -96,6 +100,7 @@ void Handovers::FollowLink() {
     m_stLook.Stop();
     m_pstTarget = nullptr;
     m_stModem.ThePresence().Return(Absence::Handover);
+    m_stScan.Stop();
     m_pstCandidate = nullptr;
     if (m_stLink.State() == LinkState::LinkUp && m_iLookPeriod != 0) {
         m_stLook.Start(m_iLookPeriod, [this] { Look(); });
@@ -112,7 +117,7 @@ void Handovers::Look() {
         m_pstCandidate = pstBetter;
         m_iCandidateSince = m_stModem.Now();
         if (pstBetter != nullptr) {
-            m_stModem.TheSignalling().Scanned(*pstBetter);
+            m_stScan.Visit(*pstBetter, u32ScanFrames);
         }
     }
     const ModemTime iTrigger = m_stModem.Air().Thresholds().iTimeToTrigger;
@@ -138,6 +143,7 @@ void Handovers::Begin(Station &stTarget, Plan stPlan) {
     m_stPlan = stPlan;
     m_iBegan = m_stModem.Now();
     m_u32Failures = 0;
+    m_stScan.Stop();
     m_stModem.ThePresence().Leave(Absence::Handover, [](uint64_t) { return true; });
     m_stModem.TheSignalling().HandoverBegins(stTarget, stPlan.bOrdered);
     m_stStep.Start(m_iTime, [this] { Range(); });

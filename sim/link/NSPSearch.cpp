@@ -3,7 +3,8 @@
 #include <array>
 
 NSPSearch::NSPSearch(Modem &stModem)
-    : m_stModem(stModem), m_stStep(stModem.Clock()), m_stLimit(stModem.Clock()) {
+    : m_stModem(stModem), m_stExcursion(stModem, Absence::Search), m_stStep(stModem.Clock()),
+      m_stLimit(stModem.Clock()) {
     m_iTimePerStation =
         stModem.Settings("search").Seconds("time-per-nsp-discovery", 0.0001, 1000, 0.5);
 }
@@ -11,7 +12,7 @@ NSPSearch::NSPSearch(Modem &stModem)
 void NSPSearch::Start() {
     m_stStep.Stop();
     m_stLimit.Stop();
-    m_stModem.ThePresence().Return(Absence::Search);
+    m_stExcursion.Stop();
 }
 
 int32_t NSPSearch::Begin(ByteView stPayload) {
@@ -23,8 +24,11 @@ int32_t NSPSearch::Begin(ByteView stPayload) {
     }
     ReadTargets(stPayload);
     m_uNext = 0;
-    m_stModem.ThePresence().Leave(Absence::Search, [](uint64_t) { return true; });
-    if (const uint32_t u32Duration = Get(stPayload, NSPSearchRequest::u32Duration)) {
+    m_apstAsked.clear();
+    const uint32_t u32Duration = Get(stPayload, NSPSearchRequest::u32Duration);
+    const ModemTime iAll = std::max<ModemTime>(std::ssize(m_astTargets), 1) * m_iTimePerStation;
+    m_stExcursion.Begin(u32Duration != 0 ? std::min(iAll, u32Duration * i64Second) : iAll);
+    if (u32Duration != 0) {
         m_stLimit.Start(u32Duration * i64Second,
                         [this] { End(NSPDiscovery::ScanDurationTimeout); });
     }
@@ -86,7 +90,9 @@ void NSPSearch::Ask() {
         u32Status = NSPDiscovery::NotSupported;
     }
     Tell(u32Status, *stTarget.pstStation, bLast);
+    m_apstAsked.push_back(stTarget.pstStation);
     if (bLast) {
+        m_stExcursion.End(m_apstAsked);
         Start();
     } else {
         WaitForNext();
@@ -94,6 +100,7 @@ void NSPSearch::Ask() {
 }
 
 void NSPSearch::End(uint32_t u32Status) {
+    m_stExcursion.End(m_apstAsked);
     Start();
     TellStatus(u32Status);
 }

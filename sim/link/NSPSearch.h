@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "LinkRecords.h"
+#include "link/Excursion.h"
 #include "modem/Modem.h"
 
 class NSPSearch {
@@ -40,6 +41,8 @@ class NSPSearch {
     ModemTime m_iTimePerStation;
     std::vector<Target> m_astTargets;
     size_t m_uNext = 0;
+    std::vector<const Station *> m_apstAsked;
+    Excursion m_stExcursion;
     Timer m_stStep;
     Timer m_stLimit; // the duration asked for
 };

@@ -67,7 +67,8 @@ uint64_t ChannelPlan::PlaceOf(uint32_t u32Frequency, uint32_t u32Bandwidth) cons
                : (u64Frequency - 1) * m_au32Bandwidths.size() + u64Bandwidth;
 }
 
-NetworkSearch::NetworkSearch(Modem &stModem) : m_stModem(stModem), m_stStep(stModem.Clock()) {
+NetworkSearch::NetworkSearch(Modem &stModem)
+    : m_stModem(stModem), m_stExcursion(stModem, Absence::Search), m_stStep(stModem.Clock()) {
     const Section stSettings = stModem.Settings("search");
     m_iTimePerChannel = stSettings.Seconds("time-per-channel", 0.0001, 1000, 0.05);
     for (const int64_t iBandwidth : stSettings.Integers("bandwidths", 1, UINT32_MAX)) {
@@ -84,8 +85,9 @@ NetworkSearch::NetworkSearch(Modem &stModem) : m_stModem(stModem), m_stStep(stMo
 
 void NetworkSearch::Start() {
     m_stStep.Stop();
-    m_stModem.ThePresence().Return(Absence::Search);
+    m_stExcursion.Stop();
     m_aucFound.clear();
+    m_apstFound.clear();
     m_u32LastStatus = StationList::SearchComplete;
     SetThresholds(m_iRSSIAtStart, m_iCINRAtStart);
 }
@@ -109,7 +111,9 @@ int32_t NetworkSearch::Begin(ByteView stPayload) {
     m_iDuration = Get(stPayload, SearchRequest::u32Duration) * i64Second;
     m_u64Done = 0;
     m_aucFound.clear();
-    m_stModem.ThePresence().Leave(Absence::Search, [](uint64_t) { return true; });
+    m_apstFound.clear();
+    const ModemTime iAll = TimeOf(m_stPlan.Count());
+    m_stExcursion.Begin(m_iDuration != 0 ? std::min(iAll, m_iDuration) : iAll);
     WaitForNext();
     return 0;
 }
@@ -146,6 +150,7 @@ void NetworkSearch::LookUntil(uint64_t u64Place) {
             m_stModem.Air().PutStation(stRecord.Span(), stStation, m_stModem.Now());
             m_aucFound.insert(m_aucFound.end(), std::begin(stRecord.aucBytes),
                               std::end(stRecord.aucBytes));
+            m_apstFound.push_back(&stStation);
             bFound = true;
         }
     }
@@ -169,7 +174,7 @@ bool NetworkSearch::Wanted(const Station &stStation) const {
 
 void NetworkSearch::End(uint32_t u32Status) {
     m_stStep.Stop();
-    m_stModem.ThePresence().Return(Absence::Search);
+    m_stExcursion.End(m_apstFound);
     m_stModem.History().iSearch = m_stModem.Now() - m_iBegan;
     m_u32LastStatus = u32Status;
     Tell(u32Status);

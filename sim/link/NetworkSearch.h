@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "LinkRecords.h"
+#include "link/Excursion.h"
 #include "modem/Modem.h"
 
 // The pairs of frequency and bandwidth of one search, in the order in which they
@@ -75,6 +76,8 @@ class NetworkSearch {
     uint64_t m_u64Done = 0;    // pairs looked at
     uint32_t m_u32LastStatus = StationList::SearchComplete;
     std::vector<uint8_t> m_aucFound; // BaseStation records
+    std::vector<const Station *> m_apstFound;
+    Excursion m_stExcursion;
     Timer m_stStep;
 };
 

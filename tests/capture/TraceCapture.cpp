@@ -1,6 +1,7 @@
 // Writes the management messages of a modem's life to a capture file: network entry,
-// sleep, service flows, idle mode and paging, a handover, deregistration; and entries
-// that fail. Arguments: the file.
+// sleep, service flows, idle mode and paging, a handover, deregistration; entries that fail; and
+// one at a station with compressed maps. Arguments: the file.
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -59,16 +60,25 @@ class Capture {
         }
     }
 
-    void Add(ModemTime iNow, uint32_t u32Code, ByteView stBody) {
-        constexpr std::string_view strDecoder = "wmx_mac_mgmt_msg_decoder";
+    void Add(ModemTime iNow, bool bUplink, uint32_t u32Code, ByteView stBody) {
+        constexpr std::string_view strMessage = "wmx_mac_mgmt_msg_decoder";
+        constexpr std::string_view strBurst("wimax_pdu_burst_handler\0", 24);
+        static_assert(strMessage.size() % 4 == 0 && strBurst.size() % 4 == 0, "need no padding");
         constexpr uint32_t u32NameTag = 12;
+        constexpr uint32_t u32DirectionTag = 35;
+        // Compressed maps have no type.
+        const bool bMaps = u32Code == 2 && stBody.At(0) >> 5 == 6;
+        const std::string_view strDecoder = bMaps ? strBurst : strMessage;
         BitWriter stPacket;
-        stPacket.U16(u32NameTag).U16(strDecoder.size());
+        stPacket.U16(u32NameTag).U16(static_cast<uint32_t>(strDecoder.size()));
         for (const char cChar : strDecoder) {
             stPacket.U8(static_cast<uint8_t>(cChar));
         }
-        static_assert(strDecoder.size() % 4 == 0, "needs no padding");
-        stPacket.U32(0).U8(u32Code).Bytes(stBody);
+        stPacket.U16(u32DirectionTag).U16(4).U32(bUplink ? 0 : 1).U32(0);
+        if (!bMaps) {
+            stPacket.U8(u32Code);
+        }
+        stPacket.Bytes(stBody);
         const ByteView stBytes = stPacket.View();
         PutWord(static_cast<uint32_t>(iNow / i64Second));
         PutWord(static_cast<uint32_t>(iNow % i64Second));
@@ -118,7 +128,7 @@ class TracedModem {
     void Run(double fSeconds) { RunUntil(static_cast<double>(m_stModem.Now()) / 1e6 + fSeconds); }
 
     void RunUntil(double fSeconds) {
-        const auto iEnd = static_cast<ModemTime>(fSeconds * 1e6 + 0.5);
+        const auto iEnd = static_cast<ModemTime>(std::llround(fSeconds * 1e6));
         for (auto iDue = m_stModem.NextDue(); iDue && *iDue <= iEnd; iDue = m_stModem.NextDue()) {
             m_stModem.AdvanceTo(*iDue);
             for (MessageBytes aucMessage; m_stModem.TakeMessage(&aucMessage);) {
@@ -136,7 +146,7 @@ class TracedModem {
         using namespace TraceRecord;
         const ByteView stRecord = stMessage.From(MessageHeader::Size);
         const uint32_t u32Code = Get(stRecord, TraceRecord::u32Code);
-        m_stCapture.Add(m_stModem.Now(), u32Code,
+        m_stCapture.Add(m_stModem.Now(), Get(stRecord, u8Direction) == MSToBS, u32Code,
                         stRecord.From(aucBody, Get(stRecord, s32BodyLength)));
         std::printf("%u %u %u %u %u %u\n", Get(stRecord, u32FrameNumber),
                     Get(stRecord, u8Direction), u32Code, Get(stRecord, u32CID),
@@ -302,6 +312,17 @@ void FailToEnter(Capture &stCapture) {
     }
 }
 
+// With traffic, so that the maps answer codes and grant bursts.
+void EnterByCompressedMaps(Capture &stCapture) {
+    std::string strScenario = std::string(pcStations) +
+                              "[[service-flow]]\ndirection = \"uplink\"\ntype = \"BE\"\n"
+                              "[traffic]\nuplink-rate = 2000\npacket-size = 100\n";
+    strScenario.insert(strScenario.find("rssi"), "compressed-map = true\n");
+    strScenario.replace(strScenario.find("map-period = 0.2"), 16, "map-period = 0.005");
+    TracedModem stTraced(strScenario, stCapture);
+    EnterNetwork(stTraced);
+}
+
 } // namespace
 
 int main(int iArgs, char **ppcArgs) {
@@ -312,5 +333,6 @@ int main(int iArgs, char **ppcArgs) {
     Capture stCapture(ppcArgs[1]);
     LiveALife(stCapture);
     FailToEnter(stCapture);
+    EnterByCompressedMaps(stCapture);
     return stCapture.Good() ? 0 : 1;
 }

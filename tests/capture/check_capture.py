@@ -54,6 +54,26 @@ def is_misread(record):
     return record[2] == PKM_REQ and record[5] == SA_TEK_REQUEST
 
 
+def is_compressed(record):
+    return record[2] == 2 and record[5] >> 5 == 6
+
+
+def check_compressed_maps(sent, rows):
+    """Each has the frame of its record, both halves of the station's ID and a right checksum; together
+    they have everything that maps are there for."""
+    numbers = [number for number, record in enumerate(sent, 1) if is_compressed(record)]
+    read = {int(row[0]): row[1:] for row in (line.split("\t") for line in rows)}
+    if len(numbers) < 500 or sorted(read) != numbers:
+        fail(f"{len(numbers)} compressed maps sent, {len(read)} read")
+    kinds = set()
+    for number, (frame, operator, sector, status, uiucs) in read.items():
+        if (int(frame), int(operator), int(sector), status) != (sent[number - 1][0], 10, 3, "1"):
+            fail(f"message {number}: compressed maps of frame {frame}, {operator}, {sector}, {status}")
+        kinds |= {"grant" if int(one) < 11 else one for one in uiucs.split(",")}
+    if kinds != {"grant", "12", "14"}:
+        fail(f"compressed maps have {sorted(kinds)}")
+
+
 def check_record(number, frame, direction, code, cid, cmac):
     where = f"message {number}, {NAMES.get(code, code)}"
     if code not in NAMES:
@@ -87,6 +107,10 @@ def main():
                         "frame.number")
         maps = tshark(arguments.tshark, capture, "-Y", "wmx.dlmap.bsid", "-T", "fields", "-e",
                       "frame.number", "-e", "wmx.dlmap.phy_fdur", "-e", "wmx.dlmap.phy_fnum")
+        compressed = tshark(arguments.tshark, capture, "-Y", "wmx.dlmapc.compr", "-T", "fields",
+                            "-e", "frame.number", "-e", "wmx.dlmap.phy_fnum",
+                            "-e", "wmx.dlmapc.opid", "-e", "wmx.dlmapc.secid",
+                            "-e", "wmx.compress_dlmap_crc.status", "-e", "wmx.ulmap.ie.uiuc")
 
     if len(sent) < 500 or len(summary) != len(sent):
         fail(f"{len(sent)} messages sent, {len(summary)} read")
@@ -100,6 +124,8 @@ def main():
     for number, (record, line) in enumerate(zip(sent, summary), 1):
         check_record(number, *record[:5])
         name = NAMES[record[2]]
+        if is_compressed(record):
+            name = "Compressed DL-MAP"
         if name not in line and not (record[2] in (9, 10) and " EAP " in line):
             fail(f"message {number}: {name} sent, but read: {line}")
     missing = set(NAMES) - {record[2] for record in sent}
@@ -114,6 +140,8 @@ def main():
     for number, words in frames.items():
         if words[-2].split(",")[0] not in ("4", "0x04") or int(words[-1], 0) != sent[number - 1][0]:
             fail(f"message {number}: the DL-MAP says frame {words}, the record {sent[number - 1]}")
+
+    check_compressed_maps(sent, compressed.splitlines())
 
     # The first network entry, without the broadcasts beside it.
     entry = [record[2] for record in sent if record[2] in ENTRY][:len(ENTRY)]

@@ -8,6 +8,7 @@ import struct
 SECTION_HEADER, INTERFACE, PACKET = 0x0A0D0D0A, 1, 6
 OURS = b"qor020\0\0"
 MANAGEMENT = b"wmx_mac_mgmt_msg_decoder"
+MAPS = b"wimax_pdu_burst_handler\0"  # compressed ones, which have no type
 HEADER = struct.Struct("<BBHIIiQIII")
 
 KINDS = (
@@ -103,7 +104,7 @@ class Capture:
         if set(tags) != {12, 35}:
             raise Damage(f"byte {offset}: tags {sorted(tags)}")
         direction = int.from_bytes(tags[35], "big")
-        if tags[12] == MANAGEMENT:
+        if tags[12] in (MANAGEMENT, MAPS):
             self.management.append((self.events[-1].number, direction, data))
             return
         if tags[12] != OURS:

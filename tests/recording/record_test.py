@@ -117,6 +117,25 @@ class Contents(RecordTest):
         self.assertEqual(recording.management,
                          [(numbers[0], 1, b"\x02abc"), (numbers[1], 0, b"\x04")])
 
+    def test_compressed_maps_have_a_decoder_of_their_own(self):
+        maps = bytes.fromhex("d0 37 04 00 04 d2 05 0a 03 1d 02 00 10 00 42 97 05 00 18 78 05 00 00 21 "
+                             "c8 12 00 11 80 50 ff ff c0 00 00 83 0f ff fc 02 00 04 34 00 00 e1 84 53 "
+                             "c0 10 60 dd 36 96 b1")
+        text = maps.hex(" ")
+        down = f"answer 21/1 | 00 7:4 2:4 55:4 65535:4 00 {text}\n"
+        up = f"answer 21/1 | 01 7:4 2:4 55:4 65535:4 00 {text}\n"
+        self.run_client("5 1 -1", script=down + up + "answer 21/3 | 1:4\n")
+        self.assertEqual([(direction, data) for _, direction, data in self.recorded().management],
+                         [(1, maps), (0, b"\2" + maps)])
+        if not OPTIONS.tshark:
+            self.skipTest("there is no tshark")
+        fields = subprocess.check_output(
+            [OPTIONS.tshark, "-r", self.file, "-n", "-Y", "wmx.dlmapc.compr", "-T", "fields",
+             "-e", "wmx.dlmap.phy_fnum", "-e", "wmx.dlmapc.opid", "-e", "wmx.dlmapc.secid",
+             "-e", "_ws.malformed"],
+            stderr=subprocess.DEVNULL, text=True)
+        self.assertEqual(fields.split(), ["1234", "10", "3"])
+
     def test_each_callback_is_called_with_its_own_context(self):
         output = self.run_program("callbacks", script="send 0\nanswer 1/1\n" * 10)
         self.assertEqual(output.splitlines(),

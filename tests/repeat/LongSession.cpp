@@ -1,12 +1,18 @@
 // A long session through the device library's functions, always the same: a checksum of every
 // message in the order of calls and messages, and of the results of all calls.
 //
-//     long_session CALLS SEED
+//     long_session CALLS SEED [MESSAGE]
+//
+// With the number of a message the process stops in its callback, and takes its time when it is
+// continued.
 #include <array>
+#include <chrono>
 #include <cinttypes>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
+#include <thread>
 #include <vector>
 
 #include "WiMAXDevice.h"
@@ -103,6 +109,7 @@ constexpr Request astRequests[]{
 std::mutex g_stMutex;
 Checksum g_stChecksum;
 uint32_t g_u32Messages = 0;
+unsigned long g_ulStopsIn = 0;
 
 uint32_t Receive(uint32_t u32Handle, const WiMAXMessage *pstMessage, uint32_t u32Length) {
     uint32_t u32Count = 0;
@@ -110,6 +117,10 @@ uint32_t Receive(uint32_t u32Handle, const WiMAXMessage *pstMessage, uint32_t u3
         const std::lock_guard stLock(g_stMutex);
         g_stChecksum.Add(pstMessage, u32Length);
         u32Count = ++g_u32Messages;
+    }
+    if (u32Count == g_ulStopsIn) {
+        (void)std::raise(SIGSTOP);
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
     }
     // Now and then a client asks for something from there.
     if (u32Count % 50 == 0) {
@@ -147,9 +158,10 @@ void ReadFrame() {
 } // namespace
 
 int main(int iArguments, char **apcArguments) {
-    if (iArguments != 3) {
+    if (iArguments != 3 && iArguments != 4) {
         return 2;
     }
+    g_ulStopsIn = iArguments == 4 ? std::strtoul(apcArguments[3], nullptr, 10) : 0;
     const unsigned long ulCalls = std::strtoul(apcArguments[1], nullptr, 10);
     Dice stDice(std::strtoul(apcArguments[2], nullptr, 10));
     const uint32_t u32Handle = OpenWiMAXDevice();

@@ -129,6 +129,38 @@ TEST(AirInterface, ASATEKRequestListsTheSuites) {
               "19 09 01 01 02 02 01 02 03 01 02");
 }
 
+// 8.4.5.4: the grant (20 slots at UIUC 8), the two regions for ranging; 8.4.5.4.3: an allocation
+// for each code that is answered: six slots for a RNG-REQ, one that is there for a bandwidth
+// request (the last bit), both at UIUC 1, with the frame's last four bits, code, symbol and
+// subchannel.
+TEST(AirInterface, AnULMAPAnswersCodesWithAllocations) {
+    const Station stStation = StationAt(2587500, 10000);
+    const Grants stGrants{{{5, 60, 3, 1}, {0x35, 100, 4, 2}}, {{0x11, ProfileAt(28), 20}}};
+    EXPECT_EQ(HexOf(ULMAPBody(stStation, stGrants)),
+              "00 05 00 00 21 C8 12 00 11 80 50 FF FF C0 00 00 83 0F FF FC 02 00 04 34 "
+              "00 00 E1 84 53 C0 10 60 00 0E 04 45 64 02 09");
+    const Grants stNone;
+    EXPECT_EQ(HexOf(ULMAPBody(stStation, stNone)),
+              "00 05 00 00 21 C8 12 FF FF C0 00 00 83 0F FF FC 02 00 04 34");
+}
+
+// 8.4.5.6.1: bits 110, an UL-MAP appended, the length of all; frame duration and number, DCD count,
+// the last bytes of both halves of the station's ID, 29 symbols, two bursts; 8.4.5.6.2: UCD count,
+// start of the uplink, 18 symbols, grants and regions as in an UL-MAP; 6.3.3.5.2.2: the checksum,
+// which stock tshark finds right, too.
+TEST(AirInterface, CompressedMapsAreBothMapsInOne) {
+    const Station stStation = StationAt(2587500, 10000);
+    const std::string strDownlink =
+        "04 00 04 D2 05 0A 03 1D 02 00 10 00 42 97 05 00 18 78 05 00 00 21 C8 12 ";
+    EXPECT_EQ(HexOf(CompressedMaps(stStation, 1234, ProfileAt(28), {})),
+              "D0 2B " + strDownlink + "FF FF C0 00 00 83 0F FF FC 02 00 04 34 BE A5 03 CE");
+    const Grants stGrants{{{5, 60, 3, 1}, {0x35, 100, 4, 2}}, {{0x11, ProfileAt(28), 20}}};
+    EXPECT_EQ(HexOf(CompressedMaps(stStation, 1234, ProfileAt(28), stGrants)),
+              "D0 3E " + strDownlink +
+                  "00 11 80 50 FF FF C0 00 00 83 0F FF FC 02 00 04 34 "
+                  "00 00 E1 84 53 C0 10 60 00 0E 04 45 64 02 09 B2 F2 05 17");
+}
+
 TEST(PhysicalLayer, AFrameIsFilledToItsEndAtAnyBandwidth) {
     for (const uint32_t u32Bandwidth :
          {0U, 3U, 1250U, 1750U, 2000U, 2750U, 6000U, 9000U, 20000U, 4294967295U}) {
@@ -190,23 +222,54 @@ TEST(AirInterface, AMSHOREQReportsBothStationsInItsOwnScales) {
 }
 
 // 6.3.2.3.50: four frames, nothing in between, once; no index, one station by its ID, no
-// association.
-TEST(AirInterface, ASCNREQNamesTheNeighbour) {
-    EXPECT_EQ(HexOf(SCNREQBody(StationAt(2600000, 10000))), "04 00 01 00 01 00 12 0A 01 02 03 00");
+// association. A search: 190 frames, four times, no station in particular.
+TEST(AirInterface, ASCNREQSaysForHowLongAndAtWhom) {
+    const Station stNeighbour = StationAt(2600000, 10000);
+    EXPECT_EQ(HexOf(SCNREQBody({4, 1}, &stNeighbour)), "04 00 01 00 01 00 12 0A 01 02 03 00");
+    EXPECT_EQ(HexOf(SCNREQBody({190, 4}, nullptr)), "BE 00 04 00 00");
+}
+
+// Both fields have eight bits.
+TEST(AirInterface, AScanIsAskedForInWholeFramesAndRepeated) {
+    struct Case {
+        ModemTime iTime;
+        ScanTimes stTimes;
+    };
+    constexpr std::array astCases{
+        Case{0, {1, 1}},
+        Case{20 * i64Millisecond, {4, 1}},
+        Case{1275 * i64Millisecond, {255, 1}},
+        Case{1276 * i64Millisecond, {128, 2}},
+        Case{3800 * i64Millisecond, {254, 3}},
+        Case{325125 * i64Millisecond, {255, 255}},
+        Case{INT64_C(1000000) * i64Second, {255, 255}},
+    };
+    for (const auto &[iTime, stExpected] : astCases) {
+        const ScanTimes stTimes = ScanTimesOf(iTime);
+        EXPECT_EQ(stTimes.u32Frames, stExpected.u32Frames) << iTime;
+        EXPECT_EQ(stTimes.u32Iterations, stExpected.u32Iterations) << iTime;
+    }
 }
 
 // 6.3.2.3.51: four frames, one report (bits 11), CINR and RSSI; from the second frame on: bits 0010
 // 0, interleaving and iterations behind five bits, three bits of padding.
 TEST(AirInterface, ASCNRSPSaysWhenToLook) {
-    EXPECT_EQ(HexOf(SCNRSPBody(StationAt(2600000, 10000))),
+    const Station stNeighbour = StationAt(2600000, 10000);
+    EXPECT_EQ(HexOf(SCNRSPBody({4, 1}, &stNeighbour)),
               "04 C0 00 03 20 00 08 00 01 00 12 0A 01 02 03 00");
+    EXPECT_EQ(HexOf(SCNRSPBody({190, 4}, nullptr)), "BE C0 00 03 20 00 20 00 00");
 }
 
-// 6.3.2.3.53: by event, one active station (bits 001), then it and the neighbour in half dB and
-// quarters from -103.75 dBm on.
-TEST(AirInterface, ASCNREPHasBothStations) {
-    EXPECT_EQ(HexOf(SCNREPBody(StationAt(2600000, 10000), {-65, 23}, {-58, 28})),
-              "08 03 00 38 B7 00 01 00 12 0A 01 02 03 2E 9B");
+// 6.3.2.3.53: by event, one active station (bits 001), then it and those that were seen in half dB
+// and quarters from -103.75 dBm on.
+TEST(AirInterface, ASCNREPHasAllStations) {
+    const Station stOne = StationAt(2600000, 10000);
+    Station stOther = stOne;
+    stOther.aucBSID[5] = 4;
+    const std::vector<Seen> astSeen{{&stOne, {-65, 23}}, {&stOther, {-80, -2.5}}};
+    EXPECT_EQ(HexOf(SCNREPBody(astSeen, {-58, 28})),
+              "08 03 00 38 B7 00 02 00 12 0A 01 02 03 2E 9B 00 12 0A 01 02 04 FB 5F");
+    EXPECT_EQ(HexOf(SCNREPBody({}, {-58, 28})), "08 03 00 38 B7 00 00");
 }
 
 // 6.3.2.3.47: as the answer to MOB_MSHO-REQ, behind a first byte that says handover.

@@ -259,7 +259,7 @@ TEST_F(Clock, OverloadNeitherStarvesDeliveryNorLosesAnything) {
     OpenAndRegister("time-scale = 10000\n[device]\nanswer-delay = 0\n[trace]\non = true\n"
                     "[signalling]\nmap-period = 0.005\ndescriptor-period = 1000\n"
                     "neighbour-period = 1000\nranging-period = 1000\nreport-period = 1000\n" +
-                    std::string(pcFourStations) + pcLinkUp);
+                    WithOrdinaryMaps(strLinkUp));
     constexpr size_t uWanted = 5000;
     const auto stEnd = std::chrono::steady_clock::now() + 60s;
     size_t uCount = 0;

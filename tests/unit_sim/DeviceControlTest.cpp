@@ -444,8 +444,8 @@ class DownloadFromTheHost : public testing::Test {
         m_strRoot = acPattern;
     }
     void TearDown() override {
-        std::remove((m_strRoot + "/c").c_str());
-        std::remove(m_strRoot.c_str());
+        (void)std::remove((m_strRoot + "/c").c_str());
+        (void)std::remove(m_strRoot.c_str());
     }
     void Write(size_t uSize) const { std::ofstream(m_strRoot + "/c") << std::string(uSize, 'x'); }
     std::string Scenario() const {

@@ -11,13 +11,14 @@ namespace {
 // Sets the paging cycle; the answer repeats it.
 int32_t AskValue(ModemBench &stBench, int iValue) {
     char acPayload[64];
-    std::snprintf(acPayload, sizeof acPayload, "00*4 20 00*3 00*20 %02X 00*3 00*8", iValue);
+    (void)std::snprintf(acPayload, sizeof acPayload, "00*4 20 00*3 00*20 %02X 00*3 00*8", iValue);
     return stBench.Send(29, 2, acPayload);
 }
 
 std::string AnswerTo(int iValue) {
     char acAnswer[64];
-    std::snprintf(acAnswer, sizeof acAnswer, "29/2: 00*4 20 00*3 00*20 %02X 00*3 00*8", iValue);
+    (void)std::snprintf(acAnswer, sizeof acAnswer, "29/2: 00*4 20 00*3 00*20 %02X 00*3 00*8",
+                        iValue);
     return Told({acAnswer})[0];
 }
 

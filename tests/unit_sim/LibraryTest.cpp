@@ -87,7 +87,7 @@ class Library : public testing::Test {
         std::ofstream(m_strPath) << strText;
         setenv("QOR020_SCENARIO", m_strPath.c_str(), 1);
     }
-    uint32_t OpenAndRegister() {
+    static uint32_t OpenAndRegister() {
         const uint32_t hDevice = OpenWiMAXDevice();
         EXPECT_NE(hDevice, 0xFFFFFFFF);
         EXPECT_EQ(RegisterCallback(hDevice, Receive, 77), 0);
@@ -329,6 +329,7 @@ TEST_F(Library, ManyThreadsMaySendAtOnce) {
     UseScenario("[device]\nanswer-delay = 0\n[half-mini-card]\nexchanges = 0\n");
     const uint32_t hDevice = OpenAndRegister();
     std::vector<std::thread> astThreads;
+    astThreads.reserve(4);
     for (int i = 0; i < 4; ++i) {
         astThreads.emplace_back([hDevice] {
             for (int j = 0; j < 100; ++j) {
@@ -446,6 +447,7 @@ TEST_F(Library, ThreadsMayDoAnythingAtAnyTime) {
     std::atomic<bool> bEnd{false};
     std::atomic<uint32_t> u32Accepted{0};
     std::vector<std::thread> astThreads;
+    astThreads.reserve(4);
     for (int i = 0; i < 4; ++i) {
         astThreads.emplace_back([&, i] {
             while (!bEnd) {

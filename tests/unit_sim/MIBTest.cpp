@@ -15,8 +15,8 @@ namespace {
 
 std::string Word(uint32_t u32Value) {
     char acText[32];
-    std::snprintf(acText, sizeof acText, "%02X %02X %02X %02X", u32Value & 0xFF,
-                  u32Value >> 8 & 0xFF, u32Value >> 16 & 0xFF, u32Value >> 24);
+    (void)std::snprintf(acText, sizeof acText, "%02X %02X %02X %02X", u32Value & 0xFF,
+                        u32Value >> 8 & 0xFF, u32Value >> 16 & 0xFF, u32Value >> 24);
     return acText;
 }
 

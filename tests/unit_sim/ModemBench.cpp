@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <sstream>
 
+#include <gtest/gtest.h>
+
 namespace {
 
 constexpr size_t uShortestRun = 5;
@@ -42,7 +44,8 @@ std::string HexOf(const std::vector<uint8_t> &aucBytes) {
             uRun = 1;
         }
         char acText[32];
-        std::snprintf(acText, sizeof acText, uRun == 1 ? "%02X" : "%02X*%zu", aucBytes[i], uRun);
+        (void)std::snprintf(acText, sizeof acText, uRun == 1 ? "%02X" : "%02X*%zu", aucBytes[i],
+                            uRun);
         strHex += (strHex.empty() ? "" : " ") + std::string(acText);
         i += uRun;
     }
@@ -134,7 +137,7 @@ std::vector<std::string> ModemBench::TimedMessages() {
     std::vector<std::string> astrTexts;
     for (const Arrival &stArrival : m_astArrivals) {
         char acTime[32];
-        std::snprintf(acTime, sizeof acTime, "%.2f ", stArrival.fTime);
+        (void)std::snprintf(acTime, sizeof acTime, "%.2f ", stArrival.fTime);
         astrTexts.push_back(acTime + stArrival.strText);
     }
     m_astArrivals.clear();

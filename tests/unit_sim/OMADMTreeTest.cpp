@@ -101,7 +101,7 @@ TEST(OMADMTree, ATreeUpdateReadsTheImage) {
     std::vector<uint8_t> aucName(strName.begin(), strName.end());
     aucName.resize(128);
     EXPECT_EQ(Ask(stBench, 33, 2, Access("04 00 00 00", strValuePath, "05 00 00 00")).iResult, 0);
-    std::remove(strName.c_str());
+    (void)std::remove(strName.c_str());
     EXPECT_EQ(Ask(stBench, 33, 5, HexOf(aucName)).iResult, -12);
     std::string strImage(13544, '\0');
     strImage[0] = 1;
@@ -110,7 +110,7 @@ TEST(OMADMTree, ATreeUpdateReadsTheImage) {
     EXPECT_EQ(Ask(stBench, 33, 5, HexOf(aucName)).iResult, -12);
     std::ofstream(strName, std::ios::binary) << strImage;
     EXPECT_EQ(Ask(stBench, 33, 5, HexOf(aucName)).iResult, 0);
-    std::remove(strName.c_str());
+    (void)std::remove(strName.c_str());
     // The value is what the tree was built with again.
     EXPECT_EQ(Hex(Ask(stBench, 33, 3, Access("04 00 00 00", strValuePath, "00*4")), 89, 4),
               "03 00 00 00");
@@ -148,7 +148,7 @@ TEST(VendorRegion, WritesOnlyWhereTheHostMay) {
 
 TEST(VendorRegion, AStateFileKeepsWhatTheHostWrote) {
     const std::string strFile = testing::TempDir() + "vendor-state";
-    std::remove(strFile.c_str());
+    (void)std::remove(strFile.c_str());
     const std::string strScenario = "[state]\nfile = \"" + strFile + "\"\n";
     {
         ModemBench stBench(strScenario);
@@ -158,7 +158,7 @@ TEST(VendorRegion, AStateFileKeepsWhatTheHostWrote) {
     EXPECT_EQ(stBench.Send(10, 1, "E1 00 02 00 00"), 0);
     stBench.RunUntil(1);
     EXPECT_EQ(stBench.Messages(), Told({"10/1: E1 00 02 00 12 34"}));
-    std::remove(strFile.c_str());
+    (void)std::remove(strFile.c_str());
 }
 
 TEST(Authentication, ParametersAreKeptAndReadBack) {

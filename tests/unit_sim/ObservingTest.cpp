@@ -1,5 +1,8 @@
 // Whoever watches changes nothing: the same life with trace, loggers, log data and
 // statistics switched all the time, and without.
+#include <algorithm>
+#include <array>
+
 #include <gtest/gtest.h>
 
 #include "ModemBench.h"
@@ -50,12 +53,9 @@ kind = "link-loss"
 
 bool Watches(const std::string &strTimed) {
     const std::string strMessage = strTimed.substr(strTimed.find(' ') + 1);
-    for (const char *pcType : {"21/", "8/", "27/", "31/", "17/"}) {
-        if (strMessage.rfind(pcType, 0) == 0) {
-            return true;
-        }
-    }
-    return false;
+    constexpr std::array apcTypes{"21/", "8/", "27/", "31/", "17/"};
+    return std::any_of(apcTypes.begin(), apcTypes.end(),
+                       [&](const char *pcType) { return strMessage.rfind(pcType, 0) == 0; });
 }
 
 // What the client hears of its own doing, and what the station hears of the modem.

@@ -103,7 +103,7 @@ TEST(Reselection, GoingAwayIsTheLastUpdate) {
     AirListener stAir(stBench);
     EXPECT_EQ(stBench.Send(30, 1), 0);
     stBench.RunUntil(2);
-    EXPECT_EQ(stAir.Heard(), (Texts{"down 5", "down 3", "up 4", "down 5"}));
+    EXPECT_EQ(stAir.Heard(), (Texts{"down 5", "down 2", "up 4", "down 5"}));
 }
 
 TEST(IdleMode, IsNotLeftAtAStationThatDoesNotHearTheModem) {

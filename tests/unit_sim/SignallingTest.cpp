@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 
 #include "DiagnosticRecords.h"
 #include "ModemBench.h"
@@ -85,7 +86,7 @@ TEST(Trace, RequestsHaveNoPayload) {
 }
 
 TEST(Trace, MapsSayTheFrameAndTheStation) {
-    ModemBench stBench(strStations +
+    ModemBench stBench(WithOrdinaryMaps(strStations) +
                        "[start]\nstate = \"synchronised\"\nstation = \"00120A010203\"\n"
                        "[trace]\non = true\n[signalling]\nmap-period = 0.1\n");
     stBench.RunUntil(0.15);
@@ -99,11 +100,67 @@ TEST(Trace, MapsSayTheFrameAndTheStation) {
                     "00 05 00 00 21 C8 12 FF FF C0 00 00 83 0F FF FC 02 00 04 34"}));
 }
 
+TEST(Trace, CompressedMapsAreOneRecordWithoutAType) {
+    ModemBench stBench(strStations +
+                       "[start]\nstate = \"synchronised\"\nstation = \"00120A010203\"\n"
+                       "[trace]\non = true\n[signalling]\nmap-period = 0.1\n");
+    stBench.RunUntil(0.15);
+    // As above: the code of a DL-MAP, 43 bytes with the uplink's part and the checksum.
+    EXPECT_EQ(stBench.TimedMessages(),
+              Told({"0.10 21/1: 00 14 00 00 00 02 00 00 00 2B 00 00 00 FF FF 00 00 00 "
+                    "D0 2B 04 00 00 14 05 0A 03 1D 02 00 10 00 42 97 05 00 18 78 "
+                    "05 00 00 21 C8 12 FF FF C0 00 00 83 0F FF FC 02 00 04 34 DE D1 60 3A"}));
+}
+
+TEST(Trace, AStationWithCompressedMapsIsEnteredByThem) {
+    ModemBench stBench(strStations + strQuiet + "[trace]\non = true\n");
+    EXPECT_EQ(stBench.Send(2, 1, strSync), 0);
+    stBench.RunUntil(1);
+    EXPECT_EQ(stBench.Send(2, 2, "00*4"), 0);
+    stBench.RunUntil(4);
+    const std::vector<Traced> astTraced = TracedBy(stBench);
+    EXPECT_EQ(Talk(astTraced).substr(0, 36), "2v 1v 0v 2v 5v 5v 2v 4^ 5v 26^ 27v 9");
+    // The third one, of frame 204, ends with the allocation for the RNG-REQ (CID 0, UIUC 14, six
+    // slots at UIUC 1, the frame of the code, 10, the code, 58, on symbol 0 and subchannel 1) and
+    // the checksum.
+    EXPECT_EQ(HexOf(astTraced[6].aucBody),
+              "D0 33 04 00 00 CC 05 0A 03 1D 02 00 10 00 42 97 05 00 18 78 05 00 00 21 C8 12 "
+              "FF FF C0 00 00 83 0F FF FC 02 00 04 34 00 00 E1 84 A3 A0 00 20 67 8D EF 8E");
+}
+
+TEST(Trace, AFrameHasEachMapOnce) {
+    // With maps in every frame: a search for the station, an entry and a way through idle mode.
+    for (const std::string &strScenario : {WithOrdinaryMaps(strStations), strStations}) {
+        ModemBench stBench(strScenario + "[trace]\non = true\n[signalling]\nmap-period = 0.005\n" +
+                           "[[event]]\nat = 5.0023\nkind = \"paging\"\n");
+        EXPECT_EQ(stBench.Send(2, 1, strSync), 0);
+        stBench.RunUntil(1.0017);
+        EXPECT_EQ(stBench.Send(2, 2, "00*4"), 0);
+        stBench.RunUntil(4);
+        EXPECT_EQ(stBench.Send(19, 1), 0);
+        stBench.RunUntil(7);
+        std::map<std::pair<uint32_t, uint32_t>, uint32_t> au32Maps;
+        uint32_t u32Allocations = 0;
+        for (const Traced &stOne : TracedBy(stBench)) {
+            if (stOne.u32Code == 2 || stOne.u32Code == 3) {
+                EXPECT_EQ(++au32Maps[std::pair(stOne.u32Frame, stOne.u32Code)], 1U)
+                    << stOne.u32Code << " in frame " << stOne.u32Frame;
+                const size_t uAlone = stOne.u32Code == 3 ? 20 : 43;
+                u32Allocations += stOne.aucBody.size() > uAlone ? 1 : 0;
+            }
+        }
+        EXPECT_GT(au32Maps.size(), 600U);
+        // The entry's, and that of the way out of idle mode.
+        EXPECT_EQ(u32Allocations, 2U);
+    }
+}
+
 TEST(Trace, AScenarioSetsTheRate) {
     for (const auto &[strPeriod, uMaps] :
          {std::pair<std::string, size_t>{"0.005", 200}, {"0.5", 2}}) {
-        ModemBench stBench(strLinkUp +
-                           "[trace]\non = true\n[signalling]\nmap-period = " + strPeriod + "\n");
+        std::string strScenario = strLinkUp;
+        strScenario.append("[trace]\non = true\n[signalling]\nmap-period = ").append(strPeriod);
+        ModemBench stBench(strScenario);
         stBench.RunUntil(1.002);
         const std::vector<Traced> astTraced = TracedBy(stBench);
         EXPECT_EQ(std::count_if(astTraced.begin(), astTraced.end(),
@@ -114,7 +171,7 @@ TEST(Trace, AScenarioSetsTheRate) {
 }
 
 TEST(Trace, NetworkEntryIsSaidFromTheFirstMapToTheTrafficKeys) {
-    ModemBench stBench(strStations + strQuiet + "[trace]\non = true\n");
+    ModemBench stBench(WithOrdinaryMaps(strStations) + strQuiet + "[trace]\non = true\n");
     EXPECT_EQ(stBench.Send(2, 1, strSync), 0);
     stBench.RunUntil(1);
     EXPECT_EQ(stBench.Send(2, 2, "00*4"), 0);
@@ -151,7 +208,7 @@ TEST(Trace, FailingEntriesEndWithTheStationsRefusal) {
         {"satek-failure", "6^! 7v! 9^! 10v!"},
     };
     for (const auto &[strEntry, strEnd] : astCases) {
-        std::string strScenario = strStations + strQuiet + "[trace]\non = true\n";
+        std::string strScenario = WithOrdinaryMaps(strStations) + strQuiet + "[trace]\non = true\n";
         strScenario.insert(strScenario.find("rssi"), "entry = \"" + strEntry + "\"\n");
         ModemBench stBench(strScenario);
         EXPECT_EQ(stBench.Send(2, 1, strSync), 0);
@@ -165,7 +222,7 @@ TEST(Trace, FailingEntriesEndWithTheStationsRefusal) {
 }
 
 TEST(Trace, IdleModeIsAskedForPagedAndLeft) {
-    ModemBench stBench(strLinkUp + strQuiet +
+    ModemBench stBench(WithOrdinaryMaps(strLinkUp) + strQuiet +
                        "[trace]\non = true\n[[event]]\nat = 4.5\nkind = \"paging\"\n");
     EXPECT_EQ(stBench.Send(19, 1), 0);
     stBench.RunUntil(7);
@@ -205,8 +262,9 @@ TEST(Trace, AnEndOfTheLinkIsSaid) {
           {"\"dreg\"\naction = 0", "29v!"},
           {"\"dreg\"\naction = 3", "29v!"},
           {"\"link-loss\"", ""}}) {
-        ModemBench stOther(strLinkUp + strQuiet +
-                           "[trace]\non = true\n[[event]]\nat = 1\nkind = " + strEvent + "\n");
+        std::string strScenario = strLinkUp + strQuiet;
+        strScenario.append("[trace]\non = true\n[[event]]\nat = 1\nkind = ").append(strEvent);
+        ModemBench stOther(strScenario);
         stOther.RunUntil(3);
         EXPECT_EQ(Talk(TracedBy(stOther)), strTalk) << strEvent;
     }
@@ -282,7 +340,7 @@ std::string Order(ModemBench &stBench) {
 }
 
 TEST(Trace, TheHostHearsOfThingsAfterTheyHappenedOnTheAir) {
-    ModemBench stEntry(strStations + strQuiet + "[trace]\non = true\n");
+    ModemBench stEntry(WithOrdinaryMaps(strStations) + strQuiet + "[trace]\non = true\n");
     EXPECT_EQ(stEntry.Send(2, 1, strSync), 0);
     stEntry.RunUntil(1);
     EXPECT_EQ(Order(stEntry), "2 1 0 3 (2/1)");
@@ -359,6 +417,66 @@ TEST(Trace, ShortPeriodsHoldNoDialogueUp) {
     EXPECT_LT(strOrder.find(" 49 "), strOrder.find(" 29 "));
     EXPECT_LT(strOrder.find(" 29 "), strOrder.find("(2/2)"));
     EXPECT_NE(strOrder.find("(2/2)"), std::string::npos);
+}
+
+// Of a message with a digest, which takes 15 bytes, what stands before it, and the frame.
+std::string Unprotected(const Traced &stOne) {
+    return std::to_string(stOne.u32Frame) + ": " +
+           HexOf({stOne.aucBody.begin(), stOne.aucBody.end() - 15});
+}
+
+TEST(Trace, ASearchWithTheLinkUpIsAskedForAndReported) {
+    ModemBench stBench(strLinkUp + strQuiet + "[trace]\non = true\n");
+    // 2587500 and 2600000 kHz, 10 MHz: 0.1 s.
+    EXPECT_EQ(stBench.Send(1, 1,
+                           "00*4 02 00*3 01 00*3 10 27 00*14 00*12 02 00*3 6C 7B 27 00 "
+                           "40 AC 27 00 00*92"),
+              0);
+    stBench.RunUntil(1);
+    const std::vector<Traced> astTraced = TracedBy(stBench);
+    ASSERT_EQ(Talk(astTraced), "54^! 55v! 60^!");
+    // 20 frames once, from the second frame behind the answer on; then the neighbour at -71.25 dBm
+    // and 16 dB beside the station at -58 dBm and 28 dB.
+    EXPECT_EQ(Unprotected(astTraced[0]), "0: 14 00 01 00 00");
+    EXPECT_EQ(Unprotected(astTraced[1]), "1: 14 C0 00 03 20 00 08 00 00");
+    EXPECT_EQ(Unprotected(astTraced[2]), "20: 08 03 00 38 B7 00 01 00 12 0A 01 02 04 20 82");
+}
+
+TEST(Trace, ASearchOfProvidersIsAskedForAndReported) {
+    ModemBench stBench(strLinkUp + strQuiet + "[trace]\non = true\n");
+    EXPECT_EQ(stBench.Send(1, 4, "00*340"), 0);
+    stBench.RunUntil(5);
+    const std::vector<Traced> astTraced = TracedBy(stBench);
+    ASSERT_EQ(Talk(astTraced), "54^! 55v! 60^!");
+    // Four stations, half a second each: 400 frames.
+    EXPECT_EQ(Unprotected(astTraced[0]), "0: C8 00 02 00 00");
+    EXPECT_EQ(Unprotected(astTraced[2]), "400: 08 03 00 38 B7 00 01 00 12 0A 01 02 04 20 82");
+}
+
+TEST(Trace, ASearchWithoutALinkIsNobodysBusiness) {
+    for (const char *pcState : {"unsynchronised", "synchronised", "idle"}) {
+        ModemBench stBench(
+            strStations + strQuiet + "[trace]\non = true\n[start]\nstate = \"" + pcState + "\"\n" +
+            (pcState == std::string("unsynchronised") ? "" : "station = \"00120A010203\"\n"));
+        EXPECT_EQ(stBench.Send(1, 1,
+                               "00*4 02 00*3 01 00*3 10 27 00*14 00*12 01 00*3 6C 7B 27 00 "
+                               "00*96"),
+                  0);
+        stBench.RunUntil(0.5);
+        EXPECT_EQ(Talk(TracedBy(stBench)), "") << pcState;
+    }
+}
+
+TEST(Trace, ASearchThatEndsWithTheLinkIsNotReported) {
+    ModemBench stBench(strLinkUp + strQuiet +
+                       "[recovery]\non = false\n[trace]\non = true\n[[event]]\nat = 0.05\n"
+                       "kind = \"link-loss\"\n");
+    EXPECT_EQ(stBench.Send(1, 1,
+                           "00*4 02 00*3 01 00*3 10 27 00*14 00*12 02 00*3 6C 7B 27 00 "
+                           "40 AC 27 00 00*92"),
+              0);
+    stBench.RunUntil(1);
+    EXPECT_EQ(Talk(TracedBy(stBench)), "54^! 55v!");
 }
 
 TEST(Trace, ABetterNeighbourIsScannedFirst) {

@@ -76,4 +76,10 @@ type = "BE"
 inline const std::string strStations = pcFourStations;
 inline const std::string strLinkUp = strStations + pcLinkUp;
 
+// The same scenario where the first station has a DL-MAP and an UL-MAP in each frame.
+inline std::string WithOrdinaryMaps(std::string strScenario) {
+    const std::string strCompressed = "compressed-map = true\n";
+    return strScenario.erase(strScenario.find(strCompressed), strCompressed.size());
+}
+
 #endif

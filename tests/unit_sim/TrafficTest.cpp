@@ -380,9 +380,37 @@ std::vector<uint8_t> ValueOf(ModemBench &stBench, const std::string &strID) {
     return {aucRecord.begin() + 26, aucRecord.end()};
 }
 
+TEST(Uplink, ACodeIsAnsweredWithAnAllocationAndThenAGrant) {
+    ModemBench stBench(WithOrdinaryMaps(strLinkUp) +
+                       "[signalling]\nmap-period = 0.005\n[trace]\non = true\n" +
+                       Flow("uplink", "BE") + Generator("uplink", 1000, 100));
+    EXPECT_EQ(stBench.Send(8, 2), 0);
+    stBench.RunUntil(1.05);
+    std::vector<std::string> astrMaps;
+    std::string strLog;
+    for (const std::string &strText : stBench.Messages()) {
+        const std::vector<uint8_t> aucBytes = Payload(strText);
+        if (strText.rfind("8/2:", 0) == 0 && strLog.empty()) {
+            strLog = HexOf({aucBytes.begin() + 2, aucBytes.begin() + 18});
+        } else if (strText.rfind("21/1:", 0) == 0 && Word(aucBytes, 5) == 3 &&
+                   aucBytes.size() != 18 + 20) {
+            astrMaps.push_back(HexOf({aucBytes.begin() + 1, aucBytes.begin() + 3}) + ": " +
+                               HexOf({aucBytes.begin() + 18 + 7, aucBytes.end()}));
+        }
+    }
+    // Frame 20, code 147 on subchannel 1, symbol 2. In the next frame a slot for the request (CID
+    // 0, UIUC 14, one slot at UIUC 1, the frame's last four bits, code, symbol, subchannel, 1); in
+    // the one behind it ten slots of 12 bytes for 110, at UIUC 7 for 22 dB.
+    EXPECT_EQ(strLog, "14 00 00 00 93 00 00 00 01 00 00 00 02 00 00 00");
+    const std::string strRegions = "FF FF C0 00 00 83 0F FF FC 02 00 04 34";
+    ASSERT_EQ(astrMaps.size(), 20U);
+    EXPECT_EQ(astrMaps[0], "15 00: " + strRegions + " 00 00 E0 44 49 30 20 30");
+    EXPECT_EQ(astrMaps[1], "16 00: 01 E0 70 28 " + strRegions);
+}
+
 TEST(Counting, StatisticsAttributesLoggersTraceAndStateAgreeOverAMinute) {
-    ModemBench stBench(strLinkUp + "[signalling]\nmap-period = 0.005\n" + Flow("downlink", "BE") +
-                       Flow("uplink", "BE") + Flow("uplink", "RTPS") +
+    ModemBench stBench(WithOrdinaryMaps(strLinkUp) + "[signalling]\nmap-period = 0.005\n" +
+                       Flow("downlink", "BE") + Flow("uplink", "BE") + Flow("uplink", "RTPS") +
                        Flow("uplink", "UGS", "max-rate = 64000\n") +
                        Generator("downlink", 30000, 700, "sfid = 1\npattern = \"poisson\"\n") +
                        Generator("uplink", 20000, 300, "sfid = 2\npattern = \"poisson\"\n") +
@@ -398,6 +426,7 @@ TEST(Counting, StatisticsAttributesLoggersTraceAndStateAgreeOverAMinute) {
     uint64_t u64CQICH = 0;
     uint64_t u64Maps = 0;
     uint64_t u64MapsWithGrant = 0;
+    uint64_t u64Allocations = 0; // in answer to codes
     const auto Note = [&] {
         for (const std::string &strText : stBench.Messages()) {
             const std::vector<uint8_t> aucBytes = Payload(strText);
@@ -414,7 +443,10 @@ TEST(Counting, StatisticsAttributesLoggersTraceAndStateAgreeOverAMinute) {
             } else if (strText.rfind("21/1:", 0) == 0 && Word(aucBytes, 5) == 3) {
                 ++u64Maps;
                 // Without a grant the first information element is the ranging region's.
-                u64MapsWithGrant += aucBytes.at(18 + 7) == 0xFF ? 0 : 1;
+                const bool bGrant = aucBytes.at(18 + 7) != 0xFF;
+                u64MapsWithGrant += bGrant ? 1 : 0;
+                // They stand behind the ranging regions, 60 bits each.
+                u64Allocations += (aucBytes.size() - (18 + 20) - (bGrant ? 4 : 0)) * 8 / 60;
             }
         }
     };
@@ -445,6 +477,8 @@ TEST(Counting, StatisticsAttributesLoggersTraceAndStateAgreeOverAMinute) {
     EXPECT_EQ(Word(aucStatistics, 56), stTotals.u64Requests);
     EXPECT_LE(stTotals.u64Requests - u64Requested, 2U);
     EXPECT_GT(u64Codes, 1000U);
+    // A code of the last frame is answered in the next one.
+    EXPECT_LE(u64Codes - u64Allocations, 1U);
     EXPECT_LT(u64Codes, stTotals.u64Requests); // the rest was polled
     uint64_t u64DownlinkBursts = 0;
     uint64_t u64DownlinkPDUs = 0;
@@ -577,16 +611,16 @@ TEST(Presence, GrantsAreNotGivenToAModemThatSleeps) {
 TEST(Presence, ASearchTakesTheFramesThatItLasts) {
     ModemBench stBench(strBusy);
     stBench.RunUntil(1);
-    // Six pairs of 50 ms: 60 frames.
+    // Six pairs of 50 ms: 60 frames, less two until the station has it begin.
     EXPECT_EQ(stBench.Send(1, 1,
                            "00*4 02 00 00 00 02 00 00 00 10 27 00 00 88 13 00 00 00*8 00*12"
                            " 03 00 00 00 6C 7B 27 00 40 AC 27 00 90 6F 28 00 00*88"),
               0);
     const Counts stCounts = Between(stBench, 1, 2);
-    EXPECT_EQ(stCounts.u64Frames, 140U);
-    EXPECT_EQ(stCounts.u64Bursts, 140U);
+    EXPECT_EQ(stCounts.u64Frames, 142U);
+    EXPECT_EQ(stCounts.u64Bursts, 142U);
     EXPECT_EQ(stCounts.u64PDUs, 200U);
-    EXPECT_EQ(stCounts.u64CQICH, 18U); // 7 of 25 fall into frames 201 to 260
+    EXPECT_EQ(stCounts.u64CQICH, 18U); // 7 of 25 fall into frames 203 to 260
 }
 
 TEST(Presence, WhatTheQueueDoesNotHoldMeanwhileIsLost) {
@@ -597,10 +631,10 @@ TEST(Presence, WhatTheQueueDoesNotHoldMeanwhileIsLost) {
                            " 03 00 00 00 6C 7B 27 00 40 AC 27 00 90 6F 28 00 00*88"),
               0);
     stBench.RunUntil(2);
-    // 32 packets of 2000 bytes wait; from frame 233 on they are lost, up to 261, in which the
+    // 32 packets of 2000 bytes wait; from frame 235 on they are lost, up to 261, in which the
     // queue begins to go.
-    EXPECT_EQ(ReportOf(stBench, 1).u64Lost, 29U);
-    EXPECT_EQ(ReportOf(stBench, 1).u64Packets, 371U);
+    EXPECT_EQ(ReportOf(stBench, 1).u64Lost, 27U);
+    EXPECT_EQ(ReportOf(stBench, 1).u64Packets, 373U);
 }
 
 TEST(Presence, AnAntennaScanTakesItsFrames) {

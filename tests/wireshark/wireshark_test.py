@@ -241,6 +241,20 @@ class Filters(unittest.TestCase):
         self.assertEqual(dict(zip(wanted, frames)), wanted)
 
 
+class Maps(unittest.TestCase):
+    def test_compressed_maps_in_the_trace_are_shown(self):
+        maps = bytes.fromhex("d0 2b 04 00 00 14 05 0a 03 1d 02 00 10 00 42 97 05 00 18 78 05 00 00 21 "
+                             "c8 12 ff ff c0 00 00 83 0f ff fc 02 00 04 34 de d1 60 3a")
+        writer = capture.Writer()
+        writer.begin()
+        for direction in (0, 1):
+            writer.message(message(21, 1, struct.pack("<BIIiIB", direction, 20, 2, 43, 0xFFFF, 0), maps))
+        text = read(writer.end().bytes(), "-Y", "wmx.dlmapc.compr", "-T", "fields",
+                    "-e", "qor020.traced_message.direction", "-e", "wmx.dlmap.phy_fnum",
+                    "-e", "wmx.compress_dlmap_crc.status", "-e", "wmx.ulmap.ie.uiuc")
+        self.assertEqual(text, "0\t20\t1\t12,12\n")
+
+
 class Recordings(unittest.TestCase):
     def test_nothing_goes_wrong_in_any_recording(self):
         text = read(b"".join(file.read_bytes() for file in RECORDINGS), "-V")
