@@ -138,6 +138,11 @@ std::string Block(uint32_t u32Type, const std::string &strContent) {
     return strBlock;
 }
 
+// Without what fills it up.
+std::string_view NameOf(std::string_view strFilled) {
+    return strFilled.substr(0, strFilled.find('\0'));
+}
+
 // What the tags say; the data behind them.
 struct Tags {
     std::string_view strDecoder;
@@ -194,11 +199,10 @@ bool IsReceived(EventKind eKind) {
 PacketKind ReadPacket(ByteView stData, Event *pstEvent) {
     Tags stTags;
     const bool bWhole = ReadTags(stData, &stTags);
-    if (stTags.strDecoder == strManagementDecoder || stTags.strDecoder == strBurstDecoder) {
+    if (stTags.strDecoder == strManagementDecoder || stTags.strDecoder == NameOf(strBurstDecoder)) {
         return PacketKind::Management;
     }
-    if (stTags.strDecoder != TextOf({reinterpret_cast<const uint8_t *>(strOurDecoder.data()),
-                                     static_cast<uint32_t>(strOurDecoder.size())})) {
+    if (stTags.strDecoder != NameOf(strOurDecoder)) {
         return PacketKind::Foreign;
     }
     using namespace EventLayout;

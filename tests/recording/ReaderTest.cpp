@@ -261,6 +261,15 @@ TEST(ReaderTest, ForeignPacketsAreLeftOut) {
     EXPECT_EQ(stFound.strProblem, "byte 60: a packet that is no part of a recorded session");
 }
 
+TEST(ReaderTest, CompressedMapsBelongToARecording) {
+    // "wimax_pdu_burst_handler"
+    const std::string strMaps =
+        Hex("000c 0017 77696d61785f7064755f62757273745f68616e646c6572 00 0000 0000 C000");
+    const Found stFound = ReadBytes(strHead + Block(strMaps) + Block(strSend));
+    EXPECT_EQ(stFound.au32Numbers, Numbers{9});
+    EXPECT_EQ(stFound.strProblem, "");
+}
+
 TEST(ReaderTest, AFileWithoutEventsIsNoRecording) {
     EXPECT_EQ(ReadBytes(strHead + Block(strManagement)).strProblem,
               "byte 136: no event of a session");
