@@ -13,31 +13,12 @@
 #include <vector>
 
 #include "DiagnosticRecords.h"
+#include "MapsInEveryFrame.h"
 #include "library/Device.h"
 
 namespace {
 
 using Moment = std::chrono::steady_clock::time_point;
-
-// Maps in every frame.
-constexpr const char *pcScenario = R"(
-[device]
-answer-delay = 0
-[start]
-state = "link-up"
-station = "00 12 0A 00 01 01"
-[trace]
-on = true
-[signalling]
-map-period = 0.005
-[[station]]
-bsid = "00 12 0A 00 01 01"
-frequency = 2587500
-bandwidth = 10000
-preamble = 3
-rssi = -58
-cinr = 28
-)";
 
 // The callback has it to itself while the device is there.
 struct Heard {
@@ -81,7 +62,7 @@ std::shared_ptr<Device> Opened(Scenario stScenario) {
 void Live(double fTimeScale, double fSeconds) {
     g_stHeard = {};
     const std::shared_ptr<Device> pstDevice = Opened(Scenario::FromText(
-        "time-scale = " + std::to_string(fTimeScale) + "\n" + pcScenario, "bench"));
+        "time-scale = " + std::to_string(fTimeScale) + "\n" + pcMapsInEveryFrame, "bench"));
     pstDevice->SetCallback(Receive, 0);
     const Moment stBegan = std::chrono::steady_clock::now();
     const double fUsedBefore = Used();

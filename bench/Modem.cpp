@@ -5,30 +5,10 @@
 #include <ctime>
 #include <fstream>
 
+#include "MapsInEveryFrame.h"
 #include "library/WholeModem.h"
 
 namespace {
-
-// Maps in every frame, nothing that varies.
-constexpr const char *pcHead = R"(
-[device]
-answer-delay = 0
-[start]
-state = "link-up"
-station = "00 12 0A 00 01 01"
-[trace]
-on = true
-[signalling]
-map-period = 0.005
-[[station]]
-bsid = "00 12 0A 00 01 01"
-frequency = 2587500
-bandwidth = 10000
-preamble = 3
-rssi = -58
-cinr = 28
-variation = 2
-)";
 
 // Four flows of four types, each with as much as it may carry.
 constexpr const char *pcFlows = R"(
@@ -148,7 +128,8 @@ void Sends(const std::string &strScenario) {
 } // namespace
 
 int main() {
-    Live("maps in every frame", pcHead, false);
-    Live("four loaded flows, all on", std::string(pcHead) + pcFlows, true);
-    Sends(pcHead);
+    const std::string strVarying = pcMapsInEveryFrame + std::string("variation = 2\n");
+    Live("maps in every frame", strVarying, false);
+    Live("four loaded flows, all on", strVarying + pcFlows, true);
+    Sends(strVarying);
 }
