@@ -10,7 +10,7 @@ sections=(
     "tsan        always      the tests under ThreadSanitizer, of what has threads"
     "linter      always      clang-tidy over what is shipped"
     "format      always      the layout of the sources"
-    "benchmarks  always      figures only"
+    "benchmarks  --long      figures only"
     "sweep       --long      every session with each thing that can go wrong, in full"
     "storms      --long      a minute of each storm under the sanitizers"
     "lint-tests  --long      clang-tidy over tests, benchmarks and fuzz targets"
@@ -45,7 +45,7 @@ refuse() {
 
 wanted=" always "
 only=" "
-fuzz_seconds=5
+fuzz_seconds=4
 while [ $# -gt 0 ]; do
     case $1 in
     --machines | --package) wanted+="$1 " ;;

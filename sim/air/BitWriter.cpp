@@ -1,19 +1,28 @@
 #include "air/BitWriter.h"
 
+#include <algorithm>
+
 BitWriter &BitWriter::Bits(uint32_t u32Value, uint32_t u32Width) {
-    for (uint32_t i = u32Width; i > 0; --i) {
+    // As much at a time as the byte under way has room for.
+    for (uint32_t u32Left = u32Width; u32Left > 0;) {
         if (m_u32Free == 0) {
             m_aucBytes.push_back(0);
             m_u32Free = 8;
         }
-        --m_u32Free;
-        const uint32_t u32Bit = (u32Value >> (i - 1)) & 1;
-        m_aucBytes.back() = static_cast<uint8_t>(m_aucBytes.back() | u32Bit << m_u32Free);
+        const uint32_t u32Now = std::min(u32Left, m_u32Free);
+        u32Left -= u32Now;
+        m_u32Free -= u32Now;
+        const uint32_t u32Part = (u32Value >> u32Left) & ((1U << u32Now) - 1);
+        m_aucBytes.back() = static_cast<uint8_t>(m_aucBytes.back() | u32Part << m_u32Free);
     }
     return *this;
 }
 
 BitWriter &BitWriter::Bytes(ByteView stBytes) {
+    if (m_u32Free == 0) {
+        m_aucBytes.insert(m_aucBytes.end(), stBytes.pucData, stBytes.pucData + stBytes.u32Length);
+        return *this;
+    }
     for (uint32_t i = 0; i < stBytes.u32Length; ++i) {
         U8(stBytes.At(i));
     }

@@ -3,6 +3,7 @@
 #ifndef BIT_WRITER_H
 #define BIT_WRITER_H
 
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -11,6 +12,8 @@
 
 class BitWriter {
   public:
+    BitWriter() { m_aucBytes.reserve(uUsual); }
+
     // The low u32Width bits of u32Value, at most 32.
     BitWriter &Bits(uint32_t u32Value, uint32_t u32Width);
     BitWriter &U8(uint32_t u32Value) { return Bits(u32Value, 8); }
@@ -32,6 +35,8 @@ class BitWriter {
     std::vector<uint8_t> Take() { return std::move(m_aucBytes); }
 
   private:
+    static constexpr size_t uUsual = 96; // bytes that most messages do not exceed
+
     std::vector<uint8_t> m_aucBytes;
     uint32_t m_u32Free = 0; // bits of the last byte that are not in use
 };

@@ -147,11 +147,14 @@ TEST_F(Saving, WhatHasBeenAskedTooMuchIsNotSaved) {
     EXPECT_EQ(stDevice.Say("save " + Path("saved")), "ok");
     for (int i = 0; i < 2; ++i) {
         ASSERT_EQ(stDevice.TheDevice()->WriteMemory(0x0F010000, stMuch), 0);
-        EXPECT_EQ(stDevice.Say("save " + Path("saved")),
+        EXPECT_EQ(stDevice.Say("save " + Path("other")),
                   "error the modem has been asked too much to be saved: more than 33554432 bytes");
     }
-    EXPECT_EQ(stDevice.Say("load " + Path("saved")), "ok 0.255000");
-    EXPECT_EQ(stDevice.Say("save " + Path("saved")), "ok");
+    // Another modem has not been asked so much.
+    SteeredDevice stSmall(strEmptyModem);
+    EXPECT_EQ(stSmall.Say("save " + Path("small")), "ok");
+    EXPECT_EQ(stDevice.Say("load " + Path("small")), "ok 0.000000");
+    EXPECT_EQ(stDevice.Say("save " + Path("other")), "ok");
 }
 
 // Another one that lives again.
