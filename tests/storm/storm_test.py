@@ -316,10 +316,6 @@ class SecondSignal(StormTest):
         self.hangs("send", b"2\n1\n", first=signal.SIGHUP, second=signal.SIGINT)
 
     def test_two_hang_ups_in_quick_succession_still_close_the_device(self):
-        if b"__tsan_init" in OPTIONS.client_bytes:
-            # It keeps a signal for later that comes right before a wait, and never looks again: one
-            # of some 500 that come when the menu begins to wait.
-            self.skipTest("the thread sanitizer's runtime loses signals")
         wrong = 0
         for run in range(20):
             with Client(output="file", close_takes=20000, **FLOOD) as client:
