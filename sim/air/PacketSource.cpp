@@ -153,8 +153,9 @@ uint64_t PacketSource::NumberWithin(ModemTime iTime) const {
 
 std::optional<ModemTime> PacketSource::Next() const {
     if (m_ePattern == Pattern::File) {
-        return m_u64Done < m_astListed.size() ? std::optional(m_iStart + m_astListed[m_u64Done].iAt)
-                                              : std::nullopt;
+        return m_u64Done < m_astListed.size()
+                   ? std::optional(m_iStart + m_astListed[static_cast<size_t>(m_u64Done)].iAt)
+                   : std::nullopt;
     }
     if (m_fInterval <= 0) {
         return std::nullopt;
@@ -168,9 +169,9 @@ uint64_t PacketSource::Take(ModemTime iNow,
     bool bTakes = true;
     const bool bCountable = m_ePattern == Pattern::Constant || m_ePattern == Pattern::OnOff;
     for (auto iNext = Next(); iNext && *iNext <= iNow; iNext = Next()) {
-        bTakes =
-            bTakes && pfnTake(*iNext, m_ePattern == Pattern::File ? m_astListed[m_u64Done].u32Size
-                                                                  : m_u32PacketSize);
+        bTakes = bTakes && pfnTake(*iNext, m_ePattern == Pattern::File
+                                               ? m_astListed[static_cast<size_t>(m_u64Done)].u32Size
+                                               : m_u32PacketSize);
         if (!bTakes && bCountable) {
             const uint64_t u64All = NumberWithin(iNow - m_iStart);
             u64Left += u64All - m_u64Done;
